@@ -1,0 +1,117 @@
+// Runs of bytes: opaque data, texts with a length, counted byte arrays.
+
+#include "direction.h"
+
+#include <quorvapixdr/walk.h>
+
+#include <algorithm>
+#include <cstdint>
+
+using namespace quorva;
+
+namespace {
+
+constexpr std::size_t shownCharacters = 4096;  // of opaque data in the trace
+
+// The bytes and their padding. `show` adds them to the trace in between.
+template <class Show>
+int codeOpaque(Xdr* xdrs, unsigned char* bytes, std::uint32_t length, Show show)
+{
+    if (directionOf(xdrs) == Direction::release) return 1;
+    const auto size = static_cast<unsigned short>(length);
+    if (!xdrs->TransferWithoutSwap(bytes, size)) return 0;
+
+    if (walk::traced(xdrs)) {
+        show(size);
+        xdrs->setLineFeed(false);
+    }
+    unsigned char padding[4] = {};
+    return xdrs->TransferWithoutSwap(padding, static_cast<unsigned short>((4 - size % 4) % 4));
+}
+
+unsigned char* newBytes(std::size_t size)
+{
+    return static_cast<unsigned char*>(::operator new[](size, std::nothrow));
+}
+
+}  // namespace
+
+int XdrOpaque(Xdr* xdrs, unsigned char* bytes, std::uint32_t length)
+{
+    return codeOpaque(xdrs, bytes, length, [&](unsigned short size) {
+        char text[shownCharacters + 1];
+        const std::size_t shown = std::min<std::size_t>(size, shownCharacters);
+        if (shown > 0) std::memcpy(text, bytes, shown);
+        text[shown] = '\0';
+        xdrs->addString3(text);
+    });
+}
+
+int XdrOpaque2(Xdr* xdrs, unsigned char* bytes, std::uint32_t length)
+{
+    return codeOpaque(xdrs, bytes, length, [&](unsigned short size) { xdrs->addHexDump(bytes, size); });
+}
+
+int XdrString(Xdr* xdrs, char** string, std::uint32_t maximum)
+{
+    std::uint32_t length = 0;
+    switch (directionOf(xdrs)) {
+    case Direction::release:
+        ::operator delete[](*string);
+        return 1;
+    case Direction::encode: {
+        if (!*string) return 0;
+        const std::size_t characters = std::strlen(*string);
+        if (characters > UINT32_MAX) return 0;
+        length = static_cast<std::uint32_t>(characters);
+        if (!XdrLongNatural2(xdrs, &length) || length > maximum) return 0;
+        break;
+    }
+    case Direction::decode:
+        if (!XdrLongNatural2(xdrs, &length)) return 0;
+        if (std::size_t{length} + 1 == 0) return 0;  // only where a size has 32 bits
+        // The interface wants the storage before the length is judged. Only its ends are touched: an absurd length
+        // costs address space, and what a failure leaves behind is still a text.
+        *string = reinterpret_cast<char*>(newBytes(std::size_t{length} + 1));
+        if (!*string) return 0;
+        (*string)[0] = '\0';
+        (*string)[length] = '\0';
+        if (length > maximum) return 0;
+        break;
+    }
+
+    const auto carried = static_cast<unsigned short>(length);
+    if (!XdrOpaque(xdrs, reinterpret_cast<unsigned char*>(*string), carried)) return 0;
+    // A length beyond 16 bits carries only its low part; what follows was written by nobody.
+    if (carried != length && directionOf(xdrs) == Direction::decode) (*string)[carried] = '\0';
+    return 1;
+}
+
+int XdrWrapString(Xdr* xdrs, void* string)
+{
+    auto* text = static_cast<char*>(string);
+    return XdrString(xdrs, &text, 65535);
+}
+
+int XdrBytes(Xdr* xdrs, unsigned char** bytes, std::uint16_t* count, std::uint32_t maximum)
+{
+    std::uint32_t length = *count;
+    if (!XdrLongNatural2(xdrs, &length)) return 0;
+    *count = static_cast<std::uint16_t>(length);
+    if (*count > maximum) return 0;
+    if (*count == 0) return 1;
+
+    switch (directionOf(xdrs)) {
+    case Direction::release:
+        ::operator delete[](*bytes);
+        return 1;
+    case Direction::encode:
+        if (!*bytes) return 0;
+        break;
+    case Direction::decode:
+        *bytes = newBytes(*count);
+        if (!*bytes) return 0;
+        break;
+    }
+    return XdrOpaque2(xdrs, *bytes, *count);
+}
