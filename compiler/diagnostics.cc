@@ -93,7 +93,7 @@ void Diagnostics::print(std::ostream& out) const
     if (full()) out << "quorvaxdrc: too many faults; only " << limit << " are shown\n";
 }
 
-std::string quoted(std::string_view name)
+std::string inQuotes(std::string_view name)
 {
     std::string shown = "'";
     for (const char c : name.substr(0, longestName)) shown += printable(c);

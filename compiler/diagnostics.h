@@ -45,7 +45,7 @@ private:
 };
 
 // A name from an input as messages show it: in quotes, cut where it is overlong.
-std::string quoted(std::string_view name);
+std::string inQuotes(std::string_view name);
 
 // The place right behind a span, where something is missing.
 Span behind(const Span& span);

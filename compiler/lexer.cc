@@ -173,11 +173,11 @@ void Lexer::number()
     if (digits.empty() || (result != std::errc::result_out_of_range && stop != end)) {
         token.known = false;
         const bool octal = base == 8 && std::all_of(digits.begin(), digits.end(), isDigit);
-        faults_.error(token.at, quoted(token.text) + (octal ? " is no number: a leading 0 makes it octal, and octal has no 8 and 9"
+        faults_.error(token.at, inQuotes(token.text) + (octal ? " is no number: a leading 0 makes it octal, and octal has no 8 and 9"
                                                             : " is no number, and a name cannot begin with a digit"));
     } else if (result == std::errc::result_out_of_range) {
         token.known = false;
-        faults_.error(token.at, "the number " + quoted(token.text) + " is out of range: the API's numbers have 32 bits");
+        faults_.error(token.at, "the number " + inQuotes(token.text) + " is out of range: the API's numbers have 32 bits");
     } else {
         token.number = negative ? -magnitude : magnitude;
     }
@@ -228,7 +228,7 @@ void Lexer::illegal()
     const auto byte = static_cast<unsigned char>(text_[from]);
     std::string what;
     if (byte > 0x20 && byte < 0x7F) {
-        what = quoted(text_.substr(from, 1)) + " is no character of this language";
+        what = inQuotes(text_.substr(from, 1)) + " is no character of this language";
     } else {
         constexpr std::string_view hex = "0123456789ABCDEF";
         what = std::string("the byte 0x") + hex[byte >> 4U] + hex[byte & 15U] +

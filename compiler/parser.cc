@@ -4,7 +4,9 @@
 
 #include "lexer.h"
 
+#include <algorithm>
 #include <array>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -41,7 +43,7 @@ private:
     bool expectName(const std::string& what, std::string& name, Span& at);
     void skipOne();
     void skipBraces();
-    void skipInBody();
+    void skipInBody(std::string_view separator);
     void skipToDefinition(std::size_t start);
     bool startsDefinition() const;
     bool bodyGoesOn(const Span& opened, const std::string& what);
@@ -79,8 +81,8 @@ private:
     Lexed lexed_;
     std::vector<bool> used_;  // comments that belong to something already
     std::size_t pos_ = 0;
-    std::size_t bodyDocAt_ = 0;  // the '{' of the definition at hand, 0 where it has none
-    bool broken_ = false;        // a fault was reported since the definition began
+    std::vector<DocLine> bodyDoc_;  // behind the '{' of the definition at hand
+    bool broken_ = false;           // a fault was reported since the definition began
 };
 
 std::string_view kindWord(Kind kind)
@@ -92,7 +94,7 @@ std::string_view kindWord(Kind kind)
 std::string called(const Definition& definition)
 {
     std::string words(kindWord(definition.kind));
-    if (!definition.name.empty()) words += " " + quoted(definition.name);
+    if (!definition.name.empty()) words += " " + inQuotes(definition.name);
     return words;
 }
 
@@ -114,7 +116,7 @@ bool Parser::accept(std::string_view word)
 
 std::string Parser::found() const
 {
-    return atEnd() ? "the end of the file" : quoted(token().text);
+    return atEnd() ? "the end of the file" : inQuotes(token().text);
 }
 
 void Parser::fault(const Span& at, std::string sentence, std::optional<Note> note)
@@ -152,7 +154,7 @@ bool Parser::expectName(const std::string& what, std::string& name, Span& at)
         return true;
     }
     if (token().kind == TokenKind::keyword) {
-        fault(token().at, quoted(token().text) + " is a word of the language and cannot be the name of " + what);
+        fault(token().at, inQuotes(token().text) + " is a word of the language and cannot be the name of " + what);
         return false;
     }
     unexpected("the name of " + what);
@@ -177,14 +179,14 @@ void Parser::skipBraces()
     } while (depth > 0 && !atEnd() && !(startsDefinition() && token().at.column == 1));
 }
 
-// To behind the next ';', or before the '}' that ends the body.
-void Parser::skipInBody()
+// To behind the next ';' or separator, or before the '}' that ends the body.
+void Parser::skipInBody(std::string_view separator)
 {
     while (!atEnd() && !at("}") && !(startsDefinition() && token().at.column == 1)) {
         if (at("{")) {
             skipBraces();
         } else {
-            const bool last = at(";");
+            const bool last = at(";") || at(separator);
             skipOne();
             if (last) return;
         }
@@ -327,7 +329,7 @@ void Parser::document(Definition& definition, const std::vector<DocLine>& lines)
             continue;
         }
         if (mark.starts_with("@prov")) {
-            fault(line.at, "unknown mark " + quoted(mark) + "; did you mean '@provisional'?");
+            fault(line.at, "unknown mark " + inQuotes(mark) + "; did you mean '@provisional'?");
         }
         rest.push_back(line);
     }
@@ -365,25 +367,19 @@ void Parser::run()
 
 bool Parser::definition()
 {
-    const std::size_t first = pos_;
     const bool named = token(1).kind == TokenKind::name || token(1).kind == TokenKind::keyword;
     if (at("import") && named) return import();
     if (at("program") && named && token(2).is("{")) return program();
-    if (at("}")) {
-        fault(token().at, "this '}' closes nothing");
+    if (at("}") || at(";")) {
+        fault(token().at, at("}") ? "this '}' closes nothing" : "this ';' ends nothing");
         skipOne();
-        if (at(";")) skipOne();
-        return true;
-    }
-    if (at(";")) {
-        fault(token().at, "this ';' ends nothing");
-        skipOne();
+        accept(";");
         return true;
     }
 
     auto made = std::make_unique<Definition>();
-    std::vector<DocLine> doc = docAbove(first);
-    bodyDocAt_ = 0;
+    std::vector<DocLine> doc = docAbove(pos_);
+    bodyDoc_.clear();
     bool complete = false;
     if (at("const")) {
         complete = constant(*made);
@@ -392,14 +388,14 @@ bool Parser::definition()
     } else if (at("enum") || at("struct") || at("union")) {
         made->kind = at("enum") ? Kind::enumeration : at("struct") ? Kind::record : Kind::discriminated;
         ++pos_;
-        complete = expectName(at("{") ? "this " + called(*made) : "the " + called(*made), made->name, made->at) &&
-                   body(*made) && expect(";", "behind the '}' of " + called(*made));
+        complete = expectName("the " + called(*made), made->name, made->at) && body(*made) &&
+                   expect(";", "behind the '}' of " + called(*made));
     } else {
         unexpected("'struct', 'union', 'enum', 'typedef', 'const' or 'import'");
     }
 
     if (!made->name.empty()) {
-        if (bodyDocAt_ > 0 && token(bodyDocAt_ + 1 - pos_).at.line > lexed_.tokens[bodyDocAt_].at.line) {}
+        doc.insert(doc.end(), bodyDoc_.begin(), bodyDoc_.end());
         if (complete) addDocBehind(doc, pos_ - 1);
         document(*made, doc);
         made->broken = broken_;
@@ -407,3 +403,433 @@ bool Parser::definition()
     }
     return complete;
 }
+
+bool Parser::import()
+{
+    Import import;
+    const Token& word = token();
+    ++pos_;
+    Span at = token().at;
+    do {
+        if (token().kind != TokenKind::name && token().kind != TokenKind::keyword) {
+            unexpected("a module's name, such as common/strings");
+            return false;
+        }
+        if (!import.name.empty()) import.name += '/';
+        import.name += token().text;
+        if (token().at.line == at.line) at.length = token().at.column + token().at.length - at.column;
+        ++pos_;
+    } while (accept("/"));
+    import.at = at;
+    constexpr std::size_t longestPath = 255;
+    if (import.name.size() > longestPath) {
+        fault(at, "this module's name is longer than " + std::to_string(longestPath) + " characters");
+        return false;
+    }
+    if (!module_.definitions.empty()) {
+        fault(word.at, "imports stand before the first definition; move this one up to the head of the file",
+              Note{module_.definitions.front()->at, "the first definition is here"});
+    }
+    if (!expect(";", "behind the module's name")) return false;
+    const auto same = std::find_if(module_.imports.begin(), module_.imports.end(),
+                                   [&](const Import& other) { return other.name == import.name; });
+    if (same != module_.imports.end()) {
+        fault(at, "module " + inQuotes(import.name) + " is imported twice", Note{same->at, "first imported here"});
+    } else {
+        module_.imports.push_back(std::move(import));
+    }
+    return true;
+}
+
+// Remote procedures are nobody's business here; the braces are counted and the rest is read over.
+bool Parser::program()
+{
+    pos_ += 2;
+    const Span opened = token().at;
+    unsigned depth = 0;
+    do {
+        if (at("{")) ++depth;
+        if (at("}")) --depth;
+        ++pos_;
+    } while (depth > 0 && !atEnd());
+    if (depth > 0) {
+        fault(behind(previous().at), "expected '}' at the end of the program", Note{opened, "opened here"});
+        return false;
+    }
+    if (accept("=") && token().kind == TokenKind::number) ++pos_;
+    return expect(";", "behind the program");
+}
+
+bool Parser::constant(Definition& definition)
+{
+    ++pos_;
+    definition.kind = Kind::constant;
+    return expectName("the constant", definition.name, definition.at) &&
+           expect("=", "behind " + called(definition)) && value(definition.constant, "the value of the constant") &&
+           expect(";", "behind the value of " + called(definition));
+}
+
+// `typedef struct { ... } Name;` defines the struct itself, as in RFC 4506.
+bool Parser::typeDefinition(Definition& definition)
+{
+    ++pos_;
+    const bool enumBody = at("enum") && (token(1).is("{") || token(2).is("{"));
+    const bool recordBody = at("struct") && (token(1).is("{") || token(2).is("{"));
+    const bool unionBody = at("union") && (token(1).is("switch") || token(2).is("switch"));
+    if (enumBody || recordBody || unionBody) {
+        definition.kind = enumBody ? Kind::enumeration : recordBody ? Kind::record : Kind::discriminated;
+        ++pos_;
+        const bool tagged = !at("{") && !at("switch");
+        const Token& tag = token();
+        if (tagged) ++pos_;
+        if (!body(definition) || !expectName("this " + called(definition), definition.name, definition.at)) return false;
+        if (tagged && !tag.is(definition.name)) {
+            fault(tag.at, "this " + std::string(kindWord(definition.kind)) + " has two names, " + inQuotes(tag.text) +
+                              " and " + inQuotes(definition.name) + "; define it once and write a typedef for the other");
+        }
+        if (!at(";") && !startsLine()) {
+            fault(token().at, "define the " + std::string(kindWord(definition.kind)) +
+                                  " under its own name first, then write a typedef of that name");
+            return false;
+        }
+        return expect(";", "behind " + called(definition));
+    }
+
+    definition.kind = Kind::definedAs;
+    Declaration& target = definition.target;
+    const bool complete = declaration(target, "type");
+    definition.name = target.name;
+    definition.at = target.at;
+    if (complete && target.form == Form::nothing) {
+        fault(target.at, "'void' is no type that could have another name");
+        return false;
+    }
+    return complete && endOfDeclaration(called(definition));
+}
+
+bool Parser::body(Definition& definition)
+{
+    if (definition.kind == Kind::discriminated) {
+        Declaration& discriminant = definition.discriminant;
+        discriminant.form = Form::single;
+        const std::size_t first = pos_ + 2;
+        if (!expect("switch", "behind " + called(definition)) || !expect("(", "behind 'switch'") ||
+            !typeSpecifier(discriminant.type) || !expectName("the discriminant", discriminant.name, discriminant.at) ||
+            !expect(")", "behind the discriminant")) {
+            return false;
+        }
+        std::vector<DocLine> doc;
+        addDocInside(doc, std::min(first, pos_ - 1) - 1, pos_ - 1);
+        discriminant.doc = memberDoc(doc);
+    }
+    const Span opened = token().at;
+    if (!expect("{", "behind " + called(definition))) return false;
+    if (token().at.line > previous().at.line) addDocBehind(bodyDoc_, pos_ - 1);
+
+    while (bodyGoesOn(opened, called(definition))) {
+        bool complete = false;
+        switch (definition.kind) {
+        case Kind::enumeration: complete = enumeration(definition); break;
+        case Kind::record: complete = record(definition); break;
+        case Kind::discriminated: complete = arm(definition); break;
+        case Kind::constant:
+        case Kind::definedAs: break;
+        }
+        if (!complete) skipInBody(definition.kind == Kind::enumeration ? "," : ";");
+    }
+    // Where the '}' is missing, bodyGoesOn() has said so.
+    if (!accept("}")) return false;
+    return true;
+}
+
+// One enumerator and the ',' behind it.
+bool Parser::enumeration(Definition& definition)
+{
+    Enumerator made;
+    std::vector<DocLine> doc = docAbove(pos_);
+    if (!expectName("an enumerator", made.name, made.at) ||
+        !expect("=", "and a number behind enumerator " + inQuotes(made.name)) ||
+        !value(made.value, "the value of " + inQuotes(made.name))) {
+        return false;
+    }
+    addDocBehind(doc, pos_ - 1);
+    if (accept(",")) {
+        addDocBehind(doc, pos_ - 1);
+        if (at("}")) fault(previous().at, "no enumerator follows this ','; remove it");
+    } else if (token().kind == TokenKind::name && token(1).is("=")) {
+        fault(behind(previous().at), "expected ',' behind enumerator " + inQuotes(made.name));
+    } else if (at(";")) {
+        fault(token().at, "enumerators are parted by ',', not by ';'");
+        ++pos_;
+    } else if (!at("}") && !atEnd() && !startsDefinition()) {
+        unexpected("',' or '}' behind enumerator " + inQuotes(made.name));
+        return false;
+    }
+    made.doc = memberDoc(doc);
+    definition.enumerators.push_back(std::move(made));
+    return true;
+}
+
+bool Parser::record(Definition& definition)
+{
+    Declaration field;
+    const std::size_t first = pos_;
+    std::vector<DocLine> doc = docAbove(first);
+    const bool complete = declaration(field, "field");
+    if (!complete && field.name.empty()) return false;
+    const bool ended = complete && endOfDeclaration("field " + inQuotes(field.name));
+    if (ended) addDocBehind(doc, pos_ - 1);
+    field.doc = memberDoc(doc);
+    definition.fields.push_back(std::move(field));
+    return ended;
+}
+
+bool Parser::arm(Definition& definition)
+{
+    Arm arm;
+    const std::size_t first = pos_;
+    const bool isDefault = at("default");
+    const Span begin = token().at;
+    std::vector<DocLine> doc = docAbove(first);
+    if (isDefault) {
+        ++pos_;
+        if (!expect(":", "behind 'default'")) return false;
+    } else if (!at("case")) {
+        unexpected("'case', 'default' or '}' in " + called(definition));
+        return false;
+    }
+    while (accept("case")) {
+        Value label;
+        if (!value(label, "the value of a case")) return false;
+        arm.cases.push_back(label);
+        if (at(",")) {
+            fault(token().at, "one value to a 'case': write 'case " + std::string(previous().text) + ": case ...:'");
+            return false;
+        }
+        if (!expect(":", "behind the value of a case")) return false;
+    }
+    if (!isDefault && at("default")) {
+        fault(token().at, "'default' stands by itself, not together with cases");
+        return false;
+    }
+    const bool complete = declaration(arm.declaration, "arm");
+    if (!complete && arm.declaration.name.empty()) return false;
+    const bool ended = complete && endOfDeclaration(arm.declaration.form == Form::nothing
+                                                        ? "'void'"
+                                                        : "arm " + inQuotes(arm.declaration.name));
+    if (ended) {
+        addDocInside(doc, first, pos_ - 1);
+        addDocBehind(doc, pos_ - 1);
+    }
+    arm.declaration.doc = memberDoc(doc);
+    if (!isDefault) {
+        definition.arms.push_back(std::move(arm));
+    } else if (definition.defaultArm) {
+        fault(begin, called(definition) + " has two default arms",
+              Note{definition.defaultArm->declaration.at, "the first is here"});
+    } else {
+        definition.defaultArm = std::move(arm);
+    }
+    return ended;
+}
+
+bool Parser::endOfDeclaration(const std::string& what)
+{
+    if (at(",")) {
+        fault(token().at, "one name to a declaration: end it with ';' and repeat the type");
+        return false;
+    }
+    return expect(";", "behind " + what);
+}
+
+// Leaves the name set where it could be read, so that a fault behind it does not hide the declaration.
+bool Parser::declaration(Declaration& declaration, const std::string& what)
+{
+    if (at("void")) {
+        declaration.form = Form::nothing;
+        declaration.at = token().at;
+        ++pos_;
+        if (at("*") || token().kind == TokenKind::name) {
+            fault(previous().at, "'void' holds nothing and takes no name");
+            return false;
+        }
+        return true;
+    }
+    if (at("string") || at("opaque")) {
+        declaration.form = at("string") ? Form::string : Form::bytes;
+        ++pos_;
+    } else {
+        declaration.form = Form::single;
+        if (!typeSpecifier(declaration.type)) return false;
+    }
+    return declarator(declaration, what);
+}
+
+// The name, with the '*' before it or the brackets behind it, and whether the API has this form.
+bool Parser::declarator(Declaration& declaration, const std::string& what)
+{
+    const bool text = declaration.form == Form::string;
+    const bool bytes = declaration.form == Form::bytes;
+    const Span star = token().at;
+    const bool optional = accept("*");
+    if (!expectName("the " + what, declaration.name, declaration.at)) return false;
+    const std::string& name = declaration.name;
+
+    if (optional) {
+        if (text) {
+            fault(star, "a string is never optional; write 'string " + name + "<>', which may be empty");
+        } else if (bytes) {
+            fault(star, "opaque bytes are never optional; write 'opaque " + name + "<>', which may be empty");
+        } else {
+            declaration.form = Form::optional;
+        }
+    }
+    const Span bracket = token().at;
+    const bool counted = at("<");
+    if (!counted && !at("[")) {
+        if (!optional && text) fault(declaration.at, "a string needs a maximum: write 'string " + name + "<n>', or '<>'");
+        if (!optional && bytes) {
+            fault(declaration.at, "opaque bytes need a number: write 'opaque " + name + "<n>' for at most n bytes, '" +
+                                      name + "[n]' for exactly n");
+        }
+        return true;
+    }
+    ++pos_;
+    if (!bound(declaration, counted ? ">" : "]")) return false;
+
+    if (optional && !text && !bytes) {
+        fault(bracket, "a value is optional or repeated, not both; write a typedef for the " +
+                           std::string(counted ? "list" : "vector") + " and make that optional");
+        declaration.written.reset();
+    } else if (text && !counted) {
+        fault(bracket, "a string has no fixed length: write 'string " + name + "<n>' for text of at most n characters, "
+                           "'opaque " + name + "[n]' for exactly n bytes");
+    } else if (bytes && !counted) {
+        declaration.form = Form::opaque;
+    } else if (!text && !bytes) {
+        declaration.form = counted ? Form::list : Form::vector;
+    }
+    if (!counted && !declaration.written && declaration.form != Form::optional && !text) {
+        fault(bracket, "a vector needs its number of elements; write " + inQuotes(name + "[n]") + ", or " +
+                           inQuotes(name + "<>") + " for a list");
+    }
+    if (at("[") || at("<")) {
+        fault(token().at, "only one dimension to a declaration; write a typedef for the inner one");
+        return false;
+    }
+    return true;
+}
+
+bool Parser::bound(Declaration& declaration, std::string_view close)
+{
+    if (!at(close)) {
+        Value written;
+        if (!value(written, "a number")) return false;
+        declaration.written = written;
+    }
+    return expect(close, "behind the number of " + inQuotes(declaration.name));
+}
+
+bool Parser::typeSpecifier(TypeRef& type)
+{
+    type.at = token().at;
+    const auto builtin = [&](const char* name, Builtin which) {
+        type.name = name;
+        type.builtin = which;
+        ++pos_;
+        return true;
+    };
+    if (at("int")) return builtin("LongInteger", Builtin::LongInteger);
+    if (at("bool")) return builtin("Boolean", Builtin::Boolean);
+    if (at("float")) return builtin("Float", Builtin::Float);
+    if (at("unsigned")) return unsignedSpecifier(type);
+    if (at("struct") || at("union") || at("enum")) return taggedSpecifier(type);
+    if (at("hyper") || at("double") || at("quadruple")) {
+        const std::string word(token().text);
+        fault(type.at, "'" + word + "' takes " + (word == "quadruple" ? "16" : "8") +
+                           " bytes, and this API moves single units of 4; " +
+                           (word == "hyper" ? "use two 'unsigned int'" : "use 'float'"));
+        return builtin("LongInteger", Builtin::LongInteger);
+    }
+    if (at("string") || at("opaque")) {
+        fault(type.at, inQuotes(token().text) + " cannot be a discriminant");
+        return false;
+    }
+    if (token().kind == TokenKind::name) {
+        type.name = token().text;
+        ++pos_;
+        return true;
+    }
+    unexpected("a type");
+    return false;
+}
+
+bool Parser::unsignedSpecifier(TypeRef& type)
+{
+    type.name = "LongNatural";
+    type.builtin = Builtin::LongNatural;
+    ++pos_;
+    const auto extend = [&] {
+        if (token().at.line == type.at.line) type.at.length = token().at.column + token().at.length - type.at.column;
+        ++pos_;
+    };
+    if (at("int")) {
+        extend();
+    } else if (at("hyper")) {
+        extend();
+        fault(type.at, "'unsigned hyper' takes 8 bytes, and this API moves single units of 4; use two 'unsigned int'");
+    } else if (at("long") || at("short") || at("char")) {
+        const std::string instead = at("long") ? "unsigned int" : at("short") ? "Natural" : "ShortNatural";
+        const std::string word(token().text);
+        extend();
+        fault(type.at, "'unsigned " + word + "' is no type of this language; write '" + instead + "'");
+    }
+    return true;
+}
+
+// `struct Name` as rpcgen files write it, or a body in the middle of a declaration, which has no name for its routine.
+bool Parser::taggedSpecifier(TypeRef& type)
+{
+    const std::string word(token().text);
+    type.keyword = at("struct") ? Kind::record : at("union") ? Kind::discriminated : Kind::enumeration;
+    ++pos_;
+    const bool hasBody = at("{") || at("switch") || token(1).is("{") || token(1).is("switch");
+    if (!hasBody) {
+        type.at = token().at;
+        return expectName("a " + word, type.name, type.at);
+    }
+    fault(type.at, "every type needs a definition of its own, because its routine bears its name; move this " + word +
+                       " out of the declaration");
+    while (!at("{") && !at(";") && !at("}") && !atEnd()) skipOne();
+    if (!at("{")) return false;
+    skipBraces();
+    type.keyword.reset();
+    type.name = "LongInteger";  // stands in, so that the rest of the declaration is looked at
+    type.builtin = Builtin::LongInteger;
+    return true;
+}
+
+bool Parser::value(Value& value, const std::string& what)
+{
+    if (token().kind != TokenKind::number && token().kind != TokenKind::name) {
+        unexpected(what + ", a number or a constant's name");
+        return false;
+    }
+    value.text = token().text;
+    value.at = token().at;
+    value.isName = token().kind == TokenKind::name;
+    value.known = !value.isName && token().known;
+    value.number = token().number;
+    if (!value.isName && !value.known) broken_ = true;
+    ++pos_;
+    return true;
+}
+
+}  // namespace
+
+void parse(Module& module, Diagnostics& faults)
+{
+    Parser(module, faults).run();
+}
+
+}  // namespace quorva::compiler

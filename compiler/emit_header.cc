@@ -1,0 +1,315 @@
+// Prints the public header of a module.
+#include "emit.h"
+#include "emit_model.h"
+#include "emit_text.h"
+
+#include <cstdint>
+#include <limits>
+#include <set>
+#include <unordered_set>
+
+namespace quorva::compiler {
+
+namespace {
+
+// Names that are members of the structure being printed. A type or constant of the same name is written with :: there,
+// or its name would change its meaning within the structure.
+using MemberNames = std::unordered_set<std::string>;
+
+std::string inScope(const std::string& name, const MemberNames& members)
+{
+    return members.contains(name) ? "::" + name : name;
+}
+
+std::string bound(const Declaration& declaration, const MemberNames& members = {})
+{
+    const auto& written = declaration.written;
+    if (written && written->owner && written->owner->kind == Kind::constant) return inScope(written->text, members);
+    return std::to_string(declaration.bound);
+}
+
+// ---- Comments -------------------------------------------------------------------------------------------------------
+
+// The documentation of a definition and its provisional mark.
+std::string docOf(const Definition& definition)
+{
+    if (!definition.provisional) return definition.doc;
+    const std::string mark =
+        definition.provisional->empty() ? "Provisional." : "Provisional: " + *definition.provisional;
+    return definition.doc.empty() ? mark : definition.doc + "\n" + mark;
+}
+
+// What the C++ declaration does not show of the declaration.
+std::string limitOf(const Declaration& declaration)
+{
+    switch (declaration.form) {
+    case Form::string: return "at most " + bound(declaration) + " characters";
+    case Form::bytes: return declaration.written ? "at most " + bound(declaration) + " bytes" : "";
+    case Form::list: return declaration.written ? "at most " + bound(declaration) + " elements" : "";
+    case Form::optional: return "null when absent";
+    default: return "";
+    }
+}
+
+std::string casesOf(const std::vector<const Value*>& values)
+{
+    std::vector<std::string> words;
+    for (const Value* value : values) words.push_back(value->text);
+    return (words.size() == 1 ? "case " : "cases ") + joined(words);
+}
+
+// A line of comment alone, within a body.
+void addRemark(std::vector<BodyLine>& lines, const std::string& remark, std::size_t indent)
+{
+    for (const std::string& line : wrapped(remark, lineWidth - indent - 3)) lines.push_back({"// " + line, "", ""});
+}
+
+// ---- Declarations ---------------------------------------------------------------------------------------------------
+
+std::string typeName(const Declaration& declaration, const MemberNames& members)
+{
+    return inScope(declaration.type.name, members);
+}
+
+// A field or an arm as a member of its structure.
+std::string memberOf(const Declaration& declaration, const MemberNames& members)
+{
+    const std::string& name = declaration.name;
+    switch (declaration.form) {
+    case Form::single: return typeName(declaration, members) + " " + name + ";";
+    case Form::vector: return typeName(declaration, members) + " " + name + "[" + bound(declaration, members) + "];";
+    case Form::list: return "quorva::Counted<" + typeName(declaration, members) + "> " + name + ";";
+    case Form::optional: return typeName(declaration, members) + "* " + name + ";";
+    case Form::string: return "char* " + name + ";";
+    case Form::bytes: return "quorva::Counted<unsigned char> " + name + ";";
+    case Form::opaque: return "unsigned char " + name + "[" + bound(declaration, members) + "];";
+    case Form::nothing: return "";
+    }
+    return "";
+}
+
+// The type of a typedef that is another name.
+std::string typeOf(const Declaration& declaration)
+{
+    switch (declaration.form) {
+    case Form::single: return declaration.type.name;
+    case Form::vector: return declaration.type.name + "[" + bound(declaration) + "]";
+    case Form::optional: return declaration.type.name + "*";
+    case Form::string: return "char*";
+    case Form::opaque: return "unsigned char[" + bound(declaration) + "]";
+    default: return "";
+    }
+}
+
+MemberNames memberNamesOf(const Definition& definition)
+{
+    MemberNames names;
+    for (const Declaration* declaration : declarationsOf(definition)) names.insert(declaration->name);
+    return names;
+}
+
+// ---- Definitions, one function for each kind ------------------------------------------------------------------------
+
+std::string constantType(std::int64_t number)
+{
+    if (number >= std::numeric_limits<std::int32_t>::min() && number <= std::numeric_limits<std::int32_t>::max())
+        return "std::int32_t";
+    return number >= 0 && number <= std::numeric_limits<std::uint32_t>::max() ? "std::uint32_t" : "std::int64_t";
+}
+
+std::string constantValue(const Value& value)
+{
+    if (value.number == std::numeric_limits<std::int64_t>::min())
+        return std::to_string(value.number + 1) + " - 1";  // C++ has no literal for it
+    return value.isName ? std::to_string(value.number) : value.text;
+}
+
+BodyLine constant(const Definition& definition)
+{
+    const Value& value = definition.constant;
+    return {"inline constexpr " + constantType(value.number) + " " + definition.name + " = " + constantValue(value) + ";",
+            "", docOf(definition)};
+}
+
+std::string enumeration(const Definition& definition)
+{
+    std::vector<BodyLine> lines;
+    for (const Enumerator& enumerator : definition.enumerators)
+        lines.push_back({enumerator.name + " = " + std::to_string(enumerator.value.number) + ",", "", enumerator.doc});
+    return "enum class " + definition.name + " : std::int32_t {\n" + body(lines, indentWidth) + "};\n";
+}
+
+std::string record(const Definition& definition)
+{
+    const MemberNames members = memberNamesOf(definition);
+    std::vector<BodyLine> lines;
+    for (const Declaration& field : definition.fields)
+        lines.push_back({memberOf(field, members), limitOf(field), field.doc});
+    return "struct " + definition.name + " {\n" + body(lines, indentWidth) + "};\n";
+}
+
+void addVoidCases(std::vector<BodyLine>& lines, const Definition& definition, std::size_t indent)
+{
+    if (const auto cases = voidCasesOf(definition); !cases.empty())
+        addRemark(lines, casesOf(cases) + ": nothing", indent);
+    if (definition.defaultArm) addRemark(lines, "any other value: nothing", indent);
+}
+
+std::string arms(const Definition& definition, const MemberNames& members)
+{
+    const std::size_t indent = 2 * indentWidth;
+    std::vector<BodyLine> lines;
+    for (const ArmMember& arm : armMembersOf(definition)) {
+        const std::string limit = limitOf(*arm.declaration);
+        lines.push_back({memberOf(*arm.declaration, members),
+                         casesOf(arm.cases) + (limit.empty() ? "" : ": " + limit), arm.doc});
+    }
+    addVoidCases(lines, definition, indent);
+    return "    union {\n" + body(lines, indent) + "    };\n";
+}
+
+std::string discriminated(const Definition& definition)
+{
+    const MemberNames members = memberNamesOf(definition);
+    const bool hasArms = !armMembersOf(definition).empty();
+    std::vector<BodyLine> lines = {{memberOf(definition.discriminant, members), "", definition.discriminant.doc}};
+    if (!hasArms) addVoidCases(lines, definition, indentWidth);
+    return "struct " + definition.name + " {\n" + body(lines, indentWidth) +
+           (hasArms ? arms(definition, members) : "") + "};\n";
+}
+
+std::string counted(const Definition& definition)
+{
+    const MemberNames members = {"count", "elements"};
+    const std::string element =
+        definition.target.form == Form::bytes ? "unsigned char" : typeName(definition.target, members);
+    const std::string limit = definition.target.written ? "at most " + bound(definition.target) : "";
+    return "struct " + definition.name + " {\n" +
+           body({{"std::uint16_t count;", limit, ""}, {element + "* elements;", "", ""}}, indentWidth) + "};\n";
+}
+
+BodyLine otherName(const Definition& definition)
+{
+    return {"using " + definition.name + " = " + typeOf(definition.target) + ";", limitOf(definition.target),
+            docOf(definition)};
+}
+
+void add(Paragraphs& out, const Definition& definition)
+{
+    const std::string doc = lineComment(docOf(definition));
+    switch (definition.kind) {
+    case Kind::constant: return out.add(constant(definition));
+    case Kind::enumeration: return out.add(doc + enumeration(definition));
+    case Kind::record: return out.add(doc + record(definition));
+    case Kind::discriminated: return out.add(doc + discriminated(definition));
+    case Kind::definedAs:
+        return isCounted(definition) ? out.add(doc + counted(definition)) : out.add(otherName(definition));
+    }
+}
+
+// ---- The parts of the header ----------------------------------------------------------------------------------------
+
+// Names that the definition puts behind a pointer before the header comes to define them.
+std::string forwardDeclarations(const Definition& user, std::unordered_set<const Definition*>& declared)
+{
+    std::string out;
+    for (const Declaration* declaration : declarationsOf(user)) {
+        const Definition* used = declaration->type.definition;
+        if (!used || used == &user || used->at.source != user.at.source || !canBeForward(*used)) continue;
+        if (declared.insert(used).second) out += "struct " + used->name + ";\n";
+    }
+    return out;
+}
+
+std::string constants(const Module& module)
+{
+    Paragraphs out;
+    for (const Definition* definition : constantsOf(module)) add(out, *definition);
+    return out.text();
+}
+
+// Types in an order that C++ accepts.
+std::string types(const Module& module)
+{
+    Paragraphs out;
+    std::unordered_set<const Definition*> declared;
+    for (const Definition* definition : declarationOrder(typesOf(module))) {
+        if (const std::string ahead = forwardDeclarations(*definition, declared); !ahead.empty()) out.add(ahead);
+        add(out, *definition);
+        declared.insert(definition);
+    }
+    return out.text();
+}
+
+std::string nameFunctions(const Module& module)
+{
+    std::string out;
+    for (const Definition* definition : typesOf(module))
+        if (definition->kind == Kind::enumeration)
+            out += "QUORVA_EXPORT const char* " + definition->name + "String(int value);\n";
+    if (out.empty()) return "";
+    return "// The name of the enumerator that has the value, else \"Error_in_Function\".\n" + out;
+}
+
+std::string routines(const Module& module)
+{
+    std::string out;
+    for (const Definition* definition : typesOf(module))
+        out += "QUORVA_EXPORT int Xdr" + definition->name + "(Xdr* xdrs, void* object);\n";
+    if (out.empty()) return "";
+    return "extern \"C\" {\n\n// The coding routines, each over one object of its type.\n" + out +
+           "\n}  // extern \"C\"\n";
+}
+
+std::string coders(const Module& module)
+{
+    std::string out;
+    for (const Definition* definition : typesOf(module)) {
+        const std::string& name = definition->name;
+        out += "inline constexpr quorva::Coder<::" + name + "> " + name + " = {Xdr" + name + ", \"" + name + "\"};\n";
+    }
+    return out.empty() ? "" : "namespace quorva::coder {\n" + out + "}  // namespace quorva::coder\n";
+}
+
+std::string coderChoices(const Module& module)
+{
+    std::string out;
+    for (const Definition* definition : typesOf(module))
+        if (const std::string& name = definition->name; isOwnType(*definition))
+            out += "template <>\ninline constexpr Coder<::" + name + "> coderOf<::" + name + "> = coder::" + name + ";\n";
+    return out.empty() ? "" : "namespace quorva {\n" + out + "}  // namespace quorva\n";
+}
+
+std::string banner(const Module& module)
+{
+    const std::string& name = module.source.module;
+    return lineComment(name + ".h: made from " + name + ".x by quorvaxdrc. Change the interface file, not this one.") +
+           (module.doc.empty() ? "" : "//\n" + lineComment(module.doc));
+}
+
+std::string includes(const Module& module)
+{
+    std::set<std::string> ours = {"primitives"};
+    for (const Import& import : module.imports) ours.insert(import.name);
+    std::string out;
+    for (const std::string& name : ours) out += "#include <quorvapixdr/" + name + ".h>\n";
+    return out + "\n#include <cstdint>\n";
+}
+
+}  // namespace
+
+std::string emitHeader(const Module& module)
+{
+    return sections({
+        banner(module) + "#pragma once\n",
+        includes(module),
+        constants(module),
+        types(module),
+        nameFunctions(module),
+        routines(module),
+        coders(module),
+        coderChoices(module),
+    });
+}
+
+}  // namespace quorva::compiler

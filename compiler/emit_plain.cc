@@ -1,0 +1,207 @@
+// Prints a program as one file in the XDR language of RFC 4506, in the subset that every XDR tool reads.
+#include "emit.h"
+#include "emit_model.h"
+#include "emit_text.h"
+
+#include <algorithm>
+#include <iterator>
+#include <unordered_set>
+
+namespace quorva::compiler {
+
+namespace {
+
+// Words that other XDR compilers keep for themselves, or that are reserved in the C which they print.
+bool isReserved(const std::string& name)
+{
+    static constexpr const char* words[] = {
+        "auto",     "bool",     "break",    "case",      "char",    "const",    "continue", "default",  "do",
+        "double",   "else",     "enum",     "extern",    "float",   "for",      "goto",     "hyper",    "if",
+        "inline",   "int",      "long",     "opaque",    "program", "quad",     "quadruple", "register", "restrict",
+        "return",   "short",    "signed",   "sizeof",    "static",  "string",   "struct",   "switch",   "typedef",
+        "union",    "unsigned", "version",  "void",      "volatile", "while",   "TRUE",     "FALSE",
+    };
+    return std::find(std::begin(words), std::end(words), name) != std::end(words);
+}
+
+std::string spelled(const std::string& name)
+{
+    return isReserved(name) ? name + "_" : name;
+}
+
+// The type that carries the same units, for tools that know no narrow integers.
+std::string wireType(Builtin builtin)
+{
+    switch (builtin) {
+    case Builtin::LongInteger:
+    case Builtin::Integer: return "int";
+    case Builtin::LongNatural:
+    case Builtin::Natural:
+    case Builtin::ShortInteger:
+    case Builtin::ShortNatural:
+    case Builtin::UINT: return "unsigned int";
+    case Builtin::Boolean: return "bool";
+    case Builtin::Float: return "float";
+    case Builtin::none: return "";
+    }
+    return "";
+}
+
+// Prints definitions and keeps in mind which of them are out already.
+class Printer {
+public:
+    explicit Printer(const PlainOptions& options) : prefix_(options.prefix) {}
+
+    std::string module(const Module& module);
+
+private:
+    // Types, enumerators and constants share one name space in C.
+    std::string global(const std::string& name) const { return spelled(prefix_ + name); }
+
+    std::string type(const TypeRef& type, const Definition& user) const;
+    std::string bound(const Declaration& declaration) const;
+    std::string label(const Value& value, const Discriminant& discriminant) const;
+    std::string declaration(const Declaration& declaration, const std::string& name, const Definition& user) const;
+
+    std::string constant(const Definition& definition) const;
+    std::string enumeration(const Definition& definition) const;
+    std::string record(const Definition& definition) const;
+    std::string discriminated(const Definition& definition) const;
+    std::string definedAs(const Definition& definition) const;
+    std::string definition(const Definition& definition) const;
+
+    std::string prefix_;
+    std::unordered_set<const Definition*> printed_;
+};
+
+// A type that is still to come is one that the user's own definition leads back to. There, and only there, C compilers
+// need the keyword before the name, which other tools read over.
+std::string Printer::type(const TypeRef& type, const Definition& user) const
+{
+    if (!type.definition) return wireType(type.builtin);
+    const bool isAhead = type.definition != &user && !printed_.contains(type.definition);
+    const bool isStructure = type.definition->kind == Kind::record || type.definition->kind == Kind::discriminated;
+    return (isAhead && isStructure ? "struct " : "") + global(type.definition->name);
+}
+
+std::string Printer::bound(const Declaration& declaration) const
+{
+    const auto& written = declaration.written;
+    if (written && written->owner && written->owner->kind == Kind::constant) return global(written->text);
+    return std::to_string(declaration.bound);
+}
+
+std::string Printer::label(const Value& value, const Discriminant& discriminant) const
+{
+    if (discriminant.builtin == Builtin::Boolean) return value.number ? "TRUE" : "FALSE";
+    if (discriminant.enumeration)
+        for (const Enumerator& enumerator : discriminant.enumeration->enumerators)
+            if (enumerator.value.number == value.number) return global(enumerator.name);
+    return std::to_string(value.number);
+}
+
+std::string Printer::declaration(const Declaration& declaration, const std::string& name, const Definition& user) const
+{
+    switch (declaration.form) {
+    case Form::single: return type(declaration.type, user) + " " + name + ";";
+    case Form::vector: return type(declaration.type, user) + " " + name + "[" + bound(declaration) + "];";
+    case Form::list: return type(declaration.type, user) + " " + name + "<" + bound(declaration) + ">;";
+    case Form::optional: return type(declaration.type, user) + " *" + name + ";";
+    case Form::string: return "string " + name + "<" + bound(declaration) + ">;";
+    case Form::bytes: return "opaque " + name + "<" + bound(declaration) + ">;";
+    case Form::opaque: return "opaque " + name + "[" + bound(declaration) + "];";
+    case Form::nothing: return "void;";
+    }
+    return "";
+}
+
+std::string Printer::constant(const Definition& definition) const
+{
+    return "const " + global(definition.name) + " = " + std::to_string(definition.constant.number) + ";\n";
+}
+
+std::string Printer::enumeration(const Definition& definition) const
+{
+    std::string out = "enum " + global(definition.name) + " {\n";
+    for (const Enumerator& each : definition.enumerators)
+        out += blockComment(each.doc, indentWidth) + "    " + global(each.name) + " = " +
+               std::to_string(each.value.number) + (&each == &definition.enumerators.back() ? "\n" : ",\n");
+    return out + "};\n";
+}
+
+std::string Printer::record(const Definition& definition) const
+{
+    std::string out = "struct " + global(definition.name) + " {\n";
+    for (const Declaration& field : definition.fields)
+        out += blockComment(field.doc, indentWidth) + "    " + declaration(field, spelled(field.name), definition) + "\n";
+    return out + "};\n";
+}
+
+// Arms that share a member are brought together, because the C that is made from the file has one member for each arm.
+std::string Printer::discriminated(const Definition& definition) const
+{
+    const Discriminant discriminant = discriminantOf(definition);
+    std::string out = "union " + global(definition.name) + " switch (" + type(definition.discriminant.type, definition) +
+                      " " + spelled(definition.discriminant.name) + ") {\n";
+    const auto add = [&](const std::vector<const Value*>& cases, const Declaration& arm, const std::string& doc) {
+        for (const Value* value : cases) out += "case " + label(*value, discriminant) + ":\n";
+        out += blockComment(doc, indentWidth) + "    " + declaration(arm, spelled(arm.name), definition) + "\n";
+    };
+
+    for (const ArmMember& arm : armMembersOf(definition)) add(arm.cases, *arm.declaration, arm.doc);
+    for (const Arm& arm : definition.arms) {
+        if (arm.declaration.form != Form::nothing) continue;
+        std::vector<const Value*> cases;
+        for (const Value& value : arm.cases) cases.push_back(&value);
+        add(cases, arm.declaration, arm.declaration.doc);
+    }
+    if (definition.defaultArm) out += "default:\n    void;\n";
+    return out + "};\n";
+}
+
+std::string Printer::definedAs(const Definition& definition) const
+{
+    return "typedef " + declaration(definition.target, global(definition.name), definition) + "\n";
+}
+
+std::string Printer::definition(const Definition& definition) const
+{
+    std::string doc = definition.doc;
+    if (definition.provisional) {
+        if (!doc.empty()) doc += '\n';
+        doc += "@provisional" + (definition.provisional->empty() ? "" : " " + *definition.provisional);
+    }
+    const std::string comment = blockComment(doc);
+    switch (definition.kind) {
+    case Kind::constant: return comment + constant(definition);
+    case Kind::enumeration: return comment + enumeration(definition);
+    case Kind::record: return comment + record(definition);
+    case Kind::discriminated: return comment + discriminated(definition);
+    case Kind::definedAs: return comment + definedAs(definition);
+    }
+    return "";
+}
+
+std::string Printer::module(const Module& module)
+{
+    std::vector<std::string> parts = {
+        blockComment("Module " + module.source.module + (module.doc.empty() ? "" : "\n\n" + module.doc))};
+    for (const Definition* each : constantsOf(module)) parts.push_back(definition(*each));
+    for (const Definition* each : declarationOrder(typesOf(module))) {
+        parts.push_back(definition(*each));
+        printed_.insert(each);
+    }
+    return sections(parts);
+}
+
+}  // namespace
+
+std::string emitPlain(const Program& program, const PlainOptions& options)
+{
+    Printer printer(options);
+    std::vector<std::string> parts = {blockComment("Made by quorvaxdrc. Change the interface files, not this one.")};
+    for (const auto& module : program.modules) parts.push_back(printer.module(*module));
+    return sections(parts);
+}
+
+}  // namespace quorva::compiler

@@ -1,0 +1,266 @@
+// Lays out what the back ends print.
+#include "emit_text.h"
+
+#include <algorithm>
+
+namespace quorva::compiler {
+
+namespace {
+
+// Columns that UTF-8 text takes, one for each code point.
+std::size_t columns(std::string_view text)
+{
+    return static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+std::string blanks(std::size_t count)
+{
+    return std::string(count, ' ');
+}
+
+std::string_view withoutTrailingBlanks(std::string_view text)
+{
+    const std::size_t last = text.find_last_not_of(" \t");
+    return last == std::string_view::npos ? std::string_view() : text.substr(0, last + 1);
+}
+
+std::vector<std::string_view> linesOf(std::string_view text)
+{
+    std::vector<std::string_view> lines;
+    for (std::size_t end; (end = text.find('\n')) != std::string_view::npos; text.remove_prefix(end + 1))
+        lines.push_back(text.substr(0, end));
+    lines.push_back(text);
+    return lines;
+}
+
+// Where to end the first of several lines of at most `width` columns: before a blank, or behind a word that is longer.
+std::size_t breakOf(std::string_view text, std::size_t width)
+{
+    const std::size_t indentation = std::min(text.find_first_not_of(' '), text.size());
+    std::size_t end = std::string_view::npos;
+    for (std::size_t at = text.find(' ', indentation); at != std::string_view::npos; at = text.find(' ', at + 1)) {
+        if (end != std::string_view::npos && columns(text.substr(0, at)) > width) break;
+        end = at;
+    }
+    return std::min(end, text.size());
+}
+
+// A comment line that ends in a backslash would swallow the line below it.
+std::string safeAtLineEnd(std::string text)
+{
+    if (text.ends_with('\\') || text.ends_with("\?\?/")) text += '.';
+    return text;
+}
+
+// Neither mark of a block comment may stand inside one.
+std::string safeInBlock(std::string text)
+{
+    for (const char* mark : {"*/", "/*"})
+        for (std::size_t at; (at = text.find(mark)) != std::string::npos;) text.insert(at + 1, " ");
+    return text;
+}
+
+std::string escaped(std::string_view text)
+{
+    std::string out;
+    for (const char c : text) {
+        const auto code = static_cast<unsigned char>(c);
+        if (c == '"' || c == '\\')
+            (out += '\\') += c;
+        else if (c == '\n')
+            out += "\\n";
+        else if (code < 0x20 || code == 0x7F)
+            for (out += '\\'; const unsigned shift : {6u, 3u, 0u}) out += static_cast<char>('0' + ((code >> shift) & 7u));
+        else
+            out += c;
+    }
+    return out;
+}
+
+std::string joinedWith(const std::string& first, const std::string& second, const char* between)
+{
+    return first.empty() || second.empty() ? first + second : first + between + second;
+}
+
+// A line of a body once it is clear which comments stand where.
+struct Placed {
+    std::string above;
+    std::string code;
+    std::string behind;
+};
+
+Placed placed(const BodyLine& line, std::size_t indent)
+{
+    const auto fits = [&](const std::string& comment) {
+        return comment.find('\n') == std::string::npos &&
+               indent + columns(line.code) + columns("  // ") + columns(comment) <= lineWidth;
+    };
+    const std::string all = joinedWith(line.notes, line.doc, "; ");
+    if (fits(all)) return {"", line.code, all};
+    if (fits(line.notes)) return {line.doc, line.code, line.notes};
+    return {joinedWith(line.notes, line.doc, "\n"), line.code, ""};
+}
+
+// Prints neighbouring lines that have a comment behind them, the comments in one column where all fit.
+std::string alignedRun(const std::vector<Placed>& lines, std::size_t first, std::size_t last, std::size_t indent)
+{
+    std::size_t widestCode = 0;
+    std::size_t widestComment = 0;
+    for (std::size_t at = first; at < last; ++at) {
+        widestCode = std::max(widestCode, columns(lines[at].code));
+        widestComment = std::max(widestComment, columns(lines[at].behind));
+    }
+    const bool aligned = indent + widestCode + columns("  // ") + widestComment <= lineWidth;
+
+    std::string out;
+    for (std::size_t at = first; at < last; ++at) {
+        const auto& [above, code, behind] = lines[at];
+        out += lineComment(above, indent) + blanks(indent) + code;
+        if (aligned) out += blanks(widestCode - columns(code));
+        out += "  // " + safeAtLineEnd(behind) + "\n";
+    }
+    return out;
+}
+
+}  // namespace
+
+std::vector<std::string> wrapped(std::string_view text, std::size_t width)
+{
+    std::vector<std::string> out;
+    for (std::string_view line : linesOf(text)) {
+        line = withoutTrailingBlanks(line);
+        while (columns(line) > width) {
+            const std::size_t end = breakOf(line, width);
+            if (end == line.size()) break;
+            out.emplace_back(withoutTrailingBlanks(line.substr(0, end)));
+            line.remove_prefix(std::min(line.find_first_not_of(' ', end), line.size()));
+        }
+        out.emplace_back(line);
+    }
+    return out;
+}
+
+std::string lineComment(std::string_view text, std::size_t indent)
+{
+    if (text.empty()) return "";
+    std::string out;
+    for (const std::string& line : wrapped(text, lineWidth - indent - columns("// ")))
+        out += blanks(indent) + (line.empty() ? "//" : "// " + safeAtLineEnd(line)) + "\n";
+    return out;
+}
+
+std::string blockComment(std::string_view text, std::size_t indent)
+{
+    if (text.empty()) return "";
+    const std::vector<std::string> lines = wrapped(safeInBlock(std::string(text)), lineWidth - indent - columns("/*  */"));
+    if (lines.size() == 1) return blanks(indent) + "/* " + lines.front() + " */\n";
+
+    std::string out = blanks(indent) + "/*\n";
+    for (const std::string& line : lines) out += blanks(indent) + (line.empty() ? " *" : " * " + line) + "\n";
+    return out + blanks(indent) + " */\n";
+}
+
+std::string literal(std::string_view text, std::size_t indent)
+{
+    const std::string whole = '"' + escaped(text) + '"';
+    if (indent + columns(whole) + 2 <= lineWidth) return whole;
+
+    std::string out;
+    const std::vector<std::string_view> lines = linesOf(text);
+    for (std::size_t at = 0; at < lines.size(); ++at) {
+        const std::vector<std::string> pieces = wrapped(lines[at], lineWidth - indent - columns("\" \\n\"},"));
+        for (std::size_t piece = 0; piece < pieces.size(); ++piece) {
+            const bool endsPiece = piece + 1 < pieces.size();
+            const bool endsLine = !endsPiece && at + 1 < lines.size();
+            if (!out.empty()) out += "\n" + blanks(indent);
+            out += '"' + escaped(pieces[piece]) + (endsPiece ? " " : "") + (endsLine ? "\\n" : "") + '"';
+        }
+    }
+    return out;
+}
+
+std::string argumentList(std::size_t indent, const std::string& head, const std::vector<std::string>& arguments,
+                         const std::string& tail)
+{
+    std::string out = blanks(indent) + head;
+    const std::string start = blanks(columns(out));
+    std::size_t column = columns(out);
+    for (std::size_t at = 0; at < arguments.size(); ++at) {
+        const std::string word = arguments[at] + (at + 1 < arguments.size() ? "," : tail);
+        const bool isFirst = at == 0;
+        if (!isFirst && column + 1 + columns(word) > lineWidth) {
+            out += "\n" + start;
+            column = columns(start);
+        } else if (!isFirst) {
+            out += ' ';
+            ++column;
+        }
+        out += word;
+        column += columns(word);
+    }
+    return arguments.empty() ? out + tail : out;
+}
+
+std::string joined(const std::vector<std::string>& words)
+{
+    std::string out;
+    for (const std::string& word : words) out += (out.empty() ? "" : ", ") + word;
+    return out;
+}
+
+std::string body(const std::vector<BodyLine>& lines, std::size_t indent)
+{
+    std::vector<Placed> all;
+    for (const BodyLine& line : lines) all.push_back(placed(line, indent));
+
+    std::string out;
+    for (std::size_t at = 0; at < all.size();) {
+        std::size_t last = at;
+        while (last < all.size() && !all[last].behind.empty() && (last == at || all[last].above.empty())) ++last;
+        if (last == at) {
+            out += lineComment(all[at].above, indent) + blanks(indent) + all[at].code + "\n";
+            ++at;
+        } else {
+            out += alignedRun(all, at, last, indent);
+            at = last;
+        }
+    }
+    return out;
+}
+
+std::string sections(const std::vector<std::string>& parts)
+{
+    std::string out;
+    for (const std::string& part : parts)
+        if (!part.empty()) out += (out.empty() ? "" : "\n") + part;
+    return out;
+}
+
+void Paragraphs::add(const BodyLine& line)
+{
+    if (placed(line, 0).above.empty())
+        run_.push_back(line);
+    else
+        add(body({line}, 0));
+}
+
+void Paragraphs::add(const std::string& text)
+{
+    endRun();
+    parts_.push_back(text);
+}
+
+std::string Paragraphs::text()
+{
+    endRun();
+    return sections(parts_);
+}
+
+void Paragraphs::endRun()
+{
+    if (!run_.empty()) parts_.push_back(body(run_, 0));
+    run_.clear();
+}
+
+}  // namespace quorva::compiler

@@ -1,0 +1,459 @@
+// Symbol tables over all modules of a run, and the lookups through them.
+#include "resolve.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <numeric>
+#include <unordered_map>
+
+namespace quorva::compiler {
+
+namespace {
+
+constexpr std::array<std::pair<std::string_view, Builtin>, 9> builtins = {{
+    {"Boolean", Builtin::Boolean},
+    {"ShortInteger", Builtin::ShortInteger},
+    {"ShortNatural", Builtin::ShortNatural},
+    {"Integer", Builtin::Integer},
+    {"Natural", Builtin::Natural},
+    {"LongInteger", Builtin::LongInteger},
+    {"LongNatural", Builtin::LongNatural},
+    {"UINT", Builtin::UINT},
+    {"Float", Builtin::Float},
+}};
+
+// What other XDR compilers take for numbers, and what says the same here.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 20> foreignTypes = {{
+    {"char", "ShortInteger"},      {"short", "Integer"},       {"long", "int"},           {"u_char", "ShortNatural"},
+    {"u_short", "Natural"},        {"u_int", "unsigned int"},  {"u_long", "unsigned int"}, {"int8_t", "ShortInteger"},
+    {"uint8_t", "ShortNatural"},   {"int16_t", "Integer"},     {"uint16_t", "Natural"},   {"int32_t", "int"},
+    {"uint32_t", "unsigned int"},  {"u_int8_t", "ShortNatural"}, {"u_int16_t", "Natural"}, {"u_int32_t", "unsigned int"},
+    {"signed", "int"},             {"bool_t", "bool"},         {"boolean", "bool"},       {"String", "string name<n>"},
+}};
+
+bool isEnumeration(const TypeRef& type)
+{
+    return type.definition && type.definition->kind == Kind::enumeration;
+}
+
+std::string_view described(Kind kind)
+{
+    switch (kind) {
+    case Kind::constant: return "a constant";
+    case Kind::enumeration: return "an enumeration";
+    case Kind::record: return "a struct";
+    case Kind::discriminated: return "a union";
+    case Kind::definedAs: break;
+    }
+    return "a typedef";
+}
+
+class Resolver {
+public:
+    Resolver(Program& program, Diagnostics& faults) : program_(program), faults_(faults) {}
+
+    void run();
+
+private:
+    // A name that stands for a number. `state` guards against constants that are defined by each other.
+    struct Named {
+        enum class State { untouched, onChain, settled };
+        std::string_view name;
+        Value* value = nullptr;
+        const Definition* owner = nullptr;
+        std::size_t module = 0;
+        State state = State::untouched;
+    };
+    struct Typed {
+        const Definition* definition = nullptr;
+        std::size_t module = 0;
+    };
+
+    void collect();
+    void findVisible();
+    void settleNumbers();
+    void settle(Named& start);
+    void definition(Definition& definition);
+    void declaration(Declaration& declaration);
+    void type(TypeRef& type);
+    void unknownType(const TypeRef& type);
+    void bound(Declaration& declaration);
+    void value(Value& value);
+    void label(Value& value, const TypeRef& discriminant);
+    bool predeclared(Value& value) const;
+    Named* findNumber(const std::string& name);
+    Named* numberOrFault(const Value& value);
+    bool excused(const std::string& name) const;
+    const std::string& moduleName(std::size_t at) const { return program_.modules[at]->source.module; }
+
+    Program& program_;
+    Diagnostics& faults_;
+    std::unordered_map<std::string_view, std::vector<Typed>> types_;
+    std::unordered_map<std::string_view, std::vector<std::size_t>> numbers_;  // indices into named_
+    std::vector<Named> named_;
+    std::vector<std::vector<bool>> visible_;  // visible_[a][b]: a sees what b defines
+    std::size_t module_ = 0;                  // at hand
+};
+
+void Resolver::collect()
+{
+    for (std::size_t at = 0; at < program_.modules.size(); ++at) {
+        for (const auto& definition : program_.modules[at]->definitions) {
+            if (definition->kind == Kind::constant) {
+                named_.push_back({definition->name, &definition->constant, definition.get(), at, {}});
+            } else {
+                types_[definition->name].push_back({definition.get(), at});
+            }
+            for (Enumerator& enumerator : definition->enumerators) {
+                named_.push_back({enumerator.name, &enumerator.value, definition.get(), at, {}});
+            }
+        }
+    }
+    for (std::size_t i = 0; i < named_.size(); ++i) numbers_[named_[i].name].push_back(i);
+}
+
+void Resolver::findVisible()
+{
+    const std::size_t count = program_.modules.size();
+    std::unordered_map<const Module*, std::size_t> places;
+    for (std::size_t at = 0; at < count; ++at) places.emplace(program_.modules[at].get(), at);
+
+    visible_.assign(count, std::vector<bool>(count, false));
+    for (std::size_t at = 0; at < count; ++at) {
+        std::vector<std::size_t> waiting = {at};
+        while (!waiting.empty()) {
+            const std::size_t next = waiting.back();
+            waiting.pop_back();
+            if (visible_[at][next]) continue;
+            visible_[at][next] = true;
+            for (const Import& import : program_.modules[next]->imports) {
+                if (import.module) waiting.push_back(places.at(import.module));
+            }
+        }
+    }
+}
+
+// Whether a fault that was reported already can be the reason that a name is unknown.
+bool Resolver::excused(const std::string& name) const
+{
+    for (std::size_t at = 0; at < program_.modules.size(); ++at) {
+        const Module& module = *program_.modules[at];
+        if (visible_[module_][at] && (module.incomplete || module.skipped.contains(name))) return true;
+    }
+    return false;
+}
+
+Resolver::Named* Resolver::findNumber(const std::string& name)
+{
+    const auto found = numbers_.find(name);
+    if (found == numbers_.end()) return nullptr;
+    for (const std::size_t i : found->second) {
+        if (visible_[module_][named_[i].module]) return &named_[i];
+    }
+    return nullptr;
+}
+
+// Null where the name is unknown, which is reported.
+Resolver::Named* Resolver::numberOrFault(const Value& value)
+{
+    if (Named* const named = findNumber(value.text)) return named;
+    if (excused(value.text) || faults_.full()) return nullptr;
+
+    if (const auto elsewhere = numbers_.find(value.text); elsewhere != numbers_.end()) {
+        const std::string& home = moduleName(named_[elsewhere->second.front()].module);
+        faults_.error(value.at, inQuotes(value.text) + " is defined in module " + inQuotes(home) +
+                                    ", which this file does not import; add 'import " + home + ";'");
+        return nullptr;
+    }
+    if (types_.contains(value.text)) {
+        faults_.error(value.at, inQuotes(value.text) + " is a type; a number or a constant's name is wanted here");
+        return nullptr;
+    }
+    std::vector<std::string_view> candidates;
+    for (const Named& named : named_) {
+        if (visible_[module_][named.module]) candidates.push_back(named.name);
+    }
+    const std::string near = suggestion(value.text, candidates);
+    faults_.error(value.at, "unknown constant " + inQuotes(value.text) +
+                                (near.empty() ? "; define it with 'const', or import the module that does" : near));
+    return nullptr;
+}
+
+void Resolver::settleNumbers()
+{
+    for (Named& named : named_) settle(named);
+}
+
+// Follows names until a literal or a settled number, then hands the number back along the chain.
+void Resolver::settle(Named& start)
+{
+    std::vector<Named*> chain;
+    const Named* end = &start;
+    for (Named* next = &start; next && next->state != Named::State::settled;) {
+        if (next->state == Named::State::onChain) {
+            std::string names;
+            const auto first = std::find(chain.begin(), chain.end(), next);
+            for (auto it = first; it != chain.end(); ++it) names += std::string((*it)->name) + " -> ";
+            faults_.error((*first)->value->at,
+                          inQuotes(next->name) + " is defined by itself: " + names + std::string(next->name));
+            end = nullptr;
+            break;
+        }
+        next->state = Named::State::onChain;
+        chain.push_back(next);
+        if (!next->value->isName || predeclared(*next->value)) break;
+        module_ = next->module;
+        Named* const target = numberOrFault(*next->value);
+        if (target) next->value->owner = target->owner;
+        next = target;
+        end = target;
+    }
+    if (!chain.empty() && chain.back()->value->known) end = chain.back();
+    for (auto it = chain.rbegin(); it != chain.rend(); ++it) {
+        Named& named = **it;
+        named.state = Named::State::settled;
+        if (end && end->value->known) {
+            named.value->number = end->value->number;
+            named.value->known = true;
+        }
+    }
+}
+
+// TRUE and FALSE belong to the language.
+bool Resolver::predeclared(Value& value) const
+{
+    if (value.text != "TRUE" && value.text != "FALSE") return false;
+    value.number = value.text == "TRUE" ? 1 : 0;
+    value.known = true;
+    return true;
+}
+
+void Resolver::value(Value& value)
+{
+    if (!value.isName || predeclared(value)) return;
+    if (const Named* const named = numberOrFault(value)) {
+        value.owner = named->owner;
+        value.known = named->value->known;
+        value.number = named->value->number;
+    }
+}
+
+// A case is looked up in the discriminant's enumeration first, so that a wrong one is answered from there.
+void Resolver::label(Value& value, const TypeRef& discriminant)
+{
+    const TypeRef& type = behindAliases(discriminant);
+    if (!value.isName || !isEnumeration(type)) {
+        this->value(value);
+        return;
+    }
+    const Definition& enumeration = *type.definition;
+    const Named* named = nullptr;
+    if (const auto found = numbers_.find(value.text); found != numbers_.end()) {
+        for (const std::size_t i : found->second) {
+            if (named_[i].owner == &enumeration) named = &named_[i];
+        }
+    }
+    if (!named) named = findNumber(value.text);
+    if (named && (named->owner == &enumeration || named->owner->kind == Kind::constant)) {
+        value.owner = named->owner;
+        value.known = named->value->known;
+        value.number = named->value->number;
+        return;
+    }
+    if (enumeration.broken || (!named && excused(value.text)) || faults_.full()) return;
+
+    std::vector<std::string_view> candidates;
+    for (const Enumerator& enumerator : enumeration.enumerators) candidates.push_back(enumerator.name);
+    std::string sentence = inQuotes(value.text) + " is no enumerator of " + inQuotes(enumeration.name);
+    if (named) sentence += " but one of " + inQuotes(named->owner->name);
+    faults_.error(value.at, sentence + suggestion(value.text, candidates),
+                  Note{enumeration.at, inQuotes(enumeration.name) + " is defined here"});
+}
+
+void Resolver::unknownType(const TypeRef& type)
+{
+    if (faults_.full()) return;
+    if (const auto elsewhere = types_.find(type.name); elsewhere != types_.end()) {
+        const std::string& home = moduleName(elsewhere->second.front().module);
+        faults_.error(type.at, "type " + inQuotes(type.name) + " is defined in module " + inQuotes(home) +
+                                   ", which this file does not import; add 'import " + home + ";'");
+        return;
+    }
+    if (excused(type.name)) return;
+    if (const Named* const named = findNumber(type.name)) {
+        const bool constant = named->owner->kind == Kind::constant;
+        faults_.error(type.at, inQuotes(type.name) + (constant ? " is a constant" : " is an enumerator") + ", not a type");
+        return;
+    }
+    const auto foreign = std::find_if(foreignTypes.begin(), foreignTypes.end(),
+                                      [&](const auto& pair) { return pair.first == type.name; });
+    if (foreign != foreignTypes.end()) {
+        faults_.error(type.at, "unknown type " + inQuotes(type.name) + "; write " + inQuotes(foreign->second) + " instead");
+        return;
+    }
+    std::vector<std::string_view> candidates;
+    for (const auto& [name, definitions] : types_) {
+        if (std::any_of(definitions.begin(), definitions.end(),
+                        [&](const Typed& typed) { return visible_[module_][typed.module]; })) {
+            candidates.push_back(name);
+        }
+    }
+    for (const auto& [name, builtin] : builtins) candidates.push_back(name);
+    const std::string near = suggestion(type.name, candidates);
+    faults_.error(type.at, "unknown type " + inQuotes(type.name) +
+                               (near.empty() ? "; define it, or import the module that does" : near));
+}
+
+void Resolver::type(TypeRef& type)
+{
+    if (type.builtin != Builtin::none || type.name.empty()) return;
+    const auto builtin =
+        std::find_if(builtins.begin(), builtins.end(), [&](const auto& pair) { return pair.first == type.name; });
+    if (builtin != builtins.end() && !type.keyword) {
+        type.builtin = builtin->second;
+        return;
+    }
+    if (const auto found = types_.find(type.name); found != types_.end()) {
+        for (const Typed& typed : found->second) {
+            if (visible_[module_][typed.module]) {
+                type.definition = typed.definition;
+                break;
+            }
+        }
+    }
+    if (!type.definition) {
+        unknownType(type);
+    } else if (type.keyword && type.definition->kind != *type.keyword) {
+        faults_.error(type.at, inQuotes(type.name) + " is " + std::string(described(type.definition->kind)) + ", not " +
+                                   std::string(described(*type.keyword)),
+                      Note{type.definition->at, "defined here"});
+    }
+}
+
+// The values that no vector or maximum can have are cut so that they stay what they are: too small or too large.
+void Resolver::bound(Declaration& declaration)
+{
+    constexpr std::uint32_t most = 65535;
+    declaration.bound = declaration.form == Form::list || declaration.form == Form::string ||
+                                declaration.form == Form::bytes
+                            ? most
+                            : 0;
+    if (!declaration.written) return;
+    value(*declaration.written);
+    if (declaration.written->known) {
+        declaration.bound =
+            static_cast<std::uint32_t>(std::clamp<std::int64_t>(declaration.written->number, 0, most + 1));
+    }
+}
+
+void Resolver::declaration(Declaration& declaration)
+{
+    switch (declaration.form) {
+    case Form::single:
+    case Form::vector:
+    case Form::list:
+    case Form::optional: type(declaration.type); break;
+    case Form::string:
+    case Form::bytes:
+    case Form::opaque:
+    case Form::nothing: break;
+    }
+    bound(declaration);
+}
+
+void Resolver::definition(Definition& definition)
+{
+    for (Declaration& field : definition.fields) declaration(field);
+    if (definition.kind == Kind::definedAs) declaration(definition.target);
+    if (definition.kind == Kind::discriminated) {
+        declaration(definition.discriminant);
+        for (Arm& arm : definition.arms) declaration(arm.declaration);
+        if (definition.defaultArm) declaration(definition.defaultArm->declaration);
+    }
+}
+
+void Resolver::run()
+{
+    collect();
+    findVisible();
+    settleNumbers();
+    for (module_ = 0; module_ < program_.modules.size() && !faults_.full(); ++module_) {
+        for (const auto& made : program_.modules[module_]->definitions) definition(*made);
+    }
+    // Cases need the discriminants of the whole program, aliases and all.
+    for (module_ = 0; module_ < program_.modules.size() && !faults_.full(); ++module_) {
+        for (const auto& made : program_.modules[module_]->definitions) {
+            for (Arm& arm : made->arms) {
+                for (Value& value : arm.cases) label(value, made->discriminant.type);
+            }
+        }
+    }
+}
+
+// Edits that turn one name into the other: letters put in, left out, exchanged, or swapped with the next.
+std::size_t distance(std::string_view a, std::string_view b, std::vector<std::size_t>& scratch)
+{
+    const std::size_t width = b.size() + 1;
+    scratch.resize(3 * width);
+    std::size_t* before = scratch.data();
+    std::size_t* above = before + width;
+    std::size_t* row = above + width;
+    std::iota(above, above + width, std::size_t{0});
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        row[0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const bool same = a[i - 1] == b[j - 1];
+            row[j] = std::min({above[j] + 1, row[j - 1] + 1, above[j - 1] + (same ? 0 : 1)});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) row[j] = std::min(row[j], before[j - 2] + 1);
+        }
+        std::swap(before, above);
+        std::swap(above, row);
+    }
+    return above[b.size()];
+}
+
+bool equalIgnoringCase(std::string_view a, std::string_view b)
+{
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+}  // namespace
+
+void resolve(Program& program, Diagnostics& faults)
+{
+    Resolver(program, faults).run();
+}
+
+const TypeRef& behindAliases(const TypeRef& type)
+{
+    constexpr int longestChain = 64;
+    const TypeRef* at = &type;
+    for (int links = 0; links < longestChain; ++links) {
+        const Definition* const definition = at->definition;
+        if (!definition || definition->kind != Kind::definedAs || definition->target.form != Form::single) return *at;
+        at = &definition->target.type;
+    }
+    return type;
+}
+
+std::string suggestion(std::string_view name, const std::vector<std::string_view>& candidates)
+{
+    const std::size_t farthest = std::min<std::size_t>(3, std::max<std::size_t>(1, name.size() / 4));
+    std::size_t best = farthest + 1;
+    std::string_view nearest;
+    std::vector<std::size_t> scratch;
+    for (const std::string_view candidate : candidates) {
+        const std::size_t longer = std::max(name.size(), candidate.size());
+        if (longer - std::min(name.size(), candidate.size()) > farthest || candidate == name) continue;
+        const std::size_t away = equalIgnoringCase(name, candidate) ? 0 : distance(name, candidate, scratch);
+        if (away < best || (away == best && candidate < nearest)) {
+            best = away;
+            nearest = candidate;
+        }
+    }
+    return best > farthest ? "" : "; did you mean " + inQuotes(nearest) + "?";
+}
+
+}  // namespace quorva::compiler

@@ -1,0 +1,202 @@
+// File access, the lookup below the -I folders, and the graph of imports.
+#include "source.h"
+
+#include "cycles.h"
+#include "parser.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <unordered_map>
+
+namespace quorva::compiler {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t largestFile = std::size_t{4} << 20U;  // bytes; also ends the reading of an endless device
+
+fs::path resolvedPath(const std::string& path)
+{
+    std::error_code ignored;
+    fs::path resolved = fs::weakly_canonical(path, ignored);
+    return resolved.empty() ? fs::path(path).lexically_normal() : resolved;
+}
+
+bool isInside(const fs::path& relative)
+{
+    return !relative.empty() && *relative.begin() != ".." && *relative.begin() != "." && !relative.is_absolute();
+}
+
+}  // namespace
+
+SearchPath::SearchPath(std::vector<std::string> folders) : folders_(std::move(folders))
+{
+    if (folders_.empty()) folders_.emplace_back(".");
+    for (const std::string& folder : folders_) resolved_.push_back(resolvedPath(folder));
+}
+
+std::string SearchPath::moduleOf(const std::string& file) const
+{
+    const fs::path path = resolvedPath(file);
+    for (const fs::path& folder : resolved_) {
+        const fs::path below = path.lexically_relative(folder);
+        if (isInside(below)) return fs::path(below).replace_extension().generic_string();
+    }
+    return path.stem().string();
+}
+
+std::optional<std::string> SearchPath::find(const std::string& module) const
+{
+    for (const std::string& folder : folders_) {
+        std::string path = (folder == "." ? fs::path() : fs::path(folder)) / (module + ".x");
+        std::error_code ignored;
+        if (fs::exists(path, ignored)) return path;
+    }
+    return std::nullopt;
+}
+
+std::string SearchPath::described() const
+{
+    std::string list;
+    for (const std::string& folder : folders_) list += (list.empty() ? "" : ", ") + inQuotes(folder);
+    return list;
+}
+
+std::optional<std::string> readFile(const std::string& path, std::string& text)
+{
+    std::error_code status;
+    if (fs::is_directory(path, status)) return "it is a folder";
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    if (!file) return std::string(std::strerror(errno));
+    text.clear();
+    char block[1 << 14];
+    do {
+        file.read(block, sizeof block);
+        text.append(block, static_cast<std::size_t>(file.gcount()));
+    } while (file && text.size() <= largestFile);
+    if (file.bad()) return std::string(errno != 0 ? std::strerror(errno) : "reading failed");
+    if (text.size() > largestFile) return "it is larger than " + std::to_string(largestFile >> 20U) + " MiB";
+    return std::nullopt;
+}
+
+namespace {
+
+class Reader {
+public:
+    Reader(const SearchPath& folders, Diagnostics& faults, std::vector<std::string>& unreadable)
+        : folders_(folders), faults_(faults), unreadable_(unreadable)
+    {
+    }
+
+    Program read(const std::vector<std::string>& files);
+
+private:
+    std::size_t load(const std::string& path, const std::string& name);
+    void followImports(std::size_t at);
+    void order(Program& program);
+
+    static constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+    const SearchPath& folders_;
+    Diagnostics& faults_;
+    std::vector<std::string>& unreadable_;
+    std::vector<std::unique_ptr<Module>> modules_;
+    std::vector<std::vector<std::size_t>> imports_;                // of the module with the same index
+    std::vector<std::vector<const Import*>> importsAt_;            // and where it names them
+    std::unordered_map<std::string, std::size_t> byFile_;          // resolved path; `none` where it is unreadable
+    std::unordered_map<std::string, std::size_t> byName_;
+};
+
+std::size_t Reader::load(const std::string& path, const std::string& name)
+{
+    const std::string file = resolvedPath(path).string();
+    if (const auto known = byFile_.find(file); known != byFile_.end()) return known->second;
+
+    auto module = std::make_unique<Module>();
+    module->source.path = path;
+    module->source.module = name;
+    if (const auto reason = readFile(path, module->source.text)) {
+        unreadable_.push_back("cannot read " + inQuotes(path) + ": " + *reason);
+        byFile_.emplace(file, none);
+        return none;
+    }
+    if (module->source.text.starts_with("\xEF\xBB\xBF")) module->source.text.erase(0, 3);  // a byte order mark
+
+    const std::size_t at = modules_.size();
+    byFile_.emplace(file, at);
+    const auto [same, fresh] = byName_.emplace(name, at);
+    if (!fresh) {
+        faults_.error({&module->source, 1, 1, 1},
+                      "this file is module " + inQuotes(name) + ", as " + inQuotes(modules_[same->second]->source.path) +
+                          " is; a module's name is its path below the -I folder, and no two may have the same");
+        module->incomplete = true;  // and unread: it would repeat every name
+    } else {
+        parse(*module, faults_);
+    }
+    modules_.push_back(std::move(module));
+    imports_.emplace_back();
+    importsAt_.emplace_back();
+    return at;
+}
+
+void Reader::followImports(std::size_t at)
+{
+    Module& module = *modules_[at];
+    for (Import& import : module.imports) {
+        const auto path = folders_.find(import.name);
+        if (!path) {
+            faults_.error(import.at, "module " + inQuotes(import.name) + " is not found: there is no " +
+                                         inQuotes(import.name + ".x") + " below " + folders_.described());
+            module.incomplete = true;
+            continue;
+        }
+        const std::size_t imported = load(*path, import.name);
+        if (imported == none) {
+            module.incomplete = true;
+            continue;
+        }
+        import.module = modules_[imported].get();
+        imports_[at].push_back(imported);
+        importsAt_[at].push_back(&import);
+    }
+}
+
+void Reader::order(Program& program)
+{
+    const auto onCircle = [&](const std::vector<Step>& path) {
+        std::string names;
+        for (const Step& step : path) names += modules_[step.node]->source.module + " -> ";
+        names += modules_[path.front().node]->source.module;
+        const Step& last = path.back();
+        faults_.error(importsAt_[last.node][last.edge]->at,
+                      "imports form a circle: " + names + "; move what both sides need into a module of its own");
+    };
+    const std::vector<std::size_t> sorted = walk(imports_, onCircle);
+    for (const std::size_t at : sorted) program.modules.push_back(std::move(modules_[at]));
+}
+
+Program Reader::read(const std::vector<std::string>& files)
+{
+    for (const std::string& file : files) {
+        const std::size_t at = load(file, folders_.moduleOf(file));
+        if (at != none) modules_[at]->requested = true;
+    }
+    for (std::size_t at = 0; at < modules_.size(); ++at) followImports(at);
+    Program program;
+    order(program);
+    return program;
+}
+
+}  // namespace
+
+Program readProgram(const std::vector<std::string>& files, const SearchPath& folders, Diagnostics& faults,
+                    std::vector<std::string>& unreadable)
+{
+    return Reader(folders, faults, unreadable).read(files);
+}
+
+}  // namespace quorva::compiler

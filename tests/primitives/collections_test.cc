@@ -1,0 +1,295 @@
+// Vectors, counted blocks and optional values: RFC 4506 sections 4.12, 4.13 and 4.19 by hand, and what stays behind when
+// a pass stops half-way.
+
+#include "codec_tools.h"
+#include "memory.h"
+
+#include <gtest/gtest.h>
+
+using namespace quorva;
+using namespace quorva::test;
+
+namespace {
+
+// An element that owns storage: what a release pass would stumble over if nobody had written it.
+int label(Xdr* xdrs, void* object)
+{
+    return XdrString(xdrs, static_cast<char**>(object), 4);
+}
+
+template <std::uint32_t Maximum>
+int labels(Xdr* xdrs, void* object)
+{
+    auto* const held = static_cast<Counted<char*>*>(object);
+    return XdrArray(xdrs, &held->elements, &held->count, Maximum, sizeof(char*), label);
+}
+
+int numbers(Xdr* xdrs, void* object)
+{
+    auto* const held = static_cast<Counted<Natural>*>(object);
+    return XdrArray(xdrs, &held->elements, &held->count, 65535, sizeof(Natural), XdrNatural);
+}
+
+int optionalLabel(Xdr* xdrs, void* object)
+{
+    return XdrPointer(xdrs, object, sizeof(char*), label);
+}
+
+int pairOfLabels(Xdr* xdrs, void* object)
+{
+    return XdrVector(xdrs, object, 2, sizeof(char*), label);
+}
+
+Pass pass(Xdr::Request mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
+{
+    const Watch watch;
+    return runPass(mode, routine, object, buffer);
+}
+
+std::string traceOf(Xdr::Request mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
+{
+    TraceText trace;
+    runPass(mode, routine, object, buffer, [&](Xdr& xdrs) {
+        xdrs.setTrace(&trace);
+        trace.open("held");
+    });
+    trace.close("held");
+    return trace.text();
+}
+
+}  // namespace
+
+TEST(Arrays, decode)
+{
+    const struct {
+        const char* why;
+        XdrRoutine routine;
+        const char* wire;
+        bool succeeded;
+        std::size_t length;
+        std::uint16_t count;
+        std::vector<const char*> left;
+        long allocated;
+    } cases[] = {
+        {"count, elements", labels<3>, "00000002 00000001 41000000 00000000", true, 16, 2, {"A", ""}, 3},
+        {"a count of zero allocates nothing", labels<3>, "00000000", true, 4, 0, {}, 0},
+        {"65536 is zero in 16 bits", labels<3>, "00010000", true, 4, 0, {}, 0},
+        {"a count is its low 16 bits, which alone are judged", labels<3>, "00010001 00000000", true, 8, 1, {""}, 2},
+        {"at the maximum", labels<2>, "00000002 00000000 00000000", true, 12, 2, {"", ""}, 3},
+        {"beyond it the count is stored and nothing allocated", labels<2>, "00000003 00000000", false, 4, 3, {}, 0},
+        {"the message ends in the count", labels<2>, "0000", false, 0, 0, {}, 0},
+        {"elements that were not reached are empty", labels<4>, "00000004 00000001 41000000 00000002", false, 16, 4,
+         {"A", "", nullptr, nullptr}, 3},
+        {"so is one that was begun and got nothing", labels<4>, "00000003 00000000", false, 8, 3, {"", nullptr, nullptr}, 2},
+        {"so are all when none was begun", labels<4>, "00000002", false, 4, 2, {nullptr, nullptr}, 1},
+    };
+    for (const auto& expected : cases) {
+        SCOPED_TRACE(expected.why);
+        const Message message(bytesOf(expected.wire));
+        Counted<char*> held = {};
+        const Pass done = pass(decoding, expected.routine, &held, message.span());
+        EXPECT_EQ(done.succeeded, expected.succeeded);
+        EXPECT_EQ(done.length, expected.length);
+        EXPECT_EQ(held.count, expected.count);
+        EXPECT_EQ(allocations(), expected.allocated);
+        ASSERT_EQ(held.elements != nullptr, !expected.left.empty());
+        for (std::size_t i = 0; i < expected.left.size(); ++i) EXPECT_STREQ(held.elements[i], expected.left[i]) << i;
+
+        const auto before = held;
+        pass(releasing, expected.routine, &held, {});
+        EXPECT_EQ(held.elements, before.elements) << "release leaves the pointer";
+        EXPECT_EQ(held.count, before.count);
+        EXPECT_EQ(liveBlocks(), 0);
+        EXPECT_EQ(mismatchedReleases(), 0);
+    }
+}
+
+TEST(Arrays, encode)
+{
+    char text[] = "A";
+    char tooLong[] = "ABCDE";
+    char* good[] = {text, text};
+    char* bad[] = {text, tooLong, text};
+    const struct {
+        const char* why;
+        Counted<char*> held;
+        bool succeeded;
+        const char* wire;
+    } cases[] = {
+        {"count, elements", {2, good}, true, "00000002 00000001 41000000 00000001 41000000"},
+        {"empty", {0, good}, true, "00000000"},
+        {"beyond the maximum the count has been written", {4, bad}, false, "00000004"},
+        {"a count without a block", {2, nullptr}, false, "00000002"},
+        {"the first element that fails ends it", {3, bad}, false, "00000003 00000001 41000000 00000005"},
+    };
+    for (auto expected : cases) {
+        SCOPED_TRACE(expected.why);
+        Bytes buffer(64);
+        const Pass done = pass(encoding, labels<3>, &expected.held, buffer);
+        EXPECT_EQ(done.succeeded, expected.succeeded);
+        EXPECT_EQ(hexOf(std::span(buffer).first(done.length)), expected.wire);
+    }
+}
+
+TEST(Arrays, release)
+{
+    Counted<char*> noBlock = {2, nullptr};
+    EXPECT_TRUE(pass(releasing, labels<3>, &noBlock, {}).succeeded) << "a count without a block is nothing to free";
+    char* own = nullptr;
+    Counted<char*> noCount = {0, &own};
+    EXPECT_TRUE(pass(releasing, labels<3>, &noCount, {}).succeeded) << "a count of zero leaves the block";
+    EXPECT_EQ(noCount.elements, &own);
+}
+
+TEST(Arrays, noMemory)
+{
+    const Message message(bytesOf("00000002 00000001 41000000 00000001 42000000"));
+    for (long first = 0; first < 4; ++first) {
+        Counted<char*> held = {};
+        bool succeeded;
+        {
+            const Watch watch(first);
+            succeeded = runPass(decoding, labels<3>, &held, message.span()).succeeded;
+        }
+        EXPECT_EQ(succeeded, first == 3);
+        EXPECT_EQ(held.count, 2);
+        EXPECT_EQ(held.elements != nullptr, first > 0);
+        pass(releasing, labels<3>, &held, {});
+        EXPECT_EQ(liveBlocks(), 0);
+    }
+}
+
+// 65535 elements of 4 GiB have more bytes than there are addresses to spare; the product must not wrap round.
+TEST(Arrays, blockBeyondAllMemory)
+{
+    const Message message(bytesOf("0000FFFF 00000000"));
+    void* block = nullptr;
+    std::uint16_t count = 0;
+    Xdr xdrs;
+    xdrs.Program(decoding, message.span().data(), 8);
+    EXPECT_EQ(XdrArray(&xdrs, &block, &count, 65535, 0xFFFFFFFF, XdrLongNatural), 0);
+    EXPECT_EQ(count, 65535);
+    EXPECT_EQ(block, nullptr);
+}
+
+TEST(Arrays, fullCount)
+{
+    Bytes wire = bytesOf("00003FFE");
+    wire.resize(4 + 4 * 0x3FFE, 0);
+    Counted<Natural> held = {};
+    EXPECT_TRUE(runPass(decoding, numbers, &held, wire).succeeded);
+    EXPECT_EQ(held.count, 0x3FFE);
+    pass(releasing, numbers, &held, {});
+}
+
+TEST(Vectors, bytesAndFailure)
+{
+    char* pair[2] = {};
+    const Message message(bytesOf("00000001 41000000 00000001 42000000"));
+    const Pass whole = pass(decoding, pairOfLabels, pair, message.span());
+    EXPECT_TRUE(whole.succeeded);
+    EXPECT_EQ(whole.length, 16u);
+    EXPECT_STREQ(pair[1], "B");
+    Bytes buffer(16);
+    EXPECT_TRUE(pass(encoding, pairOfLabels, pair, buffer).succeeded);
+    EXPECT_EQ(hexOf(buffer), "00000001 41000000 00000001 42000000") << "no count";
+    EXPECT_TRUE(pass(releasing, pairOfLabels, pair, {}).succeeded);
+
+    char* cut[2] = {};
+    EXPECT_FALSE(pass(decoding, pairOfLabels, cut, message.span().first(8)).succeeded);
+    EXPECT_TRUE(pass(releasing, pairOfLabels, cut, {}).succeeded);
+    EXPECT_EQ(liveBlocks(), 0);
+}
+
+TEST(Vectors, counts)
+{
+    Xdr xdrs;
+    Bytes buffer(8);
+    for (const auto mode : {encoding, decoding, releasing}) {
+        xdrs.Program(mode, buffer.data(), 8);
+        EXPECT_EQ(XdrVector(&xdrs, nullptr, 0, 4, XdrLongNatural), 1);
+        EXPECT_EQ(xdrs.codedLength, 0);
+        EXPECT_EQ(XdrVector(&xdrs, buffer.data(), 65536, 0, XdrVoid), 0) << "counts have 16 bits; a larger one is refused";
+        EXPECT_EQ(XdrVector(&xdrs, buffer.data(), 65535, 0, XdrVoid), 1);
+    }
+}
+
+TEST(Optional, decode)
+{
+    const struct {
+        const char* why;
+        const char* wire;
+        bool succeeded;
+        const char* left;
+        long allocated;
+    } cases[] = {
+        {"absent", "00000000", true, nullptr, 0},
+        {"present", "00000001 00000001 41000000", true, "A", 2},
+        {"2 means absent, as it always has here", "00000002 00000001 41000000", true, nullptr, 0},
+        {"the low byte alone counts", "00000100", true, nullptr, 0},
+        {"so 257 is present", "00000101 00000000", true, "", 2},
+        {"the message ends in the value", "00000001", false, nullptr, 1},
+    };
+    for (const auto& expected : cases) {
+        SCOPED_TRACE(expected.why);
+        const Message message(bytesOf(expected.wire));
+        char** held = nullptr;
+        const Pass done = pass(decoding, optionalLabel, &held, message.span());
+        EXPECT_EQ(done.succeeded, expected.succeeded);
+        EXPECT_EQ(allocations(), expected.allocated);
+        ASSERT_EQ(held != nullptr, expected.allocated > 0);
+        if (held) {
+            EXPECT_STREQ(*held, expected.left);
+        }
+        EXPECT_TRUE(pass(releasing, optionalLabel, &held, {}).succeeded);
+        EXPECT_EQ(liveBlocks(), 0);
+    }
+}
+
+TEST(Optional, absentForgetsAnOlderPointer)
+{
+    char* older = nullptr;
+    char** held = &older;
+    const Message message(bytesOf("00000000"));
+    EXPECT_TRUE(pass(decoding, optionalLabel, &held, message.span()).succeeded);
+    EXPECT_EQ(held, nullptr);
+}
+
+TEST(Optional, encode)
+{
+    char text[] = "AB";
+    char* label = text;
+    char** held = &label;
+    Bytes buffer(12);
+    EXPECT_TRUE(pass(encoding, optionalLabel, &held, buffer).succeeded);
+    EXPECT_EQ(hexOf(buffer), "00000001 00000002 41420000");
+    held = nullptr;
+    EXPECT_EQ(pass(encoding, optionalLabel, &held, buffer).length, 4u);
+    EXPECT_EQ(hexOf(std::span(buffer).first(4)), "00000000");
+}
+
+TEST(Optional, noMemory)
+{
+    const Message message(bytesOf("00000001 00000001 41000000"));
+    for (long first = 0; first < 2; ++first) {
+        char** held = nullptr;
+        {
+            const Watch watch(first);
+            EXPECT_FALSE(runPass(decoding, optionalLabel, &held, message.span()).succeeded);
+        }
+        EXPECT_TRUE(pass(releasing, optionalLabel, &held, {}).succeeded);
+        EXPECT_EQ(liveBlocks(), 0);
+    }
+}
+
+// Elements stand in markers of their own when decoded, and in none when encoded: readers tell the direction by it.
+TEST(Collections, trace)
+{
+    Counted<Natural> held = {};
+    Bytes buffer = bytesOf("00000002 00000007 00000008");
+    EXPECT_EQ(traceOf(decoding, numbers, &held, buffer), "<held>\n    <value>7</value>\n    <value>8</value>\n</held>");
+    EXPECT_EQ(traceOf(encoding, numbers, &held, buffer), "<held>7 8</held>");
+    EXPECT_EQ(traceOf(releasing, numbers, &held, buffer), "<held></held>");
+    char** absent = nullptr;
+    EXPECT_EQ(traceOf(encoding, optionalLabel, &absent, buffer), "<held>false</held>");
+}

@@ -1,0 +1,121 @@
+// The five drivers: direction, the 1024 bytes, what they report, and who owns the stream and the object afterwards.
+
+#include "codec_tools.h"
+#include "memory.h"
+
+#include <quorvapixdr/drivers.h>
+
+#include <gtest/gtest.h>
+
+using namespace quorva;
+using namespace quorva::test;
+
+namespace {
+
+int text(Xdr* xdrs, void* object)
+{
+    return XdrString(xdrs, static_cast<char**>(object), 65535);
+}
+
+}  // namespace
+
+TEST(Drivers, encodeReturnsTheBytesWrittenAlsoAfterAFailure)
+{
+    Bytes buffer(2000, 0x55);
+    const struct {
+        std::size_t characters;
+        unsigned short written;
+    } cases[] = {{3, 8}, {1020, 1024}, {1021, 4}, {1400, 4}};
+    for (const auto& expected : cases) {
+        std::string characters(expected.characters, 'A');
+        char* string = characters.data();
+        const Watch watch;
+        EXPECT_EQ(ClientsXdrSupport(text, &string, buffer.data()), expected.written);
+        EXPECT_EQ(liveBlocks(), 0) << "the stream is gone";
+    }
+    EXPECT_EQ(Bytes(buffer.begin() + 1024, buffer.end()), Bytes(976, 0x55)) << "the buffer has 1024 bytes";
+}
+
+TEST(Drivers, decodeThenDeallocate)
+{
+    Bytes buffer = bytesOf("00000003 41424300");
+    buffer.resize(1024, 0x55);
+    char* string = nullptr;
+    {
+        const Watch watch;
+        ClientsXdrDeserialize(text, &string, buffer.data());
+        EXPECT_EQ(liveBlocks(), 1) << "the text alone";
+    }
+    EXPECT_STREQ(string, "ABC");
+    const Bytes before = buffer;
+    XdrDeallocate(text, &string, buffer.data());
+    EXPECT_EQ(liveBlocks(), 0);
+    EXPECT_EQ(buffer, before);
+    EXPECT_NE(string, nullptr) << "pointers stay as they were";
+}
+
+// Benches read what the stream holds after the pass, so it is never destroyed.
+TEST(Drivers, testDeserializeTellsAndKeepsItsStream)
+{
+    Bytes buffer = bytesOf("00000003 41424300");
+    buffer.resize(1024);
+    for (const int result : {1, 0}) {
+        if (result == 0) buffer[0] = 0x70;
+        std::uint32_t untouched = 5;
+        const auto routine = [](Xdr* xdrs, void*) {
+            char* string = nullptr;
+            const int coded = text(xdrs, &string);
+            delete[] string;
+            return coded;
+        };
+        {
+            const Watch watch;
+            EXPECT_EQ(TestDeserialize(routine, &untouched, buffer.data()), result);
+            EXPECT_EQ(liveBlocks(), 1);
+        }
+        EXPECT_EQ(untouched, 5u);
+    }
+    EXPECT_EQ(liveBlocks(), 2) << "two streams, kept on purpose";
+}
+
+TEST(Drivers, nullObjectIsAllocatedAndOutOfReach)
+{
+    Bytes buffer = bytesOf("00000007");
+    buffer.resize(1024);
+    const long before = liveBlocks();
+    void* root = nullptr;
+    {
+        const Watch watch;
+        ClientsXdrDeserialize(XdrLongNatural, nullptr, buffer.data());
+        root = lastBlock();
+    }
+    EXPECT_EQ(liveBlocks(), before + 1) << "the object without its stream";
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(std::memcmp(root, memoryOf(std::uint32_t{7}).data(), 4), 0);
+    ::operator delete(root);
+}
+
+// The scalar form, though a decode allocates with the array form: callers' own allocators count on it.
+TEST(Drivers, deallocateStringUsesTheScalarForm)
+{
+    auto* string = new char[4]{'A', 'B', 'C', '\0'};
+    char* const before = string;
+    const long mismatched = mismatchedReleases();
+    DeallocateString(&string);
+    EXPECT_EQ(mismatchedReleases(), mismatched + 1);
+    EXPECT_EQ(string, before);
+    char* none = nullptr;
+    DeallocateString(&none);
+}
+
+TEST(Drivers, noMemoryForTheStream)
+{
+    Bytes buffer(1024, 0x55);
+    std::uint32_t value = 7;
+    const Watch watch(0);
+    EXPECT_EQ(ClientsXdrSupport(XdrLongNatural, &value, buffer.data()), 0);
+    ClientsXdrDeserialize(XdrLongNatural, &value, buffer.data());
+    EXPECT_EQ(TestDeserialize(XdrLongNatural, &value, buffer.data()), 0);
+    XdrDeallocate(XdrLongNatural, &value, buffer.data());
+    EXPECT_EQ(value, 7u);
+}

@@ -1,0 +1,144 @@
+// The look of the trace: nesting, escapes, hex dumps, and the path to what is still open.
+
+#include "codec_tools.h"
+#include "memory.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <thread>
+
+using namespace quorva::test;
+
+TEST(TraceText, layoutAndPath)
+{
+    const struct {
+        const char* why;
+        std::function<void(TraceText&)> add;
+        const char* text;
+        const char* path;
+    } cases[] = {
+        {"a leaf stands on one line",
+         [](TraceText& t) { t.open("a"); t.value("1"); t.setLineFeed(false); t.close("a"); }, "<a>1</a>", ""},
+        {"an enumerator stands inside its field's line",
+         [](TraceText& t) { t.open("a"); t.setLineFeed(false); t.open("E"); t.value("1"); t.close("E"); t.close("a"); },
+         "<a><E>1</E></a>", ""},
+        {"children are indented",
+         [](TraceText& t) { t.open("a"); t.open("b"); t.value("1"); t.setLineFeed(false); t.close("b"); t.close("a"); },
+         "<a>\n  <b>1</b>\n</a>", ""},
+        {"what is open is the path, with the index of an element",
+         [](TraceText& t) {
+             t.open("a");
+             for (int i = 0; i < 2; ++i) { t.marker("<value>"); t.indent(); t.outdent(); t.marker("</value>"); }
+             t.marker("<value>"); t.indent(); t.open("b");
+         },
+         "<a>\n    <value></value>\n    <value></value>\n    <value>\n      <b>", "a/value[2]/b"},
+        {"elements of elements count from 0 again",
+         [](TraceText& t) {
+             t.open("a");
+             t.marker("<value>"); t.marker("<value>"); t.marker("</value>"); t.marker("</value>");
+             t.marker("<value>"); t.marker("<value>");
+         },
+         nullptr, "a/value[1]/value[0]"},
+        {"without an enclosing element the index counts as well",
+         [](TraceText& t) { t.marker("<value>"); t.marker("</value>"); t.marker("<value>"); }, nullptr, "value[1]"},
+        {"two contents are kept apart", [](TraceText& t) { t.open("a"); t.value("1"); t.value("2"); t.close("a"); },
+         "<a>1 2</a>", ""},
+        {"nothing is open behind a name", [](TraceText& t) { t.open("a"); t.close("a"); t.open("b"); }, nullptr, "b"},
+    };
+    for (const auto& expected : cases) {
+        SCOPED_TRACE(expected.why);
+        TraceText trace;
+        expected.add(trace);
+        if (expected.text) {
+            EXPECT_EQ(trace.text(), expected.text);
+        }
+        EXPECT_EQ(trace.path(), expected.path);
+        trace.clear();
+        EXPECT_EQ(trace.text(), "");
+        EXPECT_EQ(trace.path(), "");
+    }
+}
+
+TEST(TraceText, escapes)
+{
+    const struct {
+        const char* text;
+        const char* shown;
+    } cases[] = {
+        {"a<b>&c", "a&lt;b&gt;&amp;c"},
+        {"]]>", "]]&gt;"},
+        {"C:\\temp", "C:\\\\temp"},
+        {"a\nb\rc\td", "a\\nb\\rc\\td"},
+        {"\x01\x1f\x7f", "\\x01\\x1f\\x7f"},
+        {"Gr\xC3\xB6\xC3\x9F" "e", "Gr\xC3\xB6\xC3\x9F" "e"},
+        {"\xF0\x9F\x96\xA8", "\xF0\x9F\x96\xA8"},
+        {"\xC3", "\\xc3"},                      // ends within a character
+        {"\xC0\xAF", "\\xc0\\xaf"},             // overlong
+        {"\xE0\x80\xAF", "\\xe0\\x80\\xaf"},    // overlong
+        {"\xED\xA0\x80", "\\xed\\xa0\\x80"},    // a surrogate
+        {"\xF4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"},  // beyond the last character
+        {"\xEF\xBF\xBE", "\\xef\\xbf\\xbe"},    // U+FFFE, which XML has not
+        {"\xC2\x85", "\\xc2\\x85"},             // a control character
+        {"\xFF\xFE", "\\xff\\xfe"},
+    };
+    for (const auto& expected : cases) {
+        TraceText trace;
+        trace.open("a");
+        trace.value(expected.text);
+        trace.close("a");
+        EXPECT_EQ(trace.text(), std::string("<a>") + expected.shown + "</a>");
+        EXPECT_TRUE(isXml(trace.text()));
+    }
+}
+
+TEST(TraceText, hexDump)
+{
+    const auto dumped = [](std::size_t size) {
+        const quorva::Bytes bytes(size, 0xAB);
+        TraceText trace;
+        trace.open("a");
+        trace.hexDump(bytes.data(), bytes.size());
+        trace.close("a");
+        return trace.text();
+    };
+    const std::string line = "ab ab ab ab ab ab ab ab ab ab ab ab ab ab ab ab";
+    EXPECT_EQ(dumped(0), "<a></a>");
+    EXPECT_EQ(dumped(2), "<a>ab ab</a>");
+    EXPECT_EQ(dumped(16), "<a>" + line + "</a>");
+    EXPECT_EQ(dumped(17), "<a>\n  " + line + "\n  ab\n</a>");
+}
+
+TEST(TraceText, runningOutOfMemoryEndsTheCollectingOnly)
+{
+    for (long first = 0; first < 12; ++first) {
+        TraceText trace;
+        std::uint32_t value = 7;
+        unsigned char buffer[4] = {};
+        bool succeeded;
+        {
+            const Watch watch(first);
+            succeeded = quorva::runPass(encoding, XdrLongNatural, &value, buffer, [&](Xdr& xdrs) {
+                xdrs.setTrace(&trace);
+                for (int i = 0; i < 20; ++i) xdrs.addOpenTag("anElementWithALongName");
+            }).succeeded;
+        }
+        EXPECT_TRUE(succeeded);
+        EXPECT_FALSE(first == 0 && trace.complete());
+    }
+}
+
+TEST(ScopedTrace, reachesStreamsOfThisThreadAndNests)
+{
+    TraceText outer, inner;
+    const ScopedTrace outerScope(outer);
+    Xdr().addOpenTag("first");
+    {
+        const ScopedTrace innerScope(inner);
+        Xdr().addOpenTag("second");
+        std::thread([] { EXPECT_EQ(ScopedTrace::current(), nullptr); }).join();
+    }
+    Xdr().addOpenTag("third");
+    EXPECT_EQ(outer.path(), "first/third");
+    EXPECT_EQ(inner.path(), "second");
+}

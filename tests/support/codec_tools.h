@@ -1,0 +1,75 @@
+// Short words for tests of the codec: bytes written as hex, passes with a trace, a check of XML.
+#pragma once
+
+#include <quorvapixdr/codec.h>
+
+#include <cctype>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace quorva::test {
+
+inline constexpr auto encoding = static_cast<Xdr::Request>(0);
+inline constexpr auto decoding = static_cast<Xdr::Request>(1);
+inline constexpr auto releasing = static_cast<Xdr::Request>(2);
+
+// "0000 0003 41424300" as bytes; blanks are read over.
+inline Bytes bytesOf(std::string_view hex)
+{
+    Bytes bytes;
+    bool high = true;
+    for (const char c : hex) {
+        if (c == ' ') continue;
+        const int lower = std::tolower(static_cast<unsigned char>(c));
+        const int digit = lower >= 'a' ? lower - 'a' + 10 : lower - '0';
+        if (high)
+            bytes.push_back(static_cast<unsigned char>(digit << 4));
+        else
+            bytes.back() = static_cast<unsigned char>(bytes.back() | digit);
+        high = !high;
+    }
+    return bytes;
+}
+
+inline std::string hexOf(std::span<const unsigned char> bytes)
+{
+    std::string hex;
+    char digits[3];
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        std::snprintf(digits, sizeof digits, "%02X", bytes[i]);
+        if (i > 0 && i % 4 == 0) hex += ' ';
+        hex += digits;
+    }
+    return hex;
+}
+
+// A copy of `bytes` that ends where its storage does, so that the address sanitizer sees the first byte too many.
+class Message {
+public:
+    explicit Message(std::span<const unsigned char> bytes) : length(bytes.size()), storage(new unsigned char[length])
+    {
+        std::copy(bytes.begin(), bytes.end(), storage.get());
+    }
+    std::span<unsigned char> span() const { return {storage.get(), length}; }
+
+private:
+    std::size_t length;
+    std::unique_ptr<unsigned char[]> storage;
+};
+
+// The bytes of a value as it stands in memory.
+template <class T>
+Bytes memoryOf(const T& value)
+{
+    Bytes bytes(sizeof value);
+    std::memcpy(bytes.data(), &value, sizeof value);
+    return bytes;
+}
+
+// Whether an XML parser accepts `text` as a document. Says why not on stderr.
+bool isXml(const std::string& text);
+
+}  // namespace quorva::test
