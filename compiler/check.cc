@@ -19,40 +19,58 @@ namespace {
 constexpr std::int64_t mostElements = 65535;
 
 const std::unordered_set<std::string_view> cppKeywords = {
-    "alignas",  "alignof",      "and",          "and_eq",    "asm",       "auto",     "bitand",   "bitor",
-    "bool",     "break",        "case",         "catch",     "char",      "char8_t",  "char16_t", "char32_t",
-    "class",    "co_await",     "co_return",    "co_yield",  "compl",     "concept",  "const",    "const_cast",
-    "consteval", "constexpr",   "constinit",    "continue",  "decltype",  "default",  "delete",   "do",
-    "double",   "dynamic_cast", "else",         "enum",      "explicit",  "export",   "extern",   "false",
-    "float",    "for",          "friend",       "goto",      "if",        "inline",   "int",      "long",
-    "mutable",  "namespace",    "new",          "noexcept",  "not",       "not_eq",   "nullptr",  "operator",
-    "or",       "or_eq",        "private",      "protected", "public",    "register", "reinterpret_cast", "requires",
-    "return",   "short",        "signed",       "sizeof",    "static",    "static_assert", "static_cast", "struct",
-    "switch",   "template",     "this",         "thread_local", "throw",  "true",     "try",      "typedef",
-    "typeid",   "typename",     "union",        "unsigned",  "using",     "virtual",  "void",     "volatile",
-    "wchar_t",  "while",        "xor",          "xor_eq",
+    "alignas",     "alignof",  "and",        "and_eq",    "asm",       "auto",         "bitand",
+    "bitor",       "bool",     "break",      "case",      "catch",     "char",         "char8_t",
+    "char16_t",    "char32_t", "class",      "co_await",  "co_return", "co_yield",     "compl",
+    "concept",     "const",    "const_cast", "consteval", "constexpr", "constinit",    "continue",
+    "decltype",    "default",  "delete",     "do",        "double",    "dynamic_cast", "else",
+    "enum",        "explicit", "export",     "extern",    "false",     "float",        "for",
+    "friend",      "goto",     "if",         "inline",    "int",       "long",         "mutable",
+    "namespace",   "new",      "noexcept",   "not",       "not_eq",    "nullptr",      "operator",
+    "or",          "or_eq",    "private",    "protected", "public",    "register",     "reinterpret_cast",
+    "requires",    "return",   "short",      "signed",    "sizeof",    "static",       "static_assert",
+    "static_cast", "struct",   "switch",     "template",  "this",      "thread_local", "throw",
+    "true",        "try",      "typedef",    "typeid",    "typename",  "union",        "unsigned",
+    "using",       "virtual",  "void",       "volatile",  "wchar_t",   "while",        "xor",
+    "xor_eq",
 };
 
 // Macros of the headers that nearly every program includes: no declaration survives them.
 const std::unordered_set<std::string_view> macros = {
-    "NULL",   "TRUE",   "FALSE",  "EOF",    "BUFSIZ", "errno",  "stdin",  "stdout", "stderr", "assert", "offsetof",
-    "linux",  "unix",   "i386",   "major",  "minor",  "EDOM",   "ERANGE", "EILSEQ", "EPERM",  "ENOENT", "EINTR",
-    "EIO",    "ENXIO",  "E2BIG",  "EBADF",  "EAGAIN", "ENOMEM", "EACCES", "EFAULT", "EBUSY",  "EEXIST", "EINVAL",
-    "ENFILE", "EMFILE", "EFBIG",  "ENOSPC", "EPIPE",  "NAN",    "INFINITY", "INT_MAX", "INT_MIN", "UINT_MAX",
-    "SIGINT", "SIGHUP", "SIGTERM", "SIGKILL", "SIGSEGV", "SIGABRT", "SIGFPE", "SIGILL", "TRACE",
+    "NULL",    "TRUE",     "FALSE",   "EOF",      "BUFSIZ",  "errno",   "stdin",    "stdout", "stderr",
+    "assert",  "offsetof", "linux",   "unix",     "i386",    "major",   "minor",    "EDOM",   "ERANGE",
+    "EILSEQ",  "EPERM",    "ENOENT",  "EINTR",    "EIO",     "ENXIO",   "E2BIG",    "EBADF",  "EAGAIN",
+    "ENOMEM",  "EACCES",   "EFAULT",  "EBUSY",    "EEXIST",  "EINVAL",  "ENFILE",   "EMFILE", "EFBIG",
+    "ENOSPC",  "EPIPE",    "NAN",     "INFINITY", "INT_MAX", "INT_MIN", "UINT_MAX", "SIGINT", "SIGHUP",
+    "SIGTERM", "SIGKILL",  "SIGSEGV", "SIGABRT",  "SIGFPE",  "SIGILL",  "TRACE",
 };
 
 // Names at global scope that generated code and its headers use themselves.
 const std::unordered_set<std::string_view> libraryNames = {
-    "Xdr",     "XdrRoutine", "quorva",      "std",           "main",        "ClientsXdrSupport", "ClientsXdrDeserialize",
-    "TestDeserialize", "DeallocateString",  "Boolean",       "ShortInteger", "ShortNatural",     "Integer",
-    "Natural", "LongInteger", "LongNatural", "UINT",          "Float",
+    "Xdr",
+    "XdrRoutine",
+    "quorva",
+    "std",
+    "main",
+    "ClientsXdrSupport",
+    "ClientsXdrDeserialize",
+    "TestDeserialize",
+    "DeallocateString",
+    "Boolean",
+    "ShortInteger",
+    "ShortNatural",
+    "Integer",
+    "Natural",
+    "LongInteger",
+    "LongNatural",
+    "UINT",
+    "Float",
 };
 
 // What follows "Xdr" in the names of the routines that every type shares.
 const std::unordered_set<std::string_view> primitiveRoutines = {
-    "XdrVoid",   "XdrLongFloat", "XdrEnum",    "XdrLongNatural2", "XdrOpaque",  "XdrOpaque2", "XdrString",
-    "XdrWrapString", "XdrBytes", "XdrVector",  "XdrArray",        "XdrPointer", "XdrDeallocate", "XdrRoutine",
+    "XdrVoid",       "XdrLongFloat", "XdrEnum",   "XdrLongNatural2", "XdrOpaque",  "XdrOpaque2",    "XdrString",
+    "XdrWrapString", "XdrBytes",     "XdrVector", "XdrArray",        "XdrPointer", "XdrDeallocate", "XdrRoutine",
 };
 
 // Module names that would replace a file of the library.
@@ -61,11 +79,11 @@ const std::unordered_set<std::string_view> libraryModules = {"drivers", "primiti
 std::string_view kindWord(Kind kind)
 {
     switch (kind) {
-    case Kind::constant: return "constant";
-    case Kind::enumeration: return "enumeration";
-    case Kind::record: return "struct";
-    case Kind::discriminated: return "union";
-    case Kind::definedAs: break;
+        case Kind::constant: return "constant";
+        case Kind::enumeration: return "enumeration";
+        case Kind::record: return "struct";
+        case Kind::discriminated: return "union";
+        case Kind::definedAs: break;
     }
     return "type";
 }
@@ -88,15 +106,17 @@ public:
     void run();
 
 private:
-    // A name at global scope of the generated code, and what bears it.
+    // What a definition gives a name to.
+    enum class Role { itself, routine, nameFunction, enumerator };
     struct Claim {
+        const Definition* definition = nullptr;
+        Role role = Role::itself;
         Span at;
-        std::string bearer;
     };
 
     void claimNames();
-    void claim(const std::string& name, const Span& at, const std::string& bearer);
-    void duplicate(const Definition& definition, const Claim& first);
+    void claim(const std::string& name, const Definition& definition, Role role);
+    static std::string bearer(const Claim& claim);
     void claimEnumerators(const Definition& enumeration);
     void moduleName(const Module& module);
     void spelling(const std::string& name, const Span& at, bool global);
@@ -117,9 +137,9 @@ private:
 
     const Program& program_;
     Diagnostics& faults_;
-    std::unordered_map<std::string, Claim> globals_;
-    std::unordered_map<std::string_view, Claim> numbers_;
-    std::vector<const Definition*> types_;  // every one but the repeated
+    std::unordered_map<std::string, Claim> globals_;       // names at global scope of the generated code
+    std::unordered_map<std::string_view, Claim> numbers_;  // constants and enumerators
+    std::vector<const Definition*> firsts_;                // every definition but those that repeat a name
 };
 
 // Names
@@ -158,20 +178,27 @@ void Checker::spelling(const std::string& name, const Span& at, bool global)
     }
 }
 
-void Checker::claim(const std::string& name, const Span& at, const std::string& bearer)
+std::string Checker::bearer(const Claim& claim)
 {
-    const auto [first, fresh] = globals_.emplace(name, Claim{at, bearer});
-    if (!fresh) {
-        faults_.error(at, inQuotes(name) + " would be the name of two things, of " + bearer + " and of " +
-                              first->second.bearer + "; rename one of them",
-                      Note{first->second.at, first->second.bearer + " comes from here"});
+    switch (claim.role) {
+        case Role::routine: return "the routine of " + called(*claim.definition);
+        case Role::nameFunction: return "the name function of " + called(*claim.definition);
+        case Role::itself:
+        case Role::enumerator: break;
     }
+    return called(*claim.definition);
 }
 
-void Checker::duplicate(const Definition& definition, const Claim& first)
+void Checker::claim(const std::string& name, const Definition& definition, Role role)
 {
-    faults_.error(definition.at, inQuotes(definition.name) + " is defined twice; remove or rename one of the definitions",
-                  Note{first.at, "first defined here"});
+    const Claim claim{&definition, role, definition.at};
+    const auto [first, fresh] = globals_.emplace(name, claim);
+    if (!fresh) {
+        faults_.error(definition.at,
+                      inQuotes(name) + " would be the name of two things, of " + bearer(claim) + " and of " +
+                          bearer(first->second) + "; rename one of them",
+                      Note{first->second.at, bearer(first->second) + " comes from here"});
+    }
 }
 
 void Checker::claimNames()
@@ -181,31 +208,30 @@ void Checker::claimNames()
         for (const auto& made : module->definitions) {
             const Definition& definition = *made;
             const auto known = globals_.find(definition.name);
-            if (known != globals_.end() && known->second.bearer.ends_with(" " + inQuotes(definition.name)) &&
-                !known->second.bearer.starts_with("the ")) {
-                duplicate(definition, known->second);
+            if (known != globals_.end() && known->second.role == Role::itself) {
+                faults_.error(definition.at,
+                              inQuotes(definition.name) + " is defined twice; remove or rename one of the definitions",
+                              Note{known->second.at, "first defined here"});
                 continue;
             }
+            firsts_.push_back(&definition);
             spelling(definition.name, definition.at, true);
-            claim(definition.name, definition.at, called(definition));
+            claim(definition.name, definition, Role::itself);
             if (definition.kind == Kind::constant) {
-                numbers_.emplace(definition.name, Claim{definition.at, called(definition)});
+                numbers_.emplace(definition.name, Claim{&definition, Role::itself, definition.at});
                 continue;
             }
-            types_.push_back(&definition);
             const std::string routine = "Xdr" + definition.name;
             if (primitiveRoutines.contains(routine)) {
                 faults_.error(definition.at, "the routine of " + called(definition) + " would be " + inQuotes(routine) +
                                                  ", a name of the library itself; choose another name");
             } else {
-                claim(routine, definition.at, "the routine of " + called(definition));
+                claim(routine, definition, Role::routine);
             }
-            if (definition.kind == Kind::enumeration) {
-                claim(definition.name + "String", definition.at, "the name function of " + called(definition));
-            }
+            if (definition.kind == Kind::enumeration) claim(definition.name + "String", definition, Role::nameFunction);
         }
     }
-    for (const Definition* definition : types_) claimEnumerators(*definition);
+    for (const Definition* definition : firsts_) claimEnumerators(*definition);
 }
 
 // Enumerators are no globals of the generated code, but in the language they share one scope with constants and types.
@@ -214,21 +240,20 @@ void Checker::claimEnumerators(const Definition& enumeration)
     for (const Enumerator& enumerator : enumeration.enumerators) {
         spelling(enumerator.name, enumerator.at, false);
         const auto [first, fresh] =
-            numbers_.emplace(enumerator.name, Claim{enumerator.at, called(enumeration)});
-        if (!fresh) {
-            const bool constant = first->second.bearer.starts_with("constant ");
+            numbers_.emplace(enumerator.name, Claim{&enumeration, Role::enumerator, enumerator.at});
+        const std::string name = "enumerator " + inQuotes(enumerator.name);
+        if (!fresh && first->second.role == Role::enumerator) {
             faults_.error(enumerator.at,
-                          constant ? "enumerator " + inQuotes(enumerator.name) + " has the name of a constant; rename one"
-                                   : "enumerator " + inQuotes(enumerator.name) + " stands in " + first->second.bearer +
-                                         " already; enumerators share one scope, so rename one",
+                          name + " stands in " + called(*first->second.definition) +
+                              " already; all enumerators share one scope, so rename one",
                           Note{first->second.at, "first defined here"});
             continue;
         }
         const auto global = globals_.find(enumerator.name);
-        if (global != globals_.end() && !global->second.bearer.starts_with("the ")) {
+        if (global != globals_.end() && global->second.role == Role::itself) {
             faults_.error(enumerator.at,
-                          "enumerator " + inQuotes(enumerator.name) + " has the name of a type; rename one",
-                          Note{global->second.at, "the type is defined here"});
+                          name + " has the name of " + called(*global->second.definition) + "; rename one",
+                          Note{global->second.at, "defined here"});
         }
     }
 }
@@ -238,11 +263,11 @@ void Checker::claimEnumerators(const Definition& enumeration)
 void Checker::definition(const Definition& definition)
 {
     switch (definition.kind) {
-    case Kind::constant: constant(definition); break;
-    case Kind::enumeration: enumeration(definition); break;
-    case Kind::record: record(definition); break;
-    case Kind::discriminated: discriminated(definition); break;
-    case Kind::definedAs: declaration(definition.target); break;
+        case Kind::constant: constant(definition); break;
+        case Kind::enumeration: enumeration(definition); break;
+        case Kind::record: record(definition); break;
+        case Kind::discriminated: discriminated(definition); break;
+        case Kind::definedAs: declaration(definition.target); break;
     }
 }
 
@@ -270,9 +295,9 @@ void Checker::enumeration(const Definition& definition)
             faults_.error(value.at, "enumerator " + inQuotes(enumerator.name) +
                                         " is out of range: the largest value is 2147483647");
         } else if (const auto [first, fresh] = values.emplace(value.number, &enumerator); !fresh) {
-            faults_.error(value.at, "enumerator " + inQuotes(enumerator.name) + " has the value " +
-                                        std::to_string(value.number) + " of " + inQuotes(first->second->name) +
-                                        "; no name could be told for it",
+            faults_.error(value.at,
+                          "enumerator " + inQuotes(enumerator.name) + " has the value " + std::to_string(value.number) +
+                              ", which " + inQuotes(first->second->name) + " has already; each value has one name",
                           Note{first->second->value.at, "first used here"});
         }
     }
@@ -303,11 +328,12 @@ void Checker::discriminated(const Definition& definition)
     spelling(definition.discriminant.name, definition.discriminant.at, false);
     discriminant(definition);
     if (definition.arms.empty() && !definition.broken) {
-        faults_.error(definition.at, called(definition) + " has no 'case', so that it could carry nothing");
+        faults_.error(definition.at, called(definition) + " has no 'case'; it needs at least one");
     }
     if (definition.defaultArm && definition.defaultArm->declaration.form != Form::nothing) {
-        faults_.error(definition.defaultArm->declaration.at,
-                      "a default arm carries nothing: only 'default: void;' is possible; give every value its own case");
+        faults_.error(
+            definition.defaultArm->declaration.at,
+            "a default arm carries nothing: only 'default: void;' is possible; give every value its own case");
     }
     for (const Arm& arm : definition.arms) {
         if (arm.declaration.form == Form::nothing) continue;
@@ -323,23 +349,26 @@ void Checker::discriminant(const Definition& definition)
     const TypeRef& written = definition.discriminant.type;
     const TypeRef& type = behindAliases(written);
     switch (type.builtin) {
-    case Builtin::Boolean:
-    case Builtin::LongInteger:
-    case Builtin::LongNatural:
-    case Builtin::UINT: return;
-    case Builtin::ShortInteger:
-    case Builtin::ShortNatural:
-    case Builtin::Integer:
-    case Builtin::Natural:
-    case Builtin::Float:
-        faults_.error(written.at, inQuotes(written.name) + " cannot select an arm; a discriminant is an enumeration, "
-                                                           "a 32-bit number or 'bool'");
-        return;
-    case Builtin::none: break;
+        case Builtin::Boolean:
+        case Builtin::LongInteger:
+        case Builtin::LongNatural:
+        case Builtin::UINT: return;
+        case Builtin::ShortInteger:
+        case Builtin::ShortNatural:
+        case Builtin::Integer:
+        case Builtin::Natural:
+        case Builtin::Float:
+            faults_.error(written.at, inQuotes(written.name) +
+                                          " cannot select an arm; a discriminant is an enumeration, "
+                                          "a 32-bit number or 'bool'");
+            return;
+        case Builtin::none: break;
     }
     if (type.definition && type.definition->kind != Kind::enumeration) {
-        faults_.error(written.at, called(*type.definition) + " cannot select an arm; a discriminant is an enumeration, "
-                                                             "a 32-bit number or 'bool'",
+        faults_.error(written.at,
+                      called(*type.definition) +
+                          " cannot select an arm; a discriminant is an enumeration, "
+                          "a 32-bit number or 'bool'",
                       Note{type.definition->at, "defined here"});
     }
 }
@@ -357,8 +386,9 @@ void Checker::armNames(const Definition& definition)
         }
         const auto [first, fresh] = names.emplace(held.name, &held);
         if (!fresh && !sameContent(held, *first->second)) {
-            faults_.error(held.at, called(definition) + " has two arms " + inQuotes(held.name) +
-                                       " with different types; rename one, or give both the same type",
+            faults_.error(held.at,
+                          called(definition) + " has two arms " + inQuotes(held.name) +
+                              " with different types; rename one, or give both the same type",
                           Note{first->second->at, "the first is here"});
         }
     }
@@ -390,7 +420,9 @@ void Checker::caseValue(const Definition& definition, const Value& value)
                                         " to " + std::to_string(most));
         }
     };
-    if (type.builtin == Builtin::Boolean) outside(0, 1);
+    if (type.builtin == Builtin::Boolean && value.number != 0 && value.number != 1) {
+        faults_.error(value.at, "case " + inQuotes(value.text) + " is neither TRUE nor FALSE");
+    }
     if (type.builtin == Builtin::LongInteger) {
         outside(std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max());
     }
@@ -400,13 +432,13 @@ void Checker::caseValue(const Definition& definition, const Value& value)
     if (!type.definition || type.definition->kind != Kind::enumeration || type.definition->broken) return;
     const Definition& enumeration = *type.definition;
     if (value.owner == &enumeration) return;
-    const bool named = std::any_of(enumeration.enumerators.begin(), enumeration.enumerators.end(), [&](const auto& e) {
-        return !e.value.known || e.value.number == value.number;
-    });
+    const bool named = std::any_of(enumeration.enumerators.begin(), enumeration.enumerators.end(),
+                                   [&](const auto& e) { return !e.value.known || e.value.number == value.number; });
     if (!named) {
-        faults_.error(value.at, "no enumerator of " + inQuotes(enumeration.name) + " has the value " +
-                                    std::to_string(value.number),
-                      Note{enumeration.at, inQuotes(enumeration.name) + " is defined here"});
+        faults_.error(
+            value.at,
+            "no enumerator of " + inQuotes(enumeration.name) + " has the value " + std::to_string(value.number),
+            Note{enumeration.at, inQuotes(enumeration.name) + " is defined here"});
     }
 }
 
@@ -415,13 +447,14 @@ void Checker::declaration(const Declaration& declaration)
     if (!declaration.written || !declaration.written->known) return;
     const Value& written = *declaration.written;
     const bool fixed = declaration.form == Form::vector || declaration.form == Form::opaque;
-    const std::string number = inQuotes(written.text) +
-                               (written.isName ? " (" + std::to_string(written.number) + ")" : "");
+    const std::string number =
+        inQuotes(written.text) + (written.isName ? " (" + std::to_string(written.number) + ")" : "");
     if (written.number < 0) {
         faults_.error(written.at, number + " is negative, and nothing can be counted with it");
     } else if (fixed && written.number == 0) {
-        faults_.error(written.at, declaration.form == Form::opaque ? "no bytes at all: 'opaque' with '[ ]' needs 1 or more"
-                                                                   : "a vector of no elements; give it 1 or more");
+        faults_.error(written.at, declaration.form == Form::opaque
+                                      ? "no bytes at all: 'opaque' with '[ ]' needs 1 or more"
+                                      : "a vector of no elements; give it 1 or more");
     } else if (written.number > mostElements) {
         faults_.error(written.at, number + " is too large: counts in memory have 16 bits, so the most is 65535");
     }
@@ -429,10 +462,16 @@ void Checker::declaration(const Declaration& declaration)
 
 // Circles
 
-// Calls `report` with each circle in the graph of types that `leadsOn` selects the edges of, and with the place where the
-// first type of the circle names the second.
-template <typename LeadsOn, typename Report>
-void findCircles(const std::vector<const Definition*>& types, LeadsOn leadsOn, Report report)
+struct Circle {
+    const Definition* first = nullptr;
+    Span at;  // where the first type names the second
+    std::string path;
+    bool throughOptional = false;
+};
+
+// Calls `report` with each circle of types that is made of the declarations that `counts` accepts.
+template <typename Counts, typename Report>
+void findCircles(const std::vector<const Definition*>& types, const Diagnostics& faults, Counts counts, Report report)
 {
     std::unordered_map<const Definition*, std::size_t> places;
     for (std::size_t i = 0; i < types.size(); ++i) places.emplace(types[i], i);
@@ -440,10 +479,10 @@ void findCircles(const std::vector<const Definition*>& types, LeadsOn leadsOn, R
     std::vector<std::vector<std::size_t>> edges(types.size());
     std::vector<std::vector<const Declaration*>> named(types.size());
     for (std::size_t i = 0; i < types.size(); ++i) {
+        std::unordered_set<std::size_t> once;
         const auto add = [&](const Declaration& declaration) {
             const auto to = places.find(declaration.type.definition);
-            if (to == places.end() || !leadsOn(*types[i], declaration)) return;
-            if (std::find(edges[i].begin(), edges[i].end(), to->second) != edges[i].end()) return;
+            if (to == places.end() || !counts(*types[i], declaration) || !once.insert(to->second).second) return;
             edges[i].push_back(to->second);
             named[i].push_back(&declaration);
         };
@@ -451,11 +490,17 @@ void findCircles(const std::vector<const Definition*>& types, LeadsOn leadsOn, R
         for (const Arm& arm : types[i]->arms) add(arm.declaration);
         if (types[i]->kind == Kind::definedAs) add(types[i]->target);
     }
-    walk(edges, [&](const std::vector<Step>& path) {
-        std::string names;
-        for (const Step& step : path) names += types[step.node]->name + " -> ";
-        const Step& first = path.front();
-        report(*types[first.node], named[first.node][first.edge]->type.at, names + types[first.node]->name);
+    walk(edges, [&](const std::vector<Step>& path, std::size_t first) {
+        if (faults.full()) return;
+        const Step& start = path[first];
+        Circle found{types[start.node], named[start.node][start.edge]->type.at, "", false};
+        std::vector<std::string_view> names;
+        for (std::size_t i = first; i < path.size(); ++i) {
+            names.emplace_back(types[path[i].node]->name);
+            if (named[path[i].node][path[i].edge]->form == Form::optional) found.throughOptional = true;
+        }
+        found.path = circle(names);
+        report(found);
     });
 }
 
@@ -467,41 +512,35 @@ bool holdsInPlace(const Declaration& declaration)
 void Checker::circlesByValue()
 {
     findCircles(
-        types_, [](const Definition&, const Declaration& declaration) { return holdsInPlace(declaration); },
-        [&](const Definition& definition, const Span& at, const std::string& path) {
-            faults_.error(at, inQuotes(definition.name) + " contains itself: " + path +
-                                  "; hold one of them as an optional value ('*') or a list ('< >')");
+        firsts_, faults_, [](const Definition&, const Declaration& declaration) { return holdsInPlace(declaration); },
+        [&](const Circle& circle) {
+            faults_.error(circle.at, inQuotes(circle.first->name) + " contains itself: " + circle.path +
+                                         "; hold one of them as an optional value ('*') or a list ('< >')");
         });
 }
 
 // `typedef A *B; typedef B *A;` is finite in memory, but no C++ type says it.
 void Checker::circlesOfTypedefs()
 {
-    bool optional = false;
     findCircles(
-        types_,
-        [&](const Definition& definition, const Declaration& declaration) {
-            const bool alias = definition.kind == Kind::definedAs && declaration.type.definition->kind == Kind::definedAs;
-            if (alias && declaration.form == Form::optional) optional = true;
-            return alias && (holdsInPlace(declaration) || declaration.form == Form::optional);
+        firsts_, faults_,
+        [](const Definition& definition, const Declaration& declaration) {
+            return definition.kind == Kind::definedAs && declaration.type.definition->kind == Kind::definedAs &&
+                   (holdsInPlace(declaration) || declaration.form == Form::optional);
         },
-        [&](const Definition& definition, const Span& at, const std::string& path) {
-            if (!optional) return;
-            faults_.error(at, "typedef " + inQuotes(definition.name) + " is made of nothing but itself: " + path);
+        [&](const Circle& circle) {
+            if (!circle.throughOptional) return;  // the rest was found as contained by value
+            faults_.error(circle.at, "typedef " + inQuotes(circle.first->name) + " is made of nothing but typedefs: " +
+                                         circle.path + "; put a struct between them");
         });
 }
 
 void Checker::run()
 {
     claimNames();
-    for (const Definition* made : types_) {
+    for (const Definition* made : firsts_) {
         if (faults_.full()) return;
         definition(*made);
-    }
-    for (const auto& module : program_.modules) {
-        for (const auto& made : module->definitions) {
-            if (made->kind == Kind::constant) constant(*made);
-        }
     }
     circlesByValue();
     circlesOfTypedefs();

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace quorva::compiler {
@@ -13,8 +14,8 @@ struct Step {
 };
 
 // `edges[n]` lists the nodes that node n leads to. The result lists every node behind those that it leads to.
-// `onCircle(path)` is called for each edge that closes a circle: the path begins at the node that the last step's edge
-// leads back to.
+// `onCircle(path, first)` is called for each edge that closes a circle: the last step's edge leads back to
+// `path[first]`.
 template <typename OnCircle>
 std::vector<std::size_t> walk(const std::vector<std::vector<std::size_t>>& edges, OnCircle onCircle)
 {
@@ -45,9 +46,7 @@ std::vector<std::size_t> walk(const std::vector<std::vector<std::size_t>>& edges
                 path.push_back({next, 0});
                 continue;
             }
-            if (states[next] == State::onPath) {
-                onCircle(std::vector<Step>(path.begin() + static_cast<std::ptrdiff_t>(places[next]), path.end()));
-            }
+            if (states[next] == State::onPath) { onCircle(std::as_const(path), places[next]); }
             ++step.edge;
         }
     }

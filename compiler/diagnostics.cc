@@ -2,6 +2,7 @@
 #include "diagnostics.h"
 
 #include <algorithm>
+#include <numeric>
 #include <ostream>
 #include <tuple>
 
@@ -70,6 +71,35 @@ void printOne(std::ostream& out, const Span& at, std::string_view severity, std:
     printExcerpt(out, at);
 }
 
+// Edits that turn one name into the other: letters put in, left out, exchanged, or swapped with the next.
+std::size_t distance(std::string_view a, std::string_view b, std::vector<std::size_t>& scratch)
+{
+    const std::size_t width = b.size() + 1;
+    scratch.resize(3 * width);
+    std::size_t* before = scratch.data();
+    std::size_t* above = before + width;
+    std::size_t* row = above + width;
+    std::iota(above, above + width, std::size_t{0});
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        row[0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const bool same = a[i - 1] == b[j - 1];
+            row[j] = std::min({above[j] + 1, row[j - 1] + 1, above[j - 1] + (same ? 0 : 1)});
+            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+                row[j] = std::min(row[j], before[j - 2] + 1);
+        }
+        std::swap(before, above);
+        std::swap(above, row);
+    }
+    return above[b.size()];
+}
+
+bool equalIgnoringCase(std::string_view a, std::string_view b)
+{
+    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
+}
+
 }  // namespace
 
 void Diagnostics::error(const Span& at, std::string sentence, std::optional<Note> note)
@@ -99,6 +129,40 @@ std::string inQuotes(std::string_view name)
     for (const char c : name.substr(0, longestName)) shown += printable(c);
     if (name.size() > longestName) shown += "...";
     return shown + "'";
+}
+
+std::string suggestion(std::string_view name, const std::vector<std::string_view>& candidates)
+{
+    constexpr std::size_t mostCandidates = 20000;  // several times a whole library; more would cost seconds
+    if (candidates.size() > mostCandidates) return "";
+    const std::size_t farthest = std::min<std::size_t>(3, std::max<std::size_t>(1, name.size() / 4));
+    std::size_t best = farthest + 1;
+    std::string_view nearest;
+    std::vector<std::size_t> scratch;
+    for (const std::string_view candidate : candidates) {
+        const std::size_t longer = std::max(name.size(), candidate.size());
+        if (longer - std::min(name.size(), candidate.size()) > farthest || candidate == name) continue;
+        const std::size_t away = equalIgnoringCase(name, candidate) ? 0 : distance(name, candidate, scratch);
+        if (away < best || (away == best && candidate < nearest)) {
+            best = away;
+            nearest = candidate;
+        }
+    }
+    return best > farthest ? "" : "; did you mean " + inQuotes(nearest) + "?";
+}
+
+std::string circle(const std::vector<std::string_view>& names)
+{
+    constexpr std::size_t shown = 4;  // at either end
+    std::string path;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (i == shown && names.size() > 2 * shown + 1) {
+            path += "... -> ";
+            i = names.size() - shown;
+        }
+        path.append(names[i]).append(" -> ");
+    }
+    return path.append(names.front());
 }
 
 Span behind(const Span& span)

@@ -47,6 +47,12 @@ private:
 // A name from an input as messages show it: in quotes, cut where it is overlong.
 std::string inQuotes(std::string_view name);
 
+// "; did you mean 'X'?" with the candidate that is nearest to the name, or nothing where none is near.
+std::string suggestion(std::string_view name, const std::vector<std::string_view>& candidates);
+
+// "A -> B -> A" for the names A and B, with dots in the middle of a long circle.
+std::string circle(const std::vector<std::string_view>& names);
+
 // The place right behind a span, where something is missing.
 Span behind(const Span& span);
 

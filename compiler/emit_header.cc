@@ -110,24 +110,12 @@ MemberNames memberNamesOf(const Definition& definition)
 
 // ---- Definitions, one function for each kind ------------------------------------------------------------------------
 
-std::string constantType(std::int64_t number)
-{
-    if (number >= std::numeric_limits<std::int32_t>::min() && number <= std::numeric_limits<std::int32_t>::max())
-        return "std::int32_t";
-    return number >= 0 && number <= std::numeric_limits<std::uint32_t>::max() ? "std::uint32_t" : "std::int64_t";
-}
-
-std::string constantValue(const Value& value)
-{
-    if (value.number == std::numeric_limits<std::int64_t>::min())
-        return std::to_string(value.number + 1) + " - 1";  // C++ has no literal for it
-    return value.isName ? std::to_string(value.number) : value.text;
-}
-
 BodyLine constant(const Definition& definition)
 {
     const Value& value = definition.constant;
-    return {"inline constexpr " + constantType(value.number) + " " + definition.name + " = " + constantValue(value) + ";",
+    const std::string type = value.number > std::numeric_limits<std::int32_t>::max() ? "std::uint32_t" : "std::int32_t";
+    return {"inline constexpr " + type + " " + definition.name + " = " +
+                (value.isName ? std::to_string(value.number) : value.text) + ";",
             "", docOf(definition)};
 }
 
@@ -148,11 +136,13 @@ std::string record(const Definition& definition)
     return "struct " + definition.name + " {\n" + body(lines, indentWidth) + "};\n";
 }
 
-void addVoidCases(std::vector<BodyLine>& lines, const Definition& definition, std::size_t indent)
+void addVoidArms(std::vector<BodyLine>& lines, const Definition& definition, std::size_t indent)
 {
-    if (const auto cases = voidCasesOf(definition); !cases.empty())
-        addRemark(lines, casesOf(cases) + ": nothing", indent);
-    if (definition.defaultArm) addRemark(lines, "any other value: nothing", indent);
+    const auto add = [&](const std::string& cases, const std::string& doc) {
+        addRemark(lines, cases + ": nothing" + (doc.empty() ? "" : "; " + doc), indent);
+    };
+    for (const ArmMember& arm : voidArmsOf(definition)) add(casesOf(arm.cases), arm.doc);
+    if (definition.defaultArm) add("any other value", definition.defaultArm->declaration.doc);
 }
 
 std::string arms(const Definition& definition, const MemberNames& members)
@@ -164,7 +154,7 @@ std::string arms(const Definition& definition, const MemberNames& members)
         lines.push_back({memberOf(*arm.declaration, members),
                          casesOf(arm.cases) + (limit.empty() ? "" : ": " + limit), arm.doc});
     }
-    addVoidCases(lines, definition, indent);
+    addVoidArms(lines, definition, indent);
     return "    union {\n" + body(lines, indent) + "    };\n";
 }
 
@@ -173,7 +163,7 @@ std::string discriminated(const Definition& definition)
     const MemberNames members = memberNamesOf(definition);
     const bool hasArms = !armMembersOf(definition).empty();
     std::vector<BodyLine> lines = {{memberOf(definition.discriminant, members), "", definition.discriminant.doc}};
-    if (!hasArms) addVoidCases(lines, definition, indentWidth);
+    if (!hasArms) addVoidArms(lines, definition, indentWidth);
     return "struct " + definition.name + " {\n" + body(lines, indentWidth) +
            (hasArms ? arms(definition, members) : "") + "};\n";
 }

@@ -255,13 +255,19 @@ std::vector<ArmMember> armMembersOf(const Definition& discriminated)
     return out;
 }
 
-std::vector<const Value*> voidCasesOf(const Definition& discriminated)
+std::vector<ArmMember> voidArmsOf(const Definition& discriminated)
 {
-    std::vector<const Value*> out;
-    for (const Arm& arm : discriminated.arms)
-        if (arm.declaration.form == Form::nothing)
-            for (const Value& value : arm.cases) out.push_back(&value);
-    return out;
+    ArmMember undocumented;
+    std::vector<ArmMember> documented;
+    for (const Arm& arm : discriminated.arms) {
+        if (arm.declaration.form != Form::nothing) continue;
+        ArmMember& place = arm.declaration.doc.empty() ? undocumented : documented.emplace_back();
+        place.declaration = &arm.declaration;
+        place.doc = arm.declaration.doc;
+        for (const Value& value : arm.cases) place.cases.push_back(&value);
+    }
+    if (undocumented.declaration) documented.push_back(undocumented);
+    return documented;
 }
 
 std::vector<const Definition*> declarationOrder(const std::vector<const Definition*>& definitions)

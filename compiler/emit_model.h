@@ -5,7 +5,6 @@
 #include "model.h"
 
 #include <cstddef>
-#include <initializer_list>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -37,14 +36,14 @@ Discriminant discriminantOf(const Definition& discriminated);
 
 // An arm with data as memory and headers know it: one member, selected by the cases of every arm that declares it.
 struct ArmMember {
-    const Declaration* declaration = nullptr;
+    const Declaration* declaration = nullptr;  // the first of them
     std::vector<const Value*> cases;
     std::string doc;
 };
 std::vector<ArmMember> armMembersOf(const Definition& discriminated);
 
-// The cases that carry nothing, without the default arm.
-std::vector<const Value*> voidCasesOf(const Definition& discriminated);
+// The arms that carry nothing, without the default arm, in the same shape: those without documentation are one.
+std::vector<ArmMember> voidArmsOf(const Definition& discriminated);
 
 // The definitions in an order in which each stands behind those that it uses, as near to the given order as that allows.
 // In a circle of types that refer to each other, a type stands behind those that it holds by value and behind the

@@ -58,7 +58,7 @@ private:
     // Types, enumerators and constants share one name space in C.
     std::string global(const std::string& name) const { return spelled(prefix_ + name); }
 
-    std::string type(const TypeRef& type, const Definition& user) const;
+    std::string type(const Declaration& declaration, const Definition& user) const;
     std::string bound(const Declaration& declaration) const;
     std::string label(const Value& value, const Discriminant& discriminant) const;
     std::string declaration(const Declaration& declaration, const std::string& name, const Definition& user) const;
@@ -74,14 +74,15 @@ private:
     std::unordered_set<const Definition*> printed_;
 };
 
-// A type that is still to come is one that the user's own definition leads back to. There, and only there, C compilers
-// need the keyword before the name, which other tools read over.
-std::string Printer::type(const TypeRef& type, const Definition& user) const
+// A type that is still to come is one that the user's own definition leads back to. There, and for a list of the user's
+// own type, C compilers need the keyword before the name; nowhere else, since not every tool knows that form.
+std::string Printer::type(const Declaration& declaration, const Definition& user) const
 {
-    if (!type.definition) return wireType(type.builtin);
-    const bool isAhead = type.definition != &user && !printed_.contains(type.definition);
-    const bool isStructure = type.definition->kind == Kind::record || type.definition->kind == Kind::discriminated;
-    return (isAhead && isStructure ? "struct " : "") + global(type.definition->name);
+    const Definition* used = declaration.type.definition;
+    if (!used) return wireType(declaration.type.builtin);
+    const bool isStructure = used->kind == Kind::record || used->kind == Kind::discriminated;
+    const bool isAhead = used == &user ? declaration.form == Form::list : !printed_.contains(used);
+    return (isAhead && isStructure ? "struct " : "") + global(used->name);
 }
 
 std::string Printer::bound(const Declaration& declaration) const
@@ -103,10 +104,10 @@ std::string Printer::label(const Value& value, const Discriminant& discriminant)
 std::string Printer::declaration(const Declaration& declaration, const std::string& name, const Definition& user) const
 {
     switch (declaration.form) {
-    case Form::single: return type(declaration.type, user) + " " + name + ";";
-    case Form::vector: return type(declaration.type, user) + " " + name + "[" + bound(declaration) + "];";
-    case Form::list: return type(declaration.type, user) + " " + name + "<" + bound(declaration) + ">;";
-    case Form::optional: return type(declaration.type, user) + " *" + name + ";";
+    case Form::single: return type(declaration, user) + " " + name + ";";
+    case Form::vector: return type(declaration, user) + " " + name + "[" + bound(declaration) + "];";
+    case Form::list: return type(declaration, user) + " " + name + "<" + bound(declaration) + ">;";
+    case Form::optional: return type(declaration, user) + " *" + name + ";";
     case Form::string: return "string " + name + "<" + bound(declaration) + ">;";
     case Form::bytes: return "opaque " + name + "<" + bound(declaration) + ">;";
     case Form::opaque: return "opaque " + name + "[" + bound(declaration) + "];";
@@ -141,7 +142,7 @@ std::string Printer::record(const Definition& definition) const
 std::string Printer::discriminated(const Definition& definition) const
 {
     const Discriminant discriminant = discriminantOf(definition);
-    std::string out = "union " + global(definition.name) + " switch (" + type(definition.discriminant.type, definition) +
+    std::string out = "union " + global(definition.name) + " switch (" + type(definition.discriminant, definition) +
                       " " + spelled(definition.discriminant.name) + ") {\n";
     const auto add = [&](const std::vector<const Value*>& cases, const Declaration& arm, const std::string& doc) {
         for (const Value* value : cases) out += "case " + label(*value, discriminant) + ":\n";
@@ -149,13 +150,9 @@ std::string Printer::discriminated(const Definition& definition) const
     };
 
     for (const ArmMember& arm : armMembersOf(definition)) add(arm.cases, *arm.declaration, arm.doc);
-    for (const Arm& arm : definition.arms) {
-        if (arm.declaration.form != Form::nothing) continue;
-        std::vector<const Value*> cases;
-        for (const Value& value : arm.cases) cases.push_back(&value);
-        add(cases, arm.declaration, arm.declaration.doc);
-    }
-    if (definition.defaultArm) out += "default:\n    void;\n";
+    for (const ArmMember& arm : voidArmsOf(definition)) add(arm.cases, *arm.declaration, arm.doc);
+    if (definition.defaultArm)
+        out += "default:\n" + blockComment(definition.defaultArm->declaration.doc, indentWidth) + "    void;\n";
     return out + "};\n";
 }
 

@@ -123,12 +123,10 @@ std::string armRow(const Definition& definition, const Arm& arm)
     for (const Value& value : arm.cases) numbers.push_back(std::to_string(value.number));
     const std::string head = "{cases<" + joined(numbers) + ">, {";
 
-    const std::string& doc = arm.declaration.doc;
     if (arm.declaration.form != Form::nothing)
-        return row(indentWidth, head, memberParts(definition, arm.declaration), doc, "}},");
-    if (doc.empty()) return std::string(indentWidth, ' ') + head + "}},\n";
-    const std::string start = std::string(indentWidth, ' ') + head + ".doc = ";
-    return start + literal(doc, start.size()) + "}},\n";
+        return row(indentWidth, head, memberParts(definition, arm.declaration), arm.declaration.doc, "}},");
+    if (arm.declaration.doc.empty()) return std::string(indentWidth, ' ') + head + "}},\n";
+    return row(indentWidth, head, {"\"\"", "{}", "0"}, arm.declaration.doc, "}},");
 }
 
 std::string armArray(const Definition& definition)
@@ -143,8 +141,7 @@ std::string arrays(const Definition& definition)
     switch (definition.kind) {
     case Kind::enumeration: return enumeratorArray(definition);
     case Kind::record: return fieldArray(definition);
-    case Kind::discriminated:
-        return fieldArray(definition) + (definition.arms.empty() ? "" : "\n" + armArray(definition));
+    case Kind::discriminated: return fieldArray(definition) + "\n" + armArray(definition);
     case Kind::definedAs:
     case Kind::constant: return "";
     }
@@ -171,7 +168,7 @@ std::string itemsOfKind(const Definition& definition)
     case Kind::enumeration: return item("enumerators", name + "Enumerators");
     case Kind::record: return item("fields", name + "Fields");
     case Kind::discriminated:
-        return item("fields", name + "Fields") + (definition.arms.empty() ? "" : item("arms", name + "Arms")) +
+        return item("fields", name + "Fields") + item("arms", name + "Arms") +
                (definition.defaultArm ? item("hasDefault", "true") : "");
     case Kind::definedAs: return item("target", useOf(definition.target));
     case Kind::constant: return "";

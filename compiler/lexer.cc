@@ -69,6 +69,7 @@ private:
     std::size_t at_ = 0;
     std::size_t lineStart_ = 0;
     unsigned line_ = 1;
+    unsigned lastIllegal_ = 0;  // line
     bool tokenOnLine_ = false;
     unsigned commentsSeen_ = 0;
     Lexed out_;
@@ -143,9 +144,9 @@ void Lexer::word()
     const bool keyword = std::find(keywords.begin(), keywords.end(), text) != keywords.end();
     add(keyword ? TokenKind::keyword : TokenKind::name, from);
     if (text.size() > longestWord) {
-        faults_.error(span(from, text.size()),
-                      "this name has " + std::to_string(text.size()) + " characters; at most " +
-                          std::to_string(longestWord) + " are taken");
+        faults_.error(span(from, text.size()), "this name has " + std::to_string(text.size()) +
+                                                   " characters; at most " + std::to_string(longestWord) +
+                                                   " are taken");
         out_.tokens.back().text = text.substr(0, longestWord);
     }
 }
@@ -173,11 +174,13 @@ void Lexer::number()
     if (digits.empty() || (result != std::errc::result_out_of_range && stop != end)) {
         token.known = false;
         const bool octal = base == 8 && std::all_of(digits.begin(), digits.end(), isDigit);
-        faults_.error(token.at, inQuotes(token.text) + (octal ? " is no number: a leading 0 makes it octal, and octal has no 8 and 9"
-                                                            : " is no number, and a name cannot begin with a digit"));
+        faults_.error(token.at, inQuotes(token.text) +
+                                    (octal ? " is no number: a leading 0 makes it octal, and octal has no 8 and 9"
+                                           : " is no number, and a name cannot begin with a digit"));
     } else if (result == std::errc::result_out_of_range) {
         token.known = false;
-        faults_.error(token.at, "the number " + inQuotes(token.text) + " is out of range: the API's numbers have 32 bits");
+        faults_.error(token.at,
+                      "the number " + inQuotes(token.text) + " is out of range: the API's numbers have 32 bits");
     } else {
         token.number = negative ? -magnitude : magnitude;
     }
@@ -227,15 +230,19 @@ void Lexer::illegal()
     while (!atEnd() && peek() != '\n' && !isBlank(peek()) && !continuesWord(peek()) && !isPunctuation(peek())) ++at_;
     const auto byte = static_cast<unsigned char>(text_[from]);
     std::string what;
-    if (byte > 0x20 && byte < 0x7F) {
+    if (byte == '"') {
+        what = "nothing stands in quotes in this language";
+    } else if (byte > 0x20 && byte < 0x7F) {
         what = inQuotes(text_.substr(from, 1)) + " is no character of this language";
     } else {
         constexpr std::string_view hex = "0123456789ABCDEF";
         what = std::string("the byte 0x") + hex[byte >> 4U] + hex[byte & 15U] +
-               (byte < 0x80 ? " stands in no text file" : " is outside ASCII, which only comments may leave");
+               (byte < 0x80 ? " stands in no text file" : " is no letter of ASCII; others may stand in comments only");
     }
     add(TokenKind::bad, from);
-    faults_.error(out_.tokens.back().at, std::move(what));
+    // Where one is, more follow, and one report a line says it all.
+    if (line_ != lastIllegal_) faults_.error(out_.tokens.back().at, std::move(what));
+    lastIllegal_ = line_;
 }
 
 Lexed Lexer::run()

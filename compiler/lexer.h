@@ -11,9 +11,9 @@
 namespace quorva::compiler {
 
 enum class TokenKind : std::uint8_t {
-    end,          // behind the last token of the file
+    end,  // behind the last token of the file
     name,
-    keyword,      // a word of RFC 4506 that nothing can be named
+    keyword,  // a word of RFC 4506 that nothing can be named
     number,
     punctuation,  // one character
     bad,          // characters of no token, already reported
@@ -21,11 +21,11 @@ enum class TokenKind : std::uint8_t {
 
 struct Token {
     TokenKind kind = TokenKind::end;
-    bool known = true;         // of a number: the literal is well-formed and `number` is its value
+    bool known = true;  // of a number: the literal is well-formed and `number` is its value
     bool firstOnLine = false;
-    unsigned firstComment = 0; // index of the first comment behind the token before this one
+    unsigned firstComment = 0;  // index of the first comment behind the token before this one
     Span at;
-    std::string_view text;     // within the source's text
+    std::string_view text;  // within the source's text
     std::int64_t number = 0;
 
     bool is(std::string_view word) const { return text == word && kind != TokenKind::end && kind != TokenKind::bad; }
@@ -35,8 +35,8 @@ struct Comment {
     std::string_view text;  // without the comment marks
     Span at;                // of its first line
     unsigned lastLine = 0;
-    bool block = false;     // written between slash-star and star-slash
-    bool alone = false;     // no token stands before it on its first line
+    bool block = false;  // written between slash-star and star-slash
+    bool alone = false;  // no token stands before it on its first line
 };
 
 struct Lexed {
@@ -50,7 +50,8 @@ struct DocLine {
     Span at;  // of the comment
 };
 
-// Names in lines that are skipped ('#define') are noted in the module, as is text that may define anything ('#include').
+// Names in lines that are skipped ('#define') are noted in the module, as is text that may define anything
+// ('#include').
 Lexed lex(Module& module, Diagnostics& faults);
 
 // Appends the lines of one comment, without empty ones at its start and end.

@@ -1,5 +1,5 @@
-// A predictive parser over the token list. The language has no nested constructs, so it needs no recursion: a body inside
-// a body is a fault and is skipped by counting braces.
+// A predictive parser over the token list. The language has no nested constructs, so it needs no recursion: a body
+// inside a body is a fault and is skipped by counting braces.
 #include "parser.h"
 
 #include "lexer.h"
@@ -322,9 +322,7 @@ void Parser::document(Definition& definition, const std::vector<DocLine>& lines)
         const auto mark = markOf(line);
         if (mark == provisionalMark) {
             const auto start = line.text.find_first_not_of(" \t:", provisionalMark.size());
-            if (definition.provisional) {
-                fault(line.at, "'" + definition.name + "' is marked '@provisional' twice");
-            }
+            if (definition.provisional) { fault(line.at, "'" + definition.name + "' is marked '@provisional' twice"); }
             definition.provisional = start == std::string::npos ? "" : line.text.substr(start);
             continue;
         }
@@ -368,7 +366,7 @@ void Parser::run()
 bool Parser::definition()
 {
     const bool named = token(1).kind == TokenKind::name || token(1).kind == TokenKind::keyword;
-    if (at("import") && named) return import();
+    if (at("import")) return import();
     if (at("program") && named && token(2).is("{")) return program();
     if (at("}") || at(";")) {
         fault(token().at, at("}") ? "this '}' closes nothing" : "this ';' ends nothing");
@@ -464,8 +462,8 @@ bool Parser::constant(Definition& definition)
 {
     ++pos_;
     definition.kind = Kind::constant;
-    return expectName("the constant", definition.name, definition.at) &&
-           expect("=", "behind " + called(definition)) && value(definition.constant, "the value of the constant") &&
+    return expectName("the constant", definition.name, definition.at) && expect("=", "behind " + called(definition)) &&
+           value(definition.constant, "the value of the constant") &&
            expect(";", "behind the value of " + called(definition));
 }
 
@@ -482,10 +480,12 @@ bool Parser::typeDefinition(Definition& definition)
         const bool tagged = !at("{") && !at("switch");
         const Token& tag = token();
         if (tagged) ++pos_;
-        if (!body(definition) || !expectName("this " + called(definition), definition.name, definition.at)) return false;
+        if (!body(definition) || !expectName("this " + called(definition), definition.name, definition.at))
+            return false;
         if (tagged && !tag.is(definition.name)) {
             fault(tag.at, "this " + std::string(kindWord(definition.kind)) + " has two names, " + inQuotes(tag.text) +
-                              " and " + inQuotes(definition.name) + "; define it once and write a typedef for the other");
+                              " and " + inQuotes(definition.name) +
+                              "; define it once and write a typedef for the other");
         }
         if (!at(";") && !startsLine()) {
             fault(token().at, "define the " + std::string(kindWord(definition.kind)) +
@@ -529,11 +529,11 @@ bool Parser::body(Definition& definition)
     while (bodyGoesOn(opened, called(definition))) {
         bool complete = false;
         switch (definition.kind) {
-        case Kind::enumeration: complete = enumeration(definition); break;
-        case Kind::record: complete = record(definition); break;
-        case Kind::discriminated: complete = arm(definition); break;
-        case Kind::constant:
-        case Kind::definedAs: break;
+            case Kind::enumeration: complete = enumeration(definition); break;
+            case Kind::record: complete = record(definition); break;
+            case Kind::discriminated: complete = arm(definition); break;
+            case Kind::constant:
+            case Kind::definedAs: break;
         }
         if (!complete) skipInBody(definition.kind == Kind::enumeration ? "," : ";");
     }
@@ -614,9 +614,9 @@ bool Parser::arm(Definition& definition)
     }
     const bool complete = declaration(arm.declaration, "arm");
     if (!complete && arm.declaration.name.empty()) return false;
-    const bool ended = complete && endOfDeclaration(arm.declaration.form == Form::nothing
-                                                        ? "'void'"
-                                                        : "arm " + inQuotes(arm.declaration.name));
+    const bool ended =
+        complete &&
+        endOfDeclaration(arm.declaration.form == Form::nothing ? "'void'" : "arm " + inQuotes(arm.declaration.name));
     if (ended) {
         addDocInside(doc, first, pos_ - 1);
         addDocBehind(doc, pos_ - 1);
@@ -687,7 +687,8 @@ bool Parser::declarator(Declaration& declaration, const std::string& what)
     const Span bracket = token().at;
     const bool counted = at("<");
     if (!counted && !at("[")) {
-        if (!optional && text) fault(declaration.at, "a string needs a maximum: write 'string " + name + "<n>', or '<>'");
+        if (!optional && text)
+            fault(declaration.at, "a string needs a maximum: write 'string " + name + "<n>', or '<>'");
         if (!optional && bytes) {
             fault(declaration.at, "opaque bytes need a number: write 'opaque " + name + "<n>' for at most n bytes, '" +
                                       name + "[n]' for exactly n");
@@ -702,8 +703,10 @@ bool Parser::declarator(Declaration& declaration, const std::string& what)
                            std::string(counted ? "list" : "vector") + " and make that optional");
         declaration.written.reset();
     } else if (text && !counted) {
-        fault(bracket, "a string has no fixed length: write 'string " + name + "<n>' for text of at most n characters, "
-                           "'opaque " + name + "[n]' for exactly n bytes");
+        fault(bracket, "a string has no fixed length: write 'string " + name +
+                           "<n>' for text of at most n characters, "
+                           "'opaque " +
+                           name + "[n]' for exactly n bytes");
     } else if (bytes && !counted) {
         declaration.form = Form::opaque;
     } else if (!text && !bytes) {

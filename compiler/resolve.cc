@@ -3,8 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
-#include <numeric>
 #include <unordered_map>
 
 namespace quorva::compiler {
@@ -25,11 +23,26 @@ constexpr std::array<std::pair<std::string_view, Builtin>, 9> builtins = {{
 
 // What other XDR compilers take for numbers, and what says the same here.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 20> foreignTypes = {{
-    {"char", "ShortInteger"},      {"short", "Integer"},       {"long", "int"},           {"u_char", "ShortNatural"},
-    {"u_short", "Natural"},        {"u_int", "unsigned int"},  {"u_long", "unsigned int"}, {"int8_t", "ShortInteger"},
-    {"uint8_t", "ShortNatural"},   {"int16_t", "Integer"},     {"uint16_t", "Natural"},   {"int32_t", "int"},
-    {"uint32_t", "unsigned int"},  {"u_int8_t", "ShortNatural"}, {"u_int16_t", "Natural"}, {"u_int32_t", "unsigned int"},
-    {"signed", "int"},             {"bool_t", "bool"},         {"boolean", "bool"},       {"String", "string name<n>"},
+    {"char", "ShortInteger"},
+    {"short", "Integer"},
+    {"long", "int"},
+    {"u_char", "ShortNatural"},
+    {"u_short", "Natural"},
+    {"u_int", "unsigned int"},
+    {"u_long", "unsigned int"},
+    {"int8_t", "ShortInteger"},
+    {"uint8_t", "ShortNatural"},
+    {"int16_t", "Integer"},
+    {"uint16_t", "Natural"},
+    {"int32_t", "int"},
+    {"uint32_t", "unsigned int"},
+    {"u_int8_t", "ShortNatural"},
+    {"u_int16_t", "Natural"},
+    {"u_int32_t", "unsigned int"},
+    {"signed", "int"},
+    {"bool_t", "bool"},
+    {"boolean", "bool"},
+    {"String", "string name<n>"},
 }};
 
 bool isEnumeration(const TypeRef& type)
@@ -40,11 +53,11 @@ bool isEnumeration(const TypeRef& type)
 std::string_view described(Kind kind)
 {
     switch (kind) {
-    case Kind::constant: return "a constant";
-    case Kind::enumeration: return "an enumeration";
-    case Kind::record: return "a struct";
-    case Kind::discriminated: return "a union";
-    case Kind::definedAs: break;
+        case Kind::constant: return "a constant";
+        case Kind::enumeration: return "an enumeration";
+        case Kind::record: return "a struct";
+        case Kind::discriminated: return "a union";
+        case Kind::definedAs: break;
     }
     return "a typedef";
 }
@@ -192,11 +205,11 @@ void Resolver::settle(Named& start)
     const Named* end = &start;
     for (Named* next = &start; next && next->state != Named::State::settled;) {
         if (next->state == Named::State::onChain) {
-            std::string names;
-            const auto first = std::find(chain.begin(), chain.end(), next);
-            for (auto it = first; it != chain.end(); ++it) names += std::string((*it)->name) + " -> ";
-            faults_.error((*first)->value->at,
-                          inQuotes(next->name) + " is defined by itself: " + names + std::string(next->name));
+            std::vector<std::string_view> names;
+            for (auto it = std::find(chain.begin(), chain.end(), next); it != chain.end(); ++it) {
+                names.push_back((*it)->name);
+            }
+            faults_.error(next->value->at, inQuotes(next->name) + " is defined by itself: " + circle(names));
             end = nullptr;
             break;
         }
@@ -273,23 +286,24 @@ void Resolver::label(Value& value, const TypeRef& discriminant)
 
 void Resolver::unknownType(const TypeRef& type)
 {
-    if (faults_.full()) return;
+    if (excused(type.name) || faults_.full()) return;
     if (const auto elsewhere = types_.find(type.name); elsewhere != types_.end()) {
         const std::string& home = moduleName(elsewhere->second.front().module);
         faults_.error(type.at, "type " + inQuotes(type.name) + " is defined in module " + inQuotes(home) +
                                    ", which this file does not import; add 'import " + home + ";'");
         return;
     }
-    if (excused(type.name)) return;
     if (const Named* const named = findNumber(type.name)) {
         const bool constant = named->owner->kind == Kind::constant;
-        faults_.error(type.at, inQuotes(type.name) + (constant ? " is a constant" : " is an enumerator") + ", not a type");
+        faults_.error(type.at,
+                      inQuotes(type.name) + (constant ? " is a constant" : " is an enumerator") + ", not a type");
         return;
     }
     const auto foreign = std::find_if(foreignTypes.begin(), foreignTypes.end(),
                                       [&](const auto& pair) { return pair.first == type.name; });
     if (foreign != foreignTypes.end()) {
-        faults_.error(type.at, "unknown type " + inQuotes(type.name) + "; write " + inQuotes(foreign->second) + " instead");
+        faults_.error(type.at,
+                      "unknown type " + inQuotes(type.name) + "; write " + inQuotes(foreign->second) + " instead");
         return;
     }
     std::vector<std::string_view> candidates;
@@ -325,8 +339,9 @@ void Resolver::type(TypeRef& type)
     if (!type.definition) {
         unknownType(type);
     } else if (type.keyword && type.definition->kind != *type.keyword) {
-        faults_.error(type.at, inQuotes(type.name) + " is " + std::string(described(type.definition->kind)) + ", not " +
-                                   std::string(described(*type.keyword)),
+        faults_.error(type.at,
+                      inQuotes(type.name) + " is " + std::string(described(type.definition->kind)) + ", not " +
+                          std::string(described(*type.keyword)),
                       Note{type.definition->at, "defined here"});
     }
 }
@@ -335,10 +350,9 @@ void Resolver::type(TypeRef& type)
 void Resolver::bound(Declaration& declaration)
 {
     constexpr std::uint32_t most = 65535;
-    declaration.bound = declaration.form == Form::list || declaration.form == Form::string ||
-                                declaration.form == Form::bytes
-                            ? most
-                            : 0;
+    declaration.bound =
+        declaration.form == Form::list || declaration.form == Form::string || declaration.form == Form::bytes ? most
+                                                                                                              : 0;
     if (!declaration.written) return;
     value(*declaration.written);
     if (declaration.written->known) {
@@ -350,14 +364,14 @@ void Resolver::bound(Declaration& declaration)
 void Resolver::declaration(Declaration& declaration)
 {
     switch (declaration.form) {
-    case Form::single:
-    case Form::vector:
-    case Form::list:
-    case Form::optional: type(declaration.type); break;
-    case Form::string:
-    case Form::bytes:
-    case Form::opaque:
-    case Form::nothing: break;
+        case Form::single:
+        case Form::vector:
+        case Form::list:
+        case Form::optional: type(declaration.type); break;
+        case Form::string:
+        case Form::bytes:
+        case Form::opaque:
+        case Form::nothing: break;
     }
     bound(declaration);
 }
@@ -391,34 +405,6 @@ void Resolver::run()
     }
 }
 
-// Edits that turn one name into the other: letters put in, left out, exchanged, or swapped with the next.
-std::size_t distance(std::string_view a, std::string_view b, std::vector<std::size_t>& scratch)
-{
-    const std::size_t width = b.size() + 1;
-    scratch.resize(3 * width);
-    std::size_t* before = scratch.data();
-    std::size_t* above = before + width;
-    std::size_t* row = above + width;
-    std::iota(above, above + width, std::size_t{0});
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const bool same = a[i - 1] == b[j - 1];
-            row[j] = std::min({above[j] + 1, row[j - 1] + 1, above[j - 1] + (same ? 0 : 1)});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) row[j] = std::min(row[j], before[j - 2] + 1);
-        }
-        std::swap(before, above);
-        std::swap(above, row);
-    }
-    return above[b.size()];
-}
-
-bool equalIgnoringCase(std::string_view a, std::string_view b)
-{
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
-}
-
 }  // namespace
 
 void resolve(Program& program, Diagnostics& faults)
@@ -436,24 +422,6 @@ const TypeRef& behindAliases(const TypeRef& type)
         at = &definition->target.type;
     }
     return type;
-}
-
-std::string suggestion(std::string_view name, const std::vector<std::string_view>& candidates)
-{
-    const std::size_t farthest = std::min<std::size_t>(3, std::max<std::size_t>(1, name.size() / 4));
-    std::size_t best = farthest + 1;
-    std::string_view nearest;
-    std::vector<std::size_t> scratch;
-    for (const std::string_view candidate : candidates) {
-        const std::size_t longer = std::max(name.size(), candidate.size());
-        if (longer - std::min(name.size(), candidate.size()) > farthest || candidate == name) continue;
-        const std::size_t away = equalIgnoringCase(name, candidate) ? 0 : distance(name, candidate, scratch);
-        if (away < best || (away == best && candidate < nearest)) {
-            best = away;
-            nearest = candidate;
-        }
-    }
-    return best > farthest ? "" : "; did you mean " + inQuotes(nearest) + "?";
 }
 
 }  // namespace quorva::compiler

@@ -4,21 +4,14 @@
 #include "diagnostics.h"
 #include "model.h"
 
-#include <string>
-#include <string_view>
-#include <vector>
-
 namespace quorva::compiler {
 
-// Fills `builtin`, `definition`, `number`, `owner` and `bound`. What cannot be bound is reported and left empty; a bound
-// that is no maximum or number of elements is left for check().
+// Fills `builtin`, `definition`, `number`, `owner` and `bound`. What cannot be bound is reported and left empty; a
+// bound that is no maximum or number of elements is left for check().
 void resolve(Program& program, Diagnostics& faults);
 
 // The type behind the aliases of `type`: a built-in type, or a definition that is no alias. An unresolved type, and one
 // behind a chain of aliases that no sane file has, comes out as it is.
 const TypeRef& behindAliases(const TypeRef& type);
-
-// "; did you mean 'X'?" with the candidate that is nearest to the name, or nothing where none is near.
-std::string suggestion(std::string_view name, const std::vector<std::string_view>& candidates);
 
 }  // namespace quorva::compiler

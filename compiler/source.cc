@@ -58,6 +58,20 @@ std::optional<std::string> SearchPath::find(const std::string& module) const
     return std::nullopt;
 }
 
+std::vector<std::string> SearchPath::neighbours(const std::string& module) const
+{
+    std::vector<std::string> modules;
+    for (const std::string& folder : folders_) {
+        std::error_code failed;
+        fs::directory_iterator files((fs::path(folder) / module).parent_path(), failed);
+        for (; !failed && files != fs::directory_iterator(); files.increment(failed)) {
+            if (files->path().extension() != ".x") continue;
+            modules.push_back(files->path().lexically_relative(folder).replace_extension().generic_string());
+        }
+    }
+    return modules;
+}
+
 std::string SearchPath::described() const
 {
     std::string list;
@@ -105,9 +119,9 @@ private:
     Diagnostics& faults_;
     std::vector<std::string>& unreadable_;
     std::vector<std::unique_ptr<Module>> modules_;
-    std::vector<std::vector<std::size_t>> imports_;                // of the module with the same index
-    std::vector<std::vector<const Import*>> importsAt_;            // and where it names them
-    std::unordered_map<std::string, std::size_t> byFile_;          // resolved path; `none` where it is unreadable
+    std::vector<std::vector<std::size_t>> imports_;        // of the module with the same index
+    std::vector<std::vector<const Import*>> importsAt_;    // and where it names them
+    std::unordered_map<std::string, std::size_t> byFile_;  // resolved path; `none` where it is unreadable
     std::unordered_map<std::string, std::size_t> byName_;
 };
 
@@ -131,7 +145,8 @@ std::size_t Reader::load(const std::string& path, const std::string& name)
     const auto [same, fresh] = byName_.emplace(name, at);
     if (!fresh) {
         faults_.error({&module->source, 1, 1, 1},
-                      "this file is module " + inQuotes(name) + ", as " + inQuotes(modules_[same->second]->source.path) +
+                      "this file is module " + inQuotes(name) + ", as " +
+                          inQuotes(modules_[same->second]->source.path) +
                           " is; a module's name is its path below the -I folder, and no two may have the same");
         module->incomplete = true;  // and unread: it would repeat every name
     } else {
@@ -149,8 +164,10 @@ void Reader::followImports(std::size_t at)
     for (Import& import : module.imports) {
         const auto path = folders_.find(import.name);
         if (!path) {
+            const std::vector<std::string> near = folders_.neighbours(import.name);
             faults_.error(import.at, "module " + inQuotes(import.name) + " is not found: there is no " +
-                                         inQuotes(import.name + ".x") + " below " + folders_.described());
+                                         inQuotes(import.name + ".x") + " below " + folders_.described() +
+                                         suggestion(import.name, {near.begin(), near.end()}));
             module.incomplete = true;
             continue;
         }
@@ -167,13 +184,12 @@ void Reader::followImports(std::size_t at)
 
 void Reader::order(Program& program)
 {
-    const auto onCircle = [&](const std::vector<Step>& path) {
-        std::string names;
-        for (const Step& step : path) names += modules_[step.node]->source.module + " -> ";
-        names += modules_[path.front().node]->source.module;
-        const Step& last = path.back();
-        faults_.error(importsAt_[last.node][last.edge]->at,
-                      "imports form a circle: " + names + "; move what both sides need into a module of its own");
+    const auto onCircle = [&](const std::vector<Step>& path, std::size_t first) {
+        std::vector<std::string_view> names;
+        for (std::size_t i = first; i < path.size(); ++i) names.emplace_back(modules_[path[i].node]->source.module);
+        faults_.error(
+            importsAt_[path[first].node][path[first].edge]->at,
+            "imports form a circle: " + circle(names) + "; move what both sides need into a module of its own");
     };
     const std::vector<std::size_t> sorted = walk(imports_, onCircle);
     for (const std::size_t at : sorted) program.modules.push_back(std::move(modules_[at]));

@@ -24,6 +24,9 @@ public:
     // The file of a module, as folder and module name make it.
     std::optional<std::string> find(const std::string& module) const;
 
+    // The modules whose files stand where the module's own would be.
+    std::vector<std::string> neighbours(const std::string& module) const;
+
     // The folders as messages list them.
     std::string described() const;
 

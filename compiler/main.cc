@@ -1,0 +1,413 @@
+// quorvaxdrc: reads interface files, reports their faults, and writes what is made from them.
+#include "check.h"
+#include "diagnostics.h"
+#include "emit.h"
+#include "resolve.h"
+#include "source.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#ifndef QUORVA_VERSION
+#define QUORVA_VERSION "unversioned"
+#endif
+
+namespace quorva::compiler {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int success = 0;
+constexpr int faultyInput = 1;
+constexpr int cannotRun = 2;  // the command line is wrong, or a file cannot be read or written
+
+constexpr std::string_view usage =
+    R"(usage: quorvaxdrc generate --out DIR [-I DIR]... [option]... FILE.x...
+       quorvaxdrc plain [-I DIR]... [--prefix P] FILE.x...
+       quorvaxdrc check [-I DIR]... FILE.x...
+
+Compiles interface files: XDR (RFC 4506) with imports and the names of the API's own widths.
+
+  generate   write the C++ headers, coding routines and schema tables
+  plain      print one RFC 4506 file for other XDR tools, imports included
+  check      report faults and write nothing
+
+  --help     this text; behind a command, that command's options
+  --version  the version
+
+The status is 0; 1 when the input has faults; 2 when the command line is wrong or a file cannot be read or written.
+)";
+
+constexpr std::string_view searching =
+    R"(
+  -I DIR         look for modules below DIR; may be given several times, the first hit counts (default: .)
+)";
+
+constexpr std::string_view generateUsage =
+    R"(usage: quorvaxdrc generate --out DIR [option]... FILE.x...
+
+Writes for each FILE, which is a module named after its path below an -I folder,
+  DIR/include/quorvapixdr/MODULE.h   the public header
+  DIR/src/MODULE.cc                  the coding routines and name functions
+  DIR/schema/MODULE.cc               its part of the schema table
+and DIR/schema/modules.cc, the list of all these modules. A file whose content would stay the same is not touched.
+)";
+
+constexpr std::string_view generateOptions =
+    R"(  --out DIR      where to write
+  --no-index     leave out DIR/schema/modules.cc
+  --list         print the paths that would be written, and neither read nor write anything
+  --depfile FILE write a make rule to FILE that lists every interface file that was read
+  --target NAME  the target of that rule
+)";
+
+constexpr std::string_view plainUsage =
+    R"(usage: quorvaxdrc plain [option]... FILE.x...
+
+Prints the definitions of every FILE and of all that they import as one file of RFC 4506.
+)";
+
+constexpr std::string_view plainOptions =
+    R"(  --prefix P     put P before the name of every type, enumerator and constant
+)";
+
+constexpr std::string_view checkUsage =
+    R"(usage: quorvaxdrc check [option]... FILE.x...
+
+Reports the faults of every FILE and of all that they import.
+)";
+
+// A command line that cannot be understood; the sentence names the argument.
+struct UsageError {
+    std::string sentence;
+};
+
+enum class Verb { generate, plain, check };
+
+struct Arguments {
+    Verb verb = Verb::check;
+    bool help = false;
+    std::vector<std::string> folders;
+    std::vector<std::string> files;
+    std::string out;
+    std::string depfile;
+    std::string target;
+    std::string prefix;
+    bool list = false;
+    bool noIndex = false;
+};
+
+// An option of one or all commands. One of the two places is set: for a value, or for a switch.
+struct Option {
+    std::string_view name;
+    std::optional<Verb> verb;
+    std::string Arguments::*text = nullptr;
+    bool Arguments::*flag = nullptr;
+};
+
+constexpr std::array<Option, 7> options = {{
+    {"--out", Verb::generate, &Arguments::out},
+    {"--depfile", Verb::generate, &Arguments::depfile},
+    {"--target", Verb::generate, &Arguments::target},
+    {"--prefix", Verb::plain, &Arguments::prefix},
+    {"--list", Verb::generate, nullptr, &Arguments::list},
+    {"--no-index", Verb::generate, nullptr, &Arguments::noIndex},
+    {"--help", std::nullopt, nullptr, &Arguments::help},
+}};
+
+std::optional<Verb> verbOf(std::string_view word)
+{
+    if (word == "generate") return Verb::generate;
+    if (word == "plain") return Verb::plain;
+    if (word == "check") return Verb::check;
+    return std::nullopt;
+}
+
+std::string nameOf(Verb verb)
+{
+    return verb == Verb::generate ? "generate" : verb == Verb::plain ? "plain" : "check";
+}
+
+class ArgumentReader {
+public:
+    explicit ArgumentReader(const std::vector<std::string>& words) : words_(words) {}
+
+    Arguments read();
+
+private:
+    void option(const std::string& word);
+    std::string valueOf(std::string_view name);
+    void complete() const;
+
+    const std::vector<std::string>& words_;
+    std::size_t at_ = 1;  // behind the verb
+    Arguments read_;
+};
+
+std::string ArgumentReader::valueOf(std::string_view name)
+{
+    if (at_ == words_.size()) throw UsageError{"'" + std::string(name) + "' lacks its value"};
+    return words_[at_++];
+}
+
+void ArgumentReader::option(const std::string& word)
+{
+    if (word.starts_with("-I")) {
+        read_.folders.push_back(word.size() > 2 ? word.substr(2) : valueOf("-I"));
+        return;
+    }
+    const auto equals = word.find('=');
+    const std::string name = word == "-h" ? "--help" : word.substr(0, equals);
+    const auto known = std::find_if(options.begin(), options.end(), [&](const Option& o) {
+        return o.name == name && (!o.verb || *o.verb == read_.verb);
+    });
+    if (known == options.end()) throw UsageError{"'" + nameOf(read_.verb) + "' knows no option " + inQuotes(name)};
+    if (known->flag) {
+        if (equals != std::string::npos) throw UsageError{inQuotes(name) + " takes no value"};
+        read_.*known->flag = true;
+        return;
+    }
+    std::string& place = read_.*known->text;
+    if (!place.empty()) throw UsageError{inQuotes(name) + " is given twice"};
+    place = equals != std::string::npos ? word.substr(equals + 1) : valueOf(name);
+    if (place.empty()) throw UsageError{inQuotes(name) + " has an empty value"};
+}
+
+void ArgumentReader::complete() const
+{
+    const std::string verb = inQuotes(nameOf(read_.verb));
+    if (read_.verb == Verb::generate && read_.out.empty()) throw UsageError{verb + " needs '--out DIR'"};
+    if (read_.depfile.empty() != read_.target.empty()) {
+        throw UsageError{read_.target.empty() ? "'--depfile' needs '--target NAME'"
+                                              : "'--target' needs '--depfile FILE'"};
+    }
+    if (read_.files.empty()) throw UsageError{verb + " needs an interface file"};
+    for (const std::string& file : read_.files) {
+        if (fs::path(file).extension() != ".x") {
+            throw UsageError{inQuotes(file) + " is no interface file: its name does not end in '.x'"};
+        }
+    }
+    for (const std::string& folder : read_.folders) {
+        std::error_code failed;
+        if (!fs::is_directory(folder, failed)) {
+            throw UsageError{"'-I " + folder + "': " + (failed ? failed.message() : "it is no folder")};
+        }
+    }
+    const auto startsName = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    const auto continuesName = [&](char c) { return startsName(c) || (c >= '0' && c <= '9') || c == '_'; };
+    if (!read_.prefix.empty() &&
+        (!startsName(read_.prefix[0]) || !std::all_of(read_.prefix.begin(), read_.prefix.end(), continuesName))) {
+        throw UsageError{"the prefix " + inQuotes(read_.prefix) +
+                         " cannot begin a name: it is made of a letter, then letters, digits and '_'"};
+    }
+}
+
+Arguments ArgumentReader::read()
+{
+    const auto verb = verbOf(words_[0]);
+    if (!verb) throw UsageError{inQuotes(words_[0]) + " is no command; there are 'generate', 'plain' and 'check'"};
+    read_.verb = *verb;
+    bool onlyFiles = false;
+    while (at_ < words_.size()) {
+        const std::string& word = words_[at_++];
+        if (!onlyFiles && word == "--") {
+            onlyFiles = true;
+        } else if (!onlyFiles && word.size() > 1 && word[0] == '-') {
+            option(word);
+        } else {
+            read_.files.push_back(word);
+        }
+    }
+    if (!read_.help) complete();
+    return read_;
+}
+
+void printHelp(Verb verb)
+{
+    switch (verb) {
+        case Verb::generate: std::cout << generateUsage << searching << generateOptions; break;
+        case Verb::plain: std::cout << plainUsage << searching << plainOptions; break;
+        case Verb::check: std::cout << checkUsage << searching; break;
+    }
+}
+
+void complain(const std::string& sentence)
+{
+    std::cerr << "quorvaxdrc: " << sentence << '\n';
+}
+
+// Output
+
+std::vector<std::string> pathsOf(const std::string& out, const std::string& module)
+{
+    const fs::path root(out);
+    return {(root / "include" / "quorvapixdr" / (module + ".h")).string(), (root / "src" / (module + ".cc")).string(),
+            (root / "schema" / (module + ".cc")).string()};
+}
+
+std::string indexPath(const std::string& out)
+{
+    return (fs::path(out) / "schema" / "modules.cc").string();
+}
+
+// False with a complaint where the file cannot be written. The file is replaced as a whole or not at all.
+bool writeFile(const std::string& path, const std::string& text)
+{
+    const auto failed = [&](const std::string& reason) {
+        complain("cannot write " + inQuotes(path) + ": " + reason);
+        return false;
+    };
+    std::error_code error;
+    if (const fs::path folder = fs::path(path).parent_path(); !folder.empty()) {
+        fs::create_directories(folder, error);
+        if (error) return failed(error.message());
+    }
+    const std::string fresh = path + ".new";
+    errno = 0;
+    std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
+    file.write(text.data(), static_cast<std::streamsize>(text.size()));
+    file.close();
+    if (!file) {
+        const std::string reason = errno != 0 ? std::strerror(errno) : "writing failed";
+        fs::remove(fresh, error);
+        return failed(reason);
+    }
+    fs::rename(fresh, path, error);
+    if (error) {
+        const std::string reason = error.message();
+        fs::remove(fresh, error);
+        return failed(reason);
+    }
+    return true;
+}
+
+bool isContent(const std::string& path, const std::string& text)
+{
+    std::error_code error;
+    if (fs::file_size(path, error) != text.size() || error) return false;
+    std::ifstream file(path, std::ios::binary);
+    std::string content(text.size(), '\0');
+    return file.read(content.data(), static_cast<std::streamsize>(content.size())) && content == text;
+}
+
+std::string dependencies(const Program& program, const std::string& target)
+{
+    const auto escaped = [](const std::string& path) {
+        std::string out;
+        for (const char c : path) {
+            if (c == ' ' || c == '#') out += '\\';
+            if (c == '$') out += '$';
+            out += c;
+        }
+        return out;
+    };
+    std::string rule = escaped(target) + ":";
+    for (const auto& module : program.modules) rule += " \\\n  " + escaped(module->source.path);
+    return rule + '\n';
+}
+
+std::vector<const Module*> requestedModules(const Program& program)
+{
+    std::vector<const Module*> modules;
+    for (const auto& module : program.modules) {
+        if (module->requested) modules.push_back(module.get());
+    }
+    return modules;
+}
+
+int generate(const Arguments& arguments, const Program& program)
+{
+    const std::vector<const Module*> modules = requestedModules(program);
+    bool written = true;
+    const auto put = [&](const std::string& path, const std::string& text) {
+        if (!isContent(path, text)) written = writeFile(path, text) && written;
+    };
+    for (const Module* module : modules) {
+        const auto paths = pathsOf(arguments.out, module->source.module);
+        put(paths[0], emitHeader(*module));
+        put(paths[1], emitUnit(*module));
+        put(paths[2], emitSchema(*module));
+    }
+    if (!arguments.noIndex) put(indexPath(arguments.out), emitModuleList(modules));
+    if (!arguments.depfile.empty()) put(arguments.depfile, dependencies(program, arguments.target));
+    return written ? success : cannotRun;
+}
+
+int list(const Arguments& arguments, const SearchPath& folders)
+{
+    for (const std::string& file : arguments.files) {
+        for (const std::string& path : pathsOf(arguments.out, folders.moduleOf(file))) std::cout << path << '\n';
+    }
+    if (!arguments.noIndex) std::cout << indexPath(arguments.out) << '\n';
+    return success;
+}
+
+int run(const Arguments& arguments)
+{
+    const SearchPath folders(arguments.folders);
+    if (arguments.list) return list(arguments, folders);
+
+    Diagnostics faults;
+    std::vector<std::string> unreadable;
+    Program program = readProgram(arguments.files, folders, faults, unreadable);
+    resolve(program, faults);
+    check(program, faults);
+    faults.print(std::cerr);
+    for (const std::string& sentence : unreadable) complain(sentence);
+    if (!unreadable.empty()) return cannotRun;
+    if (faults.count() > 0) return faultyInput;
+
+    switch (arguments.verb) {
+        case Verb::generate: return generate(arguments, program);
+        case Verb::plain: std::cout << emitPlain(program, {arguments.prefix}); break;
+        case Verb::check: break;
+    }
+    return success;
+}
+
+int run(const std::vector<std::string>& words)
+{
+    if (words.empty()) throw UsageError{"a command is missing"};
+    if (words[0] == "--help" || words[0] == "-h") {
+        std::cout << usage;
+        return success;
+    }
+    if (words[0] == "--version") {
+        std::cout << "quorvaxdrc " << QUORVA_VERSION << '\n';
+        return success;
+    }
+    const Arguments arguments = ArgumentReader(words).read();
+    if (!arguments.help) return run(arguments);
+    printHelp(arguments.verb);
+    return success;
+}
+
+}  // namespace
+
+}  // namespace quorva::compiler
+
+int main(int count, char** values)
+{
+    using namespace quorva::compiler;
+    try {
+        const int status = run(std::vector<std::string>(values + std::min(count, 1), values + count));
+        if (std::cout.flush()) return status;
+        complain("cannot write to standard output");
+    } catch (const UsageError& error) {
+        complain(error.sentence + "; try 'quorvaxdrc --help'");
+    } catch (const std::exception& error) {
+        complain(error.what());  // no memory, or a path that the system cannot take
+    }
+    return cannotRun;
+}
