@@ -25,7 +25,9 @@ struct Span {
     unsigned length = 0;
 };
 
-enum class Builtin { none, Boolean, ShortInteger, ShortNatural, Integer, Natural, LongInteger, LongNatural, UINT, Float };
+enum class Builtin {
+    none, Boolean, ShortInteger, ShortNatural, Integer, Natural, LongInteger, LongNatural, UINT, Float,
+};
 
 enum class Kind { constant, enumeration, record, discriminated, definedAs };
 
@@ -41,8 +43,8 @@ struct TypeRef {
     std::optional<Kind> keyword;  // "struct", "union" or "enum" before the name: what the definition has to be
 };
 
-// A number as written: a literal, or the name of a constant or an enumerator. `number` holds where `known` is set; after
-// resolution that is everywhere but where a fault was reported.
+// A number as written: a literal, or the name of a constant or an enumerator. `number` holds where `known` is set;
+// after resolution that is everywhere but where a fault was reported.
 struct Value {
     std::string text;
     Span at;

@@ -512,14 +512,14 @@ bool Parser::body(Definition& definition)
     if (definition.kind == Kind::discriminated) {
         Declaration& discriminant = definition.discriminant;
         discriminant.form = Form::single;
-        const std::size_t first = pos_ + 2;
-        if (!expect("switch", "behind " + called(definition)) || !expect("(", "behind 'switch'") ||
-            !typeSpecifier(discriminant.type) || !expectName("the discriminant", discriminant.name, discriminant.at) ||
+        if (!expect("switch", "behind " + called(definition)) || !expect("(", "behind 'switch'")) return false;
+        const std::size_t open = pos_ - 1;
+        if (!typeSpecifier(discriminant.type) || !expectName("the discriminant", discriminant.name, discriminant.at) ||
             !expect(")", "behind the discriminant")) {
             return false;
         }
         std::vector<DocLine> doc;
-        addDocInside(doc, std::min(first, pos_ - 1) - 1, pos_ - 1);
+        addDocInside(doc, open, pos_ - 1);
         discriminant.doc = memberDoc(doc);
     }
     const Span opened = token().at;

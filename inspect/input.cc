@@ -47,10 +47,9 @@ public:
     Bytes read()
     {
         if (isDump())
-            forEachLine([this](std::size_t begin, std::size_t end) { readRow(begin, end); });
+            readDump();
         else
             readPlain(0, text.size());
-        if (repeatAt != none) fail(repeatAt, "no line follows the \"*\" to tell how far it reaches");
         return std::move(bytes);
     }
 
@@ -60,6 +59,7 @@ private:
         std::uint64_t offset = 0;
         std::size_t bytesAt = 0;
         bool colon = false;
+        bool apart = false;  // two blanks or more stand behind the offset
         bool alone = false;  // nothing but the offset stands on the line
     };
 
@@ -98,6 +98,7 @@ private:
         row.bytesAt = at;
         const std::size_t first = std::min(line.find_first_not_of(" \t", at), end);
         row.alone = first == end;
+        row.apart = first - at >= 2;
         if (row.alone) return row;
         if (first == at) return std::nullopt;
         // Without a colon only the shape of the first byte tells an offset from four more bytes.
@@ -107,15 +108,31 @@ private:
 
     bool isDump() const
     {
-        bool first = true;
-        bool dump = false;
+        std::optional<Row> row;
+        std::size_t lines = 0;
         forEachLine([&](std::size_t begin, std::size_t end) {
-            if (!first) return;
-            first = false;
-            const auto row = rowAt(begin, end);
-            dump = row && !row->alone && (row->colon || row->offset == 0);
+            if (lines++ == 0) row = rowAt(begin, end);
         });
-        return dump;
+        if (!row || row->alone) return false;
+        if (row->colon) return true;
+        // One blank behind a zero might as well separate bytes: then all offsets have to be right.
+        return row->offset == 0 && (row->apart || (lines > 1 && readsAsDump()));
+    }
+
+    bool readsAsDump() const
+    {
+        try {
+            HexReader(text).readDump();
+            return true;
+        } catch (const InputError&) {
+            return false;
+        }
+    }
+
+    void readDump()
+    {
+        forEachLine([this](std::size_t begin, std::size_t end) { readRow(begin, end); });
+        if (repeatAt != none) fail(repeatAt, "no line follows the \"*\" to tell how far it reaches");
     }
 
     void readRow(std::size_t begin, std::size_t end)
@@ -146,13 +163,13 @@ private:
         repeatAt = none;
     }
 
-    // The bytes end at the characters beside them: after two blanks in `xxd`, after a bar or three blanks elsewhere
+    // The bytes end at the characters beside them: after two blanks in `xxd`, at a bar or after three blanks elsewhere
     // (where two may stand in the middle).
     void readRowBytes(const Row& row, std::size_t end)
     {
         const std::size_t gap = row.colon ? 2 : 3;
         std::size_t at = text.find_first_not_of(" \t", row.bytesAt);
-        while (at < end && text[at] != '|') {
+        while (at < end && text[at] != '|' && text[at] != '>') {
             at = readToken(at);
             const std::size_t next = std::min(text.find_first_not_of(" \t", at), end);
             if (next - at >= gap) return;

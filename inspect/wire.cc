@@ -161,7 +161,7 @@ Reading readMessage(const Type& type, std::span<const unsigned char> message, co
     Path path;
     MessageSource source(message, path, sink);
     auto failure = Traversal(source, path).run(type);
-    return {source.offset(), std::move(failure)};
+    return {source.offset(), std::move(failure), path.depth() > deepestNesting};
 }
 
 std::optional<Failure> refusalOf(const Type& type, const void* object, std::size_t limit)

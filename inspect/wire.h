@@ -27,6 +27,7 @@ using LeafSink = std::function<void(const Leaf&)>;
 struct Reading {
     std::size_t length = 0;  // bytes that belong to the value; up to the fault if there is one
     std::optional<Failure> failure;
+    bool nestsTooDeeply = false;  // the failure is this reader's own: the codec sets no bound but the stack's
 };
 
 // Reads a message as a decode pass does, and stops where that fails, but for want of memory and with `deepestNesting`.

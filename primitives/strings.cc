@@ -113,5 +113,8 @@ int XdrBytes(Xdr* xdrs, unsigned char** bytes, std::uint16_t* count, std::uint32
         if (!*bytes) return 0;
         break;
     }
-    return XdrOpaque2(xdrs, *bytes, *count);
+    if (XdrOpaque2(xdrs, *bytes, *count)) return 1;
+    // What did not come was written by nobody, and the object may still be encoded or printed.
+    if (directionOf(xdrs) == Direction::decode) std::memset(*bytes, 0, *count);
+    return 0;
 }

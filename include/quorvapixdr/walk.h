@@ -17,10 +17,12 @@
 
 namespace quorva::walk {
 
-// Whether anybody collects the trace. A class that cannot be asked is always told everything.
-inline bool traced(Xdr* xdrs)
+// Whether anybody collects the trace. A class that cannot be asked is always told everything; only a template may find
+// that out.
+template <class Stream>
+bool traced(Stream* xdrs)
 {
-    if constexpr (requires(const Xdr& x) { { x.tracing() } -> std::convertible_to<bool>; })
+    if constexpr (requires(const Stream& x) { { x.tracing() } -> std::convertible_to<bool>; })
         return xdrs->tracing();
     else
         return true;

@@ -287,7 +287,7 @@ TEST(Collections, trace)
 {
     Counted<Natural> held = {};
     Bytes buffer = bytesOf("00000002 00000007 00000008");
-    EXPECT_EQ(traceOf(decoding, numbers, &held, buffer), "<held>\n    <value>7</value>\n    <value>8</value>\n</held>");
+    EXPECT_EQ(traceOf(decoding, numbers, &held, buffer), "<held>\n  <value>7</value>\n  <value>8</value>\n</held>");
     EXPECT_EQ(traceOf(encoding, numbers, &held, buffer), "<held>7 8</held>");
     EXPECT_EQ(traceOf(releasing, numbers, &held, buffer), "<held></held>");
     char** absent = nullptr;

@@ -57,39 +57,35 @@ TEST(Drivers, decodeThenDeallocate)
 // Benches read what the stream holds after the pass, so it is never destroyed.
 TEST(Drivers, testDeserializeTellsAndKeepsItsStream)
 {
-    Bytes buffer = bytesOf("00000003 41424300");
+    static Xdr* kept;
+    const auto routine = [](Xdr* xdrs, void* object) {
+        kept = xdrs;
+        return XdrLongNatural(xdrs, object) && *static_cast<std::uint32_t*>(object) == 4 ? 1 : 0;
+    };
+    Bytes buffer = bytesOf("00000004");
     buffer.resize(1024);
     for (const int result : {1, 0}) {
-        if (result == 0) buffer[0] = 0x70;
-        std::uint32_t untouched = 5;
-        const auto routine = [](Xdr* xdrs, void*) {
-            char* string = nullptr;
-            const int coded = text(xdrs, &string);
-            delete[] string;
-            return coded;
-        };
-        {
-            const Watch watch;
-            EXPECT_EQ(TestDeserialize(routine, &untouched, buffer.data()), result);
-            EXPECT_EQ(liveBlocks(), 1);
-        }
-        EXPECT_EQ(untouched, 5u);
+        if (result == 0) buffer[3] = 0xFF;
+        std::uint32_t value = 0;
+        const Watch watch;
+        EXPECT_EQ(TestDeserialize(routine, &value, buffer.data()), result);
+        EXPECT_EQ(liveBlocks(), 1);
+        delete kept;
+        EXPECT_EQ(liveBlocks(), 0);
     }
-    EXPECT_EQ(liveBlocks(), 2) << "two streams, kept on purpose";
 }
 
 TEST(Drivers, nullObjectIsAllocatedAndOutOfReach)
 {
     Bytes buffer = bytesOf("00000007");
     buffer.resize(1024);
-    const long before = liveBlocks();
     void* root = nullptr;
     {
         const Watch watch;
         ClientsXdrDeserialize(XdrLongNatural, nullptr, buffer.data());
         root = lastBlock();
     }
-    EXPECT_EQ(liveBlocks(), before + 1) << "the object without its stream";
+    EXPECT_EQ(liveBlocks(), 1) << "the object without its stream";
     ASSERT_NE(root, nullptr);
     EXPECT_EQ(std::memcmp(root, memoryOf(std::uint32_t{7}).data(), 4), 0);
     ::operator delete(root);
@@ -100,9 +96,8 @@ TEST(Drivers, deallocateStringUsesTheScalarForm)
 {
     auto* string = new char[4]{'A', 'B', 'C', '\0'};
     char* const before = string;
-    const long mismatched = mismatchedReleases();
     DeallocateString(&string);
-    EXPECT_EQ(mismatchedReleases(), mismatched + 1);
+    EXPECT_EQ(mismatchedReleases(), 1);
     EXPECT_EQ(string, before);
     char* none = nullptr;
     DeallocateString(&none);

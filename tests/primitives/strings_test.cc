@@ -64,8 +64,8 @@ const Decoded byteArrays[] = {
     {"a maximum is reached", byteArray<3>, "00000003 41424300", true, 8, "414243"},
     {"a count beyond the maximum is stored before it is judged", byteArray<2>, "00000003 41424300", false, 4, nullptr, 0},
     {"a count is its low 16 bits, which alone are judged", byteArray<2>, "00010001 41000000", true, 8, "41"},
-    {"the message ends in the bytes", byteArray<40>, "00000003 4142", false, 4, "000000"},
-    {"the message ends in the padding", byteArray<40>, "00000003 414243", false, 7, "414243"},
+    {"what did not come is empty, never what the storage held", byteArray<40>, "00000003 4142", false, 4, "000000"},
+    {"nor is it kept without its padding", byteArray<40>, "00000003 414243", false, 7, "000000"},
 };
 
 }  // namespace
@@ -97,7 +97,6 @@ TEST(Strings, largestLength)
         const Message message(bytesOf(wire));
         char* string = nullptr;
         EXPECT_FALSE(pass(decoding, text<65535>, &string, message.span()).succeeded);
-        EXPECT_EQ(largestAllocation(), std::size_t{message.span()[0]} << 24 == 0 ? 0 : largestAllocation());
         EXPECT_GT(largestAllocation(), 0x7FFFFFFCu) << "allocated before judged";
         if (string) {
             EXPECT_STREQ(string, "");

@@ -32,7 +32,7 @@ TEST(TraceText, layoutAndPath)
              for (int i = 0; i < 2; ++i) { t.marker("<value>"); t.indent(); t.outdent(); t.marker("</value>"); }
              t.marker("<value>"); t.indent(); t.open("b");
          },
-         "<a>\n    <value></value>\n    <value></value>\n    <value>\n      <b>", "a/value[2]/b"},
+         "<a>\n  <value></value>\n  <value></value>\n  <value>\n    <b>", "a/value[2]/b"},
         {"elements of elements count from 0 again",
          [](TraceText& t) {
              t.open("a");

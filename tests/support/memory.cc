@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -18,14 +19,14 @@ struct alignas(std::max_align_t) Header {
     bool watched;
 };
 
-// One thread runs a test; others (of the libraries used) are not watched.
+// Each thread has its own watch and its own count.
 thread_local bool watching = false;
 thread_local long seen = 0;
 thread_local long failFrom = 0;
 thread_local std::size_t largest = 0;
 thread_local void* last = nullptr;
-long live = 0;
-long mismatched = 0;
+thread_local long live = 0;
+thread_local long mismatched = 0;
 
 void* allocate(std::size_t size, Shape shape) noexcept
 {
@@ -93,7 +94,7 @@ long liveBlocks() { return live; }
 long allocations() { return seen; }
 std::size_t largestAllocation() { return largest; }
 void* lastBlock() { return last; }
-long mismatchedReleases() { return mismatched; }
+long mismatchedReleases() { return std::exchange(mismatched, 0); }
 
 }  // namespace quorva::test
 

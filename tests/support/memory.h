@@ -1,5 +1,5 @@
 // A replacement of the allocation operators that counts, fills and fails on demand. It is part of every test binary that
-// links `test_support`, and serves the codec's shared library too.
+// links `test_support`, and serves the codec's shared library too. All counts are those of the calling thread.
 #pragma once
 
 #include <cstddef>
@@ -32,7 +32,7 @@ std::size_t largestAllocation();
 // The watched block that was handed out last, or null.
 void* lastBlock();
 
-// Releases since the program started whose form, scalar or array, was not that of the allocation.
+// Releases since this was asked last whose form, scalar or array, was not that of the allocation.
 long mismatchedReleases();
 
 }  // namespace quorva::test

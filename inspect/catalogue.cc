@@ -1,0 +1,182 @@
+// The types of the library by name.
+
+#include "catalogue.h"
+
+#include <algorithm>
+#include <numeric>
+#include <optional>
+#include <utility>
+
+namespace quorva::inspect {
+
+using schema::Form;
+using schema::Kind;
+using schema::Type;
+using schema::Use;
+
+namespace {
+
+char lower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+std::string lower(std::string_view text)
+{
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), [](char c) { return lower(c); });
+    return result;
+}
+
+// Goes back to the last `*` only: an earlier one could match no more than that one does.
+bool matchesWhole(std::string_view pattern, std::string_view name)
+{
+    std::size_t p = 0, n = 0;
+    std::optional<std::pair<std::size_t, std::size_t>> star;
+    while (n < name.size()) {
+        if (p < pattern.size() && pattern[p] == '*') {
+            star = {p++, n};
+        } else if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == name[n])) {
+            ++p, ++n;
+        } else if (star) {
+            p = star->first + 1;
+            n = ++star->second;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of('*', p) == std::string_view::npos;
+}
+
+// Insertions, deletions, changes and swaps of neighbours that turn one word into the other.
+std::size_t distance(std::string_view from, std::string_view to)
+{
+    std::vector<std::size_t> twoAbove, above(to.size() + 1), row(to.size() + 1);
+    std::iota(above.begin(), above.end(), std::size_t{0});
+    for (std::size_t i = 1; i <= from.size(); ++i) {
+        row[0] = i;
+        for (std::size_t j = 1; j <= to.size(); ++j) {
+            row[j] = std::min({above[j] + 1, row[j - 1] + 1, above[j - 1] + (from[i - 1] != to[j - 1])});
+            if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1])
+                row[j] = std::min(row[j], twoAbove[j - 2] + 1);
+        }
+        twoAbove = std::exchange(above, row);
+    }
+    return above.back();
+}
+
+}  // namespace
+
+const char* kindName(const Type& type)
+{
+    switch (type.kind) {
+    case Kind::builtin: return "builtin";
+    case Kind::enumeration: return "enum";
+    case Kind::record: return "record";
+    case Kind::discriminated: return "union";
+    case Kind::definedAs: break;
+    }
+    switch (type.target.form) {
+    case Form::list: return "sequence";
+    case Form::vector: return "vector";
+    case Form::optional: return "optional";
+    case Form::string: return "string";
+    case Form::bytes:
+    case Form::opaque: return "bytes";
+    case Form::single:
+    case Form::nothing: break;
+    }
+    return "alias";
+}
+
+std::string declaration(const Use& use, std::string_view name)
+{
+    const std::string bound = std::to_string(use.bound);
+    std::string text = use.type                     ? use.type->name
+                       : use.form == Form::string   ? "string"
+                       : use.form == Form::nothing  ? "void"
+                                                    : "opaque";
+    if (!name.empty() || use.form == Form::optional) text += ' ';
+    if (use.form == Form::optional) text += '*';
+    text += name;
+    switch (use.form) {
+    case Form::vector:
+    case Form::opaque: return text + '[' + bound + ']';
+    case Form::list:
+    case Form::string:
+    case Form::bytes: return text + '<' + bound + '>';
+    default: return text;
+    }
+}
+
+bool matches(std::string_view pattern, std::string_view name)
+{
+    const std::string wanted = lower(pattern), given = lower(name);
+    return wanted.find_first_of("*?") == std::string::npos ? given.find(wanted) != std::string::npos
+                                                           : matchesWhole(wanted, given);
+}
+
+std::string didYouMean(std::string_view word, std::span<const std::string_view> candidates)
+{
+    const std::string wanted = lower(word);
+    if (wanted.empty() || wanted.size() > 200) return {};
+    std::vector<std::pair<std::size_t, std::string_view>> ranked;
+    for (const std::string_view candidate : candidates) {
+        const std::string name = lower(candidate);
+        std::size_t rank = distance(wanted, name);
+        const std::size_t allowed = std::max<std::size_t>(1, std::min(wanted.size(), name.size()) / 3);
+        // A part of a name is a worse guess than any slip of the finger.
+        if (rank > allowed) rank = wanted.size() >= 3 && name.find(wanted) != std::string::npos ? name.size() + 100 : 0;
+        else ++rank;
+        if (rank > 0) ranked.emplace_back(rank, candidate);
+    }
+    std::ranges::sort(ranked);
+    if (ranked.empty()) return {};
+    std::string text = "; did you mean ";
+    const std::size_t shown = std::min<std::size_t>(3, ranked.size());
+    for (std::size_t i = 0; i < shown; ++i) {
+        if (i > 0) text += i + 1 == shown ? " or " : ", ";
+        text += ranked[i].second;
+    }
+    return text + '?';
+}
+
+Catalogue::Catalogue()
+{
+    ordered.assign(schema::builtins().begin(), schema::builtins().end());
+    for (const schema::Module* module : schema::modules())
+        ordered.insert(ordered.end(), module->types.begin(), module->types.end());
+    std::ranges::sort(ordered, {}, [](const Type* type) { return std::string_view(type->name); });
+    for (const Type* type : ordered) byName.emplace(type->name, type);
+}
+
+const Type* Catalogue::find(std::string_view name) const
+{
+    const auto found = byName.find(name);
+    return found == byName.end() ? nullptr : found->second;
+}
+
+std::string Catalogue::didYouMean(std::string_view name) const
+{
+    std::vector<std::string_view> names;
+    for (const Type* type : ordered) names.emplace_back(type->name);
+    return inspect::didYouMean(name, names);
+}
+
+std::vector<std::string> Catalogue::usersOf(const Type& type) const
+{
+    std::vector<std::string> users;
+    const auto note = [&](const Type& user, const schema::Member& member) {
+        if (member.use.type == &type) users.push_back(std::string(user.name) + '.' + member.name);
+    };
+    for (const Type* user : ordered) {
+        if (user->target.type == &type) users.emplace_back(user->name);
+        for (const schema::Member& field : user->fields) note(*user, field);
+        for (const schema::Arm& arm : user->arms) note(*user, arm.member);
+    }
+    std::ranges::sort(users);
+    users.erase(std::unique(users.begin(), users.end()), users.end());  // one arm may stand under several numbers
+    return users;
+}
+
+}  // namespace quorva::inspect

@@ -1,0 +1,48 @@
+// The types of the library by name: finding, suggesting, and saying in words what one is.
+#pragma once
+
+#include <quorvapixdr/schema.h>
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace quorva::inspect {
+
+// What people call a kind of type: "enum", "record", "union", "builtin", and for typedefs by what they stand for "alias",
+// "sequence", "vector", "optional", "string" or "bytes".
+inline constexpr const char* kindNames[] = {"builtin", "enum",   "record",   "union",  "alias",
+                                            "sequence", "vector", "optional", "string", "bytes"};
+const char* kindName(const schema::Type& type);
+
+// A declaration as an interface file has it: "LockerId id", "ShortNatural code[10]", "string label<40>"; with an empty
+// name just the type: "ShortNatural[10]".
+std::string declaration(const schema::Use& use, std::string_view name);
+
+// Whether a name fits a pattern: with `*` (any characters) or `?` (one) as a whole, otherwise anywhere within. Capitals
+// do not matter.
+bool matches(std::string_view pattern, std::string_view name);
+
+// "; did you mean X, Y or Z?" with up to three candidates that resemble the word, best first; empty if none does.
+std::string didYouMean(std::string_view word, std::span<const std::string_view> candidates);
+
+// All types of the library, the built-in ones included, by name.
+class Catalogue {
+public:
+    Catalogue();
+
+    std::span<const schema::Type* const> types() const { return ordered; }
+    const schema::Type* find(std::string_view name) const;  // null if there is none
+    std::string didYouMean(std::string_view name) const;
+
+    // Where the type is used: "JobAVP.value", "JobAVPSeq"; by name.
+    std::vector<std::string> usersOf(const schema::Type& type) const;
+
+private:
+    std::vector<const schema::Type*> ordered;
+    std::unordered_map<std::string_view, const schema::Type*> byName;
+};
+
+}  // namespace quorva::inspect

@@ -1,0 +1,536 @@
+// Objects as JSON and back.
+
+#include "json.h"
+
+#include "catalogue.h"
+#include "input.h"
+#include "layout.h"
+#include "traverse.h"
+
+#include <algorithm>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <set>
+#include <variant>
+
+namespace quorva::inspect {
+
+using schema::Builtin;
+using schema::Form;
+using schema::Kind;
+using schema::Member;
+using schema::Type;
+using schema::Use;
+
+namespace {
+
+constexpr std::size_t mostFaults = 20;
+
+bool isPrintable(std::string_view text)
+{
+    return std::ranges::all_of(text, [](char c) { return c >= 0x20 && c < 0x7F; });
+}
+
+bool isUtf8(std::string_view text)
+{
+    for (std::size_t i = 0; i < text.size();) {
+        const auto byteAt = [&](std::size_t k) { return k < text.size() ? static_cast<unsigned char>(text[k]) : 0u; };
+        const unsigned lead = byteAt(i);
+        const std::size_t length = lead < 0x80 ? 1 : lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+        if (length == 0) return false;
+        unsigned long character = length == 1 ? lead : lead & (0xFFu >> (length + 1));
+        for (std::size_t k = 1; k < length; ++k) {
+            if ((byteAt(i + k) & 0xC0) != 0x80) return false;
+            character = character << 6 | (byteAt(i + k) & 0x3F);
+        }
+        if (length == 3 && (character < 0x800 || (character >= 0xD800 && character < 0xE000))) return false;
+        if (length == 4 && (character < 0x10000 || character > 0x10FFFF)) return false;
+        i += length;
+    }
+    return true;
+}
+
+std::span<const unsigned char> bytesOf(std::string_view text)
+{
+    return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+}
+
+Json bytesJson(const std::byte* at, std::size_t size)
+{
+    const std::string_view text(reinterpret_cast<const char*>(at), size);
+    if (size > 0 && isPrintable(text)) return {{"text", text}};
+    return {{"hex", hexDigits(bytesOf(text))}};
+}
+
+Json textJson(const char* text)
+{
+    if (!text) return nullptr;
+    if (isUtf8(text)) return text;
+    return {{"hex", hexDigits(bytesOf(text))}};
+}
+
+Json floatJson(std::uint32_t bits)
+{
+    const auto number = std::bit_cast<float>(bits);
+    if (!std::isfinite(number)) {
+        unsigned char bytes[4];
+        for (unsigned i = 0; i < 4; ++i) bytes[i] = static_cast<unsigned char>(bits >> (24 - 8 * i));
+        return {{"bits", hexDigits(bytes)}};
+    }
+    // JSON holds doubles: take the one that prints as the float's own shortest text, if it rounds back to the float.
+    const std::string shortest = floatText(number);
+    double wide = 0;
+    std::from_chars(shortest.data(), shortest.data() + shortest.size(), wide);
+    return static_cast<float>(wide) == number ? wide : static_cast<double>(number);
+}
+
+Json numberJson(const Type& type, std::int64_t number)
+{
+    if (type.builtin == Builtin::Float) return floatJson(static_cast<std::uint32_t>(number));
+    if (type.builtin == Builtin::Boolean && number <= 1) return number == 1;
+    if (const schema::Enumerator* named = enumeratorOf(type, number)) return named->name;
+    return number;
+}
+
+class Writer {
+public:
+    Json value(const Type& type, const std::byte* at)
+    {
+        switch (type.kind) {
+        case Kind::builtin:
+        case Kind::enumeration: return numberJson(type, loadNumber(type, at));
+        case Kind::record: {
+            Json object = Json::object();
+            for (const Member& field : type.fields) add(object, field, at);
+            return object;
+        }
+        case Kind::discriminated: {
+            const Member& discriminant = type.fields.front();
+            Json object = Json::object();
+            add(object, discriminant, at);
+            const auto* arm = armOf(type, loadNumber(discriminantOf(type), at + discriminant.offset));
+            if (arm && arm->member.use.form != Form::nothing) add(object, arm->member, at);
+            return object;
+        }
+        case Kind::definedAs: return held(type.target, at);
+        }
+        return nullptr;
+    }
+
+private:
+    void add(Json& object, const Member& member, const std::byte* at)
+    {
+        if (++depth > deepestNesting) throw Refusal{"values are nested too deeply for JSON"};
+        object[member.name] = held(member.use, at + member.offset);
+        --depth;
+    }
+
+    Json held(const Use& use, const std::byte* at)
+    {
+        switch (use.form) {
+        case Form::single: return value(*use.type, at);
+        case Form::vector: return elements(*use.type, at, use.bound);
+        case Form::list: {
+            const auto block = load<Block>(at);
+            return elements(*use.type, block.elements, block.elements ? block.count : 0);
+        }
+        case Form::optional: {
+            const auto* present = load<const std::byte*>(at);
+            if (present) return value(*use.type, present);
+            break;
+        }
+        case Form::string: return textJson(load<const char*>(at));
+        case Form::bytes: {
+            const auto block = load<Block>(at);
+            return bytesJson(block.elements, block.elements ? block.count : 0);
+        }
+        case Form::opaque: return bytesJson(at, use.bound);
+        case Form::nothing: break;
+        }
+        return nullptr;
+    }
+
+    Json elements(const Type& type, const std::byte* first, std::size_t count)
+    {
+        if (++depth > deepestNesting) throw Refusal{"values are nested too deeply for JSON"};
+        Json array = Json::array();
+        for (std::size_t i = 0; i < count; ++i) array.push_back(value(type, first + i * type.size));
+        --depth;
+        return array;
+    }
+
+    std::size_t depth = 0;
+};
+
+// What a value is, for a sentence that says that something else was wanted.
+std::string described(const Json& value)
+{
+    if (value.is_object()) return "an object";
+    if (value.is_array()) return "an array";
+    std::string text = value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    if (text.size() > 40) text = text.substr(0, 40) + "...";
+    return text;
+}
+
+// Fills a zeroed object. Memory is allocated as a decode pass does it and hung into the object before it is filled, so
+// that the object's release pass finds it whatever happens.
+class Reader {
+public:
+    void value(const Type& type, const Json& json, std::byte* at)
+    {
+        switch (type.kind) {
+        case Kind::builtin:
+        case Kind::enumeration: readNumber(type, json, at); return;
+        case Kind::record: readRecord(type, json, at); return;
+        case Kind::discriminated: readUnion(type, json, at); return;
+        case Kind::definedAs: held(type.target, json, at); return;
+        }
+    }
+
+    std::vector<JsonFault> faults;
+
+private:
+    using Step = std::variant<std::string_view, std::size_t>;
+
+    // Runs `action` one step deeper.
+    template <class Action>
+    void within(Step step, Action action)
+    {
+        steps.push_back(step);
+        if (steps.size() > deepestNesting)
+            fault("values are nested too deeply");
+        else if (faults.size() < mostFaults)
+            action();
+        steps.pop_back();
+    }
+
+    void fault(std::string sentence)
+    {
+        if (faults.size() >= mostFaults) return;
+        std::string path;
+        for (const Step& step : steps) {
+            path += '/';
+            if (const auto* index = std::get_if<std::size_t>(&step)) {
+                path += std::to_string(*index);
+                continue;
+            }
+            for (const char c : std::get<std::string_view>(step)) {
+                if (c == '~' || c == '/')
+                    path += c == '~' ? "~0" : "~1";
+                else
+                    path += c;
+            }
+        }
+        faults.push_back({std::move(path), std::move(sentence)});
+    }
+
+    void unexpected(const std::string& wanted, const Json& found) { fault("expected " + wanted + ", found " + described(found)); }
+
+    // ---- Numbers --------------------------------------------------------------------------------------------------------
+
+    void readNumber(const Type& type, const Json& json, std::byte* at)
+    {
+        if (const auto number = numberIn(type, json)) storeNumber(type, at, *number);
+    }
+
+    std::optional<std::int64_t> numberIn(const Type& type, const Json& json)
+    {
+        if (type.builtin == Builtin::Float) return floatIn(json);
+        if (type.builtin == Builtin::Boolean && json.is_boolean()) return json.get<bool>();
+        if (type.kind == Kind::enumeration && json.is_string()) return enumeratorIn(type, json.get_ref<const std::string&>());
+        const Range range = rangeOf(type);
+        if (json.is_number_integer() && !(json.is_number_unsigned() && json.get<std::uint64_t>() > INT64_MAX)) {
+            const auto number = json.get<std::int64_t>();
+            if (number >= range.least && number <= range.most) return number;
+        }
+        const std::string numbers = std::to_string(range.least) + " to " + std::to_string(range.most);
+        unexpected(type.kind == Kind::enumeration            ? std::string("an enumerator of ") + type.name + " or its number"
+                   : type.builtin == Builtin::Boolean ? "true, false or a number from " + numbers
+                                                      : "a whole number from " + numbers,
+                   json);
+        return std::nullopt;
+    }
+
+    std::optional<std::int64_t> enumeratorIn(const Type& type, const std::string& name)
+    {
+        std::vector<std::string_view> names;
+        for (const schema::Enumerator& enumerator : type.enumerators) {
+            if (enumerator.name == name) return enumerator.value;
+            names.emplace_back(enumerator.name);
+        }
+        fault('"' + name + "\" is no enumerator of " + type.name + didYouMean(name, names));
+        return std::nullopt;
+    }
+
+    std::optional<std::int64_t> floatIn(const Json& json)
+    {
+        if (json.is_number()) {
+            const auto number = json.get<double>();
+            const auto narrow = static_cast<float>(number);
+            if (std::isfinite(narrow)) return std::bit_cast<std::uint32_t>(narrow);
+            fault("the number " + described(json) + " is beyond the largest single float");
+            return std::nullopt;
+        }
+        if (json.is_object() && json.size() == 1 && json.contains("bits") && json["bits"].is_string()) {
+            const auto bytes = bytesOfDigits(json["bits"].get_ref<const std::string&>());
+            if (bytes && bytes->size() == 4) {
+                std::uint32_t bits = 0;
+                for (const unsigned char byte : *bytes) bits = bits << 8 | byte;
+                return bits;
+            }
+        }
+        unexpected("a number or {\"bits\": \"7fc00001\"} with eight hexadecimal digits", json);
+        return std::nullopt;
+    }
+
+    // ---- Records and unions ---------------------------------------------------------------------------------------------
+
+    void readRecord(const Type& type, const Json& json, std::byte* at)
+    {
+        if (!json.is_object()) return unexpected(std::string("an object with the fields of ") + type.name, json);
+        for (const Member& field : type.fields) readMember(type, field, json, at);
+        std::vector<std::string_view> names;
+        for (const Member& field : type.fields) names.emplace_back(field.name);
+        refuseOthers(json, names, [&](std::string_view name) {
+            return std::string("no such field in ") + type.name + didYouMean(name, names);
+        });
+    }
+
+    void readUnion(const Type& type, const Json& json, std::byte* at)
+    {
+        const Member& discriminant = type.fields.front();
+        const auto wanted = std::string("an object with the field \"") + discriminant.name + "\" and its arm of " + type.name;
+        if (!json.is_object()) return unexpected(wanted, json);
+        const std::size_t before = faults.size();
+        readMember(type, discriminant, json, at);
+        if (faults.size() != before) return;
+
+        const std::int64_t chosen = loadNumber(discriminantOf(type), at + discriminant.offset);
+        const std::string choice = std::string(discriminant.name) + ' ' + numberText(discriminantOf(type), chosen);
+        const schema::Arm* arm = armOf(type, chosen);
+        if (!arm && !type.hasDefault)
+            return within(discriminant.name, [&] { fault(choice + " has no arm in " + type.name); });
+
+        std::vector<std::string_view> names{discriminant.name};
+        const bool holds = arm && arm->member.use.form != Form::nothing;
+        if (holds) {
+            names.emplace_back(arm->member.name);
+            readMember(type, arm->member, json, at);
+        }
+        refuseOthers(json, names, [&](std::string_view) {
+            return choice + (holds ? std::string(" goes with the arm \"") + arm->member.name + '"' : " has no contents");
+        });
+    }
+
+    void readMember(const Type& type, const Member& member, const Json& json, std::byte* at)
+    {
+        const auto found = json.find(member.name);
+        if (found == json.end())
+            return fault(std::string("the field \"") + member.name + "\" of " + type.name + " is missing");
+        within(member.name, [&] { held(member.use, *found, at + member.offset); });
+    }
+
+    template <class Sentence>
+    void refuseOthers(const Json& json, const std::vector<std::string_view>& names, Sentence sentence)
+    {
+        for (const auto& [name, ignored] : json.items())
+            if (std::ranges::find(names, name) == names.end()) within(name, [&, &n = name] { fault(sentence(n)); });
+    }
+
+    // ---- Declarations ---------------------------------------------------------------------------------------------------
+
+    void held(const Use& use, const Json& json, std::byte* at)
+    {
+        switch (use.form) {
+        case Form::single: value(*use.type, json, at); return;
+        case Form::vector: readElements(*use.type, use.bound, use.bound, json, [at](std::size_t) { return at; }); return;
+        case Form::list:
+            readElements(*use.type, 0, use.bound, json, [&](std::size_t count) {
+                const Block block{static_cast<std::uint16_t>(count), count ? allocated(count * use.type->size) : nullptr};
+                store(at, block);
+                return block.elements;
+            });
+            return;
+        case Form::optional:
+            if (json.is_null()) return;
+            store(at, allocated(use.type->size));
+            value(*use.type, json, load<std::byte*>(at));
+            return;
+        case Form::string: readString(use, json, at); return;
+        case Form::bytes:
+            if (const auto bytes = bytesIn(json, 0, use.bound); bytes && !bytes->empty()) {
+                store(at, Block{static_cast<std::uint16_t>(bytes->size()), allocated(bytes->size())});
+                std::memcpy(load<Block>(at).elements, bytes->data(), bytes->size());
+            }
+            return;
+        case Form::opaque:
+            if (const auto bytes = bytesIn(json, use.bound, use.bound)) std::ranges::copy(std::as_bytes(std::span(*bytes)), at);
+            return;
+        case Form::nothing: return;
+        }
+    }
+
+    static std::byte* allocated(std::size_t size)
+    {
+        return static_cast<std::byte*>(std::memset(::operator new[](size), 0, size));
+    }
+
+    // `place` is told the number of elements and returns the address of the first.
+    template <class Place>
+    void readElements(const Type& type, std::size_t least, std::size_t most, const Json& json, Place place)
+    {
+        const auto wanted = "an array of " + amount(least, most) + ' ' + type.name;
+        if (!json.is_array()) return unexpected(wanted, json);
+        if (json.size() < least || json.size() > most)
+            return fault("expected " + wanted + ", found " + std::to_string(json.size()));
+        std::byte* at = place(json.size());
+        for (std::size_t i = 0; i < json.size(); ++i, at += type.size) within(i, [&] { value(type, json[i], at); });
+    }
+
+    static std::string amount(std::size_t least, std::size_t most)
+    {
+        return (least == most ? "exactly " : "at most ") + std::to_string(most);
+    }
+
+    void readString(const Use& use, const Json& json, std::byte* at)
+    {
+        if (json.is_null()) return;
+        std::string text;
+        if (json.is_string()) {
+            text = json.get_ref<const std::string&>();
+        } else if (const auto bytes = wrappedBytes(json)) {
+            text.assign(bytes->begin(), bytes->end());
+        } else {
+            return unexpected("a text, {\"hex\": \"...\"} or null", json);
+        }
+        if (text.size() > use.bound)
+            return fault("expected a text of at most " + std::to_string(use.bound) + " bytes, found " + std::to_string(text.size()));
+        if (text.find('\0') != std::string::npos) return fault("a text cannot hold a zero byte");
+        store(at, allocated(text.size() + 1));
+        std::memcpy(load<char*>(at), text.data(), text.size());
+    }
+
+    std::optional<Bytes> bytesIn(const Json& json, std::size_t least, std::size_t most)
+    {
+        auto bytes = wrappedBytes(json);
+        if (!bytes) {
+            unexpected("{\"hex\": \"...\"} or {\"text\": \"...\"}", json);
+        } else if (bytes->size() < least || bytes->size() > most) {
+            fault("expected " + amount(least, most) + " bytes, found " + std::to_string(bytes->size()));
+            bytes.reset();
+        }
+        return bytes;
+    }
+
+    // The bytes of {"hex": "..."} or {"text": "..."}; nothing if it is neither.
+    static std::optional<Bytes> wrappedBytes(const Json& json)
+    {
+        if (!json.is_object() || json.size() != 1 || !json.front().is_string()) return std::nullopt;
+        const auto& contents = json.front().get_ref<const std::string&>();
+        if (json.contains("hex")) return bytesOfDigits(contents);
+        if (json.contains("text")) return Bytes(contents.begin(), contents.end());
+        return std::nullopt;
+    }
+
+    std::vector<Step> steps;
+};
+
+// Watches the parser: names given twice and nesting, neither of which the parser minds.
+class Watch {
+public:
+    bool operator()(int, Json::parse_event_t event, Json& parsed)
+    {
+        switch (event) {
+        case Json::parse_event_t::object_start:
+        case Json::parse_event_t::array_start:
+            open.push_back({event == Json::parse_event_t::array_start, 0, {}, {}});
+            if (open.size() > 2 * deepestNesting) throw JsonError(std::vector{JsonFault{"", "values are nested too deeply"}});
+            break;
+        case Json::parse_event_t::object_end:
+        case Json::parse_event_t::array_end:
+            open.pop_back();
+            countElement();
+            break;
+        case Json::parse_event_t::key:
+            open.back().name = parsed.get<std::string>();
+            if (!open.back().seen.insert(open.back().name).second) throw JsonError(std::vector{JsonFault{path(), "the field is given twice"}});
+            break;
+        case Json::parse_event_t::value: countElement(); break;
+        }
+        return true;
+    }
+
+private:
+    struct Level {
+        bool isArray;
+        std::size_t index;
+        std::string name;
+        std::set<std::string> seen;
+    };
+
+    void countElement()
+    {
+        if (!open.empty() && open.back().isArray) ++open.back().index;
+    }
+
+    std::string path() const
+    {
+        std::string text;
+        for (const Level& level : open) text += '/' + (level.isArray ? std::to_string(level.index) : level.name);
+        return text;
+    }
+
+    std::vector<Level> open;
+};
+
+std::string joined(const std::vector<JsonFault>& faults)
+{
+    std::string text;
+    for (const JsonFault& fault : faults) {
+        if (!text.empty()) text += '\n';
+        if (!fault.path.empty()) text += fault.path + ": ";
+        text += fault.sentence;
+    }
+    return text;
+}
+
+// The parser's own sentence without its number and place, which we tell in our own way.
+std::string plainSentence(std::string what)
+{
+    const std::size_t column = what.find("column ");
+    const std::size_t colon = column == std::string::npos ? column : what.find(": ", column);
+    return "no JSON: " + (colon == std::string::npos ? what : what.substr(colon + 2));
+}
+
+}  // namespace
+
+JsonError::JsonError(std::vector<JsonFault> found) : std::runtime_error(joined(found)), faults(std::move(found)) {}
+
+Json toJson(const Type& type, const void* object)
+{
+    return Writer().value(type, static_cast<const std::byte*>(object));
+}
+
+Object fromJson(const Type& type, const Json& json)
+{
+    Object object(type);
+    Reader reader;
+    reader.value(type, json, object.data());
+    if (!reader.faults.empty()) throw JsonError(std::move(reader.faults));
+    return object;
+}
+
+Json parseJson(std::string_view text)
+{
+    try {
+        return Json::parse(text, Watch());
+    } catch (const Json::parse_error& error) {
+        throw InputError::at(text, error.byte > 0 ? error.byte - 1 : 0, plainSentence(error.what()));
+    } catch (const Json::out_of_range& error) {
+        throw InputError::at(text, text.size(), "no JSON: " + std::string(error.what()));
+    }
+}
+
+}  // namespace quorva::inspect

@@ -1,0 +1,363 @@
+// quorvaxdr: looks at types and messages of the service API from the command line.
+
+#include "catalogue.h"
+#include "describe.h"
+#include "input.h"
+#include "json.h"
+#include "wire.h"
+
+#include <quorvapixdr/codec.h>
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <new>
+#include <sstream>
+
+using namespace quorva;
+using namespace quorva::inspect;
+
+namespace {
+
+enum Status { fine = 0, troubled = 1, misused = 2, uncodable = 3, leftOver = 4, unreadable = 5 };
+
+constexpr const char* statuses =
+    "Exit status:\n"
+    "  0  all went well\n"
+    "  1  a file cannot be read, output cannot be written, or memory is short\n"
+    "  2  the command line is wrong\n"
+    "  3  the message cannot be decoded or encoded\n"
+    "  4  bytes are left over behind the decoded message (which is still printed)\n"
+    "  5  the input is no text of the form that it should have (hex, base64, JSON)\n";
+
+// Ends the run with a message for people, one line for each fault.
+struct Stop {
+    Status status;
+    std::string message;
+};
+
+struct Options {
+    std::string type;
+    std::string file = "-";
+    std::string pattern, kind, module;
+    std::string from = "hex", to;
+    std::size_t limit = driverMessage;
+    bool provisional = false;
+    bool json = false;
+};
+
+struct Verb {
+    const char* name;
+    const char* summary;
+    void (*declare)(CLI::App&, Options&);
+    int (*run)(const Options&);
+};
+
+// ---- Files and output ---------------------------------------------------------------------------------------------------
+
+void complain(const std::string& message)
+{
+    std::fflush(stdout);
+    std::string text;
+    for (std::size_t begin = 0; begin <= message.size();) {
+        const std::size_t end = std::min(message.find('\n', begin), message.size());
+        text += "quorvaxdr: " + message.substr(begin, end - begin) + '\n';
+        begin = end + 1;
+    }
+    std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+void print(std::string_view text)
+{
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+        throw Stop{troubled, std::string("cannot write standard output: ") + std::strerror(errno)};
+}
+
+void printJson(const Json& json)
+{
+    print(json.dump(2) + '\n');
+}
+
+std::string nameOf(const std::string& file)
+{
+    return file == "-" ? "standard input" : file;
+}
+
+// All of a file, or of standard input for "-".
+std::string contentsOf(const std::string& file)
+{
+    constexpr std::size_t most = std::size_t{16} << 20;  // the largest message has less as JSON
+    const auto closing = [](std::FILE* stream) { return stream == stdin ? 0 : std::fclose(stream); };
+    errno = 0;
+    const std::unique_ptr<std::FILE, decltype(closing)> stream(file == "-" ? stdin : std::fopen(file.c_str(), "rb"), closing);
+    std::string contents;
+    char block[65536];
+    while (stream && contents.size() <= most) {
+        const std::size_t size = std::fread(block, 1, sizeof block, stream.get());
+        contents.append(block, size);
+        if (size < sizeof block) break;
+    }
+    if (!stream || std::ferror(stream.get()))
+        throw Stop{troubled, nameOf(file) + ": cannot be read: " + std::strerror(errno)};
+    if (contents.size() > most) throw Stop{uncodable, nameOf(file) + ": more than 16 MiB, which no message needs"};
+    return contents;
+}
+
+[[noreturn]] void stopAt(const std::string& file, const InputError& error)
+{
+    throw Stop{unreadable, nameOf(file) + ':' + std::to_string(error.line) + ':' + std::to_string(error.column) + ": " + error.what()};
+}
+
+Bytes messageFrom(const Options& options)
+{
+    const std::string contents = contentsOf(options.file);
+    try {
+        Bytes message = options.from == "hex"      ? parseHex(contents)
+                        : options.from == "base64" ? parseBase64(contents)
+                                                   : Bytes(contents.begin(), contents.end());
+        if (message.size() <= longestMessage) return message;
+        throw Stop{uncodable, nameOf(options.file) + ": " + std::to_string(message.size()) + " bytes, but a message has at most " +
+                                  std::to_string(longestMessage)};
+    } catch (const InputError& error) {
+        stopAt(options.file, error);
+    }
+}
+
+// ---- Types --------------------------------------------------------------------------------------------------------------
+
+const schema::Type& typeNamed(const std::string& name, const Catalogue& catalogue)
+{
+    if (const schema::Type* type = catalogue.find(name)) return *type;
+    throw Stop{misused, "there is no type " + name + catalogue.didYouMean(name)};
+}
+
+void declareTypes(CLI::App& verb, Options& options)
+{
+    verb.add_option("PATTERN", options.pattern, "part of a name, or all of it with * and ?; capitals do not matter");
+    verb.add_option("--kind", options.kind, "only this kind of type")
+        ->check(CLI::IsMember(std::vector<std::string>(std::begin(kindNames), std::end(kindNames))));
+    verb.add_option("--module", options.module, "only of modules whose name fits this pattern, such as jobs/*");
+    verb.add_flag("--provisional", options.provisional, "only types whose layout is not published");
+    verb.add_flag("--json", options.json, "print JSON");
+}
+
+int runTypes(const Options& options)
+{
+    const Catalogue catalogue;
+    std::vector<const schema::Type*> chosen;
+    for (const schema::Type* type : catalogue.types())
+        if (matches(options.pattern, type->name) && (options.kind.empty() || options.kind == kindName(*type)) &&
+            matches(options.module, type->module) && (!options.provisional || type->provisional))
+            chosen.push_back(type);
+    if (options.json)
+        printJson(typesJson(chosen));
+    else
+        print(typesText(chosen));
+    if (chosen.empty())
+        complain("no type fits" + (options.pattern.empty() ? std::string() : catalogue.didYouMean(options.pattern)));
+    return fine;
+}
+
+void declareDescribe(CLI::App& verb, Options& options)
+{
+    verb.add_option("TYPE", options.type, "name of the type")->required();
+    verb.add_flag("--json", options.json, "print JSON");
+}
+
+int runDescribe(const Options& options)
+{
+    const Catalogue catalogue;
+    const schema::Type& type = typeNamed(options.type, catalogue);
+    if (options.json)
+        printJson(descriptionJson(type, catalogue));
+    else
+        print(descriptionText(type, catalogue));
+    return fine;
+}
+
+// ---- Messages -----------------------------------------------------------------------------------------------------------
+
+void declareMessage(CLI::App& verb, Options& options, const char* what)
+{
+    verb.add_option("TYPE", options.type, "name of the type")->required();
+    verb.add_option("FILE", options.file, std::string(what) + "; - is standard input")->capture_default_str();
+}
+
+void declareDecode(CLI::App& verb, Options& options)
+{
+    options.to = "trace";
+    declareMessage(verb, options, "the message");
+    verb.add_option("--from", options.from, "form of the message: hex (also dumps of xxd, hexdump -C and the like), raw, base64")
+        ->check(CLI::IsMember({"hex", "raw", "base64"}))
+        ->capture_default_str();
+    verb.add_option("--to", options.to, "what to print: trace (an XML document) or json")
+        ->check(CLI::IsMember({"trace", "json"}))
+        ->capture_default_str();
+}
+
+// The decode pass, with its trace where the platform's stream collects one.
+template <class Stream = Xdr>
+Pass decodeInto(Object& object, Bytes& message, std::string& text)
+{
+    const schema::Type& type = object.type();
+    const auto mode = static_cast<Xdr::Request>(1);
+    if constexpr (Traceable<Stream>) {
+        typename Stream::Trace trace;
+        const Pass pass = runTraced<Stream>(mode, type.routine, type.name, object.data(), message, trace);
+        if (!trace.complete()) throw std::bad_alloc();
+        text = trace.text() + '\n';
+        return pass;
+    } else {
+        const Pass pass = runPass(mode, type.routine, object.data(), message);
+        text = "This platform's stream collects no trace.\n";
+        return pass;
+    }
+}
+
+int runDecode(const Options& options)
+{
+    const Catalogue catalogue;
+    const schema::Type& type = typeNamed(options.type, catalogue);
+    Bytes message = messageFrom(options);
+    const auto refused = [&](const Failure& failure) {
+        return Stop{uncodable, nameOf(options.file) + ": cannot decode " + type.name + ' ' + explained(failure, message.size())};
+    };
+
+    // The schema's own reading comes first: it bounds the nesting, which the codec leaves to the stack.
+    const Reading reading = readMessage(type, message);
+    if (reading.failure && reading.nestsTooDeeply) throw refused(*reading.failure);
+
+    Object object(type);
+    std::string trace;
+    const Pass pass = decodeInto(object, message, trace);
+    if (options.to == "trace")
+        print(trace);
+    else if (pass.succeeded)
+        printJson(toJson(type, object.data()));
+    if (!pass.succeeded) throw refused(reading.failure.value_or(Failure{"", pass.length, "not enough memory"}));
+
+    const std::size_t rest = message.size() - pass.length;
+    if (rest == 0) return fine;
+    throw Stop{leftOver, nameOf(options.file) + ": " + (rest == 1 ? "1 byte is" : std::to_string(rest) + " bytes are") +
+                             " left over behind " + type.name + ", from byte " + std::to_string(pass.length) + " on"};
+}
+
+void declareEncode(CLI::App& verb, Options& options)
+{
+    options.to = "hex";
+    declareMessage(verb, options, "the value as JSON");
+    verb.add_option("--to", options.to, "form of the message: hex, raw, base64")
+        ->check(CLI::IsMember({"hex", "raw", "base64"}))
+        ->capture_default_str();
+    verb.add_option("--limit", options.limit, "bytes that the message may have")
+        ->check(CLI::Range(std::size_t{0}, longestMessage))
+        ->capture_default_str();
+}
+
+Object objectFrom(const schema::Type& type, const std::string& file)
+{
+    try {
+        return fromJson(type, parseJson(contentsOf(file)));
+    } catch (const InputError& error) {
+        stopAt(file, error);
+    } catch (const JsonError& error) {
+        std::string message;
+        for (const JsonFault& fault : error.faults) {
+            if (!message.empty()) message += '\n';
+            message += nameOf(file) + ": " + (fault.path.empty() ? "" : fault.path + ": ") + fault.sentence;
+        }
+        throw Stop{uncodable, message};
+    }
+}
+
+int runEncode(const Options& options)
+{
+    const Catalogue catalogue;
+    const schema::Type& type = typeNamed(options.type, catalogue);
+    Object object = objectFrom(type, options.file);
+    Bytes message(options.limit);
+    const Pass pass = runPass(static_cast<Xdr::Request>(0), type.routine, object.data(), message);
+    if (!pass.succeeded) {
+        const auto failure = refusalOf(type, object.data(), options.limit);
+        throw Stop{uncodable, nameOf(options.file) + ": cannot encode " + type.name + ' ' +
+                                  explained(failure.value_or(Failure{"", pass.length, "the codec refuses it"}), options.limit)};
+    }
+    message.resize(pass.length);
+    print(options.to == "hex"      ? hexText(message)
+          : options.to == "base64" ? base64Text(message)
+                                   : std::string(message.begin(), message.end()));
+    return fine;
+}
+
+constexpr Verb verbs[] = {
+    {"types", "List types", declareTypes, runTypes},
+    {"describe", "Tell all about one type", declareDescribe, runDescribe},
+    {"decode", "Show what a message holds", declareDecode, runDecode},
+    {"encode", "Make a message of JSON", declareEncode, runEncode},
+};
+
+// The parser's own complaint about an unknown verb does not say which there are.
+void checkVerb(int count, char** words)
+{
+    if (count < 2) throw Stop{misused, "which verb? `quorvaxdr --help` lists them"};
+    if (words[1][0] == '-') return;
+    std::vector<std::string_view> names;
+    for (const Verb& verb : verbs) names.emplace_back(verb.name);
+    if (std::ranges::find(names, words[1]) == names.end())
+        throw Stop{misused, std::string("there is no verb ") + words[1] + didYouMean(words[1], names)};
+}
+
+int run(int count, char** words)
+{
+    checkVerb(count, words);
+    CLI::App app("Looks at types and messages of the service API.", "quorvaxdr");
+    app.require_subcommand(1);
+    app.footer(statuses);
+    Options options[std::size(verbs)];
+    for (std::size_t i = 0; i < std::size(verbs); ++i) {
+        CLI::App& sub = *app.add_subcommand(verbs[i].name, verbs[i].summary);
+        sub.footer(statuses);
+        verbs[i].declare(sub, options[i]);
+    }
+    try {
+        app.parse(count, words);
+    } catch (const CLI::Success& help) {
+        std::ostringstream text;
+        app.exit(help, text, text);
+        print(text.str());
+        return fine;
+    } catch (const CLI::ParseError& error) {
+        throw Stop{misused, error.what()};
+    }
+    for (std::size_t i = 0; i < std::size(verbs); ++i)
+        if (app.got_subcommand(verbs[i].name)) return verbs[i].run(options[i]);
+    return misused;
+}
+
+}  // namespace
+
+int main(int count, char** words)
+{
+    std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a write error like any other
+    try {
+        return run(count, words);
+    } catch (const Stop& stop) {
+        complain(stop.message);
+        return stop.status;
+    } catch (const Refusal& refusal) {
+        complain(refusal.reason);
+        return uncodable;
+    } catch (const std::bad_alloc&) {
+        complain("not enough memory");
+        return troubled;
+    } catch (const std::exception& error) {
+        complain(error.what());
+        return troubled;
+    }
+}

@@ -1,0 +1,257 @@
+// Invented messages.
+
+#include "sample.h"
+
+#include "traverse.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace quorva::inspect {
+
+using schema::Form;
+using schema::Kind;
+using schema::Type;
+using schema::Use;
+
+namespace {
+
+// Small, good enough, and the same on every platform (splitmix64).
+class Chance {
+public:
+    explicit Chance(std::uint64_t seed) : state(seed) {}
+
+    std::uint64_t next()
+    {
+        state += 0x9E3779B97F4A7C15u;
+        std::uint64_t z = state;
+        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9u;
+        z = (z ^ (z >> 27)) * 0x94D049BB133111EBu;
+        return z ^ (z >> 31);
+    }
+
+    std::size_t below(std::size_t bound) { return static_cast<std::size_t>(next() % bound); }
+    bool oneIn(std::size_t n) { return below(n) == 0; }
+
+private:
+    std::uint64_t state;
+};
+
+constexpr std::size_t padded(std::size_t size)
+{
+    return (size + 3) / 4 * 4;
+}
+
+constexpr std::size_t deepestGrowth = deepestNesting / 4;  // from here on everything is as small as can be
+
+}  // namespace
+
+// The source of a walk that invents what it is asked for. It begins with the room that the shortest message leaves, and
+// pays from it for every choice that makes the message longer; so the budget holds however the choices fall.
+class Inventor {
+public:
+    Inventor(Sampler& from, const Type& type, const Recipe& wanted, const Path& where)
+        : sampler(from), recipe(wanted), path(where), chance(wanted.seed)
+    {
+        const std::size_t least = sampler.leastSize(type);
+        if (recipe.extent != Extent::least && recipe.budget > least) spare = recipe.budget - least;
+    }
+
+    Bytes bytes;
+
+    std::size_t offset() const { return bytes.size(); }
+
+    std::int64_t number(const Type& scalar, const std::byte*)
+    {
+        const std::int64_t value = invented(scalar);
+        append(toUnit(scalar, value));
+        return value;
+    }
+
+    std::int64_t discriminant(const Type& type, const std::byte*)
+    {
+        const std::int64_t value = choice(type);
+        append(toUnit(discriminantOf(type), value));
+        return value;
+    }
+
+    std::uint32_t length(const Use& use, const std::byte*) { return quantity(use.bound, 1); }
+
+    std::uint32_t count(const Use& use, const std::byte*)
+    {
+        return quantity(use.bound, use.form == Form::list ? sampler.leastSize(*use.type) : 1);
+    }
+
+    bool present(const Use& use, const std::byte*)
+    {
+        const std::size_t cost = sampler.leastSize(*use.type);
+        const bool follows = cost <= room() && (recipe.extent == Extent::fullest || !chance.oneIn(3));
+        if (follows) spare -= cost;
+        append(follows);
+        return follows;
+    }
+
+    void contents(const Use& use, const std::byte*, std::uint32_t size)
+    {
+        const unsigned lowest = use.form == Form::string ? 1 : 0;
+        const bool readable = recipe.extent != Extent::random || !chance.oneIn(4);
+        for (std::uint32_t i = 0; i < size; ++i) {
+            const std::size_t byte = recipe.extent == Extent::least ? lowest
+                                     : readable                     ? 'a' + i % 26
+                                                                    : lowest + chance.below(256 - lowest);
+            bytes.push_back(static_cast<unsigned char>(byte));
+        }
+        bytes.resize(padded(bytes.size()), 0);
+    }
+
+private:
+    std::size_t room() const { return path.depth() < deepestGrowth ? spare : 0; }
+
+    void append(std::uint32_t unit)
+    {
+        for (int shift = 24; shift >= 0; shift -= 8) bytes.push_back(static_cast<unsigned char>(unit >> shift));
+    }
+
+    std::int64_t invented(const Type& scalar)
+    {
+        const Range range = scalar.builtin == schema::Builtin::Boolean ? Range{0, 1} : rangeOf(scalar);
+        const auto& enumerators = scalar.enumerators;
+        switch (recipe.extent) {
+        case Extent::least: return enumerators.empty() ? 0 : enumerators.front().value;
+        case Extent::fullest:
+            if (scalar.builtin == schema::Builtin::Float) return 0x7F7FFFFF;  // the largest finite one
+            return enumerators.empty() ? range.most : enumerators.back().value;
+        case Extent::random: break;
+        }
+        if (!enumerators.empty() && !chance.oneIn(16)) return enumerators[chance.below(enumerators.size())].value;
+        const auto any = static_cast<std::uint32_t>(chance.next());
+        if (scalar.builtin == schema::Builtin::Boolean) return any & 1;
+        return fromUnit(scalar, chance.oneIn(2) ? any : any & 0x7F);
+    }
+
+    // A count or length whose each element costs at least `each` bytes; bytes and texts come in whole units.
+    std::uint32_t quantity(std::uint32_t bound, std::size_t each)
+    {
+        const std::size_t affordable = each == 1 ? room() / 4 * 4 : room() / each;
+        // No more than half of what is left, so that what follows gets its share. A single one may take it all.
+        const std::size_t fair = std::max(affordable / 2, std::min<std::size_t>(affordable, each == 1 ? 4 : 1));
+        const std::size_t most = std::min<std::size_t>(bound, fair);
+        std::size_t chosen = most;
+        if (recipe.extent == Extent::random && !chance.oneIn(8)) {
+            const std::size_t usual = std::min<std::size_t>(most, std::size_t{1} << chance.below(8));
+            chosen = chance.below(usual + 1);
+        }
+        spare -= each == 1 ? padded(chosen) : chosen * each;
+        append(static_cast<std::uint32_t>(chosen));
+        return static_cast<std::uint32_t>(chosen);
+    }
+
+    // ---- Arms -----------------------------------------------------------------------------------------------------------
+
+    std::size_t costOf(const schema::Arm& arm) { return sampler.leastSize(arm.member.use); }
+
+    std::int64_t choice(const Type& type)
+    {
+        const std::size_t paid = sampler.leastSize(type) - 4;  // what the walk has reserved for the arm
+        const std::size_t arms = type.arms.size();
+        const std::size_t choices = arms + type.hasDefault;
+        const std::size_t turn = recipe.extent != Extent::random ? extremeArm(type, paid)
+                                 : firstUnion                    ? static_cast<std::size_t>(recipe.seed % choices)
+                                                                 : chance.below(choices);
+        firstUnion = false;
+        if (turn == arms)
+            if (const auto value = withoutArm(type)) return *value;
+
+        const schema::Arm* arm = &type.arms[turn % arms];
+        if (costOf(*arm) > paid + room()) arm = &*std::ranges::min_element(type.arms, {}, [&](auto& a) { return costOf(a); });
+        // A union with a default arm has nothing reserved; its arms may then cost more than there is.
+        const std::size_t cost = costOf(*arm);
+        if (cost > paid + spare)
+            if (const auto value = withoutArm(type)) return *value;
+        spare -= std::min(spare, cost - std::min(cost, paid));
+        return arm->cases[recipe.extent == Extent::random ? chance.below(arm->cases.size()) : 0];
+    }
+
+    // The arm with the shortest or, as far as there is room, the longest contents.
+    std::size_t extremeArm(const Type& type, std::size_t paid)
+    {
+        std::size_t best = 0;
+        for (std::size_t i = 0; i < type.arms.size(); ++i) {
+            const std::size_t cost = costOf(type.arms[i]), record = costOf(type.arms[best]);
+            if (recipe.extent == Extent::least ? cost < record : cost > record && cost <= paid + room()) best = i;
+        }
+        return best;
+    }
+
+    // A value that goes to the default arm, if there is one and chance finds it.
+    std::optional<std::int64_t> withoutArm(const Type& type)
+    {
+        if (!type.hasDefault) return std::nullopt;
+        const Type& discriminant = discriminantOf(type);
+        for (int attempt = 0; attempt < 64; ++attempt) {
+            const auto unit = static_cast<std::uint32_t>(attempt < 32 ? static_cast<std::size_t>(attempt) : chance.next());
+            const std::int64_t value = recipe.extent == Extent::random && attempt < 32
+                                           ? invented(discriminant)
+                                           : fromUnit(discriminant, discriminant.builtin == schema::Builtin::Boolean ? unit & 1 : unit);
+            if (!armOf(type, value)) return value;
+        }
+        return std::nullopt;
+    }
+
+    Sampler& sampler;
+    const Recipe& recipe;
+    const Path& path;
+    Chance chance;
+    std::size_t spare = 0;
+    bool firstUnion = true;
+};
+
+Bytes Sampler::sample(const Type& type, const Recipe& recipe)
+{
+    Path path;
+    Inventor inventor(*this, type, recipe, path);
+    if (const auto failure = Traversal(inventor, path).run(type))
+        throw std::logic_error(std::string("no sample of ") + type.name + " at " + failure->path + ": " + failure->reason);
+    return std::move(inventor.bytes);
+}
+
+std::size_t Sampler::leastSize(const Type& type)
+{
+    // Self-reference goes through lists and optional values only, which are not followed here: this ends.
+    if (const auto found = known.find(&type); found != known.end()) return found->second;
+    std::size_t size = 4;
+    switch (type.kind) {
+    case Kind::builtin:
+    case Kind::enumeration: break;
+    case Kind::record:
+        size = 0;
+        for (const schema::Member& field : type.fields) size += leastSize(field.use);
+        break;
+    case Kind::discriminated:
+        if (!type.hasDefault) {
+            std::size_t least = SIZE_MAX;
+            for (const schema::Arm& arm : type.arms) least = std::min(least, leastSize(arm.member.use));
+            size += least;
+        }
+        break;
+    case Kind::definedAs: size = leastSize(type.target); break;
+    }
+    return known[&type] = size;
+}
+
+std::size_t Sampler::leastSize(const Use& use)
+{
+    switch (use.form) {
+    case Form::single: return leastSize(*use.type);
+    case Form::vector: return use.bound * leastSize(*use.type);
+    case Form::opaque: return padded(use.bound);
+    case Form::nothing: return 0;
+    case Form::list:
+    case Form::optional:
+    case Form::string:
+    case Form::bytes: break;
+    }
+    return 4;
+}
+
+}  // namespace quorva::inspect

@@ -1,0 +1,142 @@
+// The codec against a stream class that keeps the contract and nothing more: the calls it makes are those of calls.txt.
+
+#include "codec_tools.h"
+
+#include <quorvapixdr/drivers.h>
+#include <quorvapixdr/forms.h>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+#include <sstream>
+
+using namespace quorva;
+using namespace quorva::test;
+
+static_assert(!Traceable<Xdr>, "this class offers nothing beyond the contract");
+
+namespace {
+
+const struct {
+    const char* name;
+    XdrRoutine routine;
+    std::size_t size;
+} types[] = {
+    {"Colour", XdrColour, sizeof(Colour)}, {"Id", XdrId, sizeof(Id)}, {"IdSeq", XdrIdSeq, sizeof(IdSeq)},
+    {"Name", XdrName, sizeof(Name)}, {"Seal", XdrSeal, sizeof(Seal)}, {"Blob", XdrBlob, sizeof(Blob)},
+    {"Pair", XdrPair, sizeof(Pair)}, {"Next", XdrNext, sizeof(Next)}, {"Point", XdrPoint, sizeof(Point)},
+    {"Scalars", XdrScalars, sizeof(Scalars)}, {"Held", XdrHeld, sizeof(Held)}, {"Shape", XdrShape, sizeof(Shape)},
+    {"Event", XdrEvent, sizeof(Event)},
+};
+
+// "    open x,  unit 00000001" as "open x\nunit 00000001\n".
+std::string callsOf(std::istream& lines)
+{
+    std::string calls, line, call;
+    while (lines.peek() == ' ' && std::getline(lines, line)) {
+        for (std::istringstream parts(line); std::getline(parts, call, ',');) {
+            std::istringstream words(call);
+            for (std::string word, gap; words >> word; gap = " ") calls += gap + word;
+            calls += '\n';
+        }
+    }
+    return calls;
+}
+
+std::string record(const std::string& verb, const std::string& name, Bytes wire, std::size_t room)
+{
+    for (const auto& type : types) {
+        if (type.name != name) continue;
+        alignas(std::max_align_t) unsigned char object[256] = {};
+        if (verb != "decode") runPass(decoding, type.routine, object, wire);
+        const auto mode = verb == "decode" ? decoding : verb == "encode" ? encoding : releasing;
+        Bytes buffer(room);
+        recordedCalls.clear();
+        const Pass pass = runPass(mode, type.routine, object, verb == "decode" ? wire : buffer);
+        std::string calls;
+        for (const std::string& call : recordedCalls) {
+            std::istringstream words(call);  // a text that ends in blanks or line ends reads like one that does not
+            for (std::string word, gap; words >> word; gap = " ") calls += gap + word;
+            calls += '\n';
+        }
+        if (verb != "release") releaseContents(type.routine, object);
+        return calls + (pass.succeeded ? "= 1\n" : "= 0\n");
+    }
+    return "no type " + name;
+}
+
+}  // namespace
+
+TEST(Recording, calls)
+{
+    std::ifstream file(CALLS_FILE);
+    int cases = 0;
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        SCOPED_TRACE(line);
+        std::istringstream words(line);
+        std::string verb, type, word, wire;
+        std::size_t room = 256;
+        words >> verb >> type;
+        while (words >> word && word != "within") wire += word;
+        if (word == "within") words >> room;
+        EXPECT_EQ(record(verb, type, bytesOf(wire), room), callsOf(file));
+        ++cases;
+    }
+    EXPECT_GT(cases, 40) << CALLS_FILE;
+}
+
+// A narrow value is what the stream left of its unit, in each direction and also when the stream refused.
+TEST(Recording, narrowValuesAreStoredBack)
+{
+    const struct {
+        const char* name;
+        XdrRoutine routine;
+        std::uint32_t left;
+    } cases[] = {
+        {"Integer", XdrInteger, 0x55553344}, {"Natural", XdrNatural, 0x55553344}, {"Boolean", XdrBoolean, 0x55555544},
+        {"ShortInteger", XdrShortInteger, 0x55555544}, {"ShortNatural", XdrShortNatural, 0x55555544},
+        {"LongNatural", XdrLongNatural, 0x11223344},
+    };
+    meddling = true;
+    for (const auto& expected : cases) {
+        for (const std::size_t room : {4u, 0u}) {
+            std::uint32_t value = 0x55555555;
+            Bytes buffer = bytesOf("11223344");
+            buffer.resize(room);
+            runPass(encoding, expected.routine, &value, buffer);
+            EXPECT_EQ(value, expected.left) << expected.name << " encoded, room " << room;
+            value = 0x55555555;
+            runPass(decoding, expected.routine, &value, buffer);
+            EXPECT_EQ(value, expected.left) << expected.name << " decoded, room " << room;
+        }
+    }
+    meddling = false;
+}
+
+TEST(Recording, driversOfferThousandAndTwentyFourBytes)
+{
+    Bytes buffer(1024);
+    std::string characters(1021, 'A');
+    char* text = characters.data();
+    const auto routine = [](Xdr* xdrs, void* object) { return XdrString(xdrs, static_cast<char**>(object), 65535); };
+    EXPECT_EQ(ClientsXdrSupport(routine, &text, buffer.data()), 4);
+    characters.resize(1020);
+    EXPECT_EQ(ClientsXdrSupport(routine, &text, buffer.data()), 1024);
+}
+
+// Errors carry no path where the class collects none, and all the rest.
+TEST(Recording, ownerLayer)
+{
+    Point point = {1, 2};
+    const Bytes message = quorva::encode(point);
+    EXPECT_EQ(quorva::decode<Point>(message)->x, 1);
+    try {
+        quorva::decode<Point>(std::span(message).first(6));
+        FAIL();
+    } catch (const CodingError& error) {
+        EXPECT_STREQ(error.what(), "cannot decode Point, byte 4 of 6");
+        EXPECT_EQ(error.path(), "");
+    }
+}
