@@ -4,43 +4,42 @@
 
 namespace quorva::schema {
 
+namespace {
+
+template <class T>
+constexpr Type scalar(const char* name, Builtin builtin, XdrRoutine routine, const char* doc)
+{
+    return {
+        .name = name, .builtin = builtin, .doc = doc, .routine = routine, .size = sizeof(T), .alignment = alignof(T)};
+}
+
+}  // namespace
+
 namespace types {
 
-constinit const Type Boolean = {.name = "Boolean", .builtin = Builtin::Boolean, .doc = "Truth value, held in one byte.",
-    .routine = XdrBoolean, .size = sizeof(::Boolean), .alignment = alignof(::Boolean)};
-
-constinit const Type ShortInteger = {.name = "ShortInteger", .builtin = Builtin::ShortInteger,
-    .doc = "8 bits, signed. Travels and shows without its sign.",
-    .routine = XdrShortInteger, .size = sizeof(::ShortInteger), .alignment = alignof(::ShortInteger)};
-
-constinit const Type ShortNatural = {.name = "ShortNatural", .builtin = Builtin::ShortNatural, .doc = "8 bits, unsigned.",
-    .routine = XdrShortNatural, .size = sizeof(::ShortNatural), .alignment = alignof(::ShortNatural)};
-
-constinit const Type Integer = {.name = "Integer", .builtin = Builtin::Integer, .doc = "16 bits, signed.",
-    .routine = XdrInteger, .size = sizeof(::Integer), .alignment = alignof(::Integer)};
-
-constinit const Type Natural = {.name = "Natural", .builtin = Builtin::Natural, .doc = "16 bits, unsigned.",
-    .routine = XdrNatural, .size = sizeof(::Natural), .alignment = alignof(::Natural)};
-
-constinit const Type LongInteger = {.name = "LongInteger", .builtin = Builtin::LongInteger, .doc = "32 bits, signed.",
-    .routine = XdrLongInteger, .size = sizeof(::LongInteger), .alignment = alignof(::LongInteger)};
-
-constinit const Type LongNatural = {.name = "LongNatural", .builtin = Builtin::LongNatural, .doc = "32 bits, unsigned.",
-    .routine = XdrLongNatural, .size = sizeof(::LongNatural), .alignment = alignof(::LongNatural)};
-
-constinit const Type UINT = {.name = "UINT", .builtin = Builtin::UINT, .doc = "32 bits, unsigned. The trace shows it as if signed.",
-    .routine = XdrUINT, .size = sizeof(::UINT), .alignment = alignof(::UINT)};
-
-constinit const Type Float = {.name = "Float", .builtin = Builtin::Float, .doc = "IEEE 754 single.",
-    .routine = XdrFloat, .size = sizeof(::Float), .alignment = alignof(::Float)};
+constinit const Type Boolean =
+    scalar<::Boolean>("Boolean", Builtin::Boolean, XdrBoolean, "Truth value, held in one byte.");
+constinit const Type ShortInteger = scalar<::ShortInteger>("ShortInteger", Builtin::ShortInteger, XdrShortInteger,
+                                                           "8 bits, signed. Travels and shows without its sign.");
+constinit const Type ShortNatural =
+    scalar<::ShortNatural>("ShortNatural", Builtin::ShortNatural, XdrShortNatural, "8 bits, unsigned.");
+constinit const Type Integer = scalar<::Integer>("Integer", Builtin::Integer, XdrInteger, "16 bits, signed.");
+constinit const Type Natural = scalar<::Natural>("Natural", Builtin::Natural, XdrNatural, "16 bits, unsigned.");
+constinit const Type LongInteger =
+    scalar<::LongInteger>("LongInteger", Builtin::LongInteger, XdrLongInteger, "32 bits, signed.");
+constinit const Type LongNatural =
+    scalar<::LongNatural>("LongNatural", Builtin::LongNatural, XdrLongNatural, "32 bits, unsigned.");
+constinit const Type UINT =
+    scalar<::UINT>("UINT", Builtin::UINT, XdrUINT, "32 bits, unsigned. The trace shows it as if signed.");
+constinit const Type Float = scalar<::Float>("Float", Builtin::Float, XdrFloat, "IEEE 754 single.");
 
 }  // namespace types
 
 std::span<const Type* const> builtins()
 {
-    static constexpr const Type* all[] = {&types::Boolean, &types::ShortInteger, &types::ShortNatural,
-                                          &types::Integer, &types::Natural,      &types::LongInteger,
-                                          &types::LongNatural, &types::UINT,     &types::Float};
+    static constexpr const Type* all[] = {&types::Boolean,     &types::ShortInteger, &types::ShortNatural,
+                                          &types::Integer,     &types::Natural,      &types::LongInteger,
+                                          &types::LongNatural, &types::UINT,         &types::Float};
     return all;
 }
 

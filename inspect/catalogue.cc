@@ -92,10 +92,10 @@ const char* kindName(const Type& type)
 std::string declaration(const Use& use, std::string_view name)
 {
     const std::string bound = std::to_string(use.bound);
-    std::string text = use.type                     ? use.type->name
-                       : use.form == Form::string   ? "string"
-                       : use.form == Form::nothing  ? "void"
-                                                    : "opaque";
+    std::string text = use.type                    ? use.type->name
+                       : use.form == Form::string  ? "string"
+                       : use.form == Form::nothing ? "void"
+                                                   : "opaque";
     if (!name.empty() || use.form == Form::optional) text += ' ';
     if (use.form == Form::optional) text += '*';
     text += name;
@@ -126,8 +126,10 @@ std::string didYouMean(std::string_view word, std::span<const std::string_view> 
         std::size_t rank = distance(wanted, name);
         const std::size_t allowed = std::max<std::size_t>(1, std::min(wanted.size(), name.size()) / 3);
         // A part of a name is a worse guess than any slip of the finger.
-        if (rank > allowed) rank = wanted.size() >= 3 && name.find(wanted) != std::string::npos ? name.size() + 100 : 0;
-        else ++rank;
+        if (rank > allowed)
+            rank = wanted.size() >= 3 && name.find(wanted) != std::string::npos ? name.size() + 100 : 0;
+        else
+            ++rank;
         if (rank > 0) ranked.emplace_back(rank, candidate);
     }
     std::ranges::sort(ranked);

@@ -11,9 +11,9 @@
 
 namespace quorva::inspect {
 
-// What people call a kind of type: "enum", "record", "union", "builtin", and for typedefs by what they stand for "alias",
-// "sequence", "vector", "optional", "string" or "bytes".
-inline constexpr const char* kindNames[] = {"builtin", "enum",   "record",   "union",  "alias",
+// What people call a kind of type: "enum", "record", "union", "builtin", and for typedefs by what they stand for
+// "alias", "sequence", "vector", "optional", "string" or "bytes".
+inline constexpr const char* kindNames[] = {"builtin",  "enum",   "record",   "union",  "alias",
                                             "sequence", "vector", "optional", "string", "bytes"};
 const char* kindName(const schema::Type& type);
 

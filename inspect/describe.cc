@@ -77,14 +77,16 @@ std::string caseText(const Type& type, std::int64_t value)
 std::string enumeratorsText(const Type& type)
 {
     Table table("    ");
-    for (const schema::Enumerator& e : type.enumerators) table.add({std::to_string(e.value), e.name, oneLine(e.doc), ""});
+    for (const schema::Enumerator& e : type.enumerators)
+        table.add({std::to_string(e.value), e.name, oneLine(e.doc), ""});
     return "\n  enumerators\n" + table.text();
 }
 
 std::string fieldsText(const Type& type)
 {
     Table table("    ");
-    for (const schema::Member& field : type.fields) table.add({declaration(field.use, field.name), oneLine(field.doc), "", ""});
+    for (const schema::Member& field : type.fields)
+        table.add({declaration(field.use, field.name), oneLine(field.doc), "", ""});
     return "\n  fields\n" + table.text();
 }
 
@@ -93,7 +95,8 @@ std::string armsText(const Type& type)
     Table table("    ");
     for (const schema::Arm& arm : type.arms)
         for (const std::int64_t value : arm.cases)
-            table.add({caseText(type, value), declaration(arm.member.use, arm.member.name), oneLine(arm.member.doc), ""});
+            table.add(
+                {caseText(type, value), declaration(arm.member.use, arm.member.name), oneLine(arm.member.doc), ""});
     if (type.hasDefault) table.add({"any other", "void", "", ""});
     const schema::Member& discriminant = type.fields.front();
     return "\n  arms by " + declaration(discriminant.use, discriminant.name) + '\n' + table.text();
@@ -138,7 +141,8 @@ Json headJson(const Type& type)
 std::string typesText(std::span<const Type* const> types)
 {
     Table table("");
-    for (const Type* type : types) table.add({type->name, kindName(*type), type->module, type->provisional ? "provisional" : ""});
+    for (const Type* type : types)
+        table.add({type->name, kindName(*type), type->module, type->provisional ? "provisional" : ""});
     return table.text();
 }
 
@@ -153,7 +157,8 @@ std::string descriptionText(const Type& type, const Catalogue& catalogue)
 {
     std::string text = std::string(type.name) + "  " + kindName(type) + "  " + origin(type) + '\n';
     if (*type.doc) text += indented(type.doc);
-    if (type.provisional) text += indented(std::string("Provisional: ") + (*type.provisional ? type.provisional : "no published layout"));
+    if (type.provisional)
+        text += indented(std::string("Provisional: ") + (*type.provisional ? type.provisional : "no published layout"));
     text += '\n';
     if (type.kind == Kind::definedAs) text += "  is " + declaration(type.target, "") + '\n';
     text += "  in memory " + std::to_string(type.size) + " bytes, on the wire at least " +

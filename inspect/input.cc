@@ -65,7 +65,10 @@ private:
 
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-    [[noreturn]] void fail(std::size_t at, const std::string& sentence) const { throw InputError::at(text, at, sentence); }
+    [[noreturn]] void fail(std::size_t at, const std::string& sentence) const
+    {
+        throw InputError::at(text, at, sentence);
+    }
 
     template <class Action>
     void forEachLine(Action action) const
@@ -89,7 +92,8 @@ private:
         const std::size_t digits = digitsAt(line, at);
         if (digits < 4 || digits > 8) return std::nullopt;
         Row row;
-        for (std::size_t i = 0; i < digits; ++i) row.offset = row.offset << 4 | static_cast<unsigned>(digitOf(line[at + i]));
+        for (std::size_t i = 0; i < digits; ++i)
+            row.offset = row.offset << 4 | static_cast<unsigned>(digitOf(line[at + i]));
         at += digits;
         if (at < end && line[at] == ':') {
             row.colon = true;
@@ -173,7 +177,6 @@ private:
             at = readToken(at);
             const std::size_t next = std::min(text.find_first_not_of(" \t", at), end);
             if (next - at >= gap) return;
-            if (next == at && next < end) fail(at, quoted(text[at]) + " is no hexadecimal digit");
             at = next;
         }
     }
@@ -191,13 +194,15 @@ private:
     std::size_t readToken(std::size_t at)
     {
         const std::size_t digits = digitsAt(text, at);
-        if (digits == 0) fail(at, quoted(text[at]) + " is no hexadecimal digit");
+        const std::size_t end = at + digits;
+        if (digits == 0 || (end < text.size() && separators.find(text[end]) == std::string_view::npos))
+            fail(end, quoted(text[end]) + " is no hexadecimal digit");
         if (digits % 2 != 0)
             fail(at, digits == 1 ? "a single digit; a byte has two"
                                  : "an odd number of digits (" + std::to_string(digits) + "); a byte has two");
         if (bytes.size() + digits / 2 > longestMessage) tooLong(at);
         appendPairs(bytes, text.substr(at, digits));
-        return at + digits;
+        return end;
     }
 
     [[noreturn]] void tooLong(std::size_t at) const
@@ -254,7 +259,8 @@ Bytes parseBase64(std::string_view text)
         if (value < 0) throw InputError::at(text, at, quoted(c) + " is no base64 character");
         if (pads > 0) throw InputError::at(text, at, quoted(c) + " after the \"=\" that ends base64");
         bits = bits << 6 | static_cast<unsigned>(value);
-        if (++characters % 4 != 1) bytes.push_back(static_cast<unsigned char>(bits >> (6 - 2 * ((characters - 1) % 4))));
+        if (++characters % 4 != 1)
+            bytes.push_back(static_cast<unsigned char>(bits >> (6 - 2 * ((characters - 1) % 4))));
     }
     if (characters % 4 == 1 || (pads > 0 && (characters + pads) % 4 != 0) || pads > 2)
         throw InputError::at(text, text.size(), "base64 ends within a group of four characters");

@@ -29,7 +29,8 @@ public:
 
 // Digits in pairs with any blanks, line breaks, `,`, `:`, `;`, `-`, `_`, braces and `0x` or `\x` prefixes between them;
 // or a dump as `xxd`, `hexdump -C`, `od -A x -t x1z` and packet analysers print it, whose offsets are held against the
-// bytes and whose "*" lines are filled in. Throws InputError; also where there would be more than `longestMessage` bytes.
+// bytes and whose "*" lines are filled in. Throws InputError; also where there would be more than `longestMessage`
+// bytes.
 Bytes parseHex(std::string_view text);
 
 // The ordinary alphabet or the one for URLs, with any blanks and line breaks, with or without the "=" at the end.

@@ -38,7 +38,12 @@ bool isUtf8(std::string_view text)
     for (std::size_t i = 0; i < text.size();) {
         const auto byteAt = [&](std::size_t k) { return k < text.size() ? static_cast<unsigned char>(text[k]) : 0u; };
         const unsigned lead = byteAt(i);
-        const std::size_t length = lead < 0x80 ? 1 : lead < 0xC2 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF5 ? 4 : 0;
+        const std::size_t length = lead < 0x80   ? 1
+                                   : lead < 0xC2 ? 0
+                                   : lead < 0xE0 ? 2
+                                   : lead < 0xF0 ? 3
+                                   : lead < 0xF5 ? 4
+                                                 : 0;
         if (length == 0) return false;
         unsigned long character = length == 1 ? lead : lead & (0xFFu >> (length + 1));
         for (std::size_t k = 1; k < length; ++k) {
@@ -226,9 +231,12 @@ private:
         faults.push_back({std::move(path), std::move(sentence)});
     }
 
-    void unexpected(const std::string& wanted, const Json& found) { fault("expected " + wanted + ", found " + described(found)); }
+    void unexpected(const std::string& wanted, const Json& found)
+    {
+        fault("expected " + wanted + ", found " + described(found));
+    }
 
-    // ---- Numbers --------------------------------------------------------------------------------------------------------
+    // ---- Numbers ---------------------------------------------------------------------------------------------------
 
     void readNumber(const Type& type, const Json& json, std::byte* at)
     {
@@ -239,14 +247,15 @@ private:
     {
         if (type.builtin == Builtin::Float) return floatIn(json);
         if (type.builtin == Builtin::Boolean && json.is_boolean()) return json.get<bool>();
-        if (type.kind == Kind::enumeration && json.is_string()) return enumeratorIn(type, json.get_ref<const std::string&>());
+        if (type.kind == Kind::enumeration && json.is_string())
+            return enumeratorIn(type, json.get_ref<const std::string&>());
         const Range range = rangeOf(type);
         if (json.is_number_integer() && !(json.is_number_unsigned() && json.get<std::uint64_t>() > INT64_MAX)) {
             const auto number = json.get<std::int64_t>();
             if (number >= range.least && number <= range.most) return number;
         }
         const std::string numbers = std::to_string(range.least) + " to " + std::to_string(range.most);
-        unexpected(type.kind == Kind::enumeration            ? std::string("an enumerator of ") + type.name + " or its number"
+        unexpected(type.kind == Kind::enumeration     ? std::string("an enumerator of ") + type.name + " or its number"
                    : type.builtin == Builtin::Boolean ? "true, false or a number from " + numbers
                                                       : "a whole number from " + numbers,
                    json);
@@ -285,7 +294,7 @@ private:
         return std::nullopt;
     }
 
-    // ---- Records and unions ---------------------------------------------------------------------------------------------
+    // ---- Records and unions ----------------------------------------------------------------------------------------
 
     void readRecord(const Type& type, const Json& json, std::byte* at)
     {
@@ -301,7 +310,8 @@ private:
     void readUnion(const Type& type, const Json& json, std::byte* at)
     {
         const Member& discriminant = type.fields.front();
-        const auto wanted = std::string("an object with the field \"") + discriminant.name + "\" and its arm of " + type.name;
+        const auto wanted =
+            std::string("an object with the field \"") + discriminant.name + "\" and its arm of " + type.name;
         if (!json.is_object()) return unexpected(wanted, json);
         const std::size_t before = faults.size();
         readMember(type, discriminant, json, at);
@@ -320,7 +330,8 @@ private:
             readMember(type, arm->member, json, at);
         }
         refuseOthers(json, names, [&](std::string_view) {
-            return choice + (holds ? std::string(" goes with the arm \"") + arm->member.name + '"' : " has no contents");
+            return choice +
+                   (holds ? std::string(" goes with the arm \"") + arm->member.name + '"' : " has no contents");
         });
     }
 
@@ -339,16 +350,19 @@ private:
             if (std::ranges::find(names, name) == names.end()) within(name, [&, &n = name] { fault(sentence(n)); });
     }
 
-    // ---- Declarations ---------------------------------------------------------------------------------------------------
+    // ---- Declarations ----------------------------------------------------------------------------------------------
 
     void held(const Use& use, const Json& json, std::byte* at)
     {
         switch (use.form) {
         case Form::single: value(*use.type, json, at); return;
-        case Form::vector: readElements(*use.type, use.bound, use.bound, json, [at](std::size_t) { return at; }); return;
+        case Form::vector:
+            readElements(*use.type, use.bound, use.bound, json, [at](std::size_t) { return at; });
+            return;
         case Form::list:
             readElements(*use.type, 0, use.bound, json, [&](std::size_t count) {
-                const Block block{static_cast<std::uint16_t>(count), count ? allocated(count * use.type->size) : nullptr};
+                const Block block{static_cast<std::uint16_t>(count),
+                                  count ? allocated(count * use.type->size) : nullptr};
                 store(at, block);
                 return block.elements;
             });
@@ -366,7 +380,8 @@ private:
             }
             return;
         case Form::opaque:
-            if (const auto bytes = bytesIn(json, use.bound, use.bound)) std::ranges::copy(std::as_bytes(std::span(*bytes)), at);
+            if (const auto bytes = bytesIn(json, use.bound, use.bound))
+                std::ranges::copy(std::as_bytes(std::span(*bytes)), at);
             return;
         case Form::nothing: return;
         }
@@ -406,7 +421,8 @@ private:
             return unexpected("a text, {\"hex\": \"...\"} or null", json);
         }
         if (text.size() > use.bound)
-            return fault("expected a text of at most " + std::to_string(use.bound) + " bytes, found " + std::to_string(text.size()));
+            return fault("expected a text of at most " + std::to_string(use.bound) + " bytes, found " +
+                         std::to_string(text.size()));
         if (text.find('\0') != std::string::npos) return fault("a text cannot hold a zero byte");
         store(at, allocated(text.size() + 1));
         std::memcpy(load<char*>(at), text.data(), text.size());
@@ -446,7 +462,8 @@ public:
         case Json::parse_event_t::object_start:
         case Json::parse_event_t::array_start:
             open.push_back({event == Json::parse_event_t::array_start, 0, {}, {}});
-            if (open.size() > 2 * deepestNesting) throw JsonError(std::vector{JsonFault{"", "values are nested too deeply"}});
+            if (open.size() > 2 * deepestNesting)
+                throw JsonError(std::vector{JsonFault{"", "values are nested too deeply"}});
             break;
         case Json::parse_event_t::object_end:
         case Json::parse_event_t::array_end:
@@ -455,7 +472,8 @@ public:
             break;
         case Json::parse_event_t::key:
             open.back().name = parsed.get<std::string>();
-            if (!open.back().seen.insert(open.back().name).second) throw JsonError(std::vector{JsonFault{path(), "the field is given twice"}});
+            if (!open.back().seen.insert(open.back().name).second)
+                throw JsonError(std::vector{JsonFault{path(), "the field is given twice"}});
             break;
         case Json::parse_event_t::value: countElement(); break;
         }

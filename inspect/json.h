@@ -4,10 +4,11 @@
 //   union         {"kind": "AKowner", "owner": "Anna"}     Boolean       true, false; 2 and more as numbers
 //                 the discriminant alone without an arm    other numbers 7; a float shortest, or {"bits": "7fc00001"}
 //   list, vector  [ ... ]                                  string        "Anna"; {"hex": "e4"} where it is not UTF-8
-//   optional      null or the value                        bytes         {"text": "ABC"} if printable, else {"hex": "0a"}
+//   optional      null or the value                        bytes         {"text": "ABC"} if printable, else {"hex":
+//   "0a"}
 //
-// A null text is null. Reading also takes the number of an enumerator that has a name, and {"hex"} and {"text"} wherever
-// there are bytes or a string.
+// A null text is null. Reading also takes the number of an enumerator that has a name, and {"hex"} and {"text"}
+// wherever there are bytes or a string.
 #pragma once
 
 #include "object.h"
@@ -44,8 +45,8 @@ Json toJson(const schema::Type& type, const void* object);
 // The object that a JSON value describes. Throws JsonError.
 Object fromJson(const schema::Type& type, const Json& value);
 
-// JSON text to value. Throws InputError where it is no JSON, and JsonError where an object names a field twice or values
-// are nested deeper than any object can be.
+// JSON text to value. Throws InputError where it is no JSON, and JsonError where an object names a field twice or
+// values are nested deeper than any object can be.
 Json parseJson(std::string_view text);
 
 }  // namespace quorva::inspect

@@ -56,7 +56,8 @@ void storeNumber(const Type& scalar, void* at, std::int64_t number)
 
 std::uint32_t toUnit(const Type& scalar, std::int64_t number)
 {
-    return scalar.builtin == Builtin::ShortInteger ? static_cast<std::uint8_t>(number) : static_cast<std::uint32_t>(number);
+    return scalar.builtin == Builtin::ShortInteger ? static_cast<std::uint8_t>(number)
+                                                   : static_cast<std::uint32_t>(number);
 }
 
 std::int64_t fromUnit(const Type& scalar, std::uint32_t unit)

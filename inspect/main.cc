@@ -10,11 +10,11 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
-#include <algorithm>
 #include <iterator>
 #include <memory>
 #include <new>
@@ -59,7 +59,7 @@ struct Verb {
     int (*run)(const Options&);
 };
 
-// ---- Files and output ---------------------------------------------------------------------------------------------------
+// ---- Files and output ----------------------------------------------------------------------------------------------
 
 void complain(const std::string& message)
 {
@@ -95,7 +95,8 @@ std::string contentsOf(const std::string& file)
     constexpr std::size_t most = std::size_t{16} << 20;  // the largest message has less as JSON
     const auto closing = [](std::FILE* stream) { return stream == stdin ? 0 : std::fclose(stream); };
     errno = 0;
-    const std::unique_ptr<std::FILE, decltype(closing)> stream(file == "-" ? stdin : std::fopen(file.c_str(), "rb"), closing);
+    const std::unique_ptr<std::FILE, decltype(closing)> stream(file == "-" ? stdin : std::fopen(file.c_str(), "rb"),
+                                                               closing);
     std::string contents;
     char block[65536];
     while (stream && contents.size() <= most) {
@@ -111,7 +112,8 @@ std::string contentsOf(const std::string& file)
 
 [[noreturn]] void stopAt(const std::string& file, const InputError& error)
 {
-    throw Stop{unreadable, nameOf(file) + ':' + std::to_string(error.line) + ':' + std::to_string(error.column) + ": " + error.what()};
+    throw Stop{unreadable, nameOf(file) + ':' + std::to_string(error.line) + ':' + std::to_string(error.column) + ": " +
+                               error.what()};
 }
 
 Bytes messageFrom(const Options& options)
@@ -122,14 +124,14 @@ Bytes messageFrom(const Options& options)
                         : options.from == "base64" ? parseBase64(contents)
                                                    : Bytes(contents.begin(), contents.end());
         if (message.size() <= longestMessage) return message;
-        throw Stop{uncodable, nameOf(options.file) + ": " + std::to_string(message.size()) + " bytes, but a message has at most " +
-                                  std::to_string(longestMessage)};
+        throw Stop{uncodable, nameOf(options.file) + ": " + std::to_string(message.size()) +
+                                  " bytes, but a message has at most " + std::to_string(longestMessage)};
     } catch (const InputError& error) {
         stopAt(options.file, error);
     }
 }
 
-// ---- Types --------------------------------------------------------------------------------------------------------------
+// ---- Types ---------------------------------------------------------------------------------------------------------
 
 const schema::Type& typeNamed(const std::string& name, const Catalogue& catalogue)
 {
@@ -181,7 +183,7 @@ int runDescribe(const Options& options)
     return fine;
 }
 
-// ---- Messages -----------------------------------------------------------------------------------------------------------
+// ---- Messages ------------------------------------------------------------------------------------------------------
 
 void declareMessage(CLI::App& verb, Options& options, const char* what)
 {
@@ -193,7 +195,8 @@ void declareDecode(CLI::App& verb, Options& options)
 {
     options.to = "trace";
     declareMessage(verb, options, "the message");
-    verb.add_option("--from", options.from, "form of the message: hex (also dumps of xxd, hexdump -C and the like), raw, base64")
+    verb.add_option("--from", options.from,
+                    "form of the message: hex (also dumps of xxd, hexdump -C and the like), raw, base64")
         ->check(CLI::IsMember({"hex", "raw", "base64"}))
         ->capture_default_str();
     verb.add_option("--to", options.to, "what to print: trace (an XML document) or json")
@@ -226,7 +229,8 @@ int runDecode(const Options& options)
     const schema::Type& type = typeNamed(options.type, catalogue);
     Bytes message = messageFrom(options);
     const auto refused = [&](const Failure& failure) {
-        return Stop{uncodable, nameOf(options.file) + ": cannot decode " + type.name + ' ' + explained(failure, message.size())};
+        return Stop{uncodable,
+                    nameOf(options.file) + ": cannot decode " + type.name + ' ' + explained(failure, message.size())};
     };
 
     // The schema's own reading comes first: it bounds the nesting, which the codec leaves to the stack.
@@ -285,8 +289,9 @@ int runEncode(const Options& options)
     const Pass pass = runPass(static_cast<Xdr::Request>(0), type.routine, object.data(), message);
     if (!pass.succeeded) {
         const auto failure = refusalOf(type, object.data(), options.limit);
-        throw Stop{uncodable, nameOf(options.file) + ": cannot encode " + type.name + ' ' +
-                                  explained(failure.value_or(Failure{"", pass.length, "the codec refuses it"}), options.limit)};
+        throw Stop{uncodable,
+                   nameOf(options.file) + ": cannot encode " + type.name + ' ' +
+                       explained(failure.value_or(Failure{"", pass.length, "the codec refuses it"}), options.limit)};
     }
     message.resize(pass.length);
     print(options.to == "hex"      ? hexText(message)

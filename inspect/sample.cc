@@ -146,7 +146,7 @@ private:
         return static_cast<std::uint32_t>(chosen);
     }
 
-    // ---- Arms -----------------------------------------------------------------------------------------------------------
+    // ---- Arms ------------------------------------------------------------------------------------------------------
 
     std::size_t costOf(const schema::Arm& arm) { return sampler.leastSize(arm.member.use); }
 
@@ -163,7 +163,8 @@ private:
             if (const auto value = withoutArm(type)) return *value;
 
         const schema::Arm* arm = &type.arms[turn % arms];
-        if (costOf(*arm) > paid + room()) arm = &*std::ranges::min_element(type.arms, {}, [&](auto& a) { return costOf(a); });
+        if (costOf(*arm) > paid + room())
+            arm = &*std::ranges::min_element(type.arms, {}, [&](auto& a) { return costOf(a); });
         // A union with a default arm has nothing reserved; its arms may then cost more than there is.
         const std::size_t cost = costOf(*arm);
         if (cost > paid + spare)
@@ -183,18 +184,16 @@ private:
         return best;
     }
 
-    // A value that goes to the default arm, if there is one and chance finds it.
+    // A value that goes to the default arm, if there is one.
     std::optional<std::int64_t> withoutArm(const Type& type)
     {
         if (!type.hasDefault) return std::nullopt;
         const Type& discriminant = discriminantOf(type);
-        for (int attempt = 0; attempt < 64; ++attempt) {
-            const auto unit = static_cast<std::uint32_t>(attempt < 32 ? static_cast<std::size_t>(attempt) : chance.next());
-            const std::int64_t value = recipe.extent == Extent::random && attempt < 32
-                                           ? invented(discriminant)
-                                           : fromUnit(discriminant, discriminant.builtin == schema::Builtin::Boolean ? unit & 1 : unit);
+        for (int attempt = 0; attempt < 32 && recipe.extent == Extent::random; ++attempt)
+            if (const std::int64_t value = invented(discriminant); !armOf(type, value)) return value;
+        const std::int64_t candidates = discriminant.builtin == schema::Builtin::Boolean ? 2 : 1000;
+        for (std::int64_t value = 0; value < candidates; ++value)
             if (!armOf(type, value)) return value;
-        }
         return std::nullopt;
     }
 
@@ -211,7 +210,8 @@ Bytes Sampler::sample(const Type& type, const Recipe& recipe)
     Path path;
     Inventor inventor(*this, type, recipe, path);
     if (const auto failure = Traversal(inventor, path).run(type))
-        throw std::logic_error(std::string("no sample of ") + type.name + " at " + failure->path + ": " + failure->reason);
+        throw std::logic_error(std::string("no sample of ") + type.name + " at " + failure->path + ": " +
+                               failure->reason);
     return std::move(inventor.bytes);
 }
 

@@ -13,7 +13,8 @@ namespace quorva::inspect {
 enum class Extent {
     least,    // empty texts and lists, absent values, zeros, the smallest arm
     random,   // by the seed
-    fullest,  // texts and lists at their maximum, present values, the largest numbers and arm, as far as the budget goes
+    fullest,  // texts and lists at their maximum, present values, the largest numbers and arm, as far as the budget
+              // goes
 };
 
 // What to invent. `budget` bounds the message in bytes, but where the type's shortest message is longer.
@@ -23,9 +24,9 @@ struct Recipe {
     std::size_t budget = 1024;
 };
 
-// Makes samples. The bytes are those that an encode pass writes for what a decode pass makes of them: zero padding, narrow
-// numbers within their range, presence 0 or 1, truth values 0 or 1, texts without zero bytes. Enumerations are sometimes
-// without a name; texts hold any other bytes; floats any bits.
+// Makes samples. The bytes are those that an encode pass writes for what a decode pass makes of them: zero padding,
+// narrow numbers within their range, presence 0 or 1, truth values 0 or 1, texts without zero bytes. Enumerations are
+// sometimes without a name; texts hold any other bytes; floats any bits.
 //
 // The arms of a message's first union take turns with the seed: as many seeds in a row as it has arms show them all,
 // as far as the budget goes.

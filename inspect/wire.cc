@@ -173,8 +173,9 @@ std::optional<Failure> refusalOf(const Type& type, const void* object, std::size
 
 std::string explained(const Failure& failure, std::size_t total)
 {
-    const std::string place = failure.path.empty() ? "" : "at " + failure.path + ", ";
-    return place + "byte " + std::to_string(failure.offset) + " of " + std::to_string(total) + ": " + failure.reason;
+    const std::string element = failure.path.empty() ? "" : failure.path + ", ";
+    return "at " + element + "byte " + std::to_string(failure.offset) + " of " + std::to_string(total) + ": " +
+           failure.reason;
 }
 
 }  // namespace quorva::inspect

@@ -16,10 +16,10 @@ namespace quorva::inspect {
 
 // A stretch of a message that holds one thing: a number, a count, a length, a presence, or contents with their padding.
 struct Leaf {
-    const Path& path;     // valid during the call only
+    const Path& path;  // valid during the call only
     std::size_t offset;
     std::size_t size;
-    std::string text;     // for people: "AKowner (1)", "count 3", "\"Anna\""
+    std::string text;  // for people: "AKowner (1)", "count 3", "\"Anna\""
 };
 
 using LeafSink = std::function<void(const Leaf&)>;
@@ -37,7 +37,8 @@ Reading readMessage(const schema::Type& type, std::span<const unsigned char> mes
 // Why an encode pass over the object into a buffer of `limit` bytes fails; nothing if it does not.
 std::optional<Failure> refusalOf(const schema::Type& type, const void* object, std::size_t limit);
 
-// "at value[2]/value/JobUnionUnion, byte 24 of 61: attribute 700 has no arm in JobUnion"; without "at" at the root.
+// "at value[2]/value/JobUnionUnion, byte 24 of 61: attribute 700 has no arm in JobUnion"; at the root just "at byte
+// ...".
 std::string explained(const Failure& failure, std::size_t total);
 
 }  // namespace quorva::inspect

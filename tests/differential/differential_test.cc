@@ -1,0 +1,188 @@
+// Against libtirpc: the same interface files, compiled by rpcgen, must give the same bytes for every type, and refuse the
+// same messages, but for the differences that are listed here and meant.
+
+#include "codec_tools.h"
+#include "peer.h"
+
+#include <inspect/object.h>
+#include <inspect/sample.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+#include <set>
+
+using namespace quorva;
+using namespace quorva::test;
+using inspect::Extent;
+using schema::Builtin;
+using schema::Form;
+using schema::Type;
+
+namespace {
+
+struct Peer {
+    const Type* type;
+    unsigned index;
+};
+
+std::vector<Peer> peers()
+{
+    std::vector<Peer> all;
+    unsigned index = 0;
+    for (const auto* module : schema::modules())
+        for (const auto* type : module->types) all.push_back({type, index++});
+    return all;
+}
+
+// What an implementation makes of a message: the bytes that it writes for it, and how many of it it read.
+struct Outcome {
+    bool accepted;
+    std::size_t consumed;
+    std::string written;
+    bool operator==(const Outcome&) const = default;
+};
+
+void PrintTo(const Outcome& outcome, std::ostream* out)
+{
+    *out << (outcome.accepted ? outcome.written + ", read " + std::to_string(outcome.consumed) : "refused");
+}
+
+constexpr std::size_t room = 4096;
+
+Outcome theirs(const Peer& peer, const Bytes& message)
+{
+    Bytes out(room);
+    unsigned consumed = 0;
+    const int length = peerRecode(peer.index, message.data(), static_cast<unsigned>(message.size()), out.data(), room, &consumed);
+    if (length == peerRefusesToEncode) return {true, consumed, "refused to write"};
+    if (length < 0) return {false, 0, ""};
+    return {true, consumed, hexOf(std::span(out).first(static_cast<std::size_t>(length)))};
+}
+
+Outcome ours(const Peer& peer, const Bytes& message)
+{
+    inspect::Object object(*peer.type);
+    const Pass read = runPass(decoding, peer.type->routine, object.data(), Message(message).span());
+    if (!read.succeeded) return {false, 0, ""};
+    Bytes out(room);
+    const Pass written = runPass(encoding, peer.type->routine, object.data(), out);
+    return {true, read.length, written.succeeded ? hexOf(std::span(out).first(written.length)) : "refused to write"};
+}
+
+class Differential : public ::testing::TestWithParam<Peer> {
+protected:
+    const Type& type = *GetParam().type;
+    inspect::Sampler sampler;
+
+    std::vector<Bytes> samples(std::uint64_t seeds)
+    {
+        std::vector<Bytes> made = {sampler.sample(type, {Extent::least, 0, 300}), sampler.sample(type, {Extent::fullest, 0, 300})};
+        for (std::uint64_t seed = 0; seed < seeds; ++seed) made.push_back(sampler.sample(type, {Extent::random, seed, 300}));
+        return made;
+    }
+};
+
+// Whether the type holds, anywhere inside, something that reads a truth value other than 0 and 1 as its own.
+bool branchesOnTruth(const Type& type, std::set<const Type*>& seen)
+{
+    if (!seen.insert(&type).second) return false;
+    const auto inUse = [&](const schema::Use& use) {
+        return use.form == Form::optional || (use.type && branchesOnTruth(*use.type, seen));
+    };
+    const auto isTruth = [](const Type* t) {
+        while (t && t->kind == schema::Kind::definedAs && t->target.form == Form::single) t = t->target.type;
+        return t && t->builtin == Builtin::Boolean;
+    };
+    if (type.kind == schema::Kind::discriminated && isTruth(type.fields[0].use.type)) return true;
+    for (const auto& field : type.fields)
+        if (inUse(field.use)) return true;
+    for (const auto& arm : type.arms)
+        if (inUse(arm.member.use)) return true;
+    return type.kind == schema::Kind::definedAs && inUse(type.target);
+}
+
+}  // namespace
+
+TEST(DifferentialList, tableIsThatOfTheSchema)
+{
+    for (const Peer& peer : peers()) ASSERT_STREQ(peerTypes[peer.index], peer.type->name);
+    ASSERT_EQ(peerTypes[peers().size()], nullptr);
+}
+
+TEST_P(Differential, writesTheSameBytes)
+{
+    for (const Bytes& wire : samples(std::clamp<std::size_t>(type.arms.size(), 4, 300))) {
+        const Outcome same = {true, wire.size(), hexOf(wire)};
+        ASSERT_EQ(ours(GetParam(), wire), same);
+        ASSERT_EQ(theirs(GetParam(), wire), same) << "by libtirpc";
+    }
+}
+
+TEST_P(Differential, refusesTheSameMessages)
+{
+    std::set<const Type*> seen;
+    const std::uint32_t limit = branchesOnTruth(type, seen) ? 1 : 0xFFFF;  // see the differences below
+    std::mt19937 random(type.line);
+    for (const Bytes& wire : samples(2)) {
+        for (std::size_t size = 0; size < wire.size(); ++size) {
+            const Bytes cut(wire.begin(), wire.begin() + static_cast<std::ptrdiff_t>(size));
+            ASSERT_EQ(ours(GetParam(), cut), theirs(GetParam(), cut)) << hexOf(cut);
+        }
+        for (int i = 0; i < 20; ++i) {
+            Bytes damaged = wire;
+            const std::uint32_t values[] = {0, 1, limit};
+            const std::uint32_t value = values[random() % 3];
+            const std::size_t at = random() % (wire.size() / 4) * 4;
+            for (std::size_t byte = 0; byte < 4; ++byte) damaged[at + byte] = static_cast<unsigned char>(value >> (24 - 8 * byte));
+            const Outcome mine = ours(GetParam(), damaged);
+            const Outcome other = theirs(GetParam(), damaged);
+            ASSERT_EQ(mine.accepted, other.accepted) << hexOf(damaged);
+            ASSERT_EQ(mine.consumed, other.consumed) << hexOf(damaged);
+            if (value <= 1) {
+                ASSERT_EQ(mine.written, other.written) << hexOf(damaged);
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Types, Differential, ::testing::ValuesIn(peers()),
+                         [](const auto& info) { return std::string(info.param.type->name); });
+
+// The deliberate differences, all of them. Nobody who keeps to the ranges of the interface meets one.
+TEST(DifferentialList, whereItIsMeant)
+{
+    const char* const refused = "refused";
+    const struct {
+        const char* why;
+        const char* type;
+        const char* message;
+        std::string ours;  // what is written for it
+        std::string theirs;
+    } differences[] = {
+        {"a Natural keeps 16 bits", "CallbackToken", "00010005", "00000005", "00010005"},
+        {"an Integer too, whose sign is then theirs", "DocumentUnion", "00000240 00018000", "00000240 FFFF8000", "00000240 00018000"},
+        {"a ShortNatural keeps 8 bits", "TimeOfDayStruct", "00000102 00000000 00000000", "00000002 00000000 00000000",
+         "00000102 00000000 00000000"},
+        {"so does a ShortInteger, which travels without its sign", "IDCode", "FFFFFFFF", "000000FF", "FFFFFFFF"},
+        {"a boolean keeps its low byte as it is", "ColorAccessControlEnabled", "00000002", "00000002", "00000001"},
+        {"and nothing of the others", "ColorAccessControlEnabled", "00000100", "00000000", "00000001"},
+        {"a count of elements is its low 16 bits", "AttributeSeq", "00010001 00000007", "00000001 00000007", refused},
+        {"and so is one of bytes", "EncodedString", "00000000 00010001 41000000", "00000000 00000001 41000000", refused},
+        {"presence is a low byte of 1, anything else absence", "EssFaultRecordList", "00000001 00000002", "00000001 00000000",
+         refused},
+    };
+    const auto written = [&](const Outcome& outcome) { return outcome.accepted ? outcome.written : refused; };
+    for (const auto& difference : differences) {
+        SCOPED_TRACE(difference.why);
+        bool found = false;
+        for (const Peer& peer : peers()) {
+            if (std::string(peer.type->name) != difference.type) continue;
+            found = true;
+            EXPECT_EQ(written(ours(peer, bytesOf(difference.message))), difference.ours);
+            EXPECT_EQ(written(theirs(peer, bytesOf(difference.message))), difference.theirs);
+        }
+        EXPECT_TRUE(found) << difference.type << " is gone: show the difference by another type";
+    }
+}

@@ -1,0 +1,143 @@
+// Why passes fail, which bytes hold what, and that invented messages keep their promises.
+
+#include "inspect/wire.h"
+#include "inspect/input.h"
+#include "inspect/json.h"
+#include "inspect/sample.h"
+#include "locker_types.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+using namespace quorva;
+using namespace quorva::inspect;
+namespace types = quorva::schema::types;
+
+namespace {
+
+TEST(Wire, failed_decodes_are_explained)
+{
+    const struct {
+        const schema::Type& type;
+        const char* message;
+        const char* explanation;
+    } failures[] = {
+        {types::Natural, "", "at byte 0 of 0: no byte left where a unit of 4 is needed"},
+        {types::Natural, "00", "at byte 0 of 1: 1 byte left where a unit of 4 is needed"},
+        {types::Key, "0000000000", "at byte 0 of 5: 5 bytes left where 16 are needed"},
+        {types::Picture, "0000000141", "at byte 4 of 5: the message ends within the padding of 1 byte"},
+        {types::LockerIdSeq, "00000007", "at byte 0 of 4: count 7 is beyond the maximum 6"},
+        {types::LockerIdSeq, "00010007",
+         "at byte 0 of 4: count 7 is beyond the maximum 6 (65543, of which 16 bits hold)"},
+        {types::LockerIdSeq, "000000020000000100", "at value[1], byte 8 of 9: 1 byte left where a unit of 4 is needed"},
+        {types::AccessUnion, "00000001ffffffff",
+         "at AccessUnionUnion/owner, byte 4 of 8: length 4294967295 is beyond the maximum 40"},
+        {types::AccessUnion, "00000007", "at AccessUnionUnion, byte 0 of 4: kind 7 has no arm in AccessUnion"},
+        {types::StationUnion, "ffffffff",
+         "at StationUnionUnion, byte 0 of 4: attribute 4294967295 has no arm in StationUnion"},
+        {types::EventUnion, "0000000700000001",
+         "at EventUnionUnion/access/AccessUnionUnion/owner, byte 8 of 8: "
+         "no byte left where a unit of 4 is needed"},
+    };
+    for (const auto& [type, text, explanation] : failures) {
+        const Bytes message = *bytesOfDigits(text);
+        const Reading reading = readMessage(type, message);
+        ASSERT_TRUE(reading.failure) << text;
+        EXPECT_EQ(explained(*reading.failure, message.size()), explanation);
+    }
+}
+
+TEST(Wire, failed_encodes_are_explained)
+{
+    const struct {
+        const schema::Type& type;
+        const char* json;
+        std::size_t limit;
+        const char* explanation;
+    } failures[] = {
+        {types::AccessUnion, R"({"kind":1,"owner":null})", 1024,
+         "at AccessUnionUnion/owner, byte 4 of 1024: there is no text (a null pointer)"},
+        {types::LockerIdSeq, "[1,2]", 11,
+         "at value[1], byte 8 of 11: the message is longer than the limit of 11 bytes"},
+        {types::Picture, R"({"hex":"414243"})", 7, "at byte 4 of 7: the message is longer than the limit of 7 bytes"},
+    };
+    for (const auto& [type, json, limit, explanation] : failures) {
+        const Object object = fromJson(type, parseJson(json));
+        const auto failure = refusalOf(type, object.data(), limit);
+        ASSERT_TRUE(failure) << json;
+        EXPECT_EQ(explained(*failure, limit), explanation);
+    }
+
+    char text[] = "a text of more than forty characters, which is too many";
+    struct {
+        std::int32_t kind;
+        char* owner;
+    } tooLong = {1, text};
+    EXPECT_EQ(refusalOf(types::AccessUnion, &tooLong, 1024)->reason, "length 55 is beyond the maximum 40");
+    const Counted<LongNatural> noBlock = {2, nullptr};
+    EXPECT_EQ(refusalOf(types::LockerIdSeq, &noBlock, 1024)->reason, "count 2 without elements (a null pointer)");
+    const Counted<LongNatural> tooMany = {7, nullptr};
+    EXPECT_TRUE(refusalOf(types::LockerIdSeq, &tooMany, 1024));
+}
+
+TEST(Wire, leaves_cover_the_message)
+{
+    std::string list;
+    const Bytes message = *bytesOfDigits(
+        "00000007"
+        "00000001"
+        "00000003"
+        "41e42200");
+    const Reading reading = readMessage(types::EventUnion, message, [&](const Leaf& leaf) {
+        list += std::to_string(leaf.offset) + '+' + std::to_string(leaf.size) + ' ' + leaf.path.text() + ' ' +
+                leaf.text + '\n';
+    });
+    EXPECT_FALSE(reading.failure);
+    EXPECT_EQ(reading.length, message.size());
+    EXPECT_EQ(list,
+              "0+4 number 7\n"
+              "4+4 EventUnionUnion/access/kind AKowner (1)\n"
+              "8+4 EventUnionUnion/access/AccessUnionUnion/owner length 3\n"
+              "12+4 EventUnionUnion/access/AccessUnionUnion/owner \"A\\xe4\\x22\"\n");
+}
+
+// Doors within doors: the one way to make a walk deep.
+TEST(Wire, nesting_is_bounded)
+{
+    Sampler sampler;
+    Bytes door = sampler.sample(types::Locker, {Extent::least, 0, 0}), message;
+    std::size_t countAt = 0;  // the count of the doors inside
+    readMessage(types::Locker, door, [&](const Leaf& leaf) {
+        if (leaf.path.text() == "nested") countAt = leaf.offset;
+    });
+    door[countAt + 3] = 1;
+    for (int i = 0; i < 400; ++i)
+        message.insert(message.end(), door.begin(), door.begin() + static_cast<std::ptrdiff_t>(countAt) + 4);
+    const Reading reading = readMessage(types::Locker, message);
+    EXPECT_TRUE(reading.nestsTooDeeply);
+    EXPECT_EQ(reading.failure->reason, "elements are nested deeper than 512 levels");
+}
+
+TEST(Sample, is_as_promised)
+{
+    Sampler sampler;
+    for (const std::size_t budget : {0u, 300u, 1024u, 60000u}) {
+        for (std::uint64_t seed = 0; seed < 50; ++seed) {
+            const Recipe recipe{Extent::random, seed, budget};
+            const Bytes message = sampler.sample(types::Visit, recipe);
+            EXPECT_EQ(message, Sampler().sample(types::Visit, recipe));
+            EXPECT_LE(message.size(), std::max(budget, sampler.leastSize(types::Visit)));
+            EXPECT_EQ(readMessage(types::Visit, message).length, message.size());
+        }
+    }
+    EXPECT_EQ(sampler.sample(types::Visit, {Extent::least, 0, 9999}).size(), sampler.leastSize(types::Visit));
+    EXPECT_EQ(sampler.sample(types::LockerIdSeq, {Extent::fullest, 0, 1024}).size(), 28u);
+
+    std::set<unsigned char> attributes;
+    for (std::uint64_t seed = 0; seed < types::StationUnion.arms.size(); ++seed)
+        attributes.insert(sampler.sample(types::StationUnion, {Extent::random, seed, 1024})[3]);
+    EXPECT_EQ(attributes.size(), types::StationUnion.arms.size());
+}
+
+}  // namespace
