@@ -251,12 +251,20 @@ std::string routines(const Module& module)
            "\n}  // extern \"C\"\n";
 }
 
+// A definition that goes on in a second line where one is too short.
+std::string oneOrTwoLines(const std::string& first, const std::string& between, const std::string& second)
+{
+    const std::string line = first + between + second + "\n";
+    return line.size() <= lineWidth + 1 ? line : first + "\n    " + second + "\n";
+}
+
 std::string coders(const Module& module)
 {
     std::string out;
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
-        out += "inline constexpr quorva::Coder<::" + name + "> " + name + " = {Xdr" + name + ", \"" + name + "\"};\n";
+        out += oneOrTwoLines("inline constexpr quorva::Coder<::" + name + "> " + name + " = {", "",
+                             "Xdr" + name + ", " + literal(name) + "};");
     }
     return out.empty() ? "" : "namespace quorva::coder {\n" + out + "}  // namespace quorva::coder\n";
 }
@@ -264,9 +272,12 @@ std::string coders(const Module& module)
 std::string coderChoices(const Module& module)
 {
     std::string out;
-    for (const Definition* definition : typesOf(module))
-        if (const std::string& name = definition->name; isOwnType(*definition))
-            out += "template <>\ninline constexpr Coder<::" + name + "> coderOf<::" + name + "> = coder::" + name + ";\n";
+    for (const Definition* definition : typesOf(module)) {
+        const std::string& name = definition->name;
+        if (!isOwnType(*definition)) continue;
+        out += "template <>\n" + oneOrTwoLines("inline constexpr Coder<::" + name + "> coderOf<::" + name + "> =", " ",
+                                               "coder::" + name + ";");
+    }
     return out.empty() ? "" : "namespace quorva {\n" + out + "}  // namespace quorva\n";
 }
 

@@ -10,8 +10,8 @@ namespace quorva::compiler {
 
 namespace {
 
-// How names are written inside a routine. The words of <quorvapixdr/walk.h> and the interface's names stand plainly there
-// unless they are spelled alike.
+// How names are written inside a routine. The words of <quorvapixdr/walk.h> and the interface's names stand plainly
+// there unless they are spelled alike.
 class Spelling {
 public:
     explicit Spelling(const Module& module) : visible_(module) {}
@@ -78,8 +78,9 @@ bool takesCoder(Form form)
 }
 
 // A call that codes the object's part `place`, in an element of its own unless `tag` is empty.
-std::string coding(std::size_t indent, const std::string& before, const Declaration& declaration, const std::string& tag,
-                   const std::string& place, const std::string& after, const Spelling& spelling)
+std::string coding(std::size_t indent, const std::string& before, const Declaration& declaration,
+                   const std::string& tag, const std::string& place, const std::string& after,
+                   const Spelling& spelling)
 {
     std::vector<std::string> arguments = {"xdrs"};
     if (!tag.empty()) arguments.push_back(literal(tag));
@@ -174,8 +175,8 @@ std::string arm(const Arm& arm, const Labels& labels, const Spelling& spelling)
 std::string otherValues(const Definition& definition, const Spelling& spelling)
 {
     if (!definition.defaultArm) return "    default:\n        return 0;\n";
-    return "    default:\n        " + spelling.word("open") + "(xdrs, \"default\");\n        " + spelling.word("close") +
-           "(xdrs, \"default\");\n        break;\n";
+    return "    default:\n        " + spelling.word("open") + "(xdrs, \"default\");\n        " +
+           spelling.word("close") + "(xdrs, \"default\");\n        break;\n";
 }
 
 std::string unionRoutine(const Definition& definition, const Spelling& spelling)
