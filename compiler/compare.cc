@@ -148,8 +148,9 @@ void Comparison::change(Weight weight, const Span& before, const Span& after, co
     std::string holders;
     if (weight != Weight::addition) {
         if (!holders_) holders_ = before_.holdersOf(*was_);
+        const bool isMore = *holders_ == Library::mostHolders;
         if (*holders_ == 1) holders = " (1 type holds it)";
-        if (*holders_ > 1) holders = " (" + std::to_string(*holders_) + " types hold it)";
+        if (*holders_ > 1) holders = (isMore ? " (at least " : " (") + std::to_string(*holders_) + " types hold it)";
     }
     add(was_->provisional ? Weight::provisional : weight, before, after, called(*was_) + ": " + what + holders);
 }
@@ -486,12 +487,16 @@ std::map<std::int64_t, std::int64_t> renumbered(const Definition* before, const 
 // then is another arm, or none.
 void Comparison::arms(const Definition& before, const Definition& after)
 {
-    std::map<std::int64_t, Label> left;                             // of the new arms
-    std::unordered_multimap<std::string_view, std::int64_t> named;  // their numbers by their names
+    std::map<std::int64_t, Label> left;  // of the new arms
+    struct Numbers {
+        std::vector<std::int64_t> all;
+        std::size_t next = 0;  // those before it are not left
+    };
+    std::unordered_map<std::string_view, Numbers> named;
     for (const Arm& each : after.arms) {
         for (const Value& value : each.cases) {
             left.emplace(value.number, Label{&value, &each.declaration});
-            named.emplace(each.declaration.name, value.number);
+            named[each.declaration.name].all.push_back(value.number);
         }
     }
     const auto numbers = renumbered(discriminantOf(before).enumeration, discriminantOf(after).enumeration);
@@ -500,9 +505,9 @@ void Comparison::arms(const Definition& before, const Definition& after)
         return left.find(followed == numbers.end() ? was.value->number : followed->second);
     };
     const auto withName = [&](const Label& was) {
-        const auto [first, last] = named.equal_range(was.declaration->name);
-        const auto free = std::find_if(first, last, [&](const auto& entry) { return left.contains(entry.second); });
-        return free == last ? left.end() : left.find(free->second);
+        Numbers& known = named[was.declaration->name];
+        while (known.next < known.all.size() && !left.contains(known.all[known.next])) ++known.next;
+        return known.next < known.all.size() ? left.find(known.all[known.next]) : left.end();
     };
 
     std::vector<Label> otherName;

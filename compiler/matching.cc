@@ -137,7 +137,7 @@ std::size_t Library::holdersOf(const Definition& type) const
 {
     std::unordered_set<const Definition*> seen = {&type};
     std::vector<const Definition*> waiting = {&type};
-    while (!waiting.empty()) {
+    while (!waiting.empty() && seen.size() <= mostHolders) {
         const auto users = users_.find(waiting.back());
         waiting.pop_back();
         if (users == users_.end()) continue;
@@ -145,7 +145,7 @@ std::size_t Library::holdersOf(const Definition& type) const
             if (seen.insert(user).second) waiting.push_back(user);
         }
     }
-    return seen.size() - 1;
+    return std::min(seen.size() - 1, mostHolders);
 }
 
 Pairs::Pairs(const Library& before, const Library& after)

@@ -35,7 +35,8 @@ public:
     // Whether who includes the header of one module gets the definitions of the other.
     bool reaches(const std::string& from, const std::string& to) const;
 
-    // The number of types that hold the type, directly or within others.
+    // The number of types that hold the type, directly or within others, up to mostHolders.
+    static constexpr std::size_t mostHolders = 1000;
     std::size_t holdersOf(const Definition& type) const;
 
 private:

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 
 namespace quorva::inspect {
 
@@ -203,6 +204,31 @@ Json descriptionJson(const Type& type, const Catalogue& catalogue)
     }
     json["usedBy"] = catalogue.usersOf(type);
     return json;
+}
+
+std::string summaryText()
+{
+    std::map<std::string_view, std::size_t> ofKind;
+    std::size_t types = 0, nameFunctions = 0, provisional = 0;
+    for (const schema::Module* module : schema::modules())
+        for (const schema::Type* type : module->types) {
+            ++types;
+            ++ofKind[kindName(*type)];
+            nameFunctions += type->nameOf != nullptr;
+            provisional += type->provisional != nullptr;
+        }
+
+    std::string kinds;
+    for (const char* kind : kindNames)
+        if (const auto found = ofKind.find(kind); found != ofKind.end())
+            kinds += (kinds.empty() ? "" : ", ") + std::to_string(found->second) + ' ' + kind;
+    return "modules         " + std::to_string(schema::modules().size()) + "\n" +  //
+           "types           " + std::to_string(types) + ": " + kinds + "\n" +     //
+           "routines        " + std::to_string(types) + " of these types, " +
+           std::to_string(schema::builtins().size()) + " of built-in types\n" +  //
+           "name functions  " + std::to_string(nameFunctions) + "\n" +           //
+           "layouts         " + std::to_string(types - provisional) + " settled, " + std::to_string(provisional) +
+           " provisional\n";
 }
 
 }  // namespace quorva::inspect

@@ -18,4 +18,7 @@ Json typesJson(std::span<const schema::Type* const> types);
 std::string descriptionText(const schema::Type& type, const Catalogue& catalogue);
 Json descriptionJson(const schema::Type& type, const Catalogue& catalogue);
 
+// How much the library holds: modules, types by kind, routines and name functions, settled and provisional layouts.
+std::string summaryText();
+
 }  // namespace quorva::inspect

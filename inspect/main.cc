@@ -49,6 +49,7 @@ struct Options {
     std::string from = "hex", to;
     std::size_t limit = driverMessage;
     bool provisional = false;
+    bool summary = false;
     bool json = false;
 };
 
@@ -146,11 +147,16 @@ void declareTypes(CLI::App& verb, Options& options)
         ->check(CLI::IsMember(std::vector<std::string>(std::begin(kindNames), std::end(kindNames))));
     verb.add_option("--module", options.module, "only of modules whose name fits this pattern, such as jobs/*");
     verb.add_flag("--provisional", options.provisional, "only types whose layout is not published");
-    verb.add_flag("--json", options.json, "print JSON");
+    auto* const json = verb.add_flag("--json", options.json, "print JSON");
+    verb.add_flag("--summary", options.summary, "print only how many there are")->excludes(json);
 }
 
 int runTypes(const Options& options)
 {
+    if (options.summary) {
+        print(summaryText());
+        return fine;
+    }
     const Catalogue catalogue;
     std::vector<const schema::Type*> chosen;
     for (const schema::Type* type : catalogue.types())
