@@ -2,6 +2,7 @@
 #include "emit.h"
 #include "emit_model.h"
 #include "emit_text.h"
+#include "resolve.h"
 
 #include <cstdint>
 #include <limits>
@@ -251,12 +252,33 @@ std::string routines(const Module& module)
            "\n}  // extern \"C\"\n";
 }
 
+std::string shapeOf(const Definition& definition, Shapes& shapes)
+{
+    const TypeRef* behind = nullptr;  // of an alias
+    if (definition.kind == Kind::definedAs && definition.target.form == Form::single)
+        behind = &behindAliases(definition.target.type);
+    if (behind && behind->definition) return shapeOf(*behind->definition, shapes);
+    if (behind) return "decltype(" + behind->name + ")::Shape";
+
+    const Shape shape = shapes.of(definition);
+    switch (shape.kind) {
+    case Shape::Kind::number: return "shape::Number<std::int32_t>";
+    case Shape::Kind::text: return "shape::Text<" + std::to_string(definition.target.bound) + ">";
+    case Shape::Kind::fixed: return "shape::Fixed<" + std::to_string(shape.units) + ">";
+    case Shape::Kind::body: return std::string("shape::Body<") + (shape.owns ? "true" : "false") + ">";
+    case Shape::Kind::routine: return "shape::Routine";
+    }
+    return "";
+}
+
 std::string coders(const Module& module)
 {
+    Shapes shapes;
     std::string out;
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
-        out += "inline constexpr quorva::Coder<::" + name + "> " + name + " = {Xdr" + name + ", \"" + name + "\"};\n";
+        out += argumentList(0, "inline constexpr Shaped<", {"::" + name, shapeOf(*definition, shapes)},
+                            "> " + name + " = {{Xdr" + name + ", \"" + name + "\"}};") + "\n";
     }
     return out.empty() ? "" : "namespace quorva::coder {\n" + out + "}  // namespace quorva::coder\n";
 }
