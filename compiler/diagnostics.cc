@@ -117,10 +117,10 @@ void Diagnostics::print(std::ostream& out) const
                std::tie(b->at.source->path, b->at.line, b->at.column);
     });
     for (const Fault* fault : ordered) {
-        printOne(out, fault->at, "error", fault->sentence);
+        printOne(out, fault->at, word_, fault->sentence);
         if (fault->note) printOne(out, fault->note->at, "note", fault->note->sentence);
     }
-    if (full()) out << "quorvaxdrc: too many faults; only " << limit << " are shown\n";
+    if (full()) out << "quorvaxdrc: too many " << word_ << "s; only " << limit_ << " are shown\n";
 }
 
 std::string inQuotes(std::string_view name)

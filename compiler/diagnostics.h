@@ -1,4 +1,4 @@
-// Collects the faults of a run and prints them with their places.
+// Collects the faults of a run, or its warnings, and prints them with their places.
 #pragma once
 
 #include "model.h"
@@ -24,12 +24,17 @@ public:
     // A file with this many faults is no interface file that somebody is going to mend from the list.
     static constexpr std::size_t limit = 100;
 
+    Diagnostics() = default;
+
+    // A collection of what `word` calls it ("warning") instead of errors, with a limit of its own.
+    Diagnostics(std::string_view word, std::size_t limit) : word_(word), limit_(limit) {}
+
     void error(const Span& at, std::string sentence, std::optional<Note> note = std::nullopt);
 
     std::size_t count() const { return faults_.size(); }
 
     // Whether the limit is reached: further faults are dropped, so whoever looks for them may stop.
-    bool full() const { return faults_.size() >= limit; }
+    bool full() const { return faults_.size() >= limit_; }
 
     // Ordered by file and place, whatever the order in which they were found.
     void print(std::ostream& out) const;
@@ -41,6 +46,8 @@ private:
         std::optional<Note> note;
     };
 
+    std::string word_ = "error";
+    std::size_t limit_ = limit;
     std::vector<Fault> faults_;
 };
 

@@ -1,8 +1,8 @@
 // The back ends of the compiler: each prints one kind of text from a tree in which every name is resolved.
 //
-// They expect a tree without faults and make no decisions of their own. What they print depends on that tree alone, ends
-// with a newline and is meant to be read: formatted, documented in the words of the interface file, and free of warnings
-// in C++20.
+// They expect a tree without faults and make no decisions of their own. What they print depends on that tree alone,
+// ends with a newline and is meant to be read: formatted, documented in the words of the interface file, and free of
+// warnings in C++20.
 #pragma once
 
 #include "model.h"
@@ -12,7 +12,8 @@
 
 namespace quorva::compiler {
 
-// The public header of a module, installed as <quorvapixdr/MODULE.h>: constants, types, name functions, routines, coders.
+// The public header of a module, installed as <quorvapixdr/MODULE.h>: constants, types, name functions, routines and
+// coders.
 std::string emitHeader(const Module& module);
 
 // The routines and name functions that the header declares.
@@ -28,7 +29,7 @@ std::string emitSchema(const Module& module);
 std::string emitModuleList(const std::vector<const Module*>& modules);
 
 struct PlainOptions {
-    std::string prefix;  // put before the name of every type, enumerator and constant, for languages with one name space
+    std::string prefix;  // put before the name of every type, enumerator and constant: C has one name space for all
 };
 
 // All modules of a program as one file of RFC 4506 for other XDR tools, every name defined before it is used.

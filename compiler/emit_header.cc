@@ -262,13 +262,20 @@ std::string shapeOf(const Definition& definition, Shapes& shapes)
 
     const Shape shape = shapes.of(definition);
     switch (shape.kind) {
-    case Shape::Kind::number: return "shape::Number<std::int32_t>";
-    case Shape::Kind::text: return "shape::Text<" + std::to_string(definition.target.bound) + ">";
-    case Shape::Kind::fixed: return "shape::Fixed<" + std::to_string(shape.units) + ">";
-    case Shape::Kind::body: return std::string("shape::Body<") + (shape.owns ? "true" : "false") + ">";
-    case Shape::Kind::routine: return "shape::Routine";
+    case Shape::Kind::number: return "quorva::shape::Number<std::int32_t>";
+    case Shape::Kind::text: return "quorva::shape::Text<" + std::to_string(definition.target.bound) + ">";
+    case Shape::Kind::fixed: return "quorva::shape::Fixed<" + std::to_string(shape.units) + ">";
+    case Shape::Kind::body: return std::string("quorva::shape::Body<") + (shape.owns ? "true" : "false") + ">";
+    case Shape::Kind::routine: return "quorva::shape::Routine";
     }
     return "";
+}
+
+// A definition that goes on in a second line where one is too short.
+std::string oneOrTwoLines(const std::string& first, const std::string& between, const std::string& second)
+{
+    const std::string line = first + between + second + "\n";
+    return line.size() <= lineWidth + 1 ? line : first + "\n    " + second + "\n";
 }
 
 std::string coders(const Module& module)
@@ -277,8 +284,8 @@ std::string coders(const Module& module)
     std::string out;
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
-        out += argumentList(0, "inline constexpr Shaped<", {"::" + name, shapeOf(*definition, shapes)},
-                            "> " + name + " = {{Xdr" + name + ", \"" + name + "\"}};") + "\n";
+        out += oneOrTwoLines("inline constexpr quorva::Shaped<::" + name + ", " + shapeOf(*definition, shapes) + ">", " ",
+                             name + " = {{Xdr" + name + ", " + literal(name) + "}};");
     }
     return out.empty() ? "" : "namespace quorva::coder {\n" + out + "}  // namespace quorva::coder\n";
 }
@@ -286,9 +293,12 @@ std::string coders(const Module& module)
 std::string coderChoices(const Module& module)
 {
     std::string out;
-    for (const Definition* definition : typesOf(module))
-        if (const std::string& name = definition->name; isOwnType(*definition))
-            out += "template <>\ninline constexpr Coder<::" + name + "> coderOf<::" + name + "> = coder::" + name + ";\n";
+    for (const Definition* definition : typesOf(module)) {
+        const std::string& name = definition->name;
+        if (!isOwnType(*definition)) continue;
+        out += "template <>\n" + oneOrTwoLines("inline constexpr Coder<::" + name + "> coderOf<::" + name + "> =", " ",
+                                               "coder::" + name + ";");
+    }
     return out.empty() ? "" : "namespace quorva {\n" + out + "}  // namespace quorva\n";
 }
 

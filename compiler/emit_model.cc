@@ -21,8 +21,8 @@ bool isByValue(Form form)
     return form == Form::single || form == Form::vector;
 }
 
-// Finds groups of definitions that refer to each other, and the order among the groups (Tarjan's algorithm, with a stack
-// of its own instead of recursion).
+// Finds groups of definitions that refer to each other, and the order among the groups (Tarjan's algorithm, with a
+// stack of its own instead of recursion).
 class Order {
 public:
     explicit Order(const std::vector<const Definition*>& definitions);

@@ -13,7 +13,7 @@
 
 namespace quorva::compiler {
 
-// A typedef of a list or of counted bytes: a structure of its own, while every other typedef is another name for a type.
+// A typedef of a list or of counted bytes: a structure of its own, while every other typedef is another name of a type.
 bool isCounted(const Definition& definition);
 
 // Whether the definition is a C++ type of its own: everything but constants and other names for a type.
@@ -47,9 +47,9 @@ std::vector<ArmMember> armMembersOf(const Definition& discriminated);
 // The arms that carry nothing, without the default arm, in the same shape: those without documentation are one.
 std::vector<ArmMember> voidArmsOf(const Definition& discriminated);
 
-// The definitions in an order in which each stands behind those that it uses, as near to the given order as that allows.
-// In a circle of types that refer to each other, a type stands behind those that it holds by value and behind the
-// typedefs that it names; what else it names has to be declared ahead of it.
+// The definitions in an order in which each stands behind those that it uses, as near to the given order as that
+// allows. In a circle of types that refer to each other, a type stands behind those that it holds by value and behind
+// the typedefs that it names; what else it names has to be declared ahead of it.
 std::vector<const Definition*> declarationOrder(const std::vector<const Definition*>& definitions);
 
 // How a type looks on the wire and to a release pass, as <quorvapixdr/primitives.h> calls it.

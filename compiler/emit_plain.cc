@@ -134,7 +134,8 @@ std::string Printer::record(const Definition& definition) const
 {
     std::string out = "struct " + global(definition.name) + " {\n";
     for (const Declaration& field : definition.fields)
-        out += blockComment(field.doc, indentWidth) + "    " + declaration(field, spelled(field.name), definition) + "\n";
+        out += blockComment(field.doc, indentWidth) + "    " +
+               declaration(field, spelled(field.name), definition) + "\n";
     return out + "};\n";
 }
 

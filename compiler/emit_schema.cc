@@ -11,7 +11,8 @@ namespace quorva::compiler {
 namespace {
 
 // Everything stands in the namespace of the table's own types, and the interface's types are written with :: there. The
-// entries are in a namespace below it, where nothing else is named, so that an interface may define a "Type" or "Member".
+// entries are in a namespace below it, where nothing else is named, so that an interface may define a "Type" or a
+// "Member".
 
 std::string fileOf(const Module& module)
 {
@@ -218,8 +219,8 @@ std::string entryDeclarations(const Module& module)
             if (const Definition* used = declaration->type.definition; used && seen.insert(used).second)
                 foreign.push_back(used->name);
     if (own.empty()) return "";
-    return "namespace types {\n" + declared(own) + (foreign.empty() ? "" : "\n// Of other modules.\n" + declared(foreign)) +
-           "}  // namespace types\n";
+    return "namespace types {\n" + declared(own) +
+           (foreign.empty() ? "" : "\n// Of other modules.\n" + declared(foreign)) + "}  // namespace types\n";
 }
 
 std::string caseArrays(const Module& module)

@@ -71,7 +71,8 @@ std::string escaped(std::string_view text)
         else if (c == '\n')
             out += "\\n";
         else if (code < 0x20 || code == 0x7F)
-            for (out += '\\'; const unsigned shift : {6u, 3u, 0u}) out += static_cast<char>('0' + ((code >> shift) & 7u));
+            for (out += '\\'; const unsigned shift : {6u, 3u, 0u})
+                out += static_cast<char>('0' + ((code >> shift) & 7u));
         else
             out += c;
     }
@@ -102,25 +103,26 @@ Placed placed(const BodyLine& line, std::size_t indent)
     return {joinedWith(line.notes, line.doc, "\n"), line.code, ""};
 }
 
-// Prints neighbouring lines that have a comment behind them, the comments in one column where all fit.
-std::string alignedRun(const std::vector<Placed>& lines, std::size_t first, std::size_t last, std::size_t indent)
+// The longest run of neighbouring lines from `first` on whose comments can stand behind them in one column.
+struct Run {
+    std::size_t last = 0;  // behind the run
+    std::size_t column = 0;
+};
+
+Run alignedRun(const std::vector<Placed>& lines, std::size_t first, std::size_t indent)
 {
+    Run run{first, 0};
     std::size_t widestCode = 0;
     std::size_t widestComment = 0;
-    for (std::size_t at = first; at < last; ++at) {
-        widestCode = std::max(widestCode, columns(lines[at].code));
-        widestComment = std::max(widestComment, columns(lines[at].behind));
+    for (; run.last < lines.size(); ++run.last) {
+        const auto& [above, code, behind] = lines[run.last];
+        if (behind.empty() || (run.last > first && !above.empty())) break;
+        widestCode = std::max(widestCode, columns(code));
+        widestComment = std::max(widestComment, columns(behind));
+        if (indent + widestCode + columns("  // ") + widestComment > lineWidth) break;
+        run.column = widestCode;
     }
-    const bool aligned = indent + widestCode + columns("  // ") + widestComment <= lineWidth;
-
-    std::string out;
-    for (std::size_t at = first; at < last; ++at) {
-        const auto& [above, code, behind] = lines[at];
-        out += lineComment(above, indent) + blanks(indent) + code;
-        if (aligned) out += blanks(widestCode - columns(code));
-        out += "  // " + safeAtLineEnd(behind) + "\n";
-    }
-    return out;
+    return run;
 }
 
 }  // namespace
@@ -153,7 +155,8 @@ std::string lineComment(std::string_view text, std::size_t indent)
 std::string blockComment(std::string_view text, std::size_t indent)
 {
     if (text.empty()) return "";
-    const std::vector<std::string> lines = wrapped(safeInBlock(std::string(text)), lineWidth - indent - columns("/*  */"));
+    const std::size_t width = lineWidth - indent - columns("/*  */");
+    const std::vector<std::string> lines = wrapped(safeInBlock(std::string(text)), width);
     if (lines.size() == 1) return blanks(indent) + "/* " + lines.front() + " */\n";
 
     std::string out = blanks(indent) + "/*\n";
@@ -215,16 +218,14 @@ std::string body(const std::vector<BodyLine>& lines, std::size_t indent)
     for (const BodyLine& line : lines) all.push_back(placed(line, indent));
 
     std::string out;
-    for (std::size_t at = 0; at < all.size();) {
-        std::size_t last = at;
-        while (last < all.size() && !all[last].behind.empty() && (last == at || all[last].above.empty())) ++last;
-        if (last == at) {
-            out += lineComment(all[at].above, indent) + blanks(indent) + all[at].code + "\n";
-            ++at;
-        } else {
-            out += alignedRun(all, at, last, indent);
-            at = last;
-        }
+    Run run;
+    for (std::size_t at = 0; at < all.size(); ++at) {
+        const auto& [above, code, behind] = all[at];
+        if (at == run.last) run = alignedRun(all, at, indent);
+        out += lineComment(above, indent) + blanks(indent) + code;
+        if (at < run.last) out += blanks(run.column - columns(code)) + "  // " + safeAtLineEnd(behind);
+        if (at == run.last) ++run.last;  // a line on its own
+        out += '\n';
     }
     return out;
 }

@@ -10,8 +10,8 @@ namespace quorva::compiler {
 
 namespace {
 
-// How names are written inside a routine. The words of <quorvapixdr/walk.h> and the interface's names stand plainly there
-// unless they are spelled alike.
+// How names are written inside a routine. The words of <quorvapixdr/walk.h> and the interface's names stand plainly
+// there unless they are spelled alike.
 class Spelling {
 public:
     explicit Spelling(const Module& module) : visible_(module) {}

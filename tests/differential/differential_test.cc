@@ -9,15 +9,12 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <algorithm>
 #include <random>
-#include <set>
 
 using namespace quorva;
 using namespace quorva::test;
 using inspect::Extent;
-using schema::Builtin;
-using schema::Form;
 using schema::Type;
 
 namespace {
@@ -84,23 +81,10 @@ protected:
     }
 };
 
-// Whether the type holds, anywhere inside, something that reads a truth value other than 0 and 1 as its own.
-bool branchesOnTruth(const Type& type, std::set<const Type*>& seen)
+// Whether the implementation writes just what it read: nothing in the message was beyond its ranges then.
+bool settled(const Outcome& outcome, const Bytes& message)
 {
-    if (!seen.insert(&type).second) return false;
-    const auto inUse = [&](const schema::Use& use) {
-        return use.form == Form::optional || (use.type && branchesOnTruth(*use.type, seen));
-    };
-    const auto isTruth = [](const Type* t) {
-        while (t && t->kind == schema::Kind::definedAs && t->target.form == Form::single) t = t->target.type;
-        return t && t->builtin == Builtin::Boolean;
-    };
-    if (type.kind == schema::Kind::discriminated && isTruth(type.fields[0].use.type)) return true;
-    for (const auto& field : type.fields)
-        if (inUse(field.use)) return true;
-    for (const auto& arm : type.arms)
-        if (inUse(arm.member.use)) return true;
-    return type.kind == schema::Kind::definedAs && inUse(type.target);
+    return outcome.accepted && outcome.written == hexOf(std::span(message).first(outcome.consumed));
 }
 
 }  // namespace
@@ -120,28 +104,29 @@ TEST_P(Differential, writesTheSameBytes)
     }
 }
 
+// A message that ends early is refused by both. One with a changed unit, and something behind it, is accepted by both as
+// soon as one of them finds nothing beyond its ranges in it; where neither does, the listed differences are at work.
 TEST_P(Differential, refusesTheSameMessages)
 {
-    std::set<const Type*> seen;
-    const std::uint32_t limit = branchesOnTruth(type, seen) ? 1 : 0xFFFF;  // see the differences below
     std::mt19937 random(type.line);
     for (const Bytes& wire : samples(2)) {
         for (std::size_t size = 0; size < wire.size(); ++size) {
             const Bytes cut(wire.begin(), wire.begin() + static_cast<std::ptrdiff_t>(size));
-            ASSERT_EQ(ours(GetParam(), cut), theirs(GetParam(), cut)) << hexOf(cut);
+            ASSERT_FALSE(ours(GetParam(), cut).accepted || theirs(GetParam(), cut).accepted) << hexOf(cut);
         }
-        for (int i = 0; i < 20; ++i) {
-            Bytes damaged = wire;
-            const std::uint32_t values[] = {0, 1, limit};
-            const std::uint32_t value = values[random() % 3];
-            const std::size_t at = random() % (wire.size() / 4) * 4;
-            for (std::size_t byte = 0; byte < 4; ++byte) damaged[at + byte] = static_cast<unsigned char>(value >> (24 - 8 * byte));
-            const Outcome mine = ours(GetParam(), damaged);
-            const Outcome other = theirs(GetParam(), damaged);
-            ASSERT_EQ(mine.accepted, other.accepted) << hexOf(damaged);
-            ASSERT_EQ(mine.consumed, other.consumed) << hexOf(damaged);
-            if (value <= 1) {
-                ASSERT_EQ(mine.written, other.written) << hexOf(damaged);
+        for (int i = 0; i < 30; ++i) {
+            Bytes changed = wire;
+            unsigned char* const unit = changed.data() + random() % (wire.size() / 4) * 4;
+            const std::uint32_t old = std::uint32_t{unit[0]} << 24 | unit[1] << 16 | unit[2] << 8 | unit[3];
+            const std::uint32_t values[] = {old + 1, old - 1, 0, 1, 0xFFFF, 0x10000, 0xFFFFFFFF};
+            const std::uint32_t value = values[random() % std::size(values)];
+            for (int byte = 0; byte < 4; ++byte) unit[byte] = static_cast<unsigned char>(value >> (24 - 8 * byte));
+            changed.resize(changed.size() + 64);
+            const Outcome mine = ours(GetParam(), changed);
+            const Outcome other = theirs(GetParam(), changed);
+            if (settled(mine, changed) || settled(other, changed)) {
+                ASSERT_TRUE(mine.accepted && other.accepted) << mine.accepted << other.accepted << ' ' << hexOf(changed);
+                ASSERT_EQ(mine.consumed, other.consumed) << hexOf(changed);
             }
         }
     }

@@ -21,8 +21,8 @@ using schema::Type;
 
 namespace {
 
-constexpr std::size_t roomy = 400;    // bytes of a message for properties that look at a message once
-constexpr std::size_t handy = 160;    // and for those that run a pass for each of its bytes
+constexpr std::size_t roomy = 1000;   // bytes of a message for properties that look at a message once
+constexpr std::size_t handy = 240;    // and for those that run a pass for each of its bytes
 
 std::vector<const Type*> allTypes()
 {
@@ -127,7 +127,7 @@ TEST_P(EveryType, comesBack)
 TEST_P(EveryType, endsEarly)
 {
     const std::string unwritten = hexOf(Bytes(4, 0xA5));
-    for (const Bytes& wire : samples(handy, 2)) {
+    for (const Bytes& wire : samples(handy, 3)) {
         for (std::size_t size = 0; size < wire.size(); ++size) {
             SCOPED_TRACE(hexOf(std::span(wire).first(size)) + " of " + hexOf(wire));
             const Message message{std::span(wire).first(size)};
@@ -197,9 +197,9 @@ TEST_P(EveryType, isDamaged)
     const std::uint32_t values[] = {0, 1, 2, 0xFFFF, 0x10000, 0x10001, 0x7FFFFFFF, 0x80000000,
                                     0xFFFFFFFC, 0xFFFFFFFD, 0xFFFFFFFE, 0xFFFFFFFF};
     std::mt19937 random(static_cast<unsigned>(type.line));
-    for (Bytes wire : samples(handy, 2)) {
+    for (const Bytes& wire : samples(handy, 4)) {
         const std::size_t units = wire.size() / 4;
-        for (std::size_t i = 0; i < std::min<std::size_t>(3 * units, 24); ++i) {
+        for (std::size_t i = 0; i < std::min<std::size_t>(4 * units, 60); ++i) {
             Bytes damaged = wire;
             const std::uint32_t value = values[random() % std::size(values)];
             const std::size_t at = random() % units * 4;

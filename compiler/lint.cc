@@ -1,0 +1,383 @@
+// One function for each habit, over the resolved tree and, for the width of lines, over the text.
+#include "lint.h"
+
+#include "emit_model.h"
+#include "emit_text.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace quorva::compiler
+{
+
+namespace
+{
+
+constexpr std::int64_t mostElements = 65535;
+constexpr std::uint64_t largeArm = 128;  // bytes
+
+bool isCapital(char c)
+{
+    return c >= 'A' && c <= 'Z';
+}
+
+bool isSmall(char c)
+{
+    return c >= 'a' && c <= 'z';
+}
+
+// What a type takes in memory on a machine with 64-bit addresses, where it takes most.
+struct Layout {
+    std::uint64_t size = 0;
+    std::uint64_t alignment = 1;
+};
+
+class Layouts
+{
+public:
+    explicit Layouts(const Program& program);
+
+    Layout of(const Declaration& declaration) const;
+
+private:
+    static std::uint64_t padded(std::uint64_t size, std::uint64_t alignment);
+    static void append(Layout& record, const Layout& member);
+    Layout of(const TypeRef& type) const;
+    Layout of(const Definition& definition) const;
+
+    std::unordered_map<const Definition*, Layout> known_;
+};
+
+Layouts::Layouts(const Program& program)
+{
+    std::vector<const Definition*> types;
+    for (const auto& module : program.modules) {
+        for (const Definition* type : typesOf(*module)) types.push_back(type);
+    }
+    for (const Definition* type : declarationOrder(types)) known_.emplace(type, of(*type));
+}
+
+std::uint64_t Layouts::padded(std::uint64_t size, std::uint64_t alignment)
+{
+    return (size + alignment - 1) / alignment * alignment;
+}
+
+void Layouts::append(Layout& record, const Layout& member)
+{
+    constexpr std::uint64_t enough = std::uint64_t{1} << 40U;  // nested vectors could leave the range of numbers
+    record.alignment = std::max(record.alignment, member.alignment);
+    record.size = std::min(padded(record.size, member.alignment) + member.size, enough);
+}
+
+Layout Layouts::of(const TypeRef& type) const
+{
+    switch (type.builtin) {
+        case Builtin::Boolean:
+        case Builtin::ShortInteger:
+        case Builtin::ShortNatural: return {1, 1};
+        case Builtin::Integer:
+        case Builtin::Natural: return {2, 2};
+        case Builtin::LongInteger:
+        case Builtin::LongNatural:
+        case Builtin::UINT:
+        case Builtin::Float: return {4, 4};
+        case Builtin::none: break;
+    }
+    const auto known = known_.find(type.definition);
+    return known == known_.end() ? Layout{} : known->second;
+}
+
+Layout Layouts::of(const Declaration& declaration) const
+{
+    switch (declaration.form) {
+        case Form::single: return of(declaration.type);
+        case Form::vector: {
+            const Layout element = of(declaration.type);
+            return {element.size * declaration.bound, element.alignment};
+        }
+        case Form::list:
+        case Form::bytes: return {16, 8};
+        case Form::optional:
+        case Form::string: return {8, 8};
+        case Form::opaque: return {declaration.bound, 1};
+        case Form::nothing: break;
+    }
+    return {};
+}
+
+Layout Layouts::of(const Definition& definition) const
+{
+    Layout layout;
+    switch (definition.kind) {
+        case Kind::constant: return layout;
+        case Kind::enumeration: return {4, 4};
+        case Kind::definedAs: return of(definition.target);
+        case Kind::record:
+            for (const Declaration& field : definition.fields) append(layout, of(field));
+            break;
+        case Kind::discriminated: {
+            Layout arms;
+            for (const Arm& arm : definition.arms) {
+                const Layout held = of(arm.declaration);
+                arms = {std::max(arms.size, held.size), std::max(arms.alignment, held.alignment)};
+            }
+            append(layout, of(definition.discriminant));
+            append(layout, arms);
+            break;
+        }
+    }
+    layout.size = padded(layout.size, layout.alignment);
+    return layout;
+}
+
+class Linter
+{
+public:
+    Linter(const Program& program, Diagnostics& warnings) : layouts_(program), warnings_(warnings) {}
+
+    void module(const Module& module);
+
+private:
+    void warn(const Span& at, std::string sentence, std::optional<Note> note = std::nullopt);
+
+    void width(const Source& source);
+    void imports(const Module& module);
+    void documentation(const Definition& definition);
+    void typeName(const Definition& definition);
+    void memberName(const Declaration& member, std::string_view what);
+    void enumerators(const Definition& definition);
+    void sequence(const Definition& definition);
+    void maximum(const Declaration& declaration);
+    void orderOfArms(const Definition& definition);
+    void sizeOfArms(const Definition& definition);
+    void definition(const Definition& definition);
+
+    Layouts layouts_;
+    Diagnostics& warnings_;
+};
+
+void Linter::warn(const Span& at, std::string sentence, std::optional<Note> note)
+{
+    warnings_.error(at, std::move(sentence), std::move(note));
+}
+
+// Text
+
+void Linter::width(const Source& source)
+{
+    std::string_view rest = source.text;
+    for (unsigned number = 1; !rest.empty(); ++number) {
+        const auto end = rest.find('\n');
+        std::string_view line = rest.substr(0, end);
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        std::size_t columns = 0;
+        std::size_t limit = 0;  // bytes that fit
+        for (std::size_t at = 0; at < line.size(); ++at) {
+            if ((static_cast<unsigned char>(line[at]) & 0xC0U) == 0x80U) continue;
+            if (columns++ == lineWidth) limit = at;
+        }
+        if (columns > lineWidth) {
+            warn({&source, number, static_cast<unsigned>(limit + 1), 1},
+                 "this line has " + std::to_string(columns) + " columns; break it at " + std::to_string(lineWidth));
+        }
+        if (end == std::string_view::npos) return;
+        rest.remove_prefix(end + 1);
+    }
+}
+
+// Modules
+
+// Reports an import without which every name would still be found.
+void Linter::imports(const Module& module)
+{
+    std::unordered_set<const Definition*> used;
+    const auto useValue = [&](const Value& value) { used.insert(value.owner); };
+    for (const auto& definition : module.definitions) {
+        useValue(definition->constant);
+        for (const Enumerator& enumerator : definition->enumerators) useValue(enumerator.value);
+        for (const Arm& arm : definition->arms) std::for_each(arm.cases.begin(), arm.cases.end(), useValue);
+        for (const Declaration* declaration : declarationsOf(*definition)) {
+            used.insert(declaration->type.definition);
+            if (declaration->written) useValue(*declaration->written);
+        }
+    }
+
+    const auto defines = [&](const Module& home) {
+        return std::any_of(home.definitions.begin(), home.definitions.end(),
+                           [&](const auto& definition) { return used.contains(definition.get()); });
+    };
+    std::unordered_set<const Module*> found = {&module};
+    for (const Import& import : module.imports) found.insert(import.module);
+
+    for (const Import& import : module.imports) {
+        std::unordered_set<const Module*> reached = {import.module};
+        std::vector<const Module*> waiting = {import.module};
+        bool wanted = defines(*import.module);
+        while (!waiting.empty() && !wanted) {
+            const Module* next = waiting.back();
+            waiting.pop_back();
+            wanted = !found.contains(next) && defines(*next);
+            for (const Import& further : next->imports) {
+                if (reached.insert(further.module).second) waiting.push_back(further.module);
+            }
+        }
+        if (!wanted) warn(import.at, "nothing of module " + inQuotes(import.name) + " is used here; remove the import");
+    }
+}
+
+// Documentation
+
+void Linter::documentation(const Definition& definition)
+{
+    if (definition.doc.empty()) {
+        warn(definition.at, inQuotes(definition.name) + " is not documented; say above it what it stands for");
+    }
+    if (definition.provisional && definition.provisional->empty()) {
+        warn(definition.at,
+             inQuotes(definition.name) + " is provisional without a reason; say behind the mark what it follows");
+    }
+}
+
+// Names
+
+void Linter::typeName(const Definition& definition)
+{
+    const std::string& name = definition.name;
+    if (isCapital(name[0]) && name.find('_') == std::string::npos) return;
+    warn(definition.at, inQuotes(name) + " is not written as types are: in capitalised words, without '_'");
+}
+
+void Linter::memberName(const Declaration& member, std::string_view what)
+{
+    if (member.form == Form::nothing) return;
+    if (isSmall(member.name[0]) && member.name.find('_') == std::string::npos) return;
+    warn(member.at, std::string(what) + " " + inQuotes(member.name) +
+                        " is not written as members are: in capitalised words but for the first, without '_'");
+}
+
+void Linter::enumerators(const Definition& definition)
+{
+    constexpr std::size_t shortest = 2;
+    const auto& all = definition.enumerators;
+    if (all.size() < 2) return;
+    std::string_view prefix = all.front().name;
+    for (const Enumerator& each : all) {
+        const auto [end, ignored] = std::mismatch(prefix.begin(), prefix.end(), each.name.begin(), each.name.end());
+        prefix = prefix.substr(0, static_cast<std::size_t>(end - prefix.begin()));
+        if (prefix.size() >= shortest) continue;
+        warn(each.at,
+             "the enumerators of " + inQuotes(definition.name) +
+                 " have no prefix in common, and all enumerators share one scope; begin each with the initials of the "
+                 "enumeration",
+             Note{all.front().at, "the first is here"});
+        return;
+    }
+}
+
+void Linter::sequence(const Definition& definition)
+{
+    constexpr std::string_view suffix = "Seq";
+    const std::string_view name = definition.name;
+    if (definition.target.form != Form::list || !name.ends_with(suffix)) return;
+    const std::string_view wanted = name.substr(0, name.size() - suffix.size());
+    const std::string& element = definition.target.type.name;
+    if (element.starts_with(wanted)) return;
+    warn(definition.target.type.at, inQuotes(name) + " is a sequence of " + inQuotes(element) +
+                                        "; the name of its elements begins with " + inQuotes(wanted));
+}
+
+// Layout
+
+void Linter::maximum(const Declaration& declaration)
+{
+    const auto& written = declaration.written;
+    if (!written || written->isName || written->number != mostElements) return;
+    if (declaration.form == Form::vector || declaration.form == Form::opaque) return;
+    warn(written->at, "65535 is the maximum without a number, too; write '<>'");
+}
+
+void Linter::orderOfArms(const Definition& definition)
+{
+    const Value* before = nullptr;
+    for (const Arm& arm : definition.arms) {
+        for (const Value& value : arm.cases) {
+            if (before && value.number < before->number) {
+                warn(value.at,
+                     "case " + inQuotes(value.text) + " stands behind " + inQuotes(before->text) +
+                         "; bring the arms of union " + inQuotes(definition.name) + " into ascending order",
+                     Note{before->at, inQuotes(before->text) + " is here"});
+                return;
+            }
+            before = &value;
+        }
+    }
+}
+
+// One arm decides how large every value of a union is.
+void Linter::sizeOfArms(const Definition& definition)
+{
+    const Declaration* largest = nullptr;
+    std::uint64_t most = 0;
+    std::uint64_t next = 0;
+    for (const Arm& arm : definition.arms) {
+        const std::uint64_t size = layouts_.of(arm.declaration).size;
+        if (size > most) {
+            if (!largest || largest->name != arm.declaration.name) next = most;
+            most = size;
+            largest = &arm.declaration;
+        } else if (arm.declaration.name != largest->name) {
+            next = std::max(next, size);
+        }
+    }
+    const bool open =
+        definition.provisional || (largest && largest->type.definition && largest->type.definition->provisional);
+    if (!open || most <= largeArm || most < 2 * next) return;
+    warn(largest->at, "arm " + inQuotes(largest->name) + " takes " + std::to_string(most) +
+                          " bytes in memory, every other at most " + std::to_string(next) +
+                          ", and each value of union " + inQuotes(definition.name) +
+                          " is as large as the largest; hold it as an optional value ('*') or a list ('< >')");
+}
+
+void Linter::definition(const Definition& definition)
+{
+    documentation(definition);
+    for (const Declaration* declaration : declarationsOf(definition)) maximum(*declaration);
+    orderOfArms(definition);
+    sizeOfArms(definition);
+    if (!definition.provisional) return;
+
+    typeName(definition);
+    enumerators(definition);
+    sequence(definition);
+    for (const Declaration& field : definition.fields) memberName(field, "field");
+    if (definition.kind != Kind::discriminated) return;
+    memberName(definition.discriminant, "discriminant");
+    for (const Arm& arm : definition.arms) memberName(arm.declaration, "arm");
+}
+
+void Linter::module(const Module& module)
+{
+    if (module.doc.empty()) {
+        warn({&module.source, 1, 1, 1},
+             "the module is not documented; say at the head of the file, above an empty line, what it is about");
+    }
+    width(module.source);
+    imports(module);
+    for (const auto& each : module.definitions) definition(*each);
+}
+
+}  // namespace
+
+void lint(const Program& program, Diagnostics& warnings)
+{
+    Linter linter(program, warnings);
+    for (const auto& module : program.modules) {
+        if (module->requested && !warnings.full()) linter.module(*module);
+    }
+}
+
+}  // namespace quorva::compiler
