@@ -1,13 +1,15 @@
 // Prints definitions in the interface language, one member a line, so that differences show line by line.
 #include "flatten.h"
 
-#include <algorithm>
-#include <vector>
+#include <iterator>
+#include <string_view>
+#include <utility>
 
 namespace quorva::compiler {
 
 namespace {
 
+constexpr std::string_view head = "// Made by 'quorvaxdrc flatten'. Change the interface files, not this one.";
 constexpr std::string_view moduleMark = "// module ";
 
 std::string number(const Value& value)
@@ -67,6 +69,22 @@ std::string body(const Definition& definition)
     return "";
 }
 
+// The modules of a flattened file and the lines at which they begin.
+std::vector<std::pair<unsigned, std::string>> moduleLines(std::string_view text)
+{
+    std::vector<std::pair<unsigned, std::string>> lines;
+    for (unsigned number = 1; !text.empty(); ++number) {
+        const auto end = text.find('\n');
+        std::string_view line = text.substr(0, end);
+        if (line.starts_with(moduleMark)) {
+            line.remove_prefix(moduleMark.size());
+            lines.emplace_back(number, line.substr(0, line.find_last_not_of(" \t\r") + 1));
+        }
+        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    }
+    return lines;
+}
+
 std::string mark(const Definition& definition)
 {
     if (!definition.provisional) return "";
@@ -75,26 +93,38 @@ std::string mark(const Definition& definition)
 
 }  // namespace
 
-std::string flatten(const Program& program)
+bool isFlattened(const Source& source)
 {
-    std::vector<const Module*> modules;
-    for (const auto& module : program.modules) modules.push_back(module.get());
-    std::sort(modules.begin(), modules.end(),
-              [](const Module* a, const Module* b) { return a->source.module < b->source.module; });
-
-    std::string out = "// Made by 'quorvaxdrc flatten'. Change the interface files, not this one.\n";
-    for (const Module* module : modules) {
-        out.append("\n").append(moduleMark).append(module->source.module).append("\n");
-        for (const auto& definition : module->definitions) out += "\n" + mark(*definition) + body(*definition);
-    }
-    return out;
+    return source.text.starts_with(head);
 }
 
-std::optional<std::string_view> moduleOfLine(std::string_view line)
+Contents contentsOf(const Program& program)
 {
-    if (!line.starts_with(moduleMark)) return std::nullopt;
-    line.remove_prefix(moduleMark.size());
-    return line.substr(0, line.find_last_not_of(" \t\r") + 1);
+    Contents contents;
+    for (const auto& module : program.modules) {
+        const Source& source = module->source;
+        std::vector<std::pair<unsigned, std::string>> starts;
+        if (isFlattened(source)) starts = moduleLines(source.text);
+        if (starts.empty()) starts.emplace_back(0, source.module);
+
+        auto start = starts.begin();
+        for (const auto& each : starts) contents[each.second];
+        for (const auto& definition : module->definitions) {
+            while (std::next(start) != starts.end() && std::next(start)->first < definition->at.line) ++start;
+            contents[start->second].push_back(definition.get());
+        }
+    }
+    return contents;
+}
+
+std::string flatten(const Program& program)
+{
+    std::string out = std::string(head) + "\n";
+    for (const auto& [module, definitions] : contentsOf(program)) {
+        out.append("\n").append(moduleMark).append(module).append("\n");
+        for (const Definition* definition : definitions) out += "\n" + mark(*definition) + body(*definition);
+    }
+    return out;
 }
 
 }  // namespace quorva::compiler

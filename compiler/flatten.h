@@ -3,18 +3,23 @@
 
 #include "model.h"
 
-#include <optional>
+#include <map>
 #include <string>
-#include <string_view>
+#include <vector>
 
 namespace quorva::compiler {
 
-// Every module of the program, ordered by name, each behind a line "// module NAME" and in the order of its file.
-// Documentation is left out; of the comments only the provisional marks stay. The text is an interface file itself, and
-// flattening that file yields the same modules again.
-std::string flatten(const Program& program);
+// The definitions of a module, in the order of the file.
+using Contents = std::map<std::string, std::vector<const Definition*>>;
 
-// The name in a line that begins a module in a flattened file; nothing for any other line.
-std::optional<std::string_view> moduleOfLine(std::string_view line);
+// What the program's modules define, by the names of the modules: for a flattened file, of those that it was made of.
+Contents contentsOf(const Program& program);
+
+// Whether flatten() made the file.
+bool isFlattened(const Source& source);
+
+// Every module of the program, ordered by name, each behind a line with that name. Documentation is left out; of the
+// comments only the provisional marks stay. The text is an interface file itself, and flattening it changes nothing.
+std::string flatten(const Program& program);
 
 }  // namespace quorva::compiler

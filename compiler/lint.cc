@@ -11,11 +11,9 @@
 #include <unordered_map>
 #include <unordered_set>
 
-namespace quorva::compiler
-{
+namespace quorva::compiler {
 
-namespace
-{
+namespace {
 
 constexpr std::int64_t mostElements = 65535;
 constexpr std::uint64_t largeArm = 128;  // bytes
@@ -25,19 +23,13 @@ bool isCapital(char c)
     return c >= 'A' && c <= 'Z';
 }
 
-bool isSmall(char c)
-{
-    return c >= 'a' && c <= 'z';
-}
-
 // What a type takes in memory on a machine with 64-bit addresses, where it takes most.
 struct Layout {
     std::uint64_t size = 0;
     std::uint64_t alignment = 1;
 };
 
-class Layouts
-{
+class Layouts {
 public:
     explicit Layouts(const Program& program);
 
@@ -134,10 +126,9 @@ Layout Layouts::of(const Definition& definition) const
     return layout;
 }
 
-class Linter
-{
+class Linter {
 public:
-    Linter(const Program& program, Diagnostics& warnings) : layouts_(program), warnings_(warnings) {}
+    Linter(const Program& program, Diagnostics& warnings);
 
     void module(const Module& module);
 
@@ -157,8 +148,19 @@ private:
     void definition(const Definition& definition);
 
     Layouts layouts_;
+    std::unordered_set<const Definition*> settledNames_;
     Diagnostics& warnings_;
 };
+
+Linter::Linter(const Program& program, Diagnostics& warnings) : layouts_(program), warnings_(warnings)
+{
+    for (const auto& module : program.modules) {
+        for (const auto& definition : module->definitions) {
+            if (definition->provisional) continue;
+            for (const Declaration* used : declarationsOf(*definition)) settledNames_.insert(used->type.definition);
+        }
+    }
+}
 
 void Linter::warn(const Span& at, std::string sentence, std::optional<Note> note)
 {
@@ -244,38 +246,35 @@ void Linter::documentation(const Definition& definition)
 
 // Names
 
+// A name that a settled type refers to is as settled as that type.
 void Linter::typeName(const Definition& definition)
 {
     const std::string& name = definition.name;
-    if (isCapital(name[0]) && name.find('_') == std::string::npos) return;
+    if (settledNames_.contains(&definition) || (isCapital(name[0]) && name.find('_') == std::string::npos)) return;
     warn(definition.at, inQuotes(name) + " is not written as types are: in capitalised words, without '_'");
 }
 
+// A known member may begin with a capital, so that much is left to the authors.
 void Linter::memberName(const Declaration& member, std::string_view what)
 {
-    if (member.form == Form::nothing) return;
-    if (isSmall(member.name[0]) && member.name.find('_') == std::string::npos) return;
+    if (member.name.find('_') == std::string::npos) return;
     warn(member.at, std::string(what) + " " + inQuotes(member.name) +
                         " is not written as members are: in capitalised words but for the first, without '_'");
 }
 
+// A provisional enumeration may hold a few enumerators that are known, and named by habits of their own.
 void Linter::enumerators(const Definition& definition)
 {
-    constexpr std::size_t shortest = 2;
-    const auto& all = definition.enumerators;
-    if (all.size() < 2) return;
-    std::string_view prefix = all.front().name;
-    for (const Enumerator& each : all) {
-        const auto [end, ignored] = std::mismatch(prefix.begin(), prefix.end(), each.name.begin(), each.name.end());
-        prefix = prefix.substr(0, static_cast<std::size_t>(end - prefix.begin()));
-        if (prefix.size() >= shortest) continue;
-        warn(each.at,
-             "the enumerators of " + inQuotes(definition.name) +
-                 " have no prefix in common, and all enumerators share one scope; begin each with the initials of the "
-                 "enumeration",
-             Note{all.front().at, "the first is here"});
-        return;
+    constexpr std::size_t prefix = 2;
+    std::unordered_map<std::string_view, std::size_t> groups;
+    std::size_t largest = 0;
+    for (const Enumerator& each : definition.enumerators) {
+        largest = std::max(largest, ++groups[std::string_view(each.name).substr(0, prefix)]);
     }
+    if (definition.kind != Kind::enumeration || 2 * largest > definition.enumerators.size()) return;
+    warn(definition.at, "the enumerators of " + inQuotes(definition.name) +
+                            " have no prefix in common, and all enumerators share one scope; begin each with the "
+                            "initials of the enumeration");
 }
 
 void Linter::sequence(const Definition& definition)
@@ -324,18 +323,20 @@ void Linter::sizeOfArms(const Definition& definition)
     std::uint64_t most = 0;
     std::uint64_t next = 0;
     for (const Arm& arm : definition.arms) {
-        const std::uint64_t size = layouts_.of(arm.declaration).size;
+        const Declaration& held = arm.declaration;
+        const std::uint64_t size = layouts_.of(held).size;
+        if (largest && largest->name == held.name) continue;  // the same member under another number
         if (size > most) {
-            if (!largest || largest->name != arm.declaration.name) next = most;
+            next = most;
             most = size;
-            largest = &arm.declaration;
-        } else if (arm.declaration.name != largest->name) {
+            largest = &held;
+        } else {
             next = std::max(next, size);
         }
     }
-    const bool open =
-        definition.provisional || (largest && largest->type.definition && largest->type.definition->provisional);
-    if (!open || most <= largeArm || most < 2 * next) return;
+    if (!largest || most <= largeArm || most < 2 * next) return;
+    const Definition* type = largest->type.definition;
+    if (!definition.provisional && !(type && type->provisional)) return;
     warn(largest->at, "arm " + inQuotes(largest->name) + " takes " + std::to_string(most) +
                           " bytes in memory, every other at most " + std::to_string(next) +
                           ", and each value of union " + inQuotes(definition.name) +
@@ -354,7 +355,8 @@ void Linter::definition(const Definition& definition)
     enumerators(definition);
     sequence(definition);
     for (const Declaration& field : definition.fields) memberName(field, "field");
-    if (definition.kind != Kind::discriminated) return;
+    // Attributes bear the names that their numbers have everywhere.
+    if (definition.kind != Kind::discriminated || !discriminantOf(definition).enumeration) return;
     memberName(definition.discriminant, "discriminant");
     for (const Arm& arm : definition.arms) memberName(arm.declaration, "arm");
 }

@@ -4,8 +4,7 @@
 #include "diagnostics.h"
 #include "model.h"
 
-namespace quorva::compiler
-{
+namespace quorva::compiler {
 
 // More warnings than this are a list that nobody works off in one go.
 inline constexpr std::size_t mostWarnings = 1000;

@@ -1,7 +1,10 @@
 // quorvaxdrc: reads interface files, reports their faults, and writes what is made from them.
 #include "check.h"
+#include "compare.h"
 #include "diagnostics.h"
 #include "emit.h"
+#include "flatten.h"
+#include "lint.h"
 #include "resolve.h"
 #include "source.h"
 
@@ -16,6 +19,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #ifndef QUORVA_VERSION
@@ -30,23 +34,30 @@ namespace fs = std::filesystem;
 
 constexpr int success = 0;
 constexpr int faultyInput = 1;
+constexpr int broken = 1;     // the interface is no longer what it was
 constexpr int cannotRun = 2;  // the command line is wrong, or a file cannot be read or written
 
 constexpr std::string_view usage =
     R"(usage: quorvaxdrc generate --out DIR [-I DIR]... [option]... FILE.x...
        quorvaxdrc plain [-I DIR]... [--prefix P] FILE.x...
        quorvaxdrc check [-I DIR]... FILE.x...
+       quorvaxdrc lint [-I DIR]... FILE.x...
+       quorvaxdrc flatten [-I DIR]... FILE.x...
+       quorvaxdrc compare [-I DIR]... OLD NEW
 
 Compiles interface files: XDR (RFC 4506) with imports and the names of the API's own widths.
 
   generate   write the C++ headers, coding routines and schema tables
   plain      print one RFC 4506 file for other XDR tools, imports included
   check      report faults and write nothing
+  lint       report faults and bad habits
+  flatten    print one interface file without documentation, imports included, to compare with later
+  compare    tell what a change of an interface breaks
 
   --help     this text; behind a command, that command's options
   --version  the version
 
-The status is 0; 1 when the input has faults; 2 when the command line is wrong or a file cannot be read or written.
+The status is 0; 1 when the input has faults, bad habits or breaks; 2 when the command line is wrong or a file cannot be read or written.
 )";
 
 constexpr std::string_view searching =
@@ -89,12 +100,32 @@ constexpr std::string_view checkUsage =
 Reports the faults of every FILE and of all that they import.
 )";
 
+constexpr std::string_view lintUsage =
+    R"(usage: quorvaxdrc lint [option]... FILE.x...
+
+Reports the faults of every FILE and of all that they import; where there are none, the bad habits of every FILE.
+)";
+
+constexpr std::string_view flattenUsage =
+    R"(usage: quorvaxdrc flatten [option]... FILE.x...
+
+Prints the definitions of every FILE and of all that they import as one interface file without documentation.
+)";
+
+constexpr std::string_view compareUsage =
+    R"(usage: quorvaxdrc compare [option]... OLD NEW
+
+Tells what is different in NEW and what that breaks: the wire, the source of callers, or only the text of the trace.
+OLD and NEW are each a folder of interface files, or one file, such as a flattened interface.
+The status is 0 when nothing is broken, 1 when something is, and 2 when the two cannot be compared.
+)";
+
 // A command line that cannot be understood; the sentence names the argument.
 struct UsageError {
     std::string sentence;
 };
 
-enum class Verb { generate, plain, check };
+enum class Verb { generate, plain, check, lint, flatten, compare };
 
 struct Arguments {
     Verb verb = Verb::check;
@@ -127,17 +158,25 @@ constexpr std::array<Option, 7> options = {{
     {"--help", std::nullopt, nullptr, &Arguments::help},
 }};
 
+constexpr std::array<std::pair<std::string_view, Verb>, 6> verbs = {{
+    {"generate", Verb::generate},
+    {"plain", Verb::plain},
+    {"check", Verb::check},
+    {"lint", Verb::lint},
+    {"flatten", Verb::flatten},
+    {"compare", Verb::compare},
+}};
+
 std::optional<Verb> verbOf(std::string_view word)
 {
-    if (word == "generate") return Verb::generate;
-    if (word == "plain") return Verb::plain;
-    if (word == "check") return Verb::check;
-    return std::nullopt;
+    const auto found = std::find_if(verbs.begin(), verbs.end(), [&](const auto& pair) { return pair.first == word; });
+    return found == verbs.end() ? std::nullopt : std::optional(found->second);
 }
 
 std::string nameOf(Verb verb)
 {
-    return verb == Verb::generate ? "generate" : verb == Verb::plain ? "plain" : "check";
+    const auto found = std::find_if(verbs.begin(), verbs.end(), [&](const auto& pair) { return pair.second == verb; });
+    return std::string(found->first);
 }
 
 class ArgumentReader {
@@ -194,7 +233,10 @@ void ArgumentReader::complete() const
                                               : "'--target' needs '--depfile FILE'"};
     }
     if (read_.files.empty()) throw UsageError{verb + " needs an interface file"};
+    if (read_.verb == Verb::compare && read_.files.size() != 2) throw UsageError{verb + " needs OLD and NEW"};
     for (const std::string& file : read_.files) {
+        std::error_code ignored;
+        if (read_.verb == Verb::compare && fs::is_directory(file, ignored)) continue;
         if (fs::path(file).extension() != ".x") {
             throw UsageError{inQuotes(file) + " is no interface file: its name does not end in '.x'"};
         }
@@ -217,7 +259,11 @@ void ArgumentReader::complete() const
 Arguments ArgumentReader::read()
 {
     const auto verb = verbOf(words_[0]);
-    if (!verb) throw UsageError{inQuotes(words_[0]) + " is no command; there are 'generate', 'plain' and 'check'"};
+    if (!verb) {
+        std::string known;
+        for (const auto& [name, ignored] : verbs) known += (known.empty() ? "" : ", ") + inQuotes(name);
+        throw UsageError{inQuotes(words_[0]) + " is no command; there are " + known};
+    }
     read_.verb = *verb;
     bool onlyFiles = false;
     while (at_ < words_.size()) {
@@ -240,6 +286,9 @@ void printHelp(Verb verb)
         case Verb::generate: std::cout << generateUsage << searching << generateOptions; break;
         case Verb::plain: std::cout << plainUsage << searching << plainOptions; break;
         case Verb::check: std::cout << checkUsage << searching; break;
+        case Verb::lint: std::cout << lintUsage << searching; break;
+        case Verb::flatten: std::cout << flattenUsage << searching; break;
+        case Verb::compare: std::cout << compareUsage << searching; break;
     }
 }
 
@@ -356,25 +405,71 @@ int list(const Arguments& arguments, const SearchPath& folders)
     return success;
 }
 
-int run(const Arguments& arguments)
+// Nothing where the input has faults, which are printed; `status` says then which kind.
+std::optional<Program> readInterface(const std::vector<std::string>& files, const SearchPath& folders, int& status)
 {
-    const SearchPath folders(arguments.folders);
-    if (arguments.list) return list(arguments, folders);
-
     Diagnostics faults;
     std::vector<std::string> unreadable;
-    Program program = readProgram(arguments.files, folders, faults, unreadable);
+    Program program = readProgram(files, folders, faults, unreadable);
     resolve(program, faults);
     check(program, faults);
     faults.print(std::cerr);
     for (const std::string& sentence : unreadable) complain(sentence);
-    if (!unreadable.empty()) return cannotRun;
-    if (faults.count() > 0) return faultyInput;
+    status = !unreadable.empty() ? cannotRun : faults.count() > 0 ? faultyInput : success;
+    return status == success ? std::optional(std::move(program)) : std::nullopt;
+}
 
+int lint(const Program& program)
+{
+    Diagnostics warnings("warning", mostWarnings);
+    lint(program, warnings);
+    warnings.print(std::cerr);
+    return warnings.count() > 0 ? faultyInput : success;
+}
+
+// One side of a comparison: a folder stands for all interface files below it and is the first to be searched.
+std::optional<Program> readState(const std::string& path, std::vector<std::string> folders)
+{
+    std::vector<std::string> files = {path};
+    if (fs::is_directory(path)) {
+        files.clear();
+        for (const auto& entry : fs::recursive_directory_iterator(path)) {
+            if (entry.path().extension() == ".x") files.push_back(entry.path().string());
+        }
+        if (files.empty()) throw UsageError{inQuotes(path) + " holds no interface file"};
+        std::sort(files.begin(), files.end());
+        folders.insert(folders.begin(), path);
+    }
+    int ignored = success;
+    return readInterface(files, SearchPath(folders), ignored);
+}
+
+int compare(const Arguments& arguments)
+{
+    const std::optional<Program> before = readState(arguments.files[0], arguments.folders);
+    const std::optional<Program> after = readState(arguments.files[1], arguments.folders);
+    if (!before || !after) return cannotRun;
+    const State was{*before, fs::is_directory(arguments.files[0])};
+    const State is{*after, fs::is_directory(arguments.files[1])};
+    return compare(was, is, std::cout) > 0 ? broken : success;
+}
+
+int run(const Arguments& arguments)
+{
+    if (arguments.verb == Verb::compare) return compare(arguments);
+    const SearchPath folders(arguments.folders);
+    if (arguments.list) return list(arguments, folders);
+
+    int status = success;
+    const std::optional<Program> program = readInterface(arguments.files, folders, status);
+    if (!program) return status;
     switch (arguments.verb) {
-        case Verb::generate: return generate(arguments, program);
-        case Verb::plain: std::cout << emitPlain(program, {arguments.prefix}); break;
-        case Verb::check: break;
+        case Verb::generate: return generate(arguments, *program);
+        case Verb::plain: std::cout << emitPlain(*program, {arguments.prefix}); break;
+        case Verb::lint: return lint(*program);
+        case Verb::flatten: std::cout << flatten(*program); break;
+        case Verb::check:
+        case Verb::compare: break;
     }
     return success;
 }

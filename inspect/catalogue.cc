@@ -120,20 +120,18 @@ std::string didYouMean(std::string_view word, std::span<const std::string_view> 
 {
     const std::string wanted = lower(word);
     if (wanted.empty() || wanted.size() > 200) return {};
-    std::vector<std::pair<std::size_t, std::string_view>> ranked;
+    std::vector<std::pair<std::size_t, std::string_view>> similar, containing;
     for (const std::string_view candidate : candidates) {
         const std::string name = lower(candidate);
-        std::size_t rank = distance(wanted, name);
-        const std::size_t allowed = std::max<std::size_t>(1, std::min(wanted.size(), name.size()) / 3);
-        // A part of a name is a worse guess than any slip of the finger.
-        if (rank > allowed)
-            rank = wanted.size() >= 3 && name.find(wanted) != std::string::npos ? name.size() + 100 : 0;
-        else
-            ++rank;
-        if (rank > 0) ranked.emplace_back(rank, candidate);
+        const std::size_t slips = distance(wanted, name);
+        if (slips <= std::max<std::size_t>(1, std::min(wanted.size(), name.size()) / 3))
+            similar.emplace_back(slips, candidate);
+        else if (wanted.size() >= 3 && name.find(wanted) != std::string::npos)
+            containing.emplace_back(name.size(), candidate);
     }
-    std::ranges::sort(ranked);
+    auto& ranked = similar.empty() ? containing : similar;
     if (ranked.empty()) return {};
+    std::ranges::sort(ranked);
     std::string text = "; did you mean ";
     const std::size_t shown = std::min<std::size_t>(3, ranked.size());
     for (std::size_t i = 0; i < shown; ++i) {

@@ -25,7 +25,8 @@ std::string declaration(const schema::Use& use, std::string_view name);
 // do not matter.
 bool matches(std::string_view pattern, std::string_view name);
 
-// "; did you mean X, Y or Z?" with up to three candidates that resemble the word, best first; empty if none does.
+// "; did you mean X, Y or Z?" with up to three candidates, best first: those that a slip of the finger or two
+// turns into the word, else those that contain it; empty if there are none.
 std::string didYouMean(std::string_view word, std::span<const std::string_view> candidates);
 
 // All types of the library, the built-in ones included, by name.

@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n\f\v";
 constexpr std::string_view separators = " \t\r\n\f\v,:;-_{}()[]";
+constexpr std::string_view tokenEnds = " \t\r\n\f\v,:;-_{}()[]\\";  // "\x00\x41" too
 
 int digitOf(char c)
 {
@@ -195,7 +196,7 @@ private:
     {
         const std::size_t digits = digitsAt(text, at);
         const std::size_t end = at + digits;
-        if (digits == 0 || (end < text.size() && separators.find(text[end]) == std::string_view::npos))
+        if (digits == 0 || (end < text.size() && tokenEnds.find(text[end]) == std::string_view::npos))
             fail(end, quoted(text[end]) + " is no hexadecimal digit");
         if (digits % 2 != 0)
             fail(at, digits == 1 ? "a single digit; a byte has two"

@@ -179,15 +179,16 @@ std::string described(const Json& value)
     return text;
 }
 
-// Fills a zeroed object. Memory is allocated as a decode pass does it and hung into the object before it is filled, so
-// that the object's release pass finds it whatever happens.
+// Reads a JSON value. Without an object (a null address) it only looks for faults, all of them. With one, which is
+// zeroed, and a value without faults, it fills the object in the order of the wire, as a decode pass does: memory is
+// hung into the object before it is filled, so that the release pass finds it should more memory be wanting.
 class Reader {
 public:
     void value(const Type& type, const Json& json, std::byte* at)
     {
         switch (type.kind) {
         case Kind::builtin:
-        case Kind::enumeration: readNumber(type, json, at); return;
+        case Kind::enumeration: number(type, json, at); return;
         case Kind::record: readRecord(type, json, at); return;
         case Kind::discriminated: readUnion(type, json, at); return;
         case Kind::definedAs: held(type.target, json, at); return;
@@ -238,9 +239,11 @@ private:
 
     // ---- Numbers ---------------------------------------------------------------------------------------------------
 
-    void readNumber(const Type& type, const Json& json, std::byte* at)
+    std::optional<std::int64_t> number(const Type& type, const Json& json, std::byte* at)
     {
-        if (const auto number = numberIn(type, json)) storeNumber(type, at, *number);
+        const auto read = numberIn(type, json);
+        if (read && at) storeNumber(type, at, *read);
+        return read;
     }
 
     std::optional<std::int64_t> numberIn(const Type& type, const Json& json)
@@ -313,13 +316,14 @@ private:
         const auto wanted =
             std::string("an object with the field \"") + discriminant.name + "\" and its arm of " + type.name;
         if (!json.is_object()) return unexpected(wanted, json);
-        const std::size_t before = faults.size();
-        readMember(type, discriminant, json, at);
-        if (faults.size() != before) return;
+        std::optional<std::int64_t> chosen;
+        forMember(type, discriminant, json, [&](const Json& found) {
+            chosen = number(discriminantOf(type), found, shifted(at, discriminant.offset));
+        });
+        if (!chosen) return;
 
-        const std::int64_t chosen = loadNumber(discriminantOf(type), at + discriminant.offset);
-        const std::string choice = std::string(discriminant.name) + ' ' + numberText(discriminantOf(type), chosen);
-        const schema::Arm* arm = armOf(type, chosen);
+        const std::string choice = std::string(discriminant.name) + ' ' + numberText(discriminantOf(type), *chosen);
+        const schema::Arm* arm = armOf(type, *chosen);
         if (!arm && !type.hasDefault)
             return within(discriminant.name, [&] { fault(choice + " has no arm in " + type.name); });
 
@@ -337,10 +341,17 @@ private:
 
     void readMember(const Type& type, const Member& member, const Json& json, std::byte* at)
     {
+        forMember(type, member, json, [&](const Json& found) { held(member.use, found, shifted(at, member.offset)); });
+    }
+
+    // Calls `action` with the member's value, one step deeper.
+    template <class Action>
+    void forMember(const Type& type, const Member& member, const Json& json, Action action)
+    {
         const auto found = json.find(member.name);
         if (found == json.end())
             return fault(std::string("the field \"") + member.name + "\" of " + type.name + " is missing");
-        within(member.name, [&] { held(member.use, *found, at + member.offset); });
+        within(member.name, [&] { action(*found); });
     }
 
     template <class Sentence>
@@ -360,36 +371,45 @@ private:
             readElements(*use.type, use.bound, use.bound, json, [at](std::size_t) { return at; });
             return;
         case Form::list:
-            readElements(*use.type, 0, use.bound, json, [&](std::size_t count) {
-                const Block block{static_cast<std::uint16_t>(count),
-                                  count ? allocated(count * use.type->size) : nullptr};
-                store(at, block);
-                return block.elements;
-            });
+            readElements(*use.type, 0, use.bound, json,
+                         [&](std::size_t count) { return hungBlock(at, count, use.type->size); });
             return;
         case Form::optional:
-            if (json.is_null()) return;
-            store(at, allocated(use.type->size));
-            value(*use.type, json, load<std::byte*>(at));
+            if (!json.is_null()) value(*use.type, json, hung(at, use.type->size));
             return;
         case Form::string: readString(use, json, at); return;
         case Form::bytes:
-            if (const auto bytes = bytesIn(json, 0, use.bound); bytes && !bytes->empty()) {
-                store(at, Block{static_cast<std::uint16_t>(bytes->size()), allocated(bytes->size())});
-                std::memcpy(load<Block>(at).elements, bytes->data(), bytes->size());
-            }
+            if (const auto bytes = bytesIn(json, 0, use.bound)) copy(*bytes, hungBlock(at, bytes->size(), 1));
             return;
         case Form::opaque:
-            if (const auto bytes = bytesIn(json, use.bound, use.bound))
-                std::ranges::copy(std::as_bytes(std::span(*bytes)), at);
+            if (const auto bytes = bytesIn(json, use.bound, use.bound)) copy(*bytes, at);
             return;
         case Form::nothing: return;
         }
     }
 
-    static std::byte* allocated(std::size_t size)
+    // Zeroed memory of this size, its address stored at `at`; null where there is no object.
+    static std::byte* hung(std::byte* at, std::size_t size)
     {
-        return static_cast<std::byte*>(std::memset(::operator new[](size), 0, size));
+        if (!at) return nullptr;
+        auto* memory = static_cast<std::byte*>(std::memset(::operator new[](size), 0, size));
+        store(at, memory);
+        return memory;
+    }
+
+    // The same for a counted block, which has no memory where it is empty.
+    static std::byte* hungBlock(std::byte* at, std::size_t count, std::size_t size)
+    {
+        if (!at || count == 0) return nullptr;
+        Block block{static_cast<std::uint16_t>(count), nullptr};
+        hung(reinterpret_cast<std::byte*>(&block.elements), count * size);
+        store(at, block);
+        return block.elements;
+    }
+
+    static void copy(std::span<const unsigned char> bytes, std::byte* to)
+    {
+        if (to) std::ranges::copy(std::as_bytes(bytes), to);
     }
 
     // `place` is told the number of elements and returns the address of the first.
@@ -401,7 +421,8 @@ private:
         if (json.size() < least || json.size() > most)
             return fault("expected " + wanted + ", found " + std::to_string(json.size()));
         std::byte* at = place(json.size());
-        for (std::size_t i = 0; i < json.size(); ++i, at += type.size) within(i, [&] { value(type, json[i], at); });
+        for (std::size_t i = 0; i < json.size(); ++i)
+            within(i, [&] { value(type, json[i], shifted(at, i * type.size)); });
     }
 
     static std::string amount(std::size_t least, std::size_t most)
@@ -424,8 +445,7 @@ private:
             return fault("expected a text of at most " + std::to_string(use.bound) + " bytes, found " +
                          std::to_string(text.size()));
         if (text.find('\0') != std::string::npos) return fault("a text cannot hold a zero byte");
-        store(at, allocated(text.size() + 1));
-        std::memcpy(load<char*>(at), text.data(), text.size());
+        copy(bytesOf(text), hung(at, text.size() + 1));
     }
 
     std::optional<Bytes> bytesIn(const Json& json, std::size_t least, std::size_t most)
@@ -533,10 +553,11 @@ Json toJson(const Type& type, const void* object)
 
 Object fromJson(const Type& type, const Json& json)
 {
-    Object object(type);
     Reader reader;
-    reader.value(type, json, object.data());
+    reader.value(type, json, nullptr);
     if (!reader.faults.empty()) throw JsonError(std::move(reader.faults));
+    Object object(type);
+    reader.value(type, json, object.data());
     return object;
 }
 

@@ -30,6 +30,13 @@ void store(void* at, T value)
     std::memcpy(at, &value, sizeof value);
 }
 
+// The address `bytes` further on; null stays null.
+template <class Byte>
+Byte* shifted(Byte* at, std::size_t bytes)
+{
+    return at ? at + bytes : nullptr;
+}
+
 // A list or counted bytes of any element type: all have these two members.
 using Block = Counted<std::byte>;
 

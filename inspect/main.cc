@@ -92,7 +92,7 @@ std::string nameOf(const std::string& file)
 // All of a file, or of standard input for "-".
 std::string contentsOf(const std::string& file)
 {
-    constexpr std::size_t most = std::size_t{16} << 20;  // the largest message has less as JSON
+    constexpr std::size_t most = std::size_t{64} << 20;  // the largest message has less as JSON
     const auto closing = [](std::FILE* stream) { return stream == stdin ? 0 : std::fclose(stream); };
     errno = 0;
     const std::unique_ptr<std::FILE, decltype(closing)> stream(file == "-" ? stdin : std::fopen(file.c_str(), "rb"),
@@ -106,7 +106,7 @@ std::string contentsOf(const std::string& file)
     }
     if (!stream || std::ferror(stream.get()))
         throw Stop{troubled, nameOf(file) + ": cannot be read: " + std::strerror(errno)};
-    if (contents.size() > most) throw Stop{uncodable, nameOf(file) + ": more than 16 MiB, which no message needs"};
+    if (contents.size() > most) throw Stop{uncodable, nameOf(file) + ": more than 64 MiB, which no message needs"};
     return contents;
 }
 

@@ -87,7 +87,6 @@ public:
 private:
     using At = const std::byte*;
 
-    static At shifted(At at, std::size_t bytes) { return at ? at + bytes : nullptr; }
     static At pointerAt(At at) { return at ? load<At>(at) : nullptr; }
     static At blockAt(At at) { return at ? load<Block>(at).elements : nullptr; }
 

@@ -116,11 +116,10 @@ TEST_P(Differential, refusesTheSameMessages)
         }
         for (int i = 0; i < 30; ++i) {
             Bytes changed = wire;
-            unsigned char* const unit = changed.data() + random() % (wire.size() / 4) * 4;
-            const std::uint32_t old = std::uint32_t{unit[0]} << 24 | unit[1] << 16 | unit[2] << 8 | unit[3];
-            const std::uint32_t values[] = {old + 1, old - 1, 0, 1, 0xFFFF, 0x10000, 0xFFFFFFFF};
-            const std::uint32_t value = values[random() % std::size(values)];
-            for (int byte = 0; byte < 4; ++byte) unit[byte] = static_cast<unsigned char>(value >> (24 - 8 * byte));
+            const std::size_t at = random() % (wire.size() / 4) * 4;
+            const std::uint32_t old = unitAt(wire, at);
+            const std::uint32_t values[] = {old + 1, old - 1, 0, 1, 0x1FF, 0x10000, 0x80000001};  // small where they count
+            setUnit(changed, at, values[random() % std::size(values)]);
             changed.resize(changed.size() + 64);
             const Outcome mine = ours(GetParam(), changed);
             const Outcome other = theirs(GetParam(), changed);

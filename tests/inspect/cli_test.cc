@@ -76,6 +76,8 @@ const Case cases[] = {
      "DividersEnabled?\n"},
 
     {"types >/dev/full", "", 1, "", "quorvaxdr: cannot write standard output: No space left on device\n"},
+    {"encode HostName >/dev/full", "\"ABC\"", 1, "",
+     "quorvaxdr: cannot write standard output: No space left on device\n"},
     {"types >&-", "", 1, "", "quorvaxdr: cannot write standard output: "},
 };
 
@@ -98,6 +100,13 @@ TEST(CommandLine, prints_and_returns)
         EXPECT_EQ(told.empty(), *c.err == '\0') << told;
     }
     for (const std::string& file : {in, out, err}) std::remove(file.c_str());
+}
+
+TEST(CommandLine, a_closed_pipe_is_an_error)
+{
+    const int outcome = pclose(popen("exec '" QUORVAXDR_PATH "' types 2>/dev/null", "r"));
+    ASSERT_TRUE(WIFEXITED(outcome));
+    EXPECT_EQ(WEXITSTATUS(outcome), 1);
 }
 
 }  // namespace

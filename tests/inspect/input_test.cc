@@ -51,7 +51,7 @@ TEST(Hex, faults_tell_line_and_column)
         {"00 \x01", "1:4: byte 0x01 is no hexadecimal digit"},
         {"<Job>", "1:1: '<' is no hexadecimal digit"},
         {"00 000", "1:4: an odd number of digits (3); a byte has two"},
-        {"0x", "1:1: a single digit; a byte has two"},
+        {"0x0", "1:3: a single digit; a byte has two"},
         {"00000000: 00\n00000002: 00\n", "2:1: the offset does not follow from the lines before, which hold 1 bytes"},
         {"00000000: 00\nzz\n", "2:1: a dump's line begins with its offset, and this one does not"},
         {"00000000: 0g\n", "1:12: 'g' is no hexadecimal digit"},

@@ -146,13 +146,14 @@ TEST(Json, faults_tell_place_and_expectation)
 TEST(Json, all_faults_are_told_at_once)
 {
     EXPECT_EQ(faultsOf(types::Visit, R"({"minutes": 70000, "offset": 0, "paid": "no", "sing": {}, "sign": {"colour": 0},
-                                         "drive": {"powered": false}, "last": {"number": 7, "access": {"kind": 1, "owner": 7}},
-                                         "changes": [{"attribute": 22, "frontLamp": "LCred"}, {"attribute": 7}],
+                                         "last": {"number": 7, "access": {"kind": 1, "owner": 7}},
+                                         "drive": {"powered": false},
+                                         "changes": [{"attribute": 7}, {"attribute": 485, "raw": {"text": "ABC"}}],
                                          "a/b~c": 0, "before": null})"),
               "/minutes: expected a whole number from -32768 to 32767, found 70000\n"
               "/paid: expected true, false or a number from 0 to 255, found \"no\"\n"
               "/last/access/owner: expected a text, {\"hex\": \"...\"} or null, found 7\n"
-              "/changes/1/attribute: attribute 7 has no arm in StationUnion\n"
+              "/changes/0/attribute: attribute 7 has no arm in StationUnion\n"
               "the field \"rest\" of Visit is missing\n"
               "/sing: no such field in Visit; did you mean sign?\n"
               "/a~1b~0c: no such field in Visit");

@@ -102,6 +102,49 @@ TEST(Wire, leaves_cover_the_message)
               "12+4 EventUnionUnion/access/AccessUnionUnion/owner \"A\\xe4\\x22\"\n");
 }
 
+// The schema's reading and the codec's pass are two writings of one rule: whatever the message, they have to agree.
+TEST(Wire, agrees_with_the_codec)
+{
+    const schema::Type* const all[] = {&types::AccessUnion, &types::Drive,   &types::EventUnion,   &types::LockerIdSeq,
+                                       &types::Neighbour,   &types::Picture, &types::StationUnion, &types::Visit};
+    Sampler sampler;
+    int failed = 0;
+    for (const schema::Type* type : all) {
+        for (std::uint64_t seed = 0; seed < 400; ++seed) {
+            Bytes message = sampler.sample(*type, {Extent::random, seed / 2, 500});
+            Object whole(*type);
+            ASSERT_TRUE(runPass(Xdr::decode, type->routine, whole.data(), message).succeeded);
+            Bytes again(message.size());
+            EXPECT_TRUE(runPass(Xdr::encode, type->routine, whole.data(), again).succeeded);
+            EXPECT_EQ(again, message);
+            EXPECT_FALSE(refusalOf(*type, whole.data(), message.size()));
+            EXPECT_TRUE(refusalOf(*type, whole.data(), message.size() - 1));
+
+            const std::size_t unit = seed * 7 % (message.size() / 4);
+            constexpr std::uint32_t damages[] = {0,  1,      2,       6,       7,          13,
+                                                 41, 0xFFFF, 0x10000, 0x10001, 0x80000000, 0xFFFFFFFF};
+            const std::uint32_t damage = damages[seed % std::size(damages)];
+            for (unsigned i = 0; i < 4; ++i) message[4 * unit + i] = static_cast<unsigned char>(damage >> (24 - 8 * i));
+            if (seed % 5 == 0) message.resize(seed * 11 % message.size());
+
+            SCOPED_TRACE(std::string(type->name) + '\n' + hexText(message));
+            Object object(*type);
+            Xdr::Trace trace;
+            const Pass pass =
+                runPass(Xdr::decode, type->routine, object.data(), message, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
+            const Reading reading = readMessage(*type, message);
+            ASSERT_EQ(!reading.failure, pass.succeeded);
+            if (reading.failure) {
+                ASSERT_EQ(reading.failure->path, trace.path());
+                ++failed;
+            } else {
+                ASSERT_EQ(reading.length, pass.length);
+            }
+        }
+    }
+    EXPECT_GT(failed, 400);
+}
+
 // Doors within doors: the one way to make a walk deep.
 TEST(Wire, nesting_is_bounded)
 {

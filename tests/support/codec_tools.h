@@ -46,6 +46,19 @@ inline std::string hexOf(std::span<const unsigned char> bytes)
     return hex;
 }
 
+// The unit at byte `at`.
+inline std::uint32_t unitAt(std::span<const unsigned char> bytes, std::size_t at)
+{
+    std::uint32_t unit = 0;
+    for (std::size_t i = 0; i < 4; ++i) unit = unit << 8 | bytes[at + i];
+    return unit;
+}
+
+inline void setUnit(std::span<unsigned char> bytes, std::size_t at, std::uint32_t unit)
+{
+    for (std::size_t i = 4; i-- > 0; unit >>= 8) bytes[at + i] = static_cast<unsigned char>(unit);
+}
+
 // A copy of `bytes` that ends where its storage does, so that the address sanitizer sees the first byte too many.
 class Message {
 public:

@@ -201,9 +201,7 @@ TEST_P(EveryType, isDamaged)
         const std::size_t units = wire.size() / 4;
         for (std::size_t i = 0; i < std::min<std::size_t>(4 * units, 60); ++i) {
             Bytes damaged = wire;
-            const std::uint32_t value = values[random() % std::size(values)];
-            const std::size_t at = random() % units * 4;
-            for (std::size_t byte = 0; byte < 4; ++byte) damaged[at + byte] = static_cast<unsigned char>(value >> (24 - 8 * byte));
+            setUnit(damaged, random() % units * 4, values[random() % std::size(values)]);
             SCOPED_TRACE(hexOf(damaged));
 
             const Message message(damaged);

@@ -1,0 +1,29 @@
+// Codes a record of our own module, which holds records of the library's, through the C++ layer.
+
+#include <quorvapixdr/codec.h>
+#include <quorvapixdr/station/locker.h>
+
+#include <cstdio>
+
+int main()
+{
+    char host[] = "desk.example";
+    char label[] = "left, top";
+    StationDoor door = {4, StationDoorState::SDSclosed, {4, 1207}, label};
+    StationReport report = {77, {host, 0x20000321, 1, 9}, {1, &door}};
+
+    const quorva::Bytes message = quorva::encode(report);
+    const auto received = quorva::decode<StationReport>(message);
+    const StationDoor& first = received->doors.elements[0];
+    std::printf("%zu bytes: door %u \"%s\" is %s, job %u\n", message.size(), first.number, first.label,
+                StationDoorStateString(static_cast<int>(first.state)), first.job.job);
+
+    // The library's rules hold for our types, too: six doors are the maximum.
+    StationDoor doors[7] = {door, door, door, door, door, door, door};
+    report.doors = {7, doors};
+    try {
+        quorva::encode(report);
+    } catch (const quorva::CodingError& error) {
+        std::printf("%s\n", error.what());
+    }
+}
