@@ -252,7 +252,7 @@ std::string routines(const Module& module)
            "\n}  // extern \"C\"\n";
 }
 
-std::string shapeOf(const Definition& definition, Shapes& shapes)
+std::string shapeOf(const Definition& definition, WireShapes& shapes)
 {
     const TypeRef* behind = nullptr;  // of an alias
     if (definition.kind == Kind::definedAs && definition.target.form == Form::single)
@@ -260,13 +260,13 @@ std::string shapeOf(const Definition& definition, Shapes& shapes)
     if (behind && behind->definition) return shapeOf(*behind->definition, shapes);
     if (behind) return "decltype(" + behind->name + ")::Shape";
 
-    const Shape shape = shapes.of(definition);
+    const WireShape shape = shapes.of(definition);
     switch (shape.kind) {
-    case Shape::Kind::number: return "quorva::shape::Number<std::int32_t>";
-    case Shape::Kind::text: return "quorva::shape::Text<" + std::to_string(definition.target.bound) + ">";
-    case Shape::Kind::fixed: return "quorva::shape::Fixed<" + std::to_string(shape.units) + ">";
-    case Shape::Kind::body: return std::string("quorva::shape::Body<") + (shape.owns ? "true" : "false") + ">";
-    case Shape::Kind::routine: return "quorva::shape::Routine";
+    case WireShape::Kind::number: return "quorva::shape::Number<std::int32_t>";
+    case WireShape::Kind::text: return "quorva::shape::Text<" + std::to_string(definition.target.bound) + ">";
+    case WireShape::Kind::fixed: return "quorva::shape::Fixed<" + std::to_string(shape.units) + ">";
+    case WireShape::Kind::body: return std::string("quorva::shape::Body<") + (shape.owns ? "true" : "false") + ">";
+    case WireShape::Kind::routine: return "quorva::shape::Routine";
     }
     return "";
 }
@@ -280,7 +280,7 @@ std::string oneOrTwoLines(const std::string& first, const std::string& between, 
 
 std::string coders(const Module& module)
 {
-    Shapes shapes;
+    WireShapes shapes;
     std::string out;
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;

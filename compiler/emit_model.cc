@@ -275,62 +275,62 @@ std::vector<const Definition*> declarationOrder(const std::vector<const Definiti
     return Order(definitions).find();
 }
 
-Shape Shapes::of(const Definition& definition)
+WireShape WireShapes::of(const Definition& definition)
 {
     if (const auto known = found_.find(&definition); known != found_.end()) return known->second;
-    const Shape shape = find(definition);
+    const WireShape shape = find(definition);
     found_.emplace(&definition, shape);
     return shape;
 }
 
-Shape Shapes::of(const TypeRef& type)
+WireShape WireShapes::of(const TypeRef& type)
 {
     if (type.definition) return of(*type.definition);
-    return {Shape::Kind::number, 1, type.builtin == Builtin::Float};  // a float prints in every pass
+    return {WireShape::Kind::number, 1, type.builtin == Builtin::Float};  // a float prints in every pass
 }
 
 // A part of an object: its units where they never vary.
-Shape Shapes::part(const Declaration& declaration)
+WireShape WireShapes::part(const Declaration& declaration)
 {
     switch (declaration.form) {
     case Form::single: return of(declaration.type);
     case Form::vector: {
-        Shape shape = of(declaration.type);
+        WireShape shape = of(declaration.type);
         shape.units *= declaration.bound;
         return shape;
     }
-    case Form::opaque: return {Shape::Kind::fixed, (std::uint64_t{declaration.bound} + 3) / 4, false};
-    case Form::nothing: return {Shape::Kind::fixed, 0, false};
-    default: return {Shape::Kind::body, 0, true};
+    case Form::opaque: return {WireShape::Kind::fixed, (std::uint64_t{declaration.bound} + 3) / 4, false};
+    case Form::nothing: return {WireShape::Kind::fixed, 0, false};
+    default: return {WireShape::Kind::body, 0, true};
     }
 }
 
-Shape Shapes::find(const Definition& definition)
+WireShape WireShapes::find(const Definition& definition)
 {
     constexpr std::uint64_t mostUnits = 16383;  // of a message; what is larger is never one run
     switch (definition.kind) {
-    case Kind::enumeration: return {Shape::Kind::number, 1, false};
+    case Kind::enumeration: return {WireShape::Kind::number, 1, false};
     case Kind::definedAs:
         switch (definition.target.form) {
         case Form::single: return of(definition.target.type);
-        case Form::string: return {Shape::Kind::text, 0, true};
+        case Form::string: return {WireShape::Kind::text, 0, true};
         case Form::list:
-        case Form::bytes: return {Shape::Kind::body, 0, true};
+        case Form::bytes: return {WireShape::Kind::body, 0, true};
         default: return {};
         }
     case Kind::record: {
-        Shape all = {Shape::Kind::fixed, 0, false};
+        WireShape all = {WireShape::Kind::fixed, 0, false};
         for (const Declaration& field : definition.fields) {
-            const Shape each = part(field);
-            if (each.units == 0 || each.owns) all.kind = Shape::Kind::body;
+            const WireShape each = part(field);
+            if (each.units == 0 || each.owns) all.kind = WireShape::Kind::body;
             all.units += each.units;
-            if (all.units > mostUnits) all.kind = Shape::Kind::body;
+            if (all.units > mostUnits) all.kind = WireShape::Kind::body;
             all.owns = all.owns || each.owns;
         }
-        if (all.kind == Shape::Kind::body) all.units = 0;
+        if (all.kind == WireShape::Kind::body) all.units = 0;
         return all;
     }
-    default: return {Shape::Kind::body, 0, true};
+    default: return {WireShape::Kind::body, 0, true};
     }
 }
 

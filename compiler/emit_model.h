@@ -53,7 +53,7 @@ std::vector<ArmMember> voidArmsOf(const Definition& discriminated);
 std::vector<const Definition*> declarationOrder(const std::vector<const Definition*>& definitions);
 
 // How a type looks on the wire and to a release pass, as <quorvapixdr/primitives.h> calls it.
-struct Shape {
+struct WireShape {
     enum class Kind { number, text, fixed, body, routine };
     Kind kind = Kind::routine;
     std::uint64_t units = 0;  // of a number or a fixed type; never 0 there
@@ -62,16 +62,16 @@ struct Shape {
 
 // The shapes of the definitions of a program. Each is found once, so that types that hold each other in many ways cost
 // no more than their number.
-class Shapes {
+class WireShapes {
 public:
-    Shape of(const Definition& definition);
+    WireShape of(const Definition& definition);
 
 private:
-    Shape of(const TypeRef& type);
-    Shape part(const Declaration& declaration);
-    Shape find(const Definition& definition);
+    WireShape of(const TypeRef& type);
+    WireShape part(const Declaration& declaration);
+    WireShape find(const Definition& definition);
 
-    std::unordered_map<const Definition*, Shape> found_;
+    std::unordered_map<const Definition*, WireShape> found_;
 };
 
 // Names at global scope that generated code sees: the definitions of a module and of all that it imports.

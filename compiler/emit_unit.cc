@@ -258,12 +258,12 @@ bool hasBody(const Definition& definition)
 }
 
 // Types whose body always codes the same units are coded in place wherever they are used.
-bool isInPlace(const Definition& definition, Shapes& shapes)
+bool isInPlace(const Definition& definition, WireShapes& shapes)
 {
-    return hasBody(definition) && shapes.of(definition).kind == Shape::Kind::fixed;
+    return hasBody(definition) && shapes.of(definition).kind == WireShape::Kind::fixed;
 }
 
-std::string definitionText(const Definition& definition, const Module& module, const Spelling& spelling, Shapes& shapes)
+std::string definitionText(const Definition& definition, const Module& module, const Spelling& spelling, WireShapes& shapes)
 {
     const std::string comment = heading(definition, module);
     if (definition.kind == Kind::enumeration)
@@ -305,7 +305,7 @@ std::string opening(const Module& module, const Spelling& spelling)
 std::string emitUnit(const Module& module)
 {
     const Spelling spelling(module);
-    Shapes shapes;
+    WireShapes shapes;
     std::vector<std::string> parts = {opening(module, spelling)};
     for (const Definition* definition : typesOf(module))
         parts.push_back(definitionText(*definition, module, spelling, shapes));
@@ -315,7 +315,7 @@ std::string emitUnit(const Module& module)
 std::string emitBodies(const Module& module)
 {
     const Spelling spelling(module);
-    Shapes shapes;
+    WireShapes shapes;
     std::string includes;
     for (const Import& import : module.imports) includes += "#include <quorvapixdr/" + import.name + ".bodies.h>\n";
     std::string declared;
