@@ -19,6 +19,9 @@ std::string emitHeader(const Module& module);
 // The routines and name functions that the header declares.
 std::string emitUnit(const Module& module);
 
+// The bodies that units of other modules code in place, and declarations of the others: <quorvapixdr/MODULE.bodies.h>.
+std::string emitBodies(const Module& module);
+
 // The module's part of the schema table (see <quorvapixdr/schema.h>).
 std::string emitSchema(const Module& module);
 

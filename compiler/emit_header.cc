@@ -2,6 +2,7 @@
 #include "emit.h"
 #include "emit_model.h"
 #include "emit_text.h"
+#include "resolve.h"
 
 #include <cstdint>
 #include <limits>
@@ -251,6 +252,25 @@ std::string routines(const Module& module)
            "\n}  // extern \"C\"\n";
 }
 
+std::string shapeOf(const Definition& definition, WireShapes& shapes)
+{
+    const TypeRef* behind = nullptr;  // of an alias
+    if (definition.kind == Kind::definedAs && definition.target.form == Form::single)
+        behind = &behindAliases(definition.target.type);
+    if (behind && behind->definition) return shapeOf(*behind->definition, shapes);
+    if (behind) return "decltype(" + behind->name + ")::Shape";
+
+    const WireShape shape = shapes.of(definition);
+    switch (shape.kind) {
+    case WireShape::Kind::number: return "quorva::shape::Number<std::int32_t>";
+    case WireShape::Kind::text: return "quorva::shape::Text<" + std::to_string(definition.target.bound) + ">";
+    case WireShape::Kind::fixed: return "quorva::shape::Fixed<" + std::to_string(shape.units) + ">";
+    case WireShape::Kind::body: return std::string("quorva::shape::Body<") + (shape.owns ? "true" : "false") + ">";
+    case WireShape::Kind::routine: return "quorva::shape::Routine";
+    }
+    return "";
+}
+
 // A definition that goes on in a second line where one is too short.
 std::string oneOrTwoLines(const std::string& first, const std::string& between, const std::string& second)
 {
@@ -260,11 +280,12 @@ std::string oneOrTwoLines(const std::string& first, const std::string& between, 
 
 std::string coders(const Module& module)
 {
+    WireShapes shapes;
     std::string out;
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
-        out += oneOrTwoLines("inline constexpr quorva::Coder<::" + name + "> " + name + " = {", "",
-                             "Xdr" + name + ", " + literal(name) + "};");
+        out += oneOrTwoLines("inline constexpr quorva::Shaped<::" + name + ", " + shapeOf(*definition, shapes) + ">", " ",
+                             name + " = {{Xdr" + name + ", " + literal(name) + "}};");
     }
     return out.empty() ? "" : "namespace quorva::coder {\n" + out + "}  // namespace quorva::coder\n";
 }

@@ -275,6 +275,65 @@ std::vector<const Definition*> declarationOrder(const std::vector<const Definiti
     return Order(definitions).find();
 }
 
+WireShape WireShapes::of(const Definition& definition)
+{
+    if (const auto known = found_.find(&definition); known != found_.end()) return known->second;
+    const WireShape shape = find(definition);
+    found_.emplace(&definition, shape);
+    return shape;
+}
+
+WireShape WireShapes::of(const TypeRef& type)
+{
+    if (type.definition) return of(*type.definition);
+    return {WireShape::Kind::number, 1, type.builtin == Builtin::Float};  // a float prints in every pass
+}
+
+// A part of an object: its units where they never vary.
+WireShape WireShapes::part(const Declaration& declaration)
+{
+    switch (declaration.form) {
+    case Form::single: return of(declaration.type);
+    case Form::vector: {
+        WireShape shape = of(declaration.type);
+        shape.units *= declaration.bound;
+        return shape;
+    }
+    case Form::opaque: return {WireShape::Kind::fixed, (std::uint64_t{declaration.bound} + 3) / 4, false};
+    case Form::nothing: return {WireShape::Kind::fixed, 0, false};
+    default: return {WireShape::Kind::body, 0, true};
+    }
+}
+
+WireShape WireShapes::find(const Definition& definition)
+{
+    constexpr std::uint64_t mostUnits = 16383;  // of a message; what is larger is never one run
+    switch (definition.kind) {
+    case Kind::enumeration: return {WireShape::Kind::number, 1, false};
+    case Kind::definedAs:
+        switch (definition.target.form) {
+        case Form::single: return of(definition.target.type);
+        case Form::string: return {WireShape::Kind::text, 0, true};
+        case Form::list:
+        case Form::bytes: return {WireShape::Kind::body, 0, true};
+        default: return {};
+        }
+    case Kind::record: {
+        WireShape all = {WireShape::Kind::fixed, 0, false};
+        for (const Declaration& field : definition.fields) {
+            const WireShape each = part(field);
+            if (each.units == 0 || each.owns) all.kind = WireShape::Kind::body;
+            all.units += each.units;
+            if (all.units > mostUnits) all.kind = WireShape::Kind::body;
+            all.owns = all.owns || each.owns;
+        }
+        if (all.kind == WireShape::Kind::body) all.units = 0;
+        return all;
+    }
+    default: return {WireShape::Kind::body, 0, true};
+    }
+}
+
 VisibleNames::VisibleNames(const Module& module)
 {
     std::unordered_set<const Module*> seen = {&module};

@@ -5,7 +5,9 @@
 #include "model.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -49,6 +51,28 @@ std::vector<ArmMember> voidArmsOf(const Definition& discriminated);
 // allows. In a circle of types that refer to each other, a type stands behind those that it holds by value and behind
 // the typedefs that it names; what else it names has to be declared ahead of it.
 std::vector<const Definition*> declarationOrder(const std::vector<const Definition*>& definitions);
+
+// How a type looks on the wire and to a release pass, as <quorvapixdr/primitives.h> calls it.
+struct WireShape {
+    enum class Kind { number, text, fixed, body, routine };
+    Kind kind = Kind::routine;
+    std::uint64_t units = 0;  // of a number or a fixed type; never 0 there
+    bool owns = true;         // whether a release pass has anything to do, or to refuse
+};
+
+// The shapes of the definitions of a program. Each is found once, so that types that hold each other in many ways cost
+// no more than their number.
+class WireShapes {
+public:
+    WireShape of(const Definition& definition);
+
+private:
+    WireShape of(const TypeRef& type);
+    WireShape part(const Declaration& declaration);
+    WireShape find(const Definition& definition);
+
+    std::unordered_map<const Definition*, WireShape> found_;
+};
 
 // Names at global scope that generated code sees: the definitions of a module and of all that it imports.
 class VisibleNames {

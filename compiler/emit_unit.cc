@@ -34,9 +34,10 @@ private:
     static bool isTaken(const std::string& name)
     {
         static constexpr const char* words[] = {
-            "traced", "newRoot", "objectAt", "open",  "close",   "member",      "vector", "list",
-            "text",   "bytes",   "opaque",   "optional", "Decimal", "enumeration",
-            "xdrs", "object", "obj",  // parameters and variables of the routines
+            "At",     "Bytes",  "Calls",    "Decimal",  "Decoding",  "Encoding", "Field",       "List",   "Opaque",
+            "Optional", "Releasing", "Text", "Vector", "bytes", "close", "enumeration", "field", "list", "objectAt",
+            "opaque", "open", "optional", "parts", "refuse", "run", "text", "untagged", "vector",
+            "Pass", "at", "code", "obj", "object", "pass", "xdrs",  // of the bodies and routines themselves
         };
         return std::find(std::begin(words), std::end(words), name) != std::end(words);
     }
@@ -51,11 +52,11 @@ std::string bound(const Declaration& declaration, const Spelling& spelling)
     return std::to_string(declaration.bound);
 }
 
-// The word that codes a declaration of this form.
+// The word for a part of this form.
 std::string wordOf(Form form)
 {
     switch (form) {
-    case Form::single: return "member";
+    case Form::single: return "field";
     case Form::vector: return "vector";
     case Form::list: return "list";
     case Form::optional: return "optional";
@@ -77,23 +78,20 @@ bool takesCoder(Form form)
     return form == Form::single || form == Form::vector || form == Form::list || form == Form::optional;
 }
 
-// A call that codes the object's part `place`, in an element of its own unless `tag` is empty.
-std::string coding(std::size_t indent, const std::string& before, const Declaration& declaration,
-                   const std::string& tag, const std::string& place, const std::string& after,
-                   const Spelling& spelling)
+// The object's part `place`, with `tag` as it stands in C++.
+std::string part(std::size_t indent, const std::string& before, const Declaration& declaration, const std::string& tag,
+                 const std::string& place, const std::string& after, const Spelling& spelling)
 {
-    std::vector<std::string> arguments = {"xdrs"};
-    if (!tag.empty()) arguments.push_back(literal(tag));
-    arguments.push_back(place);
+    std::vector<std::string> arguments = {tag, place};
     if (takesBound(declaration.form)) arguments.push_back(bound(declaration, spelling));
     if (takesCoder(declaration.form)) arguments.push_back(spelling.coder(declaration.type.name));
     return argumentList(indent, before + spelling.word(wordOf(declaration.form)) + "(", arguments, ")" + after);
 }
 
-std::string codingMember(std::size_t indent, const std::string& before, const Declaration& declaration,
-                         const std::string& after, const Spelling& spelling)
+std::string memberPart(std::size_t indent, const std::string& before, const Declaration& declaration,
+                       const std::string& after, const Spelling& spelling)
 {
-    return coding(indent, before, declaration, declaration.name, "obj->" + declaration.name, after, spelling) + "\n";
+    return part(indent, before, declaration, literal(declaration.name), "obj." + declaration.name, after, spelling) + "\n";
 }
 
 // ---- Routines, one function for each kind of definition -------------------------------------------------------------
@@ -125,12 +123,20 @@ std::string enumerationRoutine(const Definition& definition, const Spelling& spe
            "\n}\n";
 }
 
-std::string recordRoutine(const Definition& definition, const Spelling& spelling)
+// ---- Bodies: one for all passes over a type -------------------------------------------------------------------------
+
+std::string bodySignature(const Definition& definition, const Spelling& spelling, const std::string& scope)
 {
-    std::string out = signature(definition) + "{\n" + objectLine(definition, spelling) + "    return obj\n";
+    return "template <class Pass>\n" + scope + spelling.word("At") + " code(Pass& pass, " + scope + spelling.word("At") +
+           " at, " + spelling.type(definition.name) + "& obj)";
+}
+
+std::string recordBody(const Definition& definition, const Spelling& spelling)
+{
+    std::string out = "{\n    return " + spelling.word("parts") + "(pass, at,\n";
     for (const Declaration& field : definition.fields) {
         const bool isLast = &field == &definition.fields.back();
-        out += codingMember(2 * indentWidth, "&& ", field, isLast ? ";" : "", spelling);
+        out += memberPart(3 * indentWidth, "", field, isLast ? ");" : ",", spelling);
     }
     return out + "}\n";
 }
@@ -168,29 +174,57 @@ std::string arm(const Arm& arm, const Labels& labels, const Spelling& spelling)
     std::string out;
     for (const Value& value : arm.cases) out += labels.of(value);
     if (arm.declaration.form != Form::nothing)
-        out += codingMember(2 * indentWidth, "if (!", arm.declaration, ") return 0;", spelling);
+        out += memberPart(2 * indentWidth, "at = " + spelling.word("parts") + "(pass, at, ", arm.declaration, ");", spelling);
     return out + "        break;\n";
 }
 
 std::string otherValues(const Definition& definition, const Spelling& spelling)
 {
-    if (!definition.defaultArm) return "    default:\n        return 0;\n";
-    return "    default:\n        " + spelling.word("open") + "(xdrs, \"default\");\n        " +
-           spelling.word("close") + "(xdrs, \"default\");\n        break;\n";
+    if (!definition.defaultArm)
+        return "    default:\n        return " + spelling.word("refuse") + "(pass, at, obj." + definition.discriminant.name +
+               ");\n";
+    return "    default:\n        at = " + spelling.word("open") + "(pass, at, \"default\");\n        at = " +
+           spelling.word("close") + "(pass, at, \"default\");\n        break;\n";
 }
 
-std::string unionRoutine(const Definition& definition, const Spelling& spelling)
+std::string unionBody(const Definition& definition, const Spelling& spelling)
 {
     const std::string tag = literal(definition.name + "Union");
     const Labels labels(definition, spelling);
 
-    std::string out = signature(definition) + "{\n" + objectLine(definition, spelling) +
-                      codingMember(indentWidth, "if (!obj || !", definition.discriminant, ") return 0;", spelling) +
-                      "\n    " + spelling.word("open") + "(xdrs, " + tag + ");\n    switch (obj->" +
-                      definition.discriminant.name + ") {\n";
+    std::string out = "{\n" +
+                      memberPart(indentWidth, "at = " + spelling.word("parts") + "(pass, at, ", definition.discriminant,
+                                 ");", spelling) +
+                      "    if (!at) return at;\n\n    at = " + spelling.word("open") + "(pass, at, " + tag +
+                      ");\n    switch (obj." + definition.discriminant.name + ") {\n";
     for (const Arm& each : definition.arms) out += arm(each, labels, spelling);
-    return out + otherValues(definition, spelling) + "    }\n    return " + spelling.word("close") + "(xdrs, " + tag +
+    return out + otherValues(definition, spelling) + "    }\n    return " + spelling.word("close") + "(pass, at, " + tag +
            ");\n}\n";
+}
+
+std::string countedBody(const Definition& definition, const Spelling& spelling)
+{
+    return "{\n" +
+           part(indentWidth, "return " + spelling.word("parts") + "(pass, at, ", definition.target,
+                spelling.word("untagged"), "obj", ");", spelling) +
+           "\n}\n";
+}
+
+std::string bodyOf(const Definition& definition, const Spelling& spelling)
+{
+    switch (definition.kind) {
+    case Kind::record: return recordBody(definition, spelling);
+    case Kind::discriminated: return unionBody(definition, spelling);
+    default: return countedBody(definition, spelling);
+    }
+}
+
+// ---- Routines -------------------------------------------------------------------------------------------------------
+
+std::string bodyRoutine(const Definition& definition, const Spelling& spelling)
+{
+    return signature(definition) + "{\n    return " + spelling.word("run") + "<" + spelling.type(definition.name) +
+           ">(xdrs, object);\n}\n";
 }
 
 std::string aliasRoutine(const Definition& definition, const Spelling& spelling)
@@ -199,11 +233,13 @@ std::string aliasRoutine(const Definition& definition, const Spelling& spelling)
            definition.target.type.name + "(xdrs, obj);\n}\n";
 }
 
-std::string typedefRoutine(const Definition& definition, const Spelling& spelling)
+// A typedef of a form that has no C++ type of its own.
+std::string formRoutine(const Definition& definition, const Spelling& spelling)
 {
-    if (definition.target.form == Form::single) return aliasRoutine(definition, spelling);
     return signature(definition) + "{\n" + objectLine(definition, spelling) +
-           coding(indentWidth, "return obj && ", definition.target, "", "*obj", ";", spelling) + "\n}\n";
+           part(indentWidth, "return obj && ", definition.target, spelling.word("untagged"), "*obj", ".call(xdrs);",
+                spelling) +
+           "\n}\n";
 }
 
 // The first line of the definition's documentation, and where it stands.
@@ -216,27 +252,52 @@ std::string heading(const Definition& definition, const Module& module)
     return lineComment(wrapped(together, lineWidth - 3).size() == 1 ? together : doc + "\n" + place);
 }
 
-std::string definitionText(const Definition& definition, const Module& module, const Spelling& spelling)
+bool hasBody(const Definition& definition)
+{
+    return definition.kind == Kind::record || definition.kind == Kind::discriminated || isCounted(definition);
+}
+
+// Types whose body always codes the same units are coded in place wherever they are used.
+bool isInPlace(const Definition& definition, WireShapes& shapes)
+{
+    return hasBody(definition) && shapes.of(definition).kind == WireShape::Kind::fixed;
+}
+
+std::string definitionText(const Definition& definition, const Module& module, const Spelling& spelling, WireShapes& shapes)
 {
     const std::string comment = heading(definition, module);
-    switch (definition.kind) {
-    case Kind::enumeration:
+    if (definition.kind == Kind::enumeration)
         return comment + nameFunction(definition) + "\n" + enumerationRoutine(definition, spelling);
-    case Kind::record: return comment + recordRoutine(definition, spelling);
-    case Kind::discriminated: return comment + unionRoutine(definition, spelling);
-    case Kind::definedAs: return comment + typedefRoutine(definition, spelling);
-    case Kind::constant: return "";
-    }
-    return "";
+    if (!hasBody(definition))
+        return comment + (definition.target.form == Form::single ? aliasRoutine(definition, spelling)
+                                                                 : formRoutine(definition, spelling));
+    if (isInPlace(definition, shapes)) return comment + bodyRoutine(definition, spelling);
+    return comment + bodySignature(definition, spelling, "") + "\n" + bodyOf(definition, spelling) + "QUORVA_BODY(" +
+           definition.name + ")\n\n" + bodyRoutine(definition, spelling);
+}
+
+// A body in a header, which must not open the words to everyone.
+std::string inPlaceBody(const Definition& definition, const Spelling& spelling)
+{
+    std::string words = "    using namespace quorva::walk;\n";
+    if (spelling.needsCoderAlias()) words += "    namespace coder = quorva::coder;\n";
+    return bodyOf(definition, spelling).insert(2, words);
+}
+
+std::string banner(const Module& module)
+{
+    return lineComment("Made from " + module.source.module + ".x by quorvaxdrc. Change the interface file, not this one.");
+}
+
+std::string using_(const Spelling& spelling)
+{
+    return std::string("using namespace quorva::walk;\n") +
+           (spelling.needsCoderAlias() ? "namespace coder = quorva::coder;\n" : "");
 }
 
 std::string opening(const Module& module, const Spelling& spelling)
 {
-    const std::string& name = module.source.module;
-    return lineComment("Made from " + name + ".x by quorvaxdrc. Change the interface file, not this one.") +
-           "#include <quorvapixdr/" + name + ".h>\n#include <quorvapixdr/walk.h>\n\n" +
-           "using namespace quorva::walk;\n" +
-           (spelling.needsCoderAlias() ? "namespace coder = quorva::coder;\n" : "");
+    return banner(module) + "#include <quorvapixdr/" + module.source.module + ".bodies.h>\n\n" + using_(spelling);
 }
 
 }  // namespace
@@ -244,8 +305,34 @@ std::string opening(const Module& module, const Spelling& spelling)
 std::string emitUnit(const Module& module)
 {
     const Spelling spelling(module);
+    WireShapes shapes;
     std::vector<std::string> parts = {opening(module, spelling)};
-    for (const Definition* definition : typesOf(module)) parts.push_back(definitionText(*definition, module, spelling));
+    for (const Definition* definition : typesOf(module))
+        parts.push_back(definitionText(*definition, module, spelling, shapes));
+    return sections(parts);
+}
+
+std::string emitBodies(const Module& module)
+{
+    const Spelling spelling(module);
+    WireShapes shapes;
+    std::string includes;
+    for (const Import& import : module.imports) includes += "#include <quorvapixdr/" + import.name + ".bodies.h>\n";
+    std::string declared;
+    std::vector<std::string> inPlace;
+    for (const Definition* definition : declarationOrder(typesOf(module))) {
+        if (!hasBody(*definition)) continue;
+        if (isInPlace(*definition, shapes))
+            inPlace.push_back(heading(*definition, module) + bodySignature(*definition, spelling, "quorva::walk::") + "\n" +
+                              inPlaceBody(*definition, spelling));
+        else
+            declared += bodySignature(*definition, spelling, "quorva::walk::") + ";\n";
+    }
+    std::vector<std::string> parts = {
+        banner(module) +
+            "// What the units of other modules need of its bodies; no part of the library's interface.\n#pragma once\n",
+        "#include <quorvapixdr/" + module.source.module + ".h>\n" + includes + "#include <quorvapixdr/walk.h>\n", declared};
+    parts.insert(parts.end(), inPlace.begin(), inPlace.end());
     return sections(parts);
 }
 

@@ -72,6 +72,7 @@ Writes for each FILE, which is a module named after its path below an -I folder,
   DIR/include/quorvapixdr/MODULE.h   the public header
   DIR/src/MODULE.cc                  the coding routines and name functions
   DIR/schema/MODULE.cc               its part of the schema table
+  DIR/include/quorvapixdr/MODULE.bodies.h  what the units of other modules need of it
 and DIR/schema/modules.cc, the list of all these modules. A file whose content would stay the same is not touched.
 )";
 
@@ -302,7 +303,8 @@ std::vector<std::string> pathsOf(const std::string& out, const std::string& modu
 {
     const fs::path root(out);
     return {(root / "include" / "quorvapixdr" / (module + ".h")).string(), (root / "src" / (module + ".cc")).string(),
-            (root / "schema" / (module + ".cc")).string()};
+            (root / "schema" / (module + ".cc")).string(),
+            (root / "include" / "quorvapixdr" / (module + ".bodies.h")).string()};
 }
 
 std::string indexPath(const std::string& out)
@@ -387,6 +389,7 @@ int generate(const Arguments& arguments, const Program& program)
         put(paths[0], emitHeader(*module));
         put(paths[1], emitUnit(*module));
         put(paths[2], emitSchema(*module));
+        put(paths[3], emitBodies(*module));
     }
     if (!arguments.noIndex) put(indexPath(arguments.out), emitModuleList(modules));
     if (!arguments.depfile.empty()) put(arguments.depfile, dependencies(program, arguments.target));

@@ -10,6 +10,9 @@
 #include <cstdint>
 #include <cstring>
 
+// Tells the codec at compile time that this class lends its buffer: cursor(), end(), moveTo().
+#define XDR_LENDS_BUFFER
+
 class Xdr {
 public:
     // ---- The contract -----------------------------------------------------------------------------------------------
@@ -87,6 +90,12 @@ public:
 
     // Whether anybody collects the trace; if not, the codec formats no text.
     bool tracing() const noexcept { return trace != nullptr; }
+
+    // The next byte to move, the end of the buffer, and the way to say that everything up to `at` was moved. The codec
+    // moves bytes itself with these when nobody collects a trace.
+    unsigned char* cursor() const noexcept { return bytes + codedLength; }
+    unsigned char* end() const noexcept { return bytes + limit; }
+    void moveTo(const unsigned char* at) noexcept { codedLength = static_cast<unsigned short>(at - bytes); }
 
 private:
     bool transferReversed(unsigned char* data, unsigned short size) noexcept

@@ -1,7 +1,10 @@
-// The few words that generated routines are written in: where the object is, a member between its tags, and each way of
-// holding a type. They know neither the direction nor the buffer; only the primitives do.
+// The few words that generated bodies are written in: a field, each way of holding a type, and an element of the trace.
 //
-// A field is given together with the coder of its type, so a wrong pairing does not compile. A member that fails leaves
+// A body is written once and serves every pass over its type. `Calls` works with any stream class: it opens an element
+// for each part, calls the part's routine and closes the element. The direct passes (see passes.h) move bytes
+// themselves; they exist where the class in use lends its buffer, and run where nobody collects a trace.
+//
+// A field is given together with the coder of its type, so a wrong pairing does not compile. A part that fails leaves
 // its element open: what is open after a failed pass is the path to the place where it stopped.
 #pragma once
 
@@ -15,7 +18,13 @@
 #include <cstring>
 #include <new>
 
+#define QUORVA_INLINE [[gnu::always_inline]] inline
+
 namespace quorva::walk {
+
+// Where a pass stands. The direct passes move through the buffer with it; for the others it only is not null. Null: the
+// pass has failed.
+using At = unsigned char*;
 
 // Whether anybody collects the trace. A class that cannot be asked is always told everything; only a template may find
 // that out.
@@ -44,109 +53,184 @@ T* objectAt(Xdr* xdrs, void* object)
     return static_cast<T*>(object ? object : newRoot(xdrs, sizeof(T)));
 }
 
-inline void open(Xdr* xdrs, const char* tag)
+// ---- Parts: what an object holds, and how --------------------------------------------------------------------------
+// `tag` is the part's element in the trace; the one part of a typedef has none. `call` codes the part through routines.
+
+template <class T, class S>
+struct Field {
+    const char* tag;
+    T& value;
+    Shaped<T, S> coder;
+
+    int call(Xdr* xdrs) const { return coder.routine(xdrs, &value); }
+};
+
+template <class T, std::size_t N, class S>
+struct Vector {
+    const char* tag;
+    T (&value)[N];
+    Shaped<T, S> coder;
+
+    int call(Xdr* xdrs) const { return XdrVector(xdrs, value, N, sizeof(T), coder.routine); }
+};
+
+template <class Sequence, class T, class S>
+struct List {
+    const char* tag;
+    Sequence& value;
+    std::uint32_t maximum;
+    Shaped<T, S> coder;
+
+    int call(Xdr* xdrs) const
+    {
+        return XdrArray(xdrs, &value.elements, &value.count, maximum, sizeof(T), coder.routine);
+    }
+};
+
+template <class T, class S>
+struct Optional {
+    const char* tag;
+    T*& value;
+    Shaped<T, S> coder;
+
+    int call(Xdr* xdrs) const { return XdrPointer(xdrs, &value, sizeof(T), coder.routine); }
+};
+
+struct Text {
+    const char* tag;
+    char*& value;
+    std::uint32_t maximum;
+
+    int call(Xdr* xdrs) const { return XdrString(xdrs, &value, maximum); }
+};
+
+template <class Sequence>
+struct Bytes {
+    const char* tag;
+    Sequence& value;
+    std::uint32_t maximum;
+
+    int call(Xdr* xdrs) const { return XdrBytes(xdrs, &value.elements, &value.count, maximum); }
+};
+
+template <std::size_t N>
+struct Opaque {
+    const char* tag;
+    unsigned char (&value)[N];
+
+    int call(Xdr* xdrs) const { return XdrOpaque2(xdrs, value, N); }
+};
+
+// ---- The words -----------------------------------------------------------------------------------------------------
+
+template <class T, class S>
+QUORVA_INLINE Field<T, S> field(const char* tag, T& value, Shaped<T, S> coder)
 {
-    if (traced(xdrs)) xdrs->addOpenTag(tag);
+    return {tag, value, coder};
 }
 
-inline int close(Xdr* xdrs, const char* tag)
+template <class T, std::size_t N, class S>
+QUORVA_INLINE Vector<T, N, S> vector(const char* tag, T (&elements)[N], Shaped<T, S> coder)
 {
-    if (traced(xdrs)) xdrs->addCloseTag(tag);
-    return 1;
-}
-
-// One value of any type.
-template <class T>
-int member(Xdr* xdrs, T& value, Coder<T> coder)
-{
-    return coder.routine(xdrs, &value);
-}
-
-template <class T, std::size_t N>
-int vector(Xdr* xdrs, T (&elements)[N], Coder<T> coder)
-{
-    return XdrVector(xdrs, elements, N, sizeof(T), coder.routine);
+    return {tag, elements, coder};
 }
 
 // `Sequence` is a `Counted<T>` or a sequence type of the interface, which has the same two members.
-template <class Sequence, class T>
+template <class Sequence, class T, class S>
     requires std::same_as<decltype(Sequence::elements), T*>
-int list(Xdr* xdrs, Sequence& sequence, std::uint32_t maximum, Coder<T> coder)
+QUORVA_INLINE List<Sequence, T, S> list(const char* tag, Sequence& sequence, std::uint32_t maximum, Shaped<T, S> coder)
 {
-    return XdrArray(xdrs, &sequence.elements, &sequence.count, maximum, sizeof(T), coder.routine);
+    return {tag, sequence, maximum, coder};
 }
 
-template <class T>
-int optional(Xdr* xdrs, T*& pointer, Coder<T> coder)
+template <class T, class S>
+QUORVA_INLINE Optional<T, S> optional(const char* tag, T*& pointer, Shaped<T, S> coder)
 {
-    return XdrPointer(xdrs, &pointer, sizeof(T), coder.routine);
+    return {tag, pointer, coder};
 }
 
-inline int text(Xdr* xdrs, char*& string, std::uint32_t maximum)
+QUORVA_INLINE Text text(const char* tag, char*& string, std::uint32_t maximum)
 {
-    return XdrString(xdrs, &string, maximum);
+    return {tag, string, maximum};
 }
 
 template <class Sequence>
     requires std::same_as<decltype(Sequence::elements), unsigned char*>
-int bytes(Xdr* xdrs, Sequence& sequence, std::uint32_t maximum)
+QUORVA_INLINE Bytes<Sequence> bytes(const char* tag, Sequence& sequence, std::uint32_t maximum)
 {
-    return XdrBytes(xdrs, &sequence.elements, &sequence.count, maximum);
+    return {tag, sequence, maximum};
 }
 
 template <std::size_t N>
-int opaque(Xdr* xdrs, unsigned char (&contents)[N])
+QUORVA_INLINE Opaque<N> opaque(const char* tag, unsigned char (&contents)[N])
 {
-    return XdrOpaque2(xdrs, contents, N);
+    return {tag, contents};
 }
 
-// The same as elements of their own in the trace, for fields and arms.
-template <class T>
-int member(Xdr* xdrs, const char* tag, T& value, Coder<T> coder)
+inline constexpr const char* untagged = nullptr;
+
+// ---- The pass that calls -------------------------------------------------------------------------------------------
+
+struct Calls {
+    Xdr* xdrs;
+};
+
+[[gnu::noinline]] inline void openElement(Xdr* xdrs, const char* tag)
 {
-    open(xdrs, tag);
-    return member(xdrs, value, coder) ? close(xdrs, tag) : 0;
+    if (tag && traced(xdrs)) xdrs->addOpenTag(tag);
 }
 
-template <class T, std::size_t N>
-int vector(Xdr* xdrs, const char* tag, T (&elements)[N], Coder<T> coder)
+[[gnu::noinline]] inline int closeElement(Xdr* xdrs, const char* tag)
 {
-    open(xdrs, tag);
-    return vector(xdrs, elements, coder) ? close(xdrs, tag) : 0;
+    if (tag && traced(xdrs)) xdrs->addCloseTag(tag);
+    return 1;
 }
 
-template <class Sequence, class T>
-int list(Xdr* xdrs, const char* tag, Sequence& sequence, std::uint32_t maximum, Coder<T> coder)
+// The commonest part, in one call: an element around one value.
+[[gnu::noinline]] inline int element(Xdr* xdrs, const char* tag, void* value, XdrRoutine routine)
 {
-    open(xdrs, tag);
-    return list(xdrs, sequence, maximum, coder) ? close(xdrs, tag) : 0;
+    openElement(xdrs, tag);
+    return routine(xdrs, value) ? closeElement(xdrs, tag) : 0;
 }
 
-template <class T>
-int optional(Xdr* xdrs, const char* tag, T*& pointer, Coder<T> coder)
+template <class T, class S>
+QUORVA_INLINE int callPart(Xdr* xdrs, const Field<T, S>& part)
 {
-    open(xdrs, tag);
-    return optional(xdrs, pointer, coder) ? close(xdrs, tag) : 0;
+    return element(xdrs, part.tag, &part.value, part.coder.routine);
 }
 
-inline int text(Xdr* xdrs, const char* tag, char*& string, std::uint32_t maximum)
+template <class Part>
+QUORVA_INLINE int callPart(Xdr* xdrs, const Part& part)
 {
-    open(xdrs, tag);
-    return text(xdrs, string, maximum) ? close(xdrs, tag) : 0;
+    openElement(xdrs, part.tag);
+    return part.call(xdrs) ? closeElement(xdrs, part.tag) : 0;
 }
 
-template <class Sequence>
-int bytes(Xdr* xdrs, const char* tag, Sequence& sequence, std::uint32_t maximum)
+// Codes the parts in order, up to the first that fails.
+template <class... Parts>
+QUORVA_INLINE At parts(Calls& pass, At at, const Parts&... all)
 {
-    open(xdrs, tag);
-    return bytes(xdrs, sequence, maximum) ? close(xdrs, tag) : 0;
+    return (callPart(pass.xdrs, all) && ...) ? at : nullptr;
 }
 
-template <std::size_t N>
-int opaque(Xdr* xdrs, const char* tag, unsigned char (&contents)[N])
+// An element around what follows, and its end.
+QUORVA_INLINE At open(Calls& pass, At at, const char* tag)
 {
-    open(xdrs, tag);
-    return opaque(xdrs, contents) ? close(xdrs, tag) : 0;
+    if (at) openElement(pass.xdrs, tag);
+    return at;
+}
+
+QUORVA_INLINE At close(Calls& pass, At at, const char* tag)
+{
+    if (at) closeElement(pass.xdrs, tag);
+    return at;
+}
+
+// A discriminant that selects no arm.
+template <class D>
+QUORVA_INLINE At refuse(Calls&, At, D&)
+{
+    return nullptr;
 }
 
 // The decimal text of a number, as printf writes it, zero-terminated.
@@ -185,6 +269,36 @@ int enumeration(Xdr* xdrs, void* object, const char* (*nameOf)(int))
     xdrs->addString2(Decimal(number).text());
     xdrs->addCloseTag(name);
     return 1;
+}
+
+}  // namespace quorva::walk
+
+// Inside the codec, where its bodies can be linked directly, and with a class that lends its buffer.
+#if defined(QUORVA_CODEC) && defined(XDR_LENDS_BUFFER)
+#define QUORVA_DIRECT
+#include <quorvapixdr/passes.h>
+// The body of `T` for the direct passes, which other modules call.
+#define QUORVA_BODY(T)                                                                                     \
+    template quorva::walk::At code(quorva::walk::Encoding<Xdr>&, quorva::walk::At, ::T&);  \
+    template quorva::walk::At code(quorva::walk::Decoding<Xdr>&, quorva::walk::At, ::T&);  \
+    template quorva::walk::At code(quorva::walk::Releasing<Xdr>&, quorva::walk::At, ::T&);
+#else
+#define QUORVA_BODY(T)
+#endif
+
+namespace quorva::walk {
+
+// The routine of a type with a body: finds the object and runs the pass that fits the stream.
+template <class T>
+int run(Xdr* xdrs, void* object)
+{
+    T* value = objectAt<T>(xdrs, object);
+    if (!value) return 0;
+#ifdef QUORVA_DIRECT
+    if (!traced(xdrs)) return runDirect<T>(xdrs, *value);
+#endif
+    Calls pass{xdrs};
+    return code(pass, reinterpret_cast<At>(value), *value) != nullptr;
 }
 
 }  // namespace quorva::walk

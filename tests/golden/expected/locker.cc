@@ -1,6 +1,5 @@
 // Made from locker.x by quorvaxdrc. Change the interface file, not this one.
-#include <quorvapixdr/locker.h>
-#include <quorvapixdr/walk.h>
+#include <quorvapixdr/locker.bodies.h>
 
 using namespace quorva::walk;
 namespace coder = quorva::coder;
@@ -54,168 +53,214 @@ int XdrLockerId(Xdr* xdrs, void* object)
 }
 
 // locker.x:25
+template <class Pass>
+At code(Pass& pass, At at, LockerIdSeq& obj)
+{
+    return parts(pass, at, list(untagged, obj, PanelDoors, coder::LockerId));
+}
+QUORVA_BODY(LockerIdSeq)
+
 int XdrLockerIdSeq(Xdr* xdrs, void* object)
 {
-    auto* obj = objectAt<LockerIdSeq>(xdrs, object);
-    return obj && list(xdrs, *obj, PanelDoors, coder::LockerId);
+    return run<LockerIdSeq>(xdrs, object);
 }
 
 // as engraved   locker.x:26
 int XdrDoorLabel(Xdr* xdrs, void* object)
 {
     auto* obj = objectAt<DoorLabel>(xdrs, object);
-    return obj && text(xdrs, *obj, 40);
+    return obj && text(untagged, *obj, 40).call(xdrs);
 }
 
 // doors side by side   locker.x:27
 int XdrRow(Xdr* xdrs, void* object)
 {
     auto* obj = objectAt<Row>(xdrs, object);
-    return obj && vector(xdrs, *obj, coder::DoorState);
+    return obj && vector(untagged, *obj, coder::DoorState).call(xdrs);
 }
 
 // locker.x:28
 int XdrKey(Xdr* xdrs, void* object)
 {
     auto* obj = objectAt<Key>(xdrs, object);
-    return obj && opaque(xdrs, *obj);
+    return obj && opaque(untagged, *obj).call(xdrs);
 }
 
 // of the door's last visitor   locker.x:29
+template <class Pass>
+At code(Pass& pass, At at, Picture& obj)
+{
+    return parts(pass, at, bytes(untagged, obj, 65535));
+}
+QUORVA_BODY(Picture)
+
 int XdrPicture(Xdr* xdrs, void* object)
 {
-    auto* obj = objectAt<Picture>(xdrs, object);
-    return obj && bytes(xdrs, *obj, 65535);
+    return run<Picture>(xdrs, object);
 }
 
 // none at the end of a row   locker.x:30
 int XdrNeighbour(Xdr* xdrs, void* object)
 {
     auto* obj = objectAt<Neighbour>(xdrs, object);
-    return obj && optional(xdrs, *obj, coder::Locker);
+    return obj && optional(untagged, *obj, coder::Locker).call(xdrs);
 }
 
 // One door and the code that opens it.   locker.x:34
+template <class Pass>
+At code(Pass& pass, At at, Locker& obj)
+{
+    return parts(pass, at,
+            field("id", obj.id, coder::LockerId),
+            vector("code", obj.code, coder::ShortNatural),
+            field("label", obj.label, coder::DoorLabel),
+            text("owner", obj.owner, 40),
+            field("DoorState", obj.DoorState, coder::DoorState),
+            field("above", obj.above, coder::Row),
+            list("nested", obj.nested, 65535, coder::Locker),
+            field("picture", obj.picture, coder::Picture),
+            bytes("signature", obj.signature, 64),
+            opaque("seal", obj.seal),
+            field("left", obj.left, coder::Neighbour),
+            optional("right", obj.right, coder::Locker),
+            field("lamp", obj.lamp, coder::LampColour),
+            vector("paint", obj.paint, coder::ColourValue));
+}
+QUORVA_BODY(Locker)
+
 int XdrLocker(Xdr* xdrs, void* object)
 {
-    auto* obj = objectAt<Locker>(xdrs, object);
-    return obj
-        && member(xdrs, "id", obj->id, coder::LockerId)
-        && vector(xdrs, "code", obj->code, coder::ShortNatural)
-        && member(xdrs, "label", obj->label, coder::DoorLabel)
-        && text(xdrs, "owner", obj->owner, 40)
-        && member(xdrs, "DoorState", obj->DoorState, coder::DoorState)
-        && member(xdrs, "above", obj->above, coder::Row)
-        && list(xdrs, "nested", obj->nested, 65535, coder::Locker)
-        && member(xdrs, "picture", obj->picture, coder::Picture)
-        && bytes(xdrs, "signature", obj->signature, 64)
-        && opaque(xdrs, "seal", obj->seal)
-        && member(xdrs, "left", obj->left, coder::Neighbour)
-        && optional(xdrs, "right", obj->right, coder::Locker)
-        && member(xdrs, "lamp", obj->lamp, coder::LampColour)
-        && vector(xdrs, "paint", obj->paint, coder::ColourValue);
+    return run<Locker>(xdrs, object);
 }
 
 // Who may open a door. A value without an arm is refused, so void arms are written out.   locker.x:52
-int XdrAccessUnion(Xdr* xdrs, void* object)
+template <class Pass>
+At code(Pass& pass, At at, AccessUnion& obj)
 {
-    auto* obj = objectAt<AccessUnion>(xdrs, object);
-    if (!obj || !member(xdrs, "kind", obj->kind, coder::AccessKind)) return 0;
+    at = parts(pass, at, field("kind", obj.kind, coder::AccessKind));
+    if (!at) return at;
 
-    open(xdrs, "AccessUnionUnion");
-    switch (obj->kind) {
+    at = open(pass, at, "AccessUnionUnion");
+    switch (obj.kind) {
     case AccessKind::AKnobody:
         break;
     case AccessKind::AKowner:
-        if (!text(xdrs, "owner", obj->owner, 40)) return 0;
+        at = parts(pass, at, text("owner", obj.owner, 40));
         break;
     case AccessKind::AKgroup:
     case AccessKind::AKshift:
-        if (!member(xdrs, "members", obj->members, coder::LockerIdSeq)) return 0;
+        at = parts(pass, at, field("members", obj.members, coder::LockerIdSeq));
         break;
     default:
-        return 0;
+        return refuse(pass, at, obj.kind);
     }
-    return close(xdrs, "AccessUnionUnion");
+    return close(pass, at, "AccessUnionUnion");
+}
+QUORVA_BODY(AccessUnion)
+
+int XdrAccessUnion(Xdr* xdrs, void* object)
+{
+    return run<AccessUnion>(xdrs, object);
 }
 
 // What can be read of a station, by attribute number.   locker.x:61
-int XdrStationUnion(Xdr* xdrs, void* object)
+template <class Pass>
+At code(Pass& pass, At at, StationUnion& obj)
 {
-    auto* obj = objectAt<StationUnion>(xdrs, object);
-    if (!obj || !member(xdrs, "attribute", obj->attribute, coder::AttributeNumber)) return 0;
+    at = parts(pass, at, field("attribute", obj.attribute, coder::AttributeNumber));
+    if (!at) return at;
 
-    open(xdrs, "StationUnionUnion");
-    switch (obj->attribute) {
+    at = open(pass, at, "StationUnionUnion");
+    switch (obj.attribute) {
     case 8:
-        if (!list(xdrs, "doors", obj->doors, PanelDoors, coder::Locker)) return 0;
+        at = parts(pass, at, list("doors", obj.doors, PanelDoors, coder::Locker));
         break;
     case 22:
-        if (!member(xdrs, "frontLamp", obj->frontLamp, coder::LampColour)) return 0;
+        at = parts(pass, at, field("frontLamp", obj.frontLamp, coder::LampColour));
         break;
     case 23:
-        if (!list(xdrs, "doors", obj->doors, PanelDoors, coder::Locker)) return 0;
+        at = parts(pass, at, list("doors", obj.doors, PanelDoors, coder::Locker));
         break;
     case 31:
-        if (!member(xdrs, "temperature", obj->temperature, coder::Float)) return 0;
+        at = parts(pass, at, field("temperature", obj.temperature, coder::Float));
         break;
     case 32:
-        if (!member(xdrs, "key", obj->key, coder::Key)) return 0;
+        at = parts(pass, at, field("key", obj.key, coder::Key));
         break;
     case 40:
-        if (!vector(xdrs, "counters", obj->counters, coder::UINT)) return 0;
+        at = parts(pass, at, vector("counters", obj.counters, coder::UINT));
         break;
     case 41:
-        if (!optional(xdrs, "master", obj->master, coder::Locker)) return 0;
+        at = parts(pass, at, optional("master", obj.master, coder::Locker));
         break;
     case 485:
-        if (!bytes(xdrs, "raw", obj->raw, 65535)) return 0;
+        at = parts(pass, at, bytes("raw", obj.raw, 65535));
         break;
     default:
-        return 0;
+        return refuse(pass, at, obj.attribute);
     }
-    return close(xdrs, "StationUnionUnion");
+    return close(pass, at, "StationUnionUnion");
+}
+QUORVA_BODY(StationUnion)
+
+int XdrStationUnion(Xdr* xdrs, void* object)
+{
+    return run<StationUnion>(xdrs, object);
 }
 
 // Whether a door opens by itself.   locker.x:73
-int XdrDrive(Xdr* xdrs, void* object)
+template <class Pass>
+At code(Pass& pass, At at, Drive& obj)
 {
-    auto* obj = objectAt<Drive>(xdrs, object);
-    if (!obj || !member(xdrs, "powered", obj->powered, coder::Boolean)) return 0;
+    at = parts(pass, at, field("powered", obj.powered, coder::Boolean));
+    if (!at) return at;
 
-    open(xdrs, "DriveUnion");
-    switch (obj->powered) {
+    at = open(pass, at, "DriveUnion");
+    switch (obj.powered) {
     case 1:
-        if (!member(xdrs, "openingTime", obj->openingTime, coder::Natural)) return 0;
+        at = parts(pass, at, field("openingTime", obj.openingTime, coder::Natural));
         break;
     case 0:
         break;
     default:
-        return 0;
+        return refuse(pass, at, obj.powered);
     }
-    return close(xdrs, "DriveUnion");
+    return close(pass, at, "DriveUnion");
+}
+QUORVA_BODY(Drive)
+
+int XdrDrive(Xdr* xdrs, void* object)
+{
+    return run<Drive>(xdrs, object);
 }
 
 // What happened at the station. Most events say all there is to say.   locker.x:80
-int XdrEventUnion(Xdr* xdrs, void* object)
+template <class Pass>
+At code(Pass& pass, At at, EventUnion& obj)
 {
-    auto* obj = objectAt<EventUnion>(xdrs, object);
-    if (!obj || !member(xdrs, "number", obj->number, coder::Integer32)) return 0;
+    at = parts(pass, at, field("number", obj.number, coder::Integer32));
+    if (!at) return at;
 
-    open(xdrs, "EventUnionUnion");
-    switch (obj->number) {
+    at = open(pass, at, "EventUnionUnion");
+    switch (obj.number) {
     case -1:
-        if (!text(xdrs, "reason", obj->reason, 65535)) return 0;
+        at = parts(pass, at, text("reason", obj.reason, 65535));
         break;
     case 7:
-        if (!member(xdrs, "access", obj->access, coder::AccessUnion)) return 0;
+        at = parts(pass, at, field("access", obj.access, coder::AccessUnion));
         break;
     default:
-        open(xdrs, "default");
-        close(xdrs, "default");
+        at = open(pass, at, "default");
+        at = close(pass, at, "default");
         break;
     }
-    return close(xdrs, "EventUnionUnion");
+    return close(pass, at, "EventUnionUnion");
+}
+QUORVA_BODY(EventUnion)
+
+int XdrEventUnion(Xdr* xdrs, void* object)
+{
+    return run<EventUnion>(xdrs, object);
 }
 
 // locker.x:86
@@ -226,13 +271,14 @@ int XdrInteger32(Xdr* xdrs, void* object)
 }
 
 // Signs on the doors, without any arm that carries data.   locker.x:89
-int XdrSignUnion(Xdr* xdrs, void* object)
+template <class Pass>
+At code(Pass& pass, At at, SignUnion& obj)
 {
-    auto* obj = objectAt<SignUnion>(xdrs, object);
-    if (!obj || !member(xdrs, "colour", obj->colour, coder::LampColour)) return 0;
+    at = parts(pass, at, field("colour", obj.colour, coder::LampColour));
+    if (!at) return at;
 
-    open(xdrs, "SignUnionUnion");
-    switch (obj->colour) {
+    at = open(pass, at, "SignUnionUnion");
+    switch (obj.colour) {
     case LampColour::LCoff:
         break;
     case LampColour::LCgreen:
@@ -240,23 +286,35 @@ int XdrSignUnion(Xdr* xdrs, void* object)
     case LampColour::LCred:
         break;
     default:
-        return 0;
+        return refuse(pass, at, obj.colour);
     }
-    return close(xdrs, "SignUnionUnion");
+    return close(pass, at, "SignUnionUnion");
+}
+QUORVA_BODY(SignUnion)
+
+int XdrSignUnion(Xdr* xdrs, void* object)
+{
+    return run<SignUnion>(xdrs, object);
 }
 
 // locker.x:96
+template <class Pass>
+At code(Pass& pass, At at, Visit& obj)
+{
+    return parts(pass, at,
+            field("minutes", obj.minutes, coder::Integer),
+            field("offset", obj.offset, coder::ShortInteger),
+            field("paid", obj.paid, coder::Boolean),
+            field("sign", obj.sign, coder::SignUnion),
+            field("drive", obj.drive, coder::Drive),
+            field("last", obj.last, coder::EventUnion),
+            list("changes", obj.changes, 12, coder::StationUnion),
+            optional("before", obj.before, coder::AccessUnion),
+            field("rest", obj.rest, coder::Natural));
+}
+QUORVA_BODY(Visit)
+
 int XdrVisit(Xdr* xdrs, void* object)
 {
-    auto* obj = objectAt<Visit>(xdrs, object);
-    return obj
-        && member(xdrs, "minutes", obj->minutes, coder::Integer)
-        && member(xdrs, "offset", obj->offset, coder::ShortInteger)
-        && member(xdrs, "paid", obj->paid, coder::Boolean)
-        && member(xdrs, "sign", obj->sign, coder::SignUnion)
-        && member(xdrs, "drive", obj->drive, coder::Drive)
-        && member(xdrs, "last", obj->last, coder::EventUnion)
-        && list(xdrs, "changes", obj->changes, 12, coder::StationUnion)
-        && optional(xdrs, "before", obj->before, coder::AccessUnion)
-        && member(xdrs, "rest", obj->rest, coder::Natural);
+    return run<Visit>(xdrs, object);
 }

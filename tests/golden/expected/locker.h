@@ -168,24 +168,30 @@ QUORVA_EXPORT int XdrVisit(Xdr* xdrs, void* object);
 }  // extern "C"
 
 namespace quorva::coder {
-inline constexpr quorva::Coder<::DoorState> DoorState = {XdrDoorState, "DoorState"};
-inline constexpr quorva::Coder<::AccessKind> AccessKind = {XdrAccessKind, "AccessKind"};
-inline constexpr quorva::Coder<::AttributeNumber> AttributeNumber = {XdrAttributeNumber, "AttributeNumber"};
-inline constexpr quorva::Coder<::LockerId> LockerId = {XdrLockerId, "LockerId"};
-inline constexpr quorva::Coder<::LockerIdSeq> LockerIdSeq = {XdrLockerIdSeq, "LockerIdSeq"};
-inline constexpr quorva::Coder<::DoorLabel> DoorLabel = {XdrDoorLabel, "DoorLabel"};
-inline constexpr quorva::Coder<::Row> Row = {XdrRow, "Row"};
-inline constexpr quorva::Coder<::Key> Key = {XdrKey, "Key"};
-inline constexpr quorva::Coder<::Picture> Picture = {XdrPicture, "Picture"};
-inline constexpr quorva::Coder<::Neighbour> Neighbour = {XdrNeighbour, "Neighbour"};
-inline constexpr quorva::Coder<::Locker> Locker = {XdrLocker, "Locker"};
-inline constexpr quorva::Coder<::AccessUnion> AccessUnion = {XdrAccessUnion, "AccessUnion"};
-inline constexpr quorva::Coder<::StationUnion> StationUnion = {XdrStationUnion, "StationUnion"};
-inline constexpr quorva::Coder<::Drive> Drive = {XdrDrive, "Drive"};
-inline constexpr quorva::Coder<::EventUnion> EventUnion = {XdrEventUnion, "EventUnion"};
-inline constexpr quorva::Coder<::Integer32> Integer32 = {XdrInteger32, "Integer32"};
-inline constexpr quorva::Coder<::SignUnion> SignUnion = {XdrSignUnion, "SignUnion"};
-inline constexpr quorva::Coder<::Visit> Visit = {XdrVisit, "Visit"};
+inline constexpr quorva::Shaped<::DoorState, quorva::shape::Number<std::int32_t>>
+    DoorState = {{XdrDoorState, "DoorState"}};
+inline constexpr quorva::Shaped<::AccessKind, quorva::shape::Number<std::int32_t>>
+    AccessKind = {{XdrAccessKind, "AccessKind"}};
+inline constexpr quorva::Shaped<::AttributeNumber, decltype(LongNatural)::Shape>
+    AttributeNumber = {{XdrAttributeNumber, "AttributeNumber"}};
+inline constexpr quorva::Shaped<::LockerId, decltype(LongNatural)::Shape> LockerId = {{XdrLockerId, "LockerId"}};
+inline constexpr quorva::Shaped<::LockerIdSeq, quorva::shape::Body<true>>
+    LockerIdSeq = {{XdrLockerIdSeq, "LockerIdSeq"}};
+inline constexpr quorva::Shaped<::DoorLabel, quorva::shape::Text<40>> DoorLabel = {{XdrDoorLabel, "DoorLabel"}};
+inline constexpr quorva::Shaped<::Row, quorva::shape::Routine> Row = {{XdrRow, "Row"}};
+inline constexpr quorva::Shaped<::Key, quorva::shape::Routine> Key = {{XdrKey, "Key"}};
+inline constexpr quorva::Shaped<::Picture, quorva::shape::Body<true>> Picture = {{XdrPicture, "Picture"}};
+inline constexpr quorva::Shaped<::Neighbour, quorva::shape::Routine> Neighbour = {{XdrNeighbour, "Neighbour"}};
+inline constexpr quorva::Shaped<::Locker, quorva::shape::Body<true>> Locker = {{XdrLocker, "Locker"}};
+inline constexpr quorva::Shaped<::AccessUnion, quorva::shape::Body<true>>
+    AccessUnion = {{XdrAccessUnion, "AccessUnion"}};
+inline constexpr quorva::Shaped<::StationUnion, quorva::shape::Body<true>>
+    StationUnion = {{XdrStationUnion, "StationUnion"}};
+inline constexpr quorva::Shaped<::Drive, quorva::shape::Body<true>> Drive = {{XdrDrive, "Drive"}};
+inline constexpr quorva::Shaped<::EventUnion, quorva::shape::Body<true>> EventUnion = {{XdrEventUnion, "EventUnion"}};
+inline constexpr quorva::Shaped<::Integer32, decltype(LongInteger)::Shape> Integer32 = {{XdrInteger32, "Integer32"}};
+inline constexpr quorva::Shaped<::SignUnion, quorva::shape::Body<true>> SignUnion = {{XdrSignUnion, "SignUnion"}};
+inline constexpr quorva::Shaped<::Visit, quorva::shape::Body<true>> Visit = {{XdrVisit, "Visit"}};
 }  // namespace quorva::coder
 
 namespace quorva {
