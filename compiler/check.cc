@@ -74,7 +74,8 @@ const std::unordered_set<std::string_view> primitiveRoutines = {
 };
 
 // Module names that would replace a file of the library.
-const std::unordered_set<std::string_view> libraryModules = {"drivers", "primitives", "schema", "walk", "modules"};
+const std::unordered_set<std::string_view> libraryModules = {"codec",  "drivers",    "modules", "passes",
+                                                              "primitives", "schema", "walk"};
 
 std::string_view kindWord(Kind kind)
 {

@@ -64,14 +64,14 @@ std::string typeText(const Declaration& declaration)
     const std::string number = std::to_string(declaration.bound);
     const std::string maximum = "<" + (declaration.bound == 65535 ? "" : number) + ">";
     switch (declaration.form) {
-        case Form::single: return declaration.type.name;
-        case Form::vector: return declaration.type.name + "[" + number + "]";
-        case Form::list: return declaration.type.name + maximum;
-        case Form::optional: return declaration.type.name + "*";
-        case Form::string: return "string" + maximum;
-        case Form::bytes: return "opaque" + maximum;
-        case Form::opaque: return "opaque[" + number + "]";
-        case Form::nothing: return "void";
+    case Form::single: return declaration.type.name;
+    case Form::vector: return declaration.type.name + "[" + number + "]";
+    case Form::list: return declaration.type.name + maximum;
+    case Form::optional: return declaration.type.name + "*";
+    case Form::string: return "string" + maximum;
+    case Form::bytes: return "opaque" + maximum;
+    case Form::opaque: return "opaque[" + number + "]";
+    case Form::nothing: return "void";
     }
     return "";
 }
@@ -226,16 +226,15 @@ void Comparison::content(const Definition& before, const Definition& after)
 {
     if (before.kind == after.kind) {
         switch (before.kind) {
-            case Kind::constant:
-                if (before.constant.number == after.constant.number) return;
-                change(
-                    Weight::source, before.at, after.at,
-                    "was " + std::to_string(before.constant.number) + ", is " + std::to_string(after.constant.number));
-                return;
-            case Kind::enumeration: enumeration(before, after); return;
-            case Kind::record: record(before, after); return;
-            case Kind::discriminated: discriminated(before, after); return;
-            case Kind::definedAs: type("", before.target, after.target); return;
+        case Kind::constant:
+            if (before.constant.number == after.constant.number) return;
+            change(Weight::source, before.at, after.at,
+                   "was " + std::to_string(before.constant.number) + ", is " + std::to_string(after.constant.number));
+            return;
+        case Kind::enumeration: enumeration(before, after); return;
+        case Kind::record: record(before, after); return;
+        case Kind::discriminated: discriminated(before, after); return;
+        case Kind::definedAs: type("", before.target, after.target); return;
         }
     }
     const std::string what = "is a definition of another kind: " + called(after);

@@ -27,14 +27,14 @@ std::string text(const Declaration& declaration)
     const std::string& type = declaration.type.name;
     const std::string& name = declaration.name;
     switch (declaration.form) {
-        case Form::single: return type + " " + name + ";\n";
-        case Form::vector: return type + " " + name + "[" + bound(declaration) + "];\n";
-        case Form::list: return type + " " + name + "<" + bound(declaration) + ">;\n";
-        case Form::optional: return type + " *" + name + ";\n";
-        case Form::string: return "string " + name + "<" + bound(declaration) + ">;\n";
-        case Form::bytes: return "opaque " + name + "<" + bound(declaration) + ">;\n";
-        case Form::opaque: return "opaque " + name + "[" + bound(declaration) + "];\n";
-        case Form::nothing: return "void;\n";
+    case Form::single: return type + " " + name + ";\n";
+    case Form::vector: return type + " " + name + "[" + bound(declaration) + "];\n";
+    case Form::list: return type + " " + name + "<" + bound(declaration) + ">;\n";
+    case Form::optional: return type + " *" + name + ";\n";
+    case Form::string: return "string " + name + "<" + bound(declaration) + ">;\n";
+    case Form::bytes: return "opaque " + name + "<" + bound(declaration) + ">;\n";
+    case Form::opaque: return "opaque " + name + "[" + bound(declaration) + "];\n";
+    case Form::nothing: return "void;\n";
     }
     return "";
 }
@@ -50,21 +50,21 @@ std::string body(const Definition& definition)
 {
     std::string out;
     switch (definition.kind) {
-        case Kind::constant: return "const " + definition.name + " = " + number(definition.constant) + ";\n";
-        case Kind::definedAs: return "typedef " + text(definition.target);
-        case Kind::enumeration:
-            for (const Enumerator& each : definition.enumerators) {
-                out += (out.empty() ? "    " : ",\n    ") + each.name + " = " + number(each.value);
-            }
-            return "enum " + definition.name + " {\n" + out + "\n};\n";
-        case Kind::record:
-            for (const Declaration& field : definition.fields) out += "    " + text(field);
-            return "struct " + definition.name + " {\n" + out + "};\n";
-        case Kind::discriminated:
-            for (const Arm& each : definition.arms) out += arm(each);
-            if (definition.defaultArm) out += "    default: " + text(definition.defaultArm->declaration);
-            return "union " + definition.name + " switch (" + definition.discriminant.type.name + " " +
-                   definition.discriminant.name + ") {\n" + out + "};\n";
+    case Kind::constant: return "const " + definition.name + " = " + number(definition.constant) + ";\n";
+    case Kind::definedAs: return "typedef " + text(definition.target);
+    case Kind::enumeration:
+        for (const Enumerator& each : definition.enumerators) {
+            out += (out.empty() ? "    " : ",\n    ") + each.name + " = " + number(each.value);
+        }
+        return "enum " + definition.name + " {\n" + out + "\n};\n";
+    case Kind::record:
+        for (const Declaration& field : definition.fields) out += "    " + text(field);
+        return "struct " + definition.name + " {\n" + out + "};\n";
+    case Kind::discriminated:
+        for (const Arm& each : definition.arms) out += arm(each);
+        if (definition.defaultArm) out += "    default: " + text(definition.defaultArm->declaration);
+        return "union " + definition.name + " switch (" + definition.discriminant.type.name + " " +
+               definition.discriminant.name + ") {\n" + out + "};\n";
     }
     return "";
 }

@@ -68,16 +68,16 @@ void Layouts::append(Layout& record, const Layout& member)
 Layout Layouts::of(const TypeRef& type) const
 {
     switch (type.builtin) {
-        case Builtin::Boolean:
-        case Builtin::ShortInteger:
-        case Builtin::ShortNatural: return {1, 1};
-        case Builtin::Integer:
-        case Builtin::Natural: return {2, 2};
-        case Builtin::LongInteger:
-        case Builtin::LongNatural:
-        case Builtin::UINT:
-        case Builtin::Float: return {4, 4};
-        case Builtin::none: break;
+    case Builtin::Boolean:
+    case Builtin::ShortInteger:
+    case Builtin::ShortNatural: return {1, 1};
+    case Builtin::Integer:
+    case Builtin::Natural: return {2, 2};
+    case Builtin::LongInteger:
+    case Builtin::LongNatural:
+    case Builtin::UINT:
+    case Builtin::Float: return {4, 4};
+    case Builtin::none: break;
     }
     const auto known = known_.find(type.definition);
     return known == known_.end() ? Layout{} : known->second;
@@ -86,17 +86,17 @@ Layout Layouts::of(const TypeRef& type) const
 Layout Layouts::of(const Declaration& declaration) const
 {
     switch (declaration.form) {
-        case Form::single: return of(declaration.type);
-        case Form::vector: {
-            const Layout element = of(declaration.type);
-            return {element.size * declaration.bound, element.alignment};
-        }
-        case Form::list:
-        case Form::bytes: return {16, 8};
-        case Form::optional:
-        case Form::string: return {8, 8};
-        case Form::opaque: return {declaration.bound, 1};
-        case Form::nothing: break;
+    case Form::single: return of(declaration.type);
+    case Form::vector: {
+        const Layout element = of(declaration.type);
+        return {element.size * declaration.bound, element.alignment};
+    }
+    case Form::list:
+    case Form::bytes: return {16, 8};
+    case Form::optional:
+    case Form::string: return {8, 8};
+    case Form::opaque: return {declaration.bound, 1};
+    case Form::nothing: break;
     }
     return {};
 }
@@ -105,22 +105,22 @@ Layout Layouts::of(const Definition& definition) const
 {
     Layout layout;
     switch (definition.kind) {
-        case Kind::constant: return layout;
-        case Kind::enumeration: return {4, 4};
-        case Kind::definedAs: return of(definition.target);
-        case Kind::record:
-            for (const Declaration& field : definition.fields) append(layout, of(field));
-            break;
-        case Kind::discriminated: {
-            Layout arms;
-            for (const Arm& arm : definition.arms) {
-                const Layout held = of(arm.declaration);
-                arms = {std::max(arms.size, held.size), std::max(arms.alignment, held.alignment)};
-            }
-            append(layout, of(definition.discriminant));
-            append(layout, arms);
-            break;
+    case Kind::constant: return layout;
+    case Kind::enumeration: return {4, 4};
+    case Kind::definedAs: return of(definition.target);
+    case Kind::record:
+        for (const Declaration& field : definition.fields) append(layout, of(field));
+        break;
+    case Kind::discriminated: {
+        Layout arms;
+        for (const Arm& arm : definition.arms) {
+            const Layout held = of(arm.declaration);
+            arms = {std::max(arms.size, held.size), std::max(arms.alignment, held.alignment)};
         }
+        append(layout, of(definition.discriminant));
+        append(layout, arms);
+        break;
+    }
     }
     layout.size = padded(layout.size, layout.alignment);
     return layout;

@@ -57,7 +57,8 @@ Compiles interface files: XDR (RFC 4506) with imports and the names of the API's
   --help     this text; behind a command, that command's options
   --version  the version
 
-The status is 0; 1 when the input has faults, bad habits or breaks; 2 when the command line is wrong or a file cannot be read or written.
+The status is 0; 1 when the input has faults, bad habits or breaks; 2 when the command line is wrong or a file cannot
+be read or written.
 )";
 
 constexpr std::string_view searching =

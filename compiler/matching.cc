@@ -48,16 +48,16 @@ struct Units {
 Units unitsOf(Builtin builtin)
 {
     switch (builtin) {
-        case Builtin::Boolean:
-        case Builtin::ShortInteger:
-        case Builtin::ShortNatural: return {0, 255, false};  // also the signed one: it is zero-extended
-        case Builtin::Integer: return {-32768, 32767, false};
-        case Builtin::Natural: return {0, 65535, false};
-        case Builtin::LongInteger:
-        case Builtin::LongNatural:
-        case Builtin::UINT: return {0, std::numeric_limits<std::uint32_t>::max(), false};
-        case Builtin::Float: return {0, 0, true};
-        case Builtin::none: break;
+    case Builtin::Boolean:
+    case Builtin::ShortInteger:
+    case Builtin::ShortNatural: return {0, 255, false};  // also the signed one: it is zero-extended
+    case Builtin::Integer: return {-32768, 32767, false};
+    case Builtin::Natural: return {0, 65535, false};
+    case Builtin::LongInteger:
+    case Builtin::LongNatural:
+    case Builtin::UINT: return {0, std::numeric_limits<std::uint32_t>::max(), false};
+    case Builtin::Float: return {0, 0, true};
+    case Builtin::none: break;
     }
     return {};
 }
@@ -295,18 +295,18 @@ Difference Types::surface(Declaration before, Declaration after, Open& open) con
             found.source = true;
         }
         switch (was.form) {
-            case Form::string:
-            case Form::bytes:
-            case Form::opaque:
-            case Form::nothing: return found;
-            case Form::single: {
-                const Difference deeper = values(*was.type, *is.type, open);
-                return {found.wire || deeper.wire, found.source || deeper.source, found.trace || deeper.trace,
-                        found.provisional || deeper.provisional};
-            }
-            case Form::vector:
-            case Form::list:
-            case Form::optional: break;
+        case Form::string:
+        case Form::bytes:
+        case Form::opaque:
+        case Form::nothing: return found;
+        case Form::single: {
+            const Difference deeper = values(*was.type, *is.type, open);
+            return {found.wire || deeper.wire, found.source || deeper.source, found.trace || deeper.trace,
+                    found.provisional || deeper.provisional};
+        }
+        case Form::vector:
+        case Form::list:
+        case Form::optional: break;
         }
         before = singleOf(*was.type);
         after = singleOf(*is.type);

@@ -31,17 +31,41 @@ std::vector<const Type*> allTypes()
     return types;
 }
 
+// The two ways through a generated body. Where nobody collects a trace, direct passes move the bytes; a trace takes the
+// way of calls, through the primitives, as every pass does with another platform's stream.
+enum class Way { direct, calls };
+constexpr Way ways[] = {Way::direct, Way::calls};
+
+// A trace that has run out of memory: it keeps a pass on the way of calls, and allocates nothing itself.
+TraceText& deafTrace()
+{
+    thread_local TraceText trace;
+    const Watch watch(0);
+    while (trace.complete()) trace.open("deaf");
+    return trace;
+}
+
+Pass runAlong(Way way, Xdr::Request mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
+{
+    TraceText* const sink = way == Way::calls ? &deafTrace() : nullptr;
+    return runPass(mode, routine, object, buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
+}
+
 // Zeroed storage of just the size of one object; nobody but the test releases its contents.
 class Storage {
 public:
-    explicit Storage(const Type& type) : described(type), bytes(new unsigned char[type.size]()) {}
+    explicit Storage(const Type& type, Way way = Way::direct)
+        : described(type), along(way), bytes(new unsigned char[type.size]())
+    {
+    }
     Storage(const Storage&) = delete;
     ~Storage() { delete[] bytes; }
 
     Pass run(Xdr::Request mode, std::span<unsigned char> buffer, long failFrom = Watch::never)
     {
+        deafTrace();
         const Watch watch(failFrom);
-        return runPass(mode, described.routine, bytes, buffer);
+        return runAlong(along, mode, described.routine, bytes, buffer);
     }
 
     // Whether one release pass leaves nothing behind, and releases everything in the form that it was allocated in.
@@ -65,6 +89,7 @@ public:
 
 private:
     const Type& described;
+    const Way along;
     unsigned char* bytes;
 };
 
@@ -215,6 +240,40 @@ TEST_P(EveryType, isDamaged)
                 second.run(releasing, {});
             }
             ASSERT_TRUE(object.releasesAll());
+        }
+    }
+}
+
+// With a trace every part goes through its routine, without one the direct passes move the bytes: both stop at the same
+// byte, having read, written and kept the same.
+TEST_P(EveryType, isTheSameWithATrace)
+{
+    std::mt19937 random(static_cast<unsigned>(type.line) + 1);
+    const auto outcome = [&](std::span<unsigned char> message, bool traced) {
+        TraceText trace;
+        const auto attach = [&](Xdr& xdrs) { xdrs.setTrace(traced ? &trace : nullptr); };
+        Storage object(type);
+        std::string told;
+        const auto tell = [&](const Pass& pass, const std::string& what) {
+            told += (pass.succeeded ? "done " : "stopped ") + std::to_string(pass.length) + ' ' + what + '\n';
+        };
+        tell(runPass(decoding, type.routine, object.data(), message, attach), "");
+        for (const std::size_t room : {message.size() + 64, message.size() / 2}) {
+            Bytes out(room, 0x5A);
+            tell(runPass(encoding, type.routine, object.data(), out, attach), hexOf(out));
+        }
+        tell(runPass(releasing, type.routine, object.data(), {}, attach), "");
+        return told;
+    };
+    const std::uint32_t values[] = {0, 1, 2, 3, 0xFFFF, 0x10000, 0x10001, 0x80000000, 0xFFFFFFFF};
+    for (const Bytes& wire : samples(handy, 3)) {
+        for (std::size_t i = 0; i < 40; ++i) {
+            Bytes changed = wire;
+            setUnit(changed, random() % (wire.size() / 4) * 4, values[random() % std::size(values)]);
+            if (i % 2 == 0) changed.resize(random() % changed.size());
+            SCOPED_TRACE(hexOf(changed));
+            const Message message(changed);
+            ASSERT_EQ(outcome(message.span(), false), outcome(message.span(), true));
         }
     }
 }

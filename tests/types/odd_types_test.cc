@@ -1,4 +1,12 @@
-// Types that are not what their name or their neighbours suggest, each kept on purpose and with its reason.
+// Types that are not what their name or their neighbours suggest: runs the cases of odd/*.txt, each with its reason.
+//
+// A file is made of blocks with an empty line between them:
+//
+//     # Why the types behave so, for all cases up to the next empty line.
+//     Type: 0000000C 00000010*5      the message in hex; a unit with *5 stands there five times
+//     = <jobHeldReason>              part of the trace, whose blanks do not matter; there may be several
+//     Type: 0000000D
+//     ! refused                      also when more bytes follow than any value of the type can want
 
 #include "codec_tools.h"
 
@@ -7,55 +15,132 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <vector>
+
 using namespace quorva;
 using namespace quorva::test;
 
+namespace {
+
+struct Case {
+    int line = 0;
+    std::string why;
+    std::string type;
+    Bytes message;
+    std::vector<std::string> traced;
+    bool refused = false;
+};
+
+std::string withoutBlanks(std::string_view text)
+{
+    std::string kept;
+    for (const char c : text)
+        if (c != '\n' && c != ' ') kept += c;
+    return kept;
+}
+
+// Nothing if the text is no message.
+std::optional<Bytes> messageOf(const std::string& text)
+{
+    std::istringstream units(text);
+    Bytes message;
+    std::string unit;
+    while (units >> unit) {
+        int times = 1;
+        if (const auto star = unit.find('*'); star != std::string::npos) {
+            const char* const end = unit.data() + unit.size();
+            const auto [stop, error] = std::from_chars(unit.data() + star + 1, end, times);
+            if (error != std::errc() || stop != end || times < 1 || times > 10000) return std::nullopt;
+            unit.resize(star);
+        }
+        if (unit.size() != 8 || unit.find_first_not_of("0123456789ABCDEF") != std::string::npos) return std::nullopt;
+        const Bytes bytes = bytesOf(unit);
+        for (; times > 0; --times) message.insert(message.end(), bytes.begin(), bytes.end());
+    }
+    if (message.empty()) return std::nullopt;
+    return message;
+}
+
+// The cases of one file. Every line that is none of the forms above is a failure, as is a file without cases.
+std::vector<Case> read(const std::string& path)
+{
+    std::vector<Case> cases;
+    std::string why;
+    std::string line;
+    int number = 0;
+    bool open = false;  // whether the last case may get another verdict
+    const auto fault = [&](int at, const char* what) { ADD_FAILURE_AT(path.c_str(), at) << what; };
+    const auto hasVerdict = [](const Case& last) { return last.refused || !last.traced.empty(); };
+    const auto finish = [&] {
+        if (open && !hasVerdict(cases.back())) fault(cases.back().line, "neither a trace nor '! refused' follows");
+        open = false;
+    };
+    std::ifstream file(path);
+    while (std::getline(file, line)) {
+        ++number;
+        const auto colon = line.find(": ");
+        if (line.empty()) {
+            finish();
+            why.clear();
+        } else if (line.starts_with("# ")) {
+            finish();
+            why += (why.empty() ? "" : " ") + line.substr(2);
+        } else if (line.starts_with("= ") && open && !cases.back().refused) {
+            cases.back().traced.push_back(withoutBlanks(line.substr(2)));
+        } else if (line == "! refused" && open && !hasVerdict(cases.back())) {
+            cases.back().refused = true;
+        } else if (const auto message = colon == std::string::npos ? std::nullopt : messageOf(line.substr(colon + 2))) {
+            finish();
+            if (why.empty()) fault(number, "a case without a reason");
+            cases.push_back({number, why, line.substr(0, colon), *message, {}, false});
+            open = true;
+        } else {
+            fault(number, "cannot be read");
+        }
+    }
+    finish();
+    if (cases.empty()) ADD_FAILURE_AT(path.c_str(), number) << "no case";
+    return cases;
+}
+
+// What is wrong with the case; empty if nothing is.
+std::string faultOf(const Case& expected, const inspect::Catalogue& catalogue)
+{
+    const auto* type = catalogue.find(expected.type);
+    if (!type) return "there is no such type";
+    inspect::Object object(*type);
+    Bytes message = expected.message;
+    if (expected.refused) message.resize(message.size() + 16384);  // so that it is not the end that is refused
+    TraceText trace;
+    const Pass pass = runTraced(decoding, type->routine, type->name, object.data(), message, trace);
+    if (expected.refused) return pass.succeeded ? "taken:\n" + trace.text() : "";
+    if (!pass.succeeded) return "refused behind:\n" + trace.text();
+    if (pass.length != message.size())
+        return "took " + std::to_string(pass.length) + " of " + std::to_string(message.size()) + " bytes";
+    const std::string text = withoutBlanks(trace.text());
+    for (const std::string& part : expected.traced)
+        if (text.find(part) == std::string::npos) return "no " + part + " in\n" + trace.text();
+    return "";
+}
+
+}  // namespace
+
 TEST(OddTypes, areAsTheyAre)
 {
-    const char* const refused = nullptr;
-    const struct {
-        const char* why;
-        const char* type;
-        const char* message;
-        const char* traced;  // part of the trace without its line breaks; null where the message is refused
-    } cases[] = {
-        {"every enumeration takes newer values", "ReturnStatus", "00000011", "<Error_in_Function>17</Error_in_Function>"},
-        {"a hole in the numbers", "EventId", "00000079", "<Error_in_Function>121</Error_in_Function>"},
-        {"every union but one refuses what it has no arm for", "DividersUnion", "00000002", refused},
-        {"also in a hole of its discriminant", "SvcRegStatusUnion", "00000008", refused},
-        {"the one union with a default arm", "TripleAEventUnion", "00000000",
-         "<TripleAEventUnionUnion><default></default></TripleAEventUnionUnion>"},
-        {"the union's element is named after the type, doubled or not", "DividersUnion", "00000001",
-         "<DividersUnionUnion></DividersUnionUnion>"},
-        {"a list in name, at most one record in fact; its number is another matter", "EssFaultRecordList", "00000003 00000000",
-         "<numberOfRecords>3</numberOfRecords><listOfFaultRecords>false</listOfFaultRecords>"},
-        {"an angle in name, a text in fact", "milliRadianVal", "00000003 31323300", "123"},
-        {"an attribute that can be written", "DCPlatformManagerWriteUnion", "000001C9 00000001", "<rs422Attachment>true"},
-        {"but not read", "DCPlatformManagerUnion", "000001C9 00000001", refused},
-        {"id and discriminant are two numbers, which nobody compares", "IImageServiceAVP", "00000007 00000002 00000009",
-         "<id>7</id><value><attribute>2</attribute>"},
-        {"a shape kept for capabilities that never came", "IImageCapabilityUnion", "00000000 00000007", "<junk>7</junk>"},
-        {"which holds nothing else", "IImageCapabilityUnion", "00000001 00000007", refused},
-        {"a smaller maximum than its siblings have", "TemplateIdSeq", "00000006", refused},
-        {"the plain encoded string takes less than the short one", "EncodedString",
-         "00000000 00000029 00000000 00000000 00000000 00000000 00000000 00000000 00000000 00000000 00000000 00000000 00000000",
-         refused},
-    };
+    std::vector<std::string> paths;
+    for (const auto& entry : std::filesystem::directory_iterator(ODD_TYPES_DIR))
+        if (entry.path().extension() == ".txt") paths.push_back(entry.path().string());
+    std::sort(paths.begin(), paths.end());
+    ASSERT_FALSE(paths.empty()) << ODD_TYPES_DIR;
     const inspect::Catalogue catalogue;
-    for (const auto& expected : cases) {
-        SCOPED_TRACE(std::string(expected.type) + ": " + expected.why);
-        const auto* type = catalogue.find(expected.type);
-        ASSERT_NE(type, nullptr);
-        inspect::Object object(*type);
-        Bytes message = bytesOf(expected.message);
-        TraceText trace;
-        const Pass pass = runTraced(decoding, type->routine, type->name, object.data(), message, trace);
-        EXPECT_EQ(pass.succeeded, expected.traced != refused);
-        if (!pass.succeeded || !expected.traced) continue;
-        EXPECT_EQ(pass.length, message.size());
-        std::string text;
-        for (const char c : trace.text())
-            if (c != '\n' && c != ' ') text += c;
-        EXPECT_NE(text.find(expected.traced), std::string::npos) << text;
-    }
+    for (const std::string& path : paths)
+        for (const Case& expected : read(path))
+            if (const std::string fault = faultOf(expected, catalogue); !fault.empty())
+                ADD_FAILURE_AT(path.c_str(), expected.line) << expected.type << " (" << expected.why << ") " << fault;
 }
