@@ -58,7 +58,11 @@ QUORVA_INLINE void swapUnits(unsigned char* to, const unsigned char* from, std::
             std::memcpy(to + 4 * i, &a, 8);
             std::memcpy(to + 4 * i + 8, &b, 8);
         }
-        for (; i < count; ++i) putUnit(to + 4 * i, std::bit_cast<std::uint32_t>(*reinterpret_cast<const std::uint32_t*>(from + 4 * i)));
+        for (; i < count; ++i) {
+            std::uint32_t unit;
+            std::memcpy(&unit, from + 4 * i, 4);
+            putUnit(to + 4 * i, unit);
+        }
     }
 }
 

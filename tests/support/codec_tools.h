@@ -3,10 +3,12 @@
 
 #include <quorvapixdr/codec.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -59,14 +61,15 @@ inline void setUnit(std::span<unsigned char> bytes, std::size_t at, std::uint32_
     for (std::size_t i = 4; i-- > 0; unit >>= 8) bytes[at + i] = static_cast<unsigned char>(unit);
 }
 
-// A copy of `bytes` that ends where its storage does, so that the address sanitizer sees the first byte too many.
+// A copy of `bytes` that ends where its storage does, so that the address sanitizer sees the first byte too many, and that
+// starts at an odd address, as a message behind somebody's header may.
 class Message {
 public:
-    explicit Message(std::span<const unsigned char> bytes) : length(bytes.size()), storage(new unsigned char[length])
+    explicit Message(std::span<const unsigned char> bytes) : length(bytes.size()), storage(new unsigned char[1 + length])
     {
-        std::copy(bytes.begin(), bytes.end(), storage.get());
+        std::copy(bytes.begin(), bytes.end(), storage.get() + 1);
     }
-    std::span<unsigned char> span() const { return {storage.get(), length}; }
+    std::span<unsigned char> span() const { return {storage.get() + 1, length}; }
 
 private:
     std::size_t length;
