@@ -98,16 +98,25 @@ long mismatchedReleases() { return std::exchange(mismatched, 0); }
 
 }  // namespace quorva::test
 
-void* operator new(std::size_t size) { return allocateOrThrow(size, Shape::scalar); }
-void* operator new[](std::size_t size) { return allocateOrThrow(size, Shape::array); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size, Shape::scalar); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size, Shape::array); }
-void operator delete(void* block) noexcept { release(block, Shape::scalar); }
-void operator delete[](void* block) noexcept { release(block, Shape::array); }
-void operator delete(void* block, std::size_t) noexcept { release(block, Shape::scalar); }
-void operator delete[](void* block, std::size_t) noexcept { release(block, Shape::array); }
-void operator delete(void* block, const std::nothrow_t&) noexcept { release(block, Shape::scalar); }
-void operator delete[](void* block, const std::nothrow_t&) noexcept { release(block, Shape::array); }
+// The thread sanitizer's runtime brings operators of its own, which then win: under it nothing is counted.
+#define OPERATOR
+#ifdef __has_feature
+#if __has_feature(thread_sanitizer)
+#undef OPERATOR
+#define OPERATOR __attribute__((weak))
+#endif
+#endif
+
+OPERATOR void* operator new(std::size_t size) { return allocateOrThrow(size, Shape::scalar); }
+OPERATOR void* operator new[](std::size_t size) { return allocateOrThrow(size, Shape::array); }
+OPERATOR void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size, Shape::scalar); }
+OPERATOR void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size, Shape::array); }
+OPERATOR void operator delete(void* block) noexcept { release(block, Shape::scalar); }
+OPERATOR void operator delete[](void* block) noexcept { release(block, Shape::array); }
+OPERATOR void operator delete(void* block, std::size_t) noexcept { release(block, Shape::scalar); }
+OPERATOR void operator delete[](void* block, std::size_t) noexcept { release(block, Shape::array); }
+OPERATOR void operator delete(void* block, const std::nothrow_t&) noexcept { release(block, Shape::scalar); }
+OPERATOR void operator delete[](void* block, const std::nothrow_t&) noexcept { release(block, Shape::array); }
 
 // A text whose length a message gives as 4 GiB is asked for, and refused, under the address sanitizer too. DeallocateString
 // releases in another form than the decode allocates, as it always has.
