@@ -3,6 +3,7 @@
 
 #include "codec_tools.h"
 #include "peer.h"
+#include "tested_modules.h"
 
 #include <inspect/object.h>
 #include <inspect/sample.h>
@@ -28,7 +29,7 @@ std::vector<Peer> peers()
 {
     std::vector<Peer> all;
     unsigned index = 0;
-    for (const auto* module : schema::modules())
+    for (const auto* module : testedModules())
         for (const auto* type : module->types) all.push_back({type, index++});
     return all;
 }

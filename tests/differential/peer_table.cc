@@ -1,11 +1,11 @@
 // Prints TYPE(name) for each type of the interface files. Built-in types have no routine of their own in plain XDR.
 
-#include <quorvapixdr/schema.h>
+#include "tested_modules.h"
 
 #include <cstdio>
 
 int main()
 {
-    for (const auto* module : quorva::schema::modules())
+    for (const auto* module : quorva::test::testedModules())
         for (const auto* type : module->types) std::printf("TYPE(%s)\n", type->name);
 }
