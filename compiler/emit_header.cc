@@ -262,7 +262,7 @@ std::string shapeOf(const Definition& definition, WireShapes& shapes)
 
     const WireShape shape = shapes.of(definition);
     switch (shape.kind) {
-    case WireShape::Kind::number: return "quorva::shape::Number<std::int32_t>";
+    case WireShape::Kind::number: return "quorva::shape::Enumeration<" + definition.name + "String>";
     case WireShape::Kind::text: return "quorva::shape::Text<" + std::to_string(definition.target.bound) + ">";
     case WireShape::Kind::fixed: return "quorva::shape::Fixed<" + std::to_string(shape.units) + ">";
     case WireShape::Kind::body: return std::string("quorva::shape::Body<") + (shape.owns ? "true" : "false") + ">";

@@ -35,7 +35,7 @@ private:
     {
         static constexpr const char* words[] = {
             "At",     "Bytes",  "Calls",    "Decimal",  "Decoding",  "Encoding", "Field",       "List",   "Opaque",
-            "Optional", "Releasing", "Text", "Vector", "bytes", "close", "enumeration", "field", "list", "objectAt",
+            "Element", "Elements", "Name", "Optional", "Releasing", "Text", "Tracing", "Vector", "bytes", "close", "enumeration", "field", "list", "objectAt",
             "opaque", "open", "optional", "parts", "refuse", "run", "text", "untagged", "vector",
             "Pass", "at", "code", "obj", "object", "pass", "xdrs",  // of the bodies and routines themselves
         };

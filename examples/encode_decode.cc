@@ -22,6 +22,6 @@ int main()
         ScopedTrace collecting(trace);
         ClientsXdrDeserialize(XdrNotifyBinding, &received, buffer);
     }
-    std::printf("%s\n", trace.text().c_str());
+    std::puts(std::string(trace.text()).c_str());
     XdrDeallocate(XdrNotifyBinding, &received, buffer);
 }

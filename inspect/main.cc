@@ -220,7 +220,7 @@ Pass decodeInto(Object& object, Bytes& message, std::string& text)
         typename Stream::Trace trace;
         const Pass pass = runTraced<Stream>(mode, type.routine, type.name, object.data(), message, trace);
         if (!trace.complete()) throw std::bad_alloc();
-        text = trace.text() + '\n';
+        text = std::string(trace.text()) + '\n';
         return pass;
     } else {
         const Pass pass = runPass(mode, type.routine, object.data(), message);

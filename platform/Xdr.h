@@ -12,6 +12,8 @@
 
 // Tells the codec at compile time that this class lends its buffer: cursor(), end(), moveTo().
 #define XDR_LENDS_BUFFER
+// And its trace: sink().
+#define XDR_LENDS_TRACE
 
 class Xdr {
 public:
@@ -34,12 +36,12 @@ public:
     Xdr(const Xdr&) = delete;
     Xdr& operator=(const Xdr&) = delete;
 
-    // Starts a pass over `length` bytes at `buffer`, which stay the caller's and must outlive the pass.
+    // Starts a pass over `length` bytes at `buffer`, which stay the caller's and must outlive the pass. A null has none.
     void Program(Request mode, unsigned char* buffer, unsigned short length) noexcept
     {
         streamMode = mode;
-        bytes = buffer;
-        limit = length;
+        bytes = buffer ? buffer : nowhere();
+        limit = buffer ? length : static_cast<unsigned short>(0);
         codedLength = 0;
     }
 
@@ -91,6 +93,9 @@ public:
     // Whether anybody collects the trace; if not, the codec formats no text.
     bool tracing() const noexcept { return trace != nullptr; }
 
+    // Who collects it: the codec adds whole elements at once.
+    Trace* sink() const noexcept { return trace; }
+
     // The next byte to move, the end of the buffer, and the way to say that everything up to `at` was moved. The codec
     // moves bytes itself with these when nobody collects a trace.
     unsigned char* cursor() const noexcept { return bytes + codedLength; }
@@ -113,7 +118,10 @@ private:
         return true;
     }
 
-    unsigned char* bytes = nullptr;
+    // Where a pass without a buffer stands. Nothing is read or written there.
+    unsigned char* nowhere() noexcept { return reinterpret_cast<unsigned char*>(this); }
+
+    unsigned char* bytes = nowhere();
     unsigned short limit = 0;
     Trace* trace;
 };

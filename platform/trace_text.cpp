@@ -2,12 +2,9 @@
 
 #include "trace_text.h"
 
-#include <cstring>
 #include <new>
 
 namespace {
-
-thread_local TraceText* innermost = nullptr;
 
 // Length of the well-formed UTF-8 sequence of a character that XML accepts at `text`, or 0. Looks no further than the
 // terminating zero.
@@ -27,145 +24,171 @@ std::size_t wellFormed(const unsigned char* text)
     return (character & 0xFFFE) == 0xFFFE ? 0 : length;
 }
 
-const char hexDigits[] = "0123456789abcdef";
+constexpr char hexDigits[] = "0123456789abcdef";
+
+char* putHex(char* to, unsigned char byte)
+{
+    to[0] = hexDigits[byte >> 4];
+    to[1] = hexDigits[byte & 15];
+    return to + 2;
+}
 
 }  // namespace
 
-template <class Action>
-void TraceText::collect(Action&& action) noexcept
+TraceText::~TraceText()
 {
-    if (exhausted) return;
-    try {
-        action();
-    } catch (const std::bad_alloc&) {
+    ::operator delete[](first);
+    ::operator delete[](elements);
+}
+
+char* TraceText::grow(std::size_t size) noexcept
+{
+    if (exhausted) return nullptr;
+    const std::size_t now = used();
+    const std::size_t wanted = now + size + (now > 960 ? now : 960);
+    char* const larger = static_cast<char*>(::operator new[](wanted, std::nothrow));
+    if (!larger) {
         exhausted = true;
+        limit = at;
+        return nullptr;
     }
+    if (now > 0) std::memcpy(larger, first, now);
+    ::operator delete[](first);
+    first = larger;
+    at = larger + now;
+    limit = larger + wanted;
+    return at;
 }
 
-void TraceText::startLine()
+bool TraceText::push(Name name, bool isMarker) noexcept
 {
-    if (!elements.empty()) elements.back().spansLines = true;
-    if (!collected.empty()) collected += '\n';
-    std::size_t depth = static_cast<std::size_t>(tabs > 0 ? tabs : 0);
-    for (const Element& element : elements) depth += !element.isMarker;
-    collected.append(2 * depth, ' ');
-    afterValue = false;
-}
-
-void TraceText::push(const char* name, bool isMarker)
-{
-    unsigned& siblings = elements.empty() ? rootMarkers : elements.back().markers;
-    elements.push_back({name, isMarker ? siblings++ : 0, 0, isMarker, false});
+    if (depth == depthRoom) {
+        const std::size_t wanted = depthRoom == 0 ? 16 : 2 * depthRoom;
+        auto* const larger = static_cast<Element*>(::operator new[](wanted * sizeof(Element), std::nothrow));
+        if (!larger) {
+            exhausted = true;
+            limit = at;
+            return false;
+        }
+        if (depth > 0) std::memcpy(larger, elements, depth * sizeof(Element));
+        ::operator delete[](elements);
+        elements = larger;
+        depthRoom = wanted;
+    }
+    elements[depth] = {name.text, used(), isMarker ? (*markers())++ : 0, 0, isMarker};
+    ++depth;
     lineFeed = true;
     afterValue = false;
+    return true;
 }
 
-void TraceText::open(const char* name) noexcept
+void TraceText::open(Name name) noexcept
 {
-    collect([&] {
-        if (lineFeed) startLine();
-        collected += '<';
-        collected += name;
-        collected += '>';
-        push(name, false);
-    });
+    char* to = room(name.length);
+    if (!to) return;
+    if (lineFeed) to = startLine(to);
+    *to++ = '<';
+    to = put(to, name);
+    *to++ = '>';
+    at = to;
+    if (!push(name, false)) return;
+    ++nesting;
+    blanks += 2;
 }
 
-void TraceText::close(const char* name) noexcept
+void TraceText::close(Name name) noexcept
 {
-    collect([&] {
-        bool spansLines = false;
-        if (!elements.empty()) {
-            spansLines = elements.back().spansLines;
-            elements.pop_back();
+    char* to = room(name.length);
+    if (!to) return;
+    if (depth > 0) {
+        const Element& closed = elements[--depth];
+        if (!closed.isMarker) {
+            --nesting;
+            blanks -= 2;
         }
-        if (spansLines) startLine();
-        collected += "</";
-        collected += name;
-        collected += '>';
-        lineFeed = true;
-        afterValue = false;
-    });
+        if (lineStart > closed.begin) to = startLine(to);
+    }
+    written(endTag(to, name));
 }
 
 void TraceText::marker(const char* markup) noexcept
 {
-    collect([&] {
-        if (markup[0] == '<' && markup[1] == '/') {
-            if (!elements.empty() && elements.back().isMarker) {
-                if (elements.back().spansLines) startLine();
-                elements.pop_back();
-            }
-            collected += markup;
-            lineFeed = true;
-            afterValue = false;
-        } else {
-            startLine();
-            collected += markup;
-            push(markup, true);
-        }
-    });
+    const Name name = {markup, std::strlen(markup)};
+    char* to = room(name.length);
+    if (!to) return;
+    if (markup[0] == '<' && markup[1] == '/') {
+        if (depth > 0 && elements[depth - 1].isMarker && lineStart > elements[--depth].begin) to = startLine(to);
+        written(put(to, name));
+    } else {
+        at = put(startLine(to), name);
+        push(name, true);
+    }
+}
+
+void TraceText::beginValue() noexcept
+{
+    marker("<value>");
+    indent();
+}
+
+void TraceText::endValue() noexcept
+{
+    outdent();
+    marker("</value>");
 }
 
 void TraceText::value(const char* text) noexcept
 {
-    collect([&] {
-        if (afterValue) collected += ' ';
-        appendEscaped(text);
-        afterValue = true;
-    });
+    char* to = room(1 + mostEscaped * std::strlen(text));
+    if (!to) return;
+    if (afterValue) *to++ = ' ';
+    at = escaped(to, text);
+    afterValue = true;
 }
 
 void TraceText::hexDump(const unsigned char* data, std::size_t size) noexcept
 {
-    collect([&] {
-        for (std::size_t i = 0; i < size; ++i) {
-            if (size > 16 && i % 16 == 0)
-                startLine();
-            else if (i % 16 != 0 || afterValue)
-                collected += ' ';
-            collected += hexDigits[data[i] >> 4];
-            collected += hexDigits[data[i] & 15];
-            afterValue = true;
-        }
-    });
+    for (std::size_t i = 0; i < size; ++i) {
+        char* to = room(3);
+        if (!to) return;
+        if (size > 16 && i % 16 == 0)
+            to = startLine(to);
+        else if (i % 16 != 0 || afterValue)
+            *to++ = ' ';
+        at = putHex(to, data[i]);
+        afterValue = true;
+    }
 }
 
-void TraceText::appendEscaped(const char* text)
+// One character that is not plain, or the sequence of bytes that is one.
+char* TraceText::escape(char* to, const unsigned char*& from) noexcept
 {
-    const auto* at = reinterpret_cast<const unsigned char*>(text);
-    while (*at != 0) {
-        const unsigned char c = *at;
-        if (const std::size_t length = wellFormed(at)) {
-            collected.append(reinterpret_cast<const char*>(at), length);
-            at += length;
-            continue;
-        }
-        ++at;
-        switch (c) {
-        case '<': collected += "&lt;"; break;
-        case '>': collected += "&gt;"; break;
-        case '&': collected += "&amp;"; break;
-        case '\\': collected += "\\\\"; break;
-        case '\n': collected += "\\n"; break;
-        case '\r': collected += "\\r"; break;
-        case '\t': collected += "\\t"; break;
-        default:
-            if (c >= 0x20 && c < 0x7F) {
-                collected += static_cast<char>(c);
-            } else {
-                collected += "\\x";
-                collected += hexDigits[c >> 4];
-                collected += hexDigits[c & 15];
-            }
-        }
+    const auto text = [&to](const char* replacement, std::size_t length) {
+        return static_cast<char*>(std::memcpy(to, replacement, length)) + length;
+    };
+    if (const std::size_t length = wellFormed(from)) {
+        to = text(reinterpret_cast<const char*>(from), length);
+        from += length;
+        return to;
+    }
+    const unsigned char c = *from++;
+    switch (c) {
+    case '<': return text("&lt;", 4);
+    case '>': return text("&gt;", 4);
+    case '&': return text("&amp;", 5);
+    case '\\': return text("\\\\", 2);
+    case '\n': return text("\\n", 2);
+    case '\r': return text("\\r", 2);
+    case '\t': return text("\\t", 2);
+    default: return putHex(text("\\x", 2), c);
     }
 }
 
 std::string TraceText::path() const
 {
     std::string path;
-    for (const Element& element : elements) {
+    for (std::size_t i = 0; i < depth; ++i) {
+        const Element& element = elements[i];
         if (!path.empty()) path += '/';
         if (!element.isMarker) {
             path += element.name;
@@ -179,14 +202,39 @@ std::string TraceText::path() const
 
 void TraceText::clear() noexcept
 {
-    collected.clear();
-    elements.clear();
+    if (exhausted) {  // its end was drawn in; it has to be had anew
+        ::operator delete[](first);
+        first = limit = nullptr;
+    }
+    at = first;
+    depth = 0;
+    nesting = 0;
+    blanks = 0;
+    lineStart = 0;
     tabs = 0;
     rootMarkers = 0;
     lineFeed = true;
     afterValue = false;
     exhausted = false;
 }
+
+// Shown as they are: printable characters but those that mean something in markup, and the backslash.
+constinit const std::array<bool, 256> TraceText::isPlain = [] {
+    std::array<bool, 256> plain{};
+    for (std::size_t c = 0x20; c < 0x7F; ++c) plain[c] = c != '<' && c != '>' && c != '&' && c != '\\';
+    return plain;
+}();
+
+constinit const std::array<char, 200> TraceText::pairs = [] {
+    std::array<char, 200> digits{};
+    for (std::size_t i = 0; i < 100; ++i) {
+        digits[2 * i] = static_cast<char>('0' + i / 10);
+        digits[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return digits;
+}();
+
+constinit thread_local TraceText* ScopedTrace::innermost = nullptr;
 
 ScopedTrace::ScopedTrace(TraceText& sink) noexcept : outer(innermost)
 {
@@ -196,9 +244,4 @@ ScopedTrace::ScopedTrace(TraceText& sink) noexcept : outer(innermost)
 ScopedTrace::~ScopedTrace()
 {
     innermost = outer;
-}
-
-TraceText* ScopedTrace::current() noexcept
-{
-    return innermost;
 }

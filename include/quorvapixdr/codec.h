@@ -20,6 +20,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -89,7 +90,7 @@ template <class Stream>
 concept Traceable = requires(Stream& xdrs, typename Stream::Trace& trace) {
     xdrs.setTrace(&trace);
     { trace.path() } -> std::convertible_to<std::string>;
-    { trace.text() } -> std::convertible_to<std::string>;
+    { trace.text() } -> std::convertible_to<std::string_view>;
 };
 
 // The same with the trace in `trace`, inside an element named after the type: after a success, an XML document.

@@ -67,37 +67,44 @@ QUORVA_INLINE void swapUnits(unsigned char* to, const unsigned char* from, std::
 }
 
 // ---- Shapes --------------------------------------------------------------------------------------------------------
-// Of each shape: the units that it always takes (0 where that varies), and whether a release pass must look at it.
+// Of each shape: the units that it always takes (0 where that varies), whether a release pass must look at it, and whether
+// its values stand in memory as on the wire but for the order of their four bytes.
 
+struct Shape {
+    static constexpr bool isWord = false;
+};
 template <class S>
 struct About;
-template <class As>
-struct About<shape::Number<As>> {
+template <class As, class Shown>
+struct About<shape::Number<As, Shown>> : Shape {
     static constexpr std::uint32_t units = 1;
     static constexpr bool owns = false;
+    static constexpr bool isWord = sizeof(As) == 4;
 };
+template <const char* (*nameOf)(int)>
+struct About<shape::Enumeration<nameOf>> : About<shape::Number<std::int32_t, std::int32_t>> {};
 template <>
-struct About<shape::Real> {
+struct About<shape::Real> : Shape {
     static constexpr std::uint32_t units = 1;
     static constexpr bool owns = true;  // its diagnostic print
 };
 template <std::uint32_t maximum>
-struct About<shape::Text<maximum>> {
+struct About<shape::Text<maximum>> : Shape {
     static constexpr std::uint32_t units = 0;
     static constexpr bool owns = true;
 };
 template <std::uint32_t n>
-struct About<shape::Fixed<n>> {
+struct About<shape::Fixed<n>> : Shape {
     static constexpr std::uint32_t units = n;
     static constexpr bool owns = false;
 };
 template <bool o>
-struct About<shape::Body<o>> {
+struct About<shape::Body<o>> : Shape {
     static constexpr std::uint32_t units = 0;
     static constexpr bool owns = o;
 };
 template <>
-struct About<shape::Routine> {
+struct About<shape::Routine> : Shape {
     static constexpr std::uint32_t units = 0;
     static constexpr bool owns = true;
 };
@@ -206,8 +213,8 @@ struct Encoding : Moving<Stream> {
         return nullptr;
     }
 
-    template <class T, class As>
-    QUORVA_INLINE At fixed(At at, T& value, shape::Number<As>)
+    template <class T, class As, class Shown>
+    QUORVA_INLINE At fixed(At at, T& value, shape::Number<As, Shown>)
     {
         putUnit(at, static_cast<std::uint32_t>(static_cast<As>(value)));
         return at + 4;
@@ -325,7 +332,7 @@ private:
     template <class T, class S>
     QUORVA_INLINE At fixedElements(At at, T* first, std::uint32_t count, S)
     {
-        if constexpr (std::same_as<S, shape::Number<std::uint32_t>> || std::same_as<S, shape::Number<std::int32_t>>) {
+        if constexpr (About<S>::isWord) {
             swapUnits(at, reinterpret_cast<const unsigned char*>(first), count);
             return at + std::size_t{4} * count;
         } else {
@@ -355,8 +362,8 @@ struct Decoding : Moving<Stream> {
         return nullptr;
     }
 
-    template <class T, class As>
-    QUORVA_INLINE At fixed(At at, T& value, shape::Number<As>)
+    template <class T, class As, class Shown>
+    QUORVA_INLINE At fixed(At at, T& value, shape::Number<As, Shown>)
     {
         value = static_cast<T>(static_cast<As>(getUnit(at)));
         return at + 4;
@@ -518,7 +525,7 @@ private:
     template <class T, class S>
     QUORVA_INLINE At fixedElements(At at, T* first, std::uint32_t count, S)
     {
-        if constexpr (std::same_as<S, shape::Number<std::uint32_t>> || std::same_as<S, shape::Number<std::int32_t>>) {
+        if constexpr (About<S>::isWord) {
             swapUnits(reinterpret_cast<unsigned char*>(first), at, count);
             return at + std::size_t{4} * count;
         } else {
@@ -531,7 +538,7 @@ private:
 // ---- Encode and decode alike ---------------------------------------------------------------------------------------
 
 template <class Pass>
-concept Moves = requires(Pass& pass, At at) { pass.room(at, 4); };
+concept Moves = requires(Pass& pass) { pass.fresh; };
 
 template <class Pass, class T, class S>
 QUORVA_INLINE At fixedPart(Pass& pass, At at, const Field<T, S>& part)

@@ -95,9 +95,13 @@ struct Coder {
 // What a pass that moves bytes itself has to know of a type at compile time: how its value is made a unit or a run of
 // units, or that its routine's body has to be called.
 namespace shape {
-// A number that travels as one unit: widened, and narrowed again, as an `As` of its own width.
-template <class As>
+// A number that travels as one unit: widened, and narrowed again, as an `As` of its own width. The trace shows the unit as
+// a `Shown`, of 32 bits; of a `bool` it shows the truth.
+template <class As, class Shown>
 struct Number {};
+// An enumeration: the name function of its values.
+template <const char* (*nameOf)(int)>
+struct Enumeration : Number<std::int32_t, std::int32_t> {};
 // A float: one unit, with the platform's diagnostic print on each pass.
 struct Real {};
 // A text of at most `maximum` characters.
@@ -125,15 +129,15 @@ template <class T>
 inline constexpr Coder<T> coderOf = {nullptr, nullptr};
 
 namespace coder {
-inline constexpr Shaped<::Boolean, shape::Number<std::uint8_t>> Boolean = {{XdrBoolean, "Boolean"}};
+inline constexpr Shaped<::Boolean, shape::Number<std::uint8_t, bool>> Boolean = {{XdrBoolean, "Boolean"}};
 // Eight bits travel without their sign: receivers have always read them so.
-inline constexpr Shaped<::ShortInteger, shape::Number<std::uint8_t>> ShortInteger = {{XdrShortInteger, "ShortInteger"}};
-inline constexpr Shaped<::ShortNatural, shape::Number<std::uint8_t>> ShortNatural = {{XdrShortNatural, "ShortNatural"}};
-inline constexpr Shaped<::Integer, shape::Number<std::int16_t>> Integer = {{XdrInteger, "Integer"}};
-inline constexpr Shaped<::Natural, shape::Number<std::uint16_t>> Natural = {{XdrNatural, "Natural"}};
-inline constexpr Shaped<::LongInteger, shape::Number<std::int32_t>> LongInteger = {{XdrLongInteger, "LongInteger"}};
-inline constexpr Shaped<::LongNatural, shape::Number<std::uint32_t>> LongNatural = {{XdrLongNatural, "LongNatural"}};
-inline constexpr Shaped<::UINT, shape::Number<std::uint32_t>> UINT = {{XdrUINT, "UINT"}};
+inline constexpr Shaped<::ShortInteger, shape::Number<std::uint8_t, std::int32_t>> ShortInteger = {{XdrShortInteger, "ShortInteger"}};
+inline constexpr Shaped<::ShortNatural, shape::Number<std::uint8_t, std::uint32_t>> ShortNatural = {{XdrShortNatural, "ShortNatural"}};
+inline constexpr Shaped<::Integer, shape::Number<std::int16_t, std::int32_t>> Integer = {{XdrInteger, "Integer"}};
+inline constexpr Shaped<::Natural, shape::Number<std::uint16_t, std::uint32_t>> Natural = {{XdrNatural, "Natural"}};
+inline constexpr Shaped<::LongInteger, shape::Number<std::int32_t, std::int32_t>> LongInteger = {{XdrLongInteger, "LongInteger"}};
+inline constexpr Shaped<::LongNatural, shape::Number<std::uint32_t, std::uint32_t>> LongNatural = {{XdrLongNatural, "LongNatural"}};
+inline constexpr Shaped<::UINT, shape::Number<std::uint32_t, std::int32_t>> UINT = {{XdrUINT, "UINT"}};
 inline constexpr Shaped<::Float, shape::Real> Float = {{XdrFloat, "Float"}};
 }  // namespace coder
 

@@ -277,11 +277,19 @@ int enumeration(Xdr* xdrs, void* object, const char* (*nameOf)(int))
 #if defined(QUORVA_CODEC) && defined(XDR_LENDS_BUFFER)
 #define QUORVA_DIRECT
 #include <quorvapixdr/passes.h>
+#ifdef XDR_LENDS_TRACE
+#define QUORVA_TRACING
+#include <quorvapixdr/tracing.h>
+#define QUORVA_TRACING_BODY(T) template quorva::walk::At code(quorva::walk::Tracing&, quorva::walk::At, ::T&);
+#else
+#define QUORVA_TRACING_BODY(T)
+#endif
 // The body of `T` for the direct passes, which other modules call.
 #define QUORVA_BODY(T)                                                                                     \
-    template quorva::walk::At code(quorva::walk::Encoding<Xdr>&, quorva::walk::At, ::T&);  \
-    template quorva::walk::At code(quorva::walk::Decoding<Xdr>&, quorva::walk::At, ::T&);  \
-    template quorva::walk::At code(quorva::walk::Releasing<Xdr>&, quorva::walk::At, ::T&);
+    template quorva::walk::At code(quorva::walk::Encoding<Xdr>&, quorva::walk::At, ::T&);                  \
+    template quorva::walk::At code(quorva::walk::Decoding<Xdr>&, quorva::walk::At, ::T&);                  \
+    template quorva::walk::At code(quorva::walk::Releasing<Xdr>&, quorva::walk::At, ::T&);                 \
+    QUORVA_TRACING_BODY(T)
 #else
 #define QUORVA_BODY(T)
 #endif
@@ -297,8 +305,16 @@ int run(Xdr* xdrs, void* object)
 #ifdef QUORVA_DIRECT
     if (!traced(xdrs)) return runDirect<T>(xdrs, *value);
 #endif
+    const At nowhere = reinterpret_cast<At>(value);
+#ifdef QUORVA_TRACING
+    Tracing pass(xdrs, nowhere);
+    const At at = code(pass, pass.releasing ? nowhere : xdrs->cursor(), *value);
+    if (at) pass.leave(at);
+    return at != nullptr;
+#else
     Calls pass{xdrs};
-    return code(pass, reinterpret_cast<At>(value), *value) != nullptr;
+    return code(pass, nowhere, *value) != nullptr;
+#endif
 }
 
 }  // namespace quorva::walk

@@ -54,7 +54,7 @@ std::string traceOf(Xdr::Request mode, XdrRoutine routine, void* object, std::sp
         trace.open("held");
     });
     trace.close("held");
-    return trace.text();
+    return std::string(trace.text());
 }
 
 }  // namespace

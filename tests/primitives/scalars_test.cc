@@ -72,7 +72,7 @@ Outcome run(Xdr::Request mode, XdrRoutine routine, void* value, std::span<unsign
 {
     TraceText trace;
     const Pass pass = runPass(mode, routine, value, buffer, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
-    return {pass, trace.text()};
+    return {pass, std::string(trace.text())};
 }
 
 }  // namespace

@@ -231,7 +231,7 @@ TEST(Opaque, traceAndLength)
         EXPECT_EQ(xdrs.codedLength, moved);
         xdrs.Program(releasing, nullptr, 0);
         EXPECT_EQ(routine(&xdrs, nullptr, length), 1) << "opaque data is its holder's";
-        return trace.text();
+        return std::string(trace.text());
     };
     EXPECT_EQ(shown(XdrOpaque, bytesOf("41424300 44"), 5, 8), "ABC");
     EXPECT_EQ(shown(XdrOpaque, bytesOf("4142"), 2, 4), "AB") << "no zero within the length";

@@ -88,7 +88,7 @@ TEST(TraceText, escapes)
         trace.value(expected.text);
         trace.close("a");
         EXPECT_EQ(trace.text(), std::string("<a>") + expected.shown + "</a>");
-        EXPECT_TRUE(isXml(trace.text()));
+        EXPECT_TRUE(isXml(std::string(trace.text())));
     }
 }
 
@@ -100,7 +100,7 @@ TEST(TraceText, hexDump)
         trace.open("a");
         trace.hexDump(bytes.data(), bytes.size());
         trace.close("a");
-        return trace.text();
+        return std::string(trace.text());
     };
     const std::string line = "ab ab ab ab ab ab ab ab ab ab ab ab ab ab ab ab";
     EXPECT_EQ(dumped(0), "<a></a>");

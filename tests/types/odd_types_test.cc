@@ -119,13 +119,13 @@ std::string faultOf(const Case& expected, const inspect::Catalogue& catalogue)
     if (expected.refused) message.resize(message.size() + 16384);  // so that it is not the end that is refused
     TraceText trace;
     const Pass pass = runTraced(decoding, type->routine, type->name, object.data(), message, trace);
-    if (expected.refused) return pass.succeeded ? "taken:\n" + trace.text() : "";
-    if (!pass.succeeded) return "refused behind:\n" + trace.text();
+    if (expected.refused) return pass.succeeded ? "taken:\n" + std::string(trace.text()) : "";
+    if (!pass.succeeded) return "refused behind:\n" + std::string(trace.text());
     if (pass.length != message.size())
         return "took " + std::to_string(pass.length) + " of " + std::to_string(message.size()) + " bytes";
-    const std::string text = withoutBlanks(trace.text());
+    const std::string text = withoutBlanks(std::string(trace.text()));
     for (const std::string& part : expected.traced)
-        if (text.find(part) == std::string::npos) return "no " + part + " in\n" + trace.text();
+        if (text.find(part) == std::string::npos) return "no " + part + " in\n" + std::string(trace.text());
     return "";
 }
 

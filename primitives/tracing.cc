@@ -1,0 +1,212 @@
+// The parts of a pass that traces into a text that lends itself: the same bytes and the same text as the other
+// primitives, for values that fit.
+
+#include <quorvapixdr/walk.h>
+
+#ifdef QUORVA_TRACING
+
+#include <utility>
+
+namespace quorva::walk {
+
+namespace {
+
+constexpr std::uint32_t mostShown = 4096;  // characters of a text, as the calls show them
+
+void* load(const void* place)
+{
+    void* pointer;
+    std::memcpy(&pointer, place, sizeof pointer);
+    return pointer;
+}
+
+// An element by the routine of its contents, as `Calls` does.
+At byCall(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine)
+{
+    pass.leave(at);
+    return pass.resume(at, element(pass.xdrs, tag.text, value, routine));
+}
+
+// The unit of a value that moves at `at`, where there is room.
+template <class As>
+std::uint32_t moveUnit(const Tracing& pass, At at, void* value)
+{
+    As held;
+    std::uint32_t unit;
+    if (pass.decoding) {
+        unit = getUnit(at);
+        held = static_cast<As>(unit);
+        std::memcpy(value, &held, sizeof held);
+    } else {
+        std::memcpy(&held, value, sizeof held);
+        unit = static_cast<std::uint32_t>(held);
+        putUnit(at, unit);
+    }
+    return unit;
+}
+
+// As what the trace shows it. Of a truth value it is the low byte that counts.
+template <class Shown>
+Shown shown(std::uint32_t unit)
+{
+    if constexpr (std::same_as<Shown, bool>)
+        return (unit & 0xFF) != 0;
+    else
+        return static_cast<Shown>(unit);
+}
+
+}  // namespace
+
+At openTag(Tracing& pass, At at, Name tag)
+{
+    pass.text->open(tag);
+    return at;
+}
+
+At closeTag(Tracing& pass, At at, Name tag)
+{
+    if (at) pass.text->close(tag);
+    return at;
+}
+
+At routineElement(Tracing& pass, At at, void* value, XdrRoutine routine)
+{
+    pass.leave(at);
+    return pass.resume(at, routine(pass.xdrs, value));
+}
+
+template <class As, class Shown>
+At numberElement(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine)
+{
+    if (!pass.room(at, 4)) return byCall(pass, at, tag, value, routine);
+    pass.text->element(tag, shown<Shown>(moveUnit<As>(pass, at, value)));
+    return at + 4;
+}
+
+template <class As, class Shown>
+At numbers(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine)
+{
+    if (!pass.decoding || !pass.room(at, std::size_t{4} * count))
+        return blockOf(pass, at, first, count, sizeof(As), routineElement, routine);
+    auto* value = static_cast<unsigned char*>(first);
+    for (std::uint32_t i = 0; i < count; ++i, value += sizeof(As), at += 4)
+        pass.text->framed(shown<Shown>(moveUnit<As>(pass, at, value)));
+    pass.text->endLine();
+    return at;
+}
+
+#define NUMBER(As, Shown)                                                                \
+    template At numberElement<As, Shown>(Tracing&, At, Name, void*, XdrRoutine);      \
+    template At numbers<As, Shown>(Tracing&, At, void*, std::uint32_t, XdrRoutine);
+NUMBER(std::uint8_t, bool)
+NUMBER(std::uint8_t, std::int32_t)
+NUMBER(std::uint8_t, std::uint32_t)
+NUMBER(std::int16_t, std::int32_t)
+NUMBER(std::uint16_t, std::uint32_t)
+NUMBER(std::int32_t, std::int32_t)
+NUMBER(std::uint32_t, std::uint32_t)
+NUMBER(std::uint32_t, std::int32_t)
+#undef NUMBER
+
+At enumElement(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine, const char* (*nameOf)(int))
+{
+    if (!pass.room(at, 4)) return byCall(pass, at, tag, value, routine);
+    const auto number = static_cast<std::int32_t>(moveUnit<std::int32_t>(pass, at, value));
+    const char* const name = nameOf(number);
+    pass.text->element(tag, Name{name, std::strlen(name)}, number);
+    return at + 4;
+}
+
+At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maximum)
+{
+    std::uint32_t length = 0;
+    bool fits = false;
+    if (pass.decoding) {
+        if (pass.room(at, 4)) {
+            length = getUnit(at);
+            fits = length <= maximum && length <= mostShown && pass.room(at + 4, padded(length));
+        }
+    } else if (!pass.releasing && *string) {
+        const std::size_t characters = std::strlen(*string);
+        length = static_cast<std::uint32_t>(characters);
+        fits = characters <= maximum && characters <= mostShown && pass.room(at, 7 + characters);
+    }
+    auto* const copy = fits && pass.decoding ? static_cast<char*>(::operator new[](std::size_t{length} + 1, std::nothrow)) : nullptr;
+    if (!fits || (pass.decoding && !copy)) return callInstead(pass, at, Text{tag.text, *string, maximum});
+
+    const std::uint32_t all = padded(length);
+    if (pass.decoding) {
+        *string = copy;
+        std::memcpy(copy, at + 4, length);
+        copy[length] = '\0';
+    } else {
+        putUnit(at, length);
+        std::memset(at + all, 0, length > 0 ? 4 : 0);
+        std::memcpy(at + 4, *string, length);
+    }
+    pass.text->element(tag, *string, length);
+    return at + 4 + all;
+}
+
+At blockOf(Tracing& pass, At at, void* first, std::uint32_t count, std::uint32_t size, Element element, XdrRoutine routine)
+{
+    auto* value = static_cast<unsigned char*>(first);
+    for (std::uint32_t i = 0; i < count; ++i, value += size) {
+        if (pass.decoding) {
+            pass.text->beginValue();
+            std::memset(value, 0, size);
+        }
+        at = element(pass, at, value, routine);
+        if (!at) {
+            if (pass.decoding) std::memset(value + size, 0, std::size_t{count - i - 1} * size);
+            return nullptr;
+        }
+        if (pass.decoding) pass.text->endValue();
+    }
+    pass.text->endLine();
+    return at;
+}
+
+At listElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t maximum, std::uint32_t size, Elements all,
+               XdrRoutine routine)
+{
+    auto* const place = static_cast<unsigned char*>(sequence) + sizeof(void*);
+    std::uint16_t count = 0;
+    void* block = nullptr;
+    bool fits = pass.room(at, 4);
+    if (fits && pass.decoding) {
+        count = static_cast<std::uint16_t>(getUnit(at));
+        fits = count <= maximum;
+        if (fits && count > 0) {
+            block = size > SIZE_MAX / count ? nullptr : ::operator new[](std::size_t{count} * size, std::nothrow);
+            fits = block != nullptr;
+        }
+    } else if (fits) {
+        std::memcpy(&count, sequence, sizeof count);
+        block = load(place);
+        fits = count <= maximum && (block || count == 0);
+    }
+    if (!fits) {
+        pass.leave(at);
+        openElement(pass.xdrs, tag.text);
+        auto* const counted = static_cast<std::uint16_t*>(sequence);
+        const int result = XdrArray(pass.xdrs, place, counted, maximum, size, routine);
+        return pass.resume(at, result && closeElement(pass.xdrs, tag.text));
+    }
+
+    if (tag.text) pass.text->open(tag);
+    if (pass.decoding) {
+        std::memcpy(sequence, &count, sizeof count);
+        if (count > 0) std::memcpy(place, &block, sizeof block);
+    } else {
+        putUnit(at, count);
+    }
+    at += 4;
+    if (count > 0) at = all(pass, at, block, count, routine);
+    if (at && tag.text) pass.text->close(tag);
+    return at;
+}
+
+}  // namespace quorva::walk
+
+#endif

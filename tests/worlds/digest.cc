@@ -1,0 +1,82 @@
+// Prints, for each type, a digest of what the library makes of invented messages: results, lengths, bytes and traces of
+// decodes, encodes and releases, of whole messages and of damaged ones. Builds that differ in compiler, optimisation,
+// machine or stream class print the same.
+
+#include <inspect/sample.h>
+
+#include <cstdio>
+#include <memory>
+#include <string_view>
+
+using namespace quorva;
+
+namespace {
+
+// FNV-1a, 64 bits.
+class Digest {
+public:
+    void add(const void* bytes, std::size_t size)
+    {
+        const auto* at = static_cast<const unsigned char*>(bytes);
+        for (std::size_t i = 0; i < size; ++i) sum = (sum ^ at[i]) * 0x100000001B3u;
+    }
+    void add(std::string_view text) { add(text.data(), text.size()); }
+    void add(std::uint32_t number)
+    {
+        for (int shift = 0; shift < 32; shift += 8) {
+            const auto byte = static_cast<unsigned char>(number >> shift);
+            add(&byte, 1);
+        }
+    }
+    unsigned long long value() const { return sum; }
+
+private:
+    std::uint64_t sum = 0xCBF29CE484222325u;
+};
+
+// One pass with and, alike, one without a trace.
+void addPass(Digest& digest, Xdr::Request mode, const schema::Type& type, void* object, std::span<unsigned char> buffer)
+{
+    TraceText trace;
+    const Pass pass = runTraced(mode, type.routine, type.name, object, buffer, trace);
+    digest.add(static_cast<std::uint32_t>(pass.succeeded));
+    digest.add(static_cast<std::uint32_t>(pass.length));
+    digest.add(std::string_view(trace.text()));
+    digest.add(std::string_view(trace.path()));
+}
+
+void addMessage(Digest& digest, const schema::Type& type, Bytes message)
+{
+    const auto object = std::make_unique<unsigned char[]>(type.size);
+    addPass(digest, static_cast<Xdr::Request>(1), type, object.get(), message);
+    Bytes written(message.size() + 4);
+    addPass(digest, static_cast<Xdr::Request>(0), type, object.get(), written);
+    digest.add(written.data(), written.size());
+    addPass(digest, static_cast<Xdr::Request>(2), type, object.get(), {});
+}
+
+}  // namespace
+
+int main()
+{
+    inspect::Sampler sampler;
+    for (const auto* module : schema::modules())
+        for (const auto* type : module->types) {
+            Digest digest;
+            for (std::uint64_t seed = 0; seed < 12; ++seed) {
+                using inspect::Extent;
+                const Extent extent = seed == 0 ? Extent::least : seed == 1 ? Extent::fullest : Extent::random;
+                const Bytes message = sampler.sample(*type, {extent, seed, 600});
+                addMessage(digest, *type, message);
+                if (message.size() < 4) continue;
+                const std::size_t units = message.size() / 4;
+                Bytes damaged = message;  // a unit that is out of range nearly everywhere
+                damaged[seed * 7 % units * 4 + 2] ^= 0x41;
+                addMessage(digest, *type, damaged);
+                damaged = message;
+                damaged.resize(seed * 13 % units * 4);
+                addMessage(digest, *type, damaged);
+            }
+            std::printf("%016llx %s\n", digest.value(), type->name);
+        }
+}
