@@ -1,0 +1,41 @@
+// The messages that everything here is measured with. What they are is decided in messages.cc and nowhere else.
+#pragma once
+
+#include <quorvapixdr/common/status.h>
+#include <quorvapixdr/jobs/job.h>
+#include <quorvapixdr/jobs/requests.h>
+
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace quorva::bench {
+
+inline constexpr std::size_t longest = 1024;  // bytes of any of the messages
+
+// The objects, and all storage that they point to. They are encoded, never released.
+class Messages {
+public:
+    Messages();
+    Messages(const Messages&) = delete;
+    Messages& operator=(const Messages&) = delete;
+
+    JobAttNotifyParams small;  // S: a job's two numbers and an empty list
+    JobAVPSeq typical;         // T: twelve attributes of a job, one of them an array of 58 numbers
+    JobAVPSeq many;            // L: as many attributes as fit in 1000 bytes, most of them short texts
+    AttributeSeq numbers;      // B: an array of 240 numbers
+
+private:
+    Counted<unsigned char> text(std::string contents);
+    JobAVP attribute(AttributeId number);
+    static JobAVPSeq sequence(std::vector<JobAVP>& of);
+
+    std::deque<std::string> texts;
+    std::vector<JobAVP> typicalAttributes;
+    std::vector<JobAVP> manyAttributes;
+    std::vector<JobSource> sources;
+    std::vector<JobHeldReason> reasons;
+    std::vector<AttributeId> attributeNumbers;
+};
+
+}  // namespace quorva::bench
