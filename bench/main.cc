@@ -1,10 +1,9 @@
 // Measures encoding and decoding of the messages by the library and by its peers, in one process.
 
 #include "limit.h"
-#include "messages.h"
+#include "passes.h"
 #include "tirpc_peer.h"
-
-#include <Xdr.h>
+#include "traces.h"
 
 #include <benchmark/benchmark.h>
 
@@ -12,6 +11,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <functional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 using namespace quorva;
@@ -28,28 +30,6 @@ template <class... Arguments>
     std::exit(1);
 }
 
-std::size_t libraryEncode(XdrRoutine routine, void* object, unsigned char* buffer)
-{
-    Xdr xdrs;
-    xdrs.Program(Xdr::encode, buffer, longest);
-    return routine(&xdrs, object) ? xdrs.codedLength : 0;
-}
-
-// Decode and free, as a caller of the routines does.
-template <class T>
-std::size_t libraryDecode(XdrRoutine routine, const std::vector<unsigned char>& wire)
-{
-    T value = {};
-    Xdr xdrs;
-    auto* const buffer = const_cast<unsigned char*>(wire.data());
-    xdrs.Program(Xdr::decode, buffer, static_cast<unsigned short>(wire.size()));
-    const std::size_t length = routine(&xdrs, &value) ? xdrs.codedLength : 0;
-    Xdr freeing;
-    freeing.Program(Xdr::release, nullptr, 0);
-    routine(&freeing, &value);
-    return length;
-}
-
 // Registers a measurement of `action`, which returns the bytes that it coded, and runs it once to see that it does.
 template <class Action>
 void measure(const std::string& name, std::size_t length, Action action)
@@ -62,6 +42,9 @@ void measure(const std::string& name, std::size_t length, Action action)
 }
 
 unsigned char out[longest];
+TraceText sink;
+char text[65536];
+std::string naiveText;
 
 void same(const std::string& peer, const std::vector<unsigned char>& wire)
 {
@@ -69,16 +52,50 @@ void same(const std::string& peer, const std::vector<unsigned char>& wire)
     std::memset(out, 0xA5, sizeof out);
 }
 
+void sameText(const std::string& name, std::string_view theirs)
+{
+    if (theirs != std::string(sink.text())) die("%s writes another trace than the library", name.c_str());
+}
+
+// The traces of one direction. `limitPass` is the hand-written pass that moves the bytes; it hands the object to `then`.
+template <class LimitPass>
+void measureTraces(const std::string& direction, const std::string& name, std::size_t length, bool decoding,
+                   std::function<std::size_t()> libraryPass, LimitPass limitPass)
+{
+    const std::string prefix = "trace-" + direction + "/" + name + "/";
+    measure(prefix + "quorva", length, libraryPass);
+    std::size_t textLength = 0;
+    const auto byLimit = [limitPass, decoding](std::size_t& written) {
+        return limitPass([&](const auto& value) { written = limit::trace(value, decoding, text, sizeof text); });
+    };
+    const auto byNaive = [limitPass, decoding] {
+        naiveText.clear();
+        return limitPass([&](const auto& value) { naive::trace(value, decoding, naiveText); });
+    };
+    byLimit(textLength);
+    sameText(prefix + "limit", {text, textLength});
+    byNaive();
+    sameText(prefix + "naive", naiveText);
+    measure(prefix + "limit", length, [byLimit] {
+        std::size_t written = 0;
+        const std::size_t done = byLimit(written);
+        ::benchmark::DoNotOptimize(written);
+        return done;
+    });
+    measure(prefix + "naive", length, byNaive);
+    std::printf("%s trace of %s: %zu characters\n", direction.c_str(), name.c_str(), textLength);
+}
+
 template <class T>
 void measureMessage(const std::string& name, T& object, XdrRoutine routine, TirpcType tirpc)
 {
     static std::deque<std::vector<unsigned char>> wires;
-    const std::vector<unsigned char>& wire = wires.emplace_back(out, out + libraryEncode(routine, &object, out));
+    std::vector<unsigned char>& wire = wires.emplace_back(out, out + encodePass(routine, object, out));
     const std::size_t length = wire.size();
     if (length == 0) die("the library does not encode %s", name.c_str());
     std::printf("%s: %zu bytes\n", name.c_str(), length);
 
-    measure("encode/" + name + "/quorva", length, [&object, routine] { return libraryEncode(routine, &object, out); });
+    measure("encode/" + name + "/quorva", length, [&object, routine] { return encodePass(routine, object, out); });
     same("the library", wire);
     measure("encode/" + name + "/limit", length, [&object] { return limit::encode(object, out, longest); });
     same("limit", wire);
@@ -90,7 +107,7 @@ void measureMessage(const std::string& name, T& object, XdrRoutine routine, Tirp
             [theirs, tirpc]() -> std::size_t { return tirpcEncode(tirpc, theirs, out, longest); });
     same("libtirpc", wire);
 
-    measure("decode/" + name + "/quorva", length, [routine, &wire] { return libraryDecode<T>(routine, wire); });
+    measure("decode/" + name + "/quorva", length, [routine, &wire] { return decodePass<T>(routine, wire.data(), wire.size()); });
     measure("decode/" + name + "/limit", length, [&wire] {
         T value = {};
         const std::size_t consumed = limit::decode(value, wire.data(), wire.size());
@@ -106,6 +123,22 @@ void measureMessage(const std::string& name, T& object, XdrRoutine routine, Tirp
     measure("decode/" + name + "/tirpc", length, [tirpc, &wire]() -> std::size_t {
         return tirpcDecode(tirpc, wire.data(), static_cast<unsigned>(wire.size()));
     });
+
+    measureTraces("encode", name, length, false, [routine, &object] { return encodePass(routine, object, out, &sink); },
+                  [&object](auto then) {
+                      const std::size_t written = limit::encode(object, out, longest);
+                      then(object);
+                      return written;
+                  });
+    measureTraces("decode", name, length, true,
+                  [routine, &wire] { return decodePass<T>(routine, wire.data(), wire.size(), &sink); },
+                  [&wire](auto then) {
+                      T value = {};
+                      const std::size_t consumed = limit::decode(value, wire.data(), wire.size());
+                      then(value);
+                      limit::release(value);
+                      return consumed;
+                  });
 }
 
 }  // namespace

@@ -70,7 +70,7 @@ Messages::Messages()
     typical = sequence(typicalAttributes);
 
     // Three texts, then a number, and so on: 44 attributes in 1000 bytes.
-    const AttributeId cycle[] = {1035, 244, 70, 106, 1036, 1073, 77, 104, 70, 244, 15, 50};
+    const AttributeId cycle[] = {1035, 244, 70, 106, 1036, 1073, 77, 104, 70, 244, 1036, 50};
     unsigned char buffer[longest];
     std::size_t size = 4;
     for (std::size_t i = 0;; ++i) {

@@ -1,0 +1,79 @@
+#!/usr/bin/env python3
+"""Counts the instructions of each of the library's measured passes and compares them with the committed counts.
+
+usage: instructions.py PROGRAM BASELINE [update]
+
+PROGRAM runs under valgrind, which takes stock at each boundary that it marks, so a count is that of one pass. A count
+more than 5 % above its baseline fails; one more than 5 % below is reported, so that the baseline can be refreshed with
+`update`.
+"""
+
+import glob
+import os
+import re
+import subprocess
+import sys
+import tempfile
+
+ROOM = 0.05
+
+
+def fail(sentence):
+    sys.exit(f"instructions: {sentence}")
+
+
+def instructions(program):
+    """The instructions of one pass, by the name of the case."""
+    with tempfile.TemporaryDirectory() as folder:
+        # Without an environment, so that nothing of it, such as a locale or a preloaded library, is counted.
+        done = subprocess.run(
+            ["valgrind", "--tool=callgrind", f"--callgrind-out-file={folder}/out", "--dump-before=passBoundary",
+             os.path.abspath(program)],
+            env={"PATH": os.environ.get("PATH", ""), "LC_ALL": "C"}, capture_output=True, text=True)
+        if done.returncode != 0:
+            fail(f"valgrind ended with status {done.returncode}:\n{done.stdout}{done.stderr}")
+        stocks = []
+        for number in range(1, len(glob.glob(f"{folder}/out.*")) + 1):
+            with open(f"{folder}/out.{number}", encoding="utf-8", errors="replace") as dump:
+                stocks.append(int(re.search(r"^summary: (\d+)", dump.read(), re.MULTILINE).group(1)))
+    head, *cases = done.stdout.split("\n")[:-1]
+    passes = int(head.split()[0])
+    # Each case has two boundaries, and what was counted when the second was reached are its passes.
+    if len(stocks) < 2 * len(cases):
+        fail(f"{len(stocks)} counts for {len(cases)} cases")
+    return {case: round(stocks[2 * i + 1] / passes) for i, case in enumerate(cases)}
+
+
+def main():
+    if len(sys.argv) not in (3, 4) or sys.argv[3:] not in ([], ["update"]):
+        sys.exit(__doc__)
+    baseline = sys.argv[2]
+    counts = instructions(sys.argv[1])
+
+    if sys.argv[3:]:
+        with open(baseline, "w", encoding="ascii") as out:
+            out.write("# Instructions of one pass of the library over each measured message; instructions.py rewrites it.\n")
+            out.writelines(f"{case} {count}\n" for case, count in counts.items())
+        print(f"{baseline} rewritten")
+        return
+
+    with open(baseline, encoding="ascii") as lines:
+        known = dict(line.split() for line in lines if not line.startswith("#"))
+    if list(known) != list(counts):
+        fail(f"{baseline} lists other cases; rewrite it with update")
+    costlier = 0
+    for case, count in counts.items():
+        before = int(known[case])
+        change = count / before - 1
+        verdict = ""
+        if change > ROOM:
+            verdict = "  costs more"
+            costlier += 1
+        elif change < -ROOM:
+            verdict = "  costs less: the baseline may be refreshed"
+        print(f"{case:15} {before:9} {count:9} {change:+7.1%}{verdict}")
+    print(f"{len(counts) - costlier} passed, {costlier} failed")
+    sys.exit(1 if costlier else 0)
+
+
+main()
