@@ -1,14 +1,11 @@
 // Measures encoding and decoding of the messages by the library and by its peers, in one process.
 
 #include "limit.h"
+#include "measure.h"
 #include "passes.h"
 #include "tirpc_peer.h"
 #include "traces.h"
 
-#include <benchmark/benchmark.h>
-
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <functional>
@@ -20,26 +17,6 @@ using namespace quorva;
 using namespace quorva::bench;
 
 namespace {
-
-template <class... Arguments>
-[[noreturn]] void die(const char* format, Arguments... arguments)
-{
-    std::fprintf(stderr, "bench: ");
-    std::fprintf(stderr, format, arguments...);
-    std::fputc('\n', stderr);
-    std::exit(1);
-}
-
-// Registers a measurement of `action`, which returns the bytes that it coded, and runs it once to see that it does.
-template <class Action>
-void measure(const std::string& name, std::size_t length, Action action)
-{
-    const std::size_t done = action();
-    if (done != length) die("%s coded %zu bytes of %zu", name.c_str(), done, length);
-    ::benchmark::RegisterBenchmark(name.c_str(), [action](::benchmark::State& state) {
-        for (auto _ : state) ::benchmark::DoNotOptimize(action());
-    });
-}
 
 unsigned char out[longest];
 TraceText sink;
@@ -150,6 +127,9 @@ int main(int count, char** arguments)
     measureMessage("T", messages.typical, XdrJobAVPSeq, tirpcAttributes);
     measureMessage("L", messages.many, XdrJobAVPSeq, tirpcAttributes);
     measureMessage("B", messages.numbers, XdrAttributeSeq, tirpcNumbers);
+
+    measureMixed();
+    measureFields();
 
     ::benchmark::Initialize(&count, arguments);
     if (::benchmark::ReportUnrecognizedArguments(count, arguments)) return 1;
