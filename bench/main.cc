@@ -3,12 +3,14 @@
 #include "limit.h"
 #include "measure.h"
 #include "passes.h"
+#include "peers/formats.h"
 #include "tirpc_peer.h"
 #include "traces.h"
 
 #include <cstring>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -63,6 +65,26 @@ void measureTraces(const std::string& direction, const std::string& name, std::s
     std::printf("%s trace of %s: %zu characters\n", direction.c_str(), name.c_str(), textLength);
 }
 
+// Another format, whose bytes are its own.
+void measureFormat(const std::string& peer, const std::string& name, std::unique_ptr<Format> made)
+{
+    static std::deque<std::unique_ptr<Format>> formats;
+    Format& format = *formats.emplace_back(std::move(made));
+    alignas(8) static unsigned char buffer[8 * longest];
+    const std::size_t length = format.encode(buffer, sizeof buffer);
+    if (length == 0) die("%s does not encode %s", peer.c_str(), name.c_str());
+    struct alignas(8) Words {
+        unsigned char bytes[8 * longest];
+    };
+    static std::deque<Words> messages;
+    Words& message = messages.emplace_back();
+    std::memcpy(message.bytes, buffer, length);
+    if (!format.keeps(message.bytes, length)) die("%s decodes another %s", peer.c_str(), name.c_str());
+    measure("encode/" + name + "/" + peer, length, [&format] { return format.encode(buffer, sizeof buffer); });
+    measure("decode/" + name + "/" + peer, length,
+            [&format, &message, length] { return format.decode(message.bytes, length) ? length : 0; });
+}
+
 template <class T>
 void measureMessage(const std::string& name, T& object, XdrRoutine routine, TirpcType tirpc)
 {
@@ -100,6 +122,10 @@ void measureMessage(const std::string& name, T& object, XdrRoutine routine, Tirp
     measure("decode/" + name + "/tirpc", length, [tirpc, &wire]() -> std::size_t {
         return tirpcDecode(tirpc, wire.data(), static_cast<unsigned>(wire.size()));
     });
+
+    measureFormat("protobuf", name, protobufFormat(object));
+    measureFormat("flatbuffers", name, flatbuffersFormat(object));
+    measureFormat("capnp", name, capnpFormat(object));
 
     measureTraces("encode", name, length, false, [routine, &object] { return encodePass(routine, object, out, &sink); },
                   [&object](auto then) {
