@@ -26,8 +26,11 @@ enum class Pass { encode, decode, traceEncode, traceDecode, none };
 
 Pass passOf(std::string_view name)
 {
-    return name == "encode" ? Pass::encode : name == "decode" ? Pass::decode
-        : name == "trace-encode" ? Pass::traceEncode : name == "trace-decode" ? Pass::traceDecode : Pass::none;
+    return name == "encode"         ? Pass::encode
+           : name == "decode"       ? Pass::decode
+           : name == "trace-encode" ? Pass::traceEncode
+           : name == "trace-decode" ? Pass::traceDecode
+                                    : Pass::none;
 }
 
 template <class T>
@@ -70,10 +73,10 @@ bool runCase(std::string_view name, unsigned long before, unsigned long times)
     }
 }
 
-constexpr const char* cases[] = {
-    "encode/S",       "encode/T",       "encode/L",       "encode/B",       "decode/S",       "decode/T",
-    "decode/L",       "decode/B",       "trace-encode/S", "trace-encode/T", "trace-encode/L", "trace-encode/B",
-    "trace-decode/S", "trace-decode/T", "trace-decode/L", "trace-decode/B"};
+constexpr const char* cases[] = {"encode/S",       "encode/T",       "encode/L",       "encode/B",
+                                 "decode/S",       "decode/T",       "decode/L",       "decode/B",
+                                 "trace-encode/S", "trace-encode/T", "trace-encode/L", "trace-encode/B",
+                                 "trace-decode/S", "trace-decode/T", "trace-decode/L", "trace-decode/B"};
 
 bool good(bool ran, const char* name)
 {
@@ -93,7 +96,8 @@ int main(int count, char** arguments)
         }
         return 0;
     }
-    if (count == 3) return good(runCase(arguments[1], 0, std::strtoul(arguments[2], nullptr, 10)), arguments[1]) ? 0 : 1;
+    if (count == 3)
+        return good(runCase(arguments[1], 0, std::strtoul(arguments[2], nullptr, 10)), arguments[1]) ? 0 : 1;
     std::fprintf(stderr, "usage: instructions [CASE COUNT]\n");
     return 2;
 }

@@ -156,7 +156,8 @@ Out putAttribute(Out at, Out end, const JobAVP& attribute)
         if (!value.pinNumber) return nullptr;
         const std::size_t length = std::strlen(value.pinNumber);
         if (length > 12 || !fits(at, end, 12 + padded(static_cast<Number>(length)))) return nullptr;
-        return putBytes(put(putHead(at, attribute), static_cast<Number>(length)), value.pinNumber, static_cast<Number>(length));
+        return putBytes(put(putHead(at, attribute), static_cast<Number>(length)), value.pinNumber,
+                        static_cast<Number>(length));
     }
     case 77: return putText(at, end, attribute, value.jobName, 256);
     case 100: return number(value.jobPriority);
@@ -178,7 +179,8 @@ Out putAttribute(Out at, Out end, const JobAVP& attribute)
     case 1036: return putText(at, end, attribute, value.folderOwnerName, 256);
     case 1069: {
         const JobSourceSeq& sources = value.jobSourceSeq;
-        if (!fits(at, end, 12 + std::size_t{4} * sources.count) || (!sources.elements && sources.count != 0)) return nullptr;
+        if (!fits(at, end, 12 + std::size_t{4} * sources.count) || (!sources.elements && sources.count != 0))
+            return nullptr;
         at = put(putHead(at, attribute), sources.count);
         swapAll(at, sources.elements, sources.count);
         return at + std::size_t{4} * sources.count;
@@ -254,7 +256,8 @@ In getAttribute(In at, In end, JobAVP& attribute)
         const auto [state, count] = getPair(at);
         if (state != unitOf(DPAJobState::JSheld) || count > 5) return nullptr;
         value.jobState.dpaJobState = DPAJobState::JSheld;
-        return getNumbers(at + 8, end, count, value.jobState.jobHeldReason.count, value.jobState.jobHeldReason.elements);
+        return getNumbers(at + 8, end, count, value.jobState.jobHeldReason.count,
+                          value.jobState.jobHeldReason.elements);
     }
     case 15: return getText(at, end, value.jobOwner, 256);
     case 50: return number(value.quantity);

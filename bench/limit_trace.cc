@@ -11,7 +11,7 @@ namespace quorva::bench::limit {
 
 namespace {
 
-// ---- Constants of known length ----------------------------------------------------------------------------------------
+// ---- Constants of known length --------------------------------------------------------------------------------------
 
 template <std::size_t N>
 struct Constant {
@@ -46,7 +46,7 @@ consteval auto indented()
     return result;
 }
 
-// ---- Values ----------------------------------------------------------------------------------------------------------
+// ---- Values ---------------------------------------------------------------------------------------------------------
 
 using Out = char*;  // where the next character goes; null: refused
 
@@ -104,7 +104,10 @@ struct Enumerator {
     constexpr Enumerator(const char* name, unsigned number)
     {
         const auto put = [&](char c) { chars[size++] = c; };
-        const auto tag = [&] { for (const char* c = name; *c; ++c) put(*c); put('>'); };
+        const auto tag = [&] {
+            for (const char* c = name; *c; ++c) put(*c);
+            put('>');
+        };
         put('<');
         tag();
         if (number >= 10) put(static_cast<char>('0' + number / 10));
@@ -122,28 +125,43 @@ Out addEnumerator(Out at, const Enumerator (&table)[N], E value)
     if (number >= N) return nullptr;
     const Enumerator& found = table[number];
     std::memcpy(at, found.chars, 48);
-    if (found.size > 48) [[unlikely]] std::memcpy(at + 48, found.chars + 48, sizeof found.chars - 48);
+    if (found.size > 48) [[unlikely]]
+        std::memcpy(at + 48, found.chars + 48, sizeof found.chars - 48);
     return at + found.size;
 }
 
-constexpr Enumerator encodings[] = {{"SEAscii", 0}, {"SEZccs", 1}, {"SEUTF8", 2}, {"SEUTF16LE", 3}, {"SEUTF16BE", 4}, {"SEUTF32", 5}};
-constexpr Enumerator sources[] = {{"JSUnknown", 0}, {"JSFileCabinet", 1}, {"JSPrint", 2},
+constexpr Enumerator encodings[] = {{"SEAscii", 0},   {"SEZccs", 1},    {"SEUTF8", 2},
+                                    {"SEUTF16LE", 3}, {"SEUTF16BE", 4}, {"SEUTF32", 5}};
+constexpr Enumerator sources[] = {{"JSUnknown", 0},     {"JSFileCabinet", 1}, {"JSPrint", 2},
                                   {"JSReceiveIFax", 3}, {"JSReceiveSFax", 4}, {"JSReceiveEFax", 5}};
-constexpr Enumerator heldReasons[] = {
-    {"JHRsecurePrinting", 0}, {"JHRjobHoldSet", 1}, {"JHRdeferredPrinting", 2}, {"JHRrequiredResourcesNotAvailable", 3},
-    {"JHRproofAndHold", 4}, {"JHRintrusiveDiagnostics", 5}, {"JHRnoSpaceOnFileServer", 6}, {"JHRpaperSourceSMH", 7},
-    {"JHRsystemIdle", 8}, {"JHREPSVHeld", 9}, {"JHRESSwasDisturbed", 10}, {"JHRESSOffline", 11},
-    {"JHRmarkResourceRequired", 12}, {"JHRForForeignInterface", 13}, {"JHRsoftwareUpgrade", 14},
-    {"JHRforCreditRequired", 15}, {"JHRholdAllJobs", 16}, {"JHRmarkResourceRequiredPrintOnAlternativeAvailable", 17}};
+constexpr Enumerator heldReasons[] = {{"JHRsecurePrinting", 0},
+                                      {"JHRjobHoldSet", 1},
+                                      {"JHRdeferredPrinting", 2},
+                                      {"JHRrequiredResourcesNotAvailable", 3},
+                                      {"JHRproofAndHold", 4},
+                                      {"JHRintrusiveDiagnostics", 5},
+                                      {"JHRnoSpaceOnFileServer", 6},
+                                      {"JHRpaperSourceSMH", 7},
+                                      {"JHRsystemIdle", 8},
+                                      {"JHREPSVHeld", 9},
+                                      {"JHRESSwasDisturbed", 10},
+                                      {"JHRESSOffline", 11},
+                                      {"JHRmarkResourceRequired", 12},
+                                      {"JHRForForeignInterface", 13},
+                                      {"JHRsoftwareUpgrade", 14},
+                                      {"JHRforCreditRequired", 15},
+                                      {"JHRholdAllJobs", 16},
+                                      {"JHRmarkResourceRequiredPrintOnAlternativeAvailable", 17}};
 
-// ---- One attribute -----------------------------------------------------------------------------------------------------
+// ---- One attribute --------------------------------------------------------------------------------------------------
 // `depth` is that of the attribute; a decode pass shows each element of an array on lines of its own.
 
 template <Constant number, Constant tag, std::size_t depth>
 Out openValue(Out at)
 {
-    return add<joined(Constant("</id>\n<value>\n  <attribute>"), number, Constant("</attribute>\n  <JobUnionUnion>\n    <"), tag,
-                      Constant(">")), depth>(at);
+    return add<joined(Constant("</id>\n<value>\n  <attribute>"), number,
+                      Constant("</attribute>\n  <JobUnionUnion>\n    <"), tag, Constant(">")),
+               depth>(at);
 }
 
 template <Constant tag, std::size_t depth>
@@ -162,7 +180,8 @@ template <Constant number, Constant tag, Constant firstTag, Constant secondTag, 
 Out addPair(Out at, std::uint32_t first, std::uint32_t second)
 {
     at = add<joined(Constant("\n      <"), firstTag, Constant(">")), depth>(openValue<number, tag, depth>(at));
-    at = add<joined(Constant("</"), firstTag, Constant(">\n      <"), secondTag, Constant(">")), depth>(addNumber(at, first));
+    at = add<joined(Constant("</"), firstTag, Constant(">\n      <"), secondTag, Constant(">")), depth>(
+        addNumber(at, first));
     at = add<joined(Constant("</"), secondTag, Constant(">\n    ")), depth>(addNumber(at, second));
     return closeValue<tag, depth>(at);
 }
@@ -234,11 +253,13 @@ Out addAttribute(Out at, Out end, const JobAVP& attribute)
     case 13: {
         if (value.jobState.dpaJobState != DPAJobState::JSheld) return nullptr;
         at = openValue<"13", "jobState", depth>(at);
-        at = add<"\n      <dpaJobState><JSheld>12</JSheld></dpaJobState>\n      <JobStateUnion>\n        <jobHeldReason>", depth>(at);
+        at = add<
+            "\n      <dpaJobState><JSheld>12</JSheld></dpaJobState>\n      <JobStateUnion>\n        <jobHeldReason>",
+            depth>(at);
         const auto& reasons = value.jobState.jobHeldReason;
-        at = addElements<decoding, depth + 4>(at, end, reasons.elements, reasons.count, [](Out out, JobHeldReason reason, std::size_t) {
-            return addEnumerator(out, heldReasons, reason);
-        });
+        at = addElements<decoding, depth + 4>(
+            at, end, reasons.elements, reasons.count,
+            [](Out out, JobHeldReason reason, std::size_t) { return addEnumerator(out, heldReasons, reason); });
         if (!at) return nullptr;
         return closeValue<"jobState", depth>(add<"</jobHeldReason>\n      </JobStateUnion>\n    ", depth>(at));
     }
@@ -275,10 +296,9 @@ Out addAttribute(Out at, Out end, const JobAVP& attribute)
     case 1036: return addText<"1036", "folderOwnerName", depth>(at, end, value.folderOwnerName);
     case 1069:
         at = openValue<"1069", "jobSourceSeq", depth>(at);
-        at = addElements<decoding, depth + 2>(at, end, value.jobSourceSeq.elements, value.jobSourceSeq.count,
-                                              [](Out out, JobSource source, std::size_t) {
-                                                  return addEnumerator(out, sources, source);
-                                              });
+        at = addElements<decoding, depth + 2>(
+            at, end, value.jobSourceSeq.elements, value.jobSourceSeq.count,
+            [](Out out, JobSource source, std::size_t) { return addEnumerator(out, sources, source); });
         return at ? closeValue<"jobSourceSeq", depth>(at) : nullptr;
     case 1073: return addText<"1073", "fileName", depth>(at, end, value.fileName);
     default: return nullptr;
@@ -329,12 +349,14 @@ std::size_t trace(const JobAttNotifyParams& value, bool, char* text, std::size_t
 
 std::size_t trace(const JobAVPSeq& value, bool decoding, char* text, std::size_t room)
 {
-    return lengthOf(text, decoding ? addAttributes<true>(text, text + room, value) : addAttributes<false>(text, text + room, value));
+    return lengthOf(text, decoding ? addAttributes<true>(text, text + room, value)
+                                   : addAttributes<false>(text, text + room, value));
 }
 
 std::size_t trace(const AttributeSeq& value, bool decoding, char* text, std::size_t room)
 {
-    return lengthOf(text, decoding ? addNumbers<true>(text, text + room, value) : addNumbers<false>(text, text + room, value));
+    return lengthOf(
+        text, decoding ? addNumbers<true>(text, text + room, value) : addNumbers<false>(text, text + room, value));
 }
 
 }  // namespace quorva::bench::limit

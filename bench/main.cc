@@ -36,7 +36,8 @@ void sameText(const std::string& name, std::string_view theirs)
     if (theirs != std::string(sink.text())) die("%s writes another trace than the library", name.c_str());
 }
 
-// The traces of one direction. `limitPass` is the hand-written pass that moves the bytes; it hands the object to `then`.
+// The traces of one direction. `limitPass` is the hand-written pass that moves the bytes; it hands the object to
+// `then`.
 template <class LimitPass>
 void measureTraces(const std::string& direction, const std::string& name, std::size_t length, bool decoding,
                    std::function<std::size_t()> libraryPass, LimitPass limitPass)
@@ -106,7 +107,8 @@ void measureMessage(const std::string& name, T& object, XdrRoutine routine, Tirp
             [theirs, tirpc]() -> std::size_t { return tirpcEncode(tirpc, theirs, out, longest); });
     same("libtirpc", wire);
 
-    measure("decode/" + name + "/quorva", length, [routine, &wire] { return decodePass<T>(routine, wire.data(), wire.size()); });
+    measure("decode/" + name + "/quorva", length,
+            [routine, &wire] { return decodePass<T>(routine, wire.data(), wire.size()); });
     measure("decode/" + name + "/limit", length, [&wire] {
         T value = {};
         const std::size_t consumed = limit::decode(value, wire.data(), wire.size());
@@ -127,21 +129,23 @@ void measureMessage(const std::string& name, T& object, XdrRoutine routine, Tirp
     measureFormat("flatbuffers", name, flatbuffersFormat(object));
     measureFormat("capnp", name, capnpFormat(object));
 
-    measureTraces("encode", name, length, false, [routine, &object] { return encodePass(routine, object, out, &sink); },
-                  [&object](auto then) {
-                      const std::size_t written = limit::encode(object, out, longest);
-                      then(object);
-                      return written;
-                  });
-    measureTraces("decode", name, length, true,
-                  [routine, &wire] { return decodePass<T>(routine, wire.data(), wire.size(), &sink); },
-                  [&wire](auto then) {
-                      T value = {};
-                      const std::size_t consumed = limit::decode(value, wire.data(), wire.size());
-                      then(value);
-                      limit::release(value);
-                      return consumed;
-                  });
+    measureTraces(
+        "encode", name, length, false, [routine, &object] { return encodePass(routine, object, out, &sink); },
+        [&object](auto then) {
+            const std::size_t written = limit::encode(object, out, longest);
+            then(object);
+            return written;
+        });
+    measureTraces(
+        "decode", name, length, true,
+        [routine, &wire] { return decodePass<T>(routine, wire.data(), wire.size(), &sink); },
+        [&wire](auto then) {
+            T value = {};
+            const std::size_t consumed = limit::decode(value, wire.data(), wire.size());
+            then(value);
+            limit::release(value);
+            return consumed;
+        });
 }
 
 }  // namespace

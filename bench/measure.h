@@ -3,19 +3,22 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace quorva::bench {
 
-template <class... Arguments>
-[[noreturn]] void die(const char* format, Arguments... arguments)
+[[noreturn, gnu::format(printf, 1, 2)]] inline void die(const char* format, ...)
 {
-    std::fprintf(stderr, "bench: ");
-    std::fprintf(stderr, format, arguments...);
+    std::va_list arguments;
+    va_start(arguments, format);
+    std::fputs("bench: ", stderr);
+    std::vfprintf(stderr, format, arguments);
     std::fputc('\n', stderr);
     std::exit(1);
 }

@@ -22,7 +22,9 @@ JobAVP Messages::attribute(AttributeId number)
     made.id = number;
     JobUnion& value = made.value;
     value.attribute = number;
-    const auto encoded = [&](std::string contents) { return EncodedLongString{StringEncoding::SEUTF8, text(std::move(contents))}; };
+    const auto encoded = [&](std::string contents) {
+        return EncodedLongString{StringEncoding::SEUTF8, text(std::move(contents))};
+    };
     switch (number) {
     case 8: value.jobId = {5, 231}; break;
     case 13: {
@@ -64,7 +66,8 @@ Messages::Messages()
 
     small = {{5, 231}, {0, nullptr}};
 
-    // Enumerators are numbers on the wire, and the array of 1069 is the only one of numbers that a job's attributes hold.
+    // Enumerators are numbers on the wire, and the array of 1069 is the only one of numbers that a job's attributes
+    // hold.
     for (const AttributeId number : {8u, 13u, 15u, 50u, 59u, 77u, 100u, 104u, 106u, 192u, 246u, 1069u})
         typicalAttributes.push_back(attribute(number));
     typical = sequence(typicalAttributes);

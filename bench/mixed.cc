@@ -48,7 +48,8 @@ std::size_t recode(Sample& sample)
 std::size_t peerRecodes(Sample& sample)
 {
     unsigned consumed = 0;
-    const int written = peerRecode(sample.peer, sample.wire.data(), static_cast<unsigned>(sample.wire.size()), out, longest, &consumed);
+    const int written =
+        peerRecode(sample.peer, sample.wire.data(), static_cast<unsigned>(sample.wire.size()), out, longest, &consumed);
     return written < 0 ? 0 : static_cast<std::size_t>(written);
 }
 
@@ -59,7 +60,8 @@ std::vector<Sample> samples()
     std::vector<std::pair<const schema::Type*, unsigned>> types;
     for (const auto* module : schema::modules())
         for (const auto* type : module->types)
-            if (const auto place = places.find(type->name); place != places.end()) types.emplace_back(type, place->second);
+            if (const auto place = places.find(type->name); place != places.end())
+                types.emplace_back(type, place->second);
     if (types.empty()) die("no type of the library is known to the peer");
 
     std::vector<Sample> made;
@@ -79,11 +81,13 @@ void measureOrders(const std::string& name, std::vector<Sample>& all, Action act
 {
     std::size_t bytes = 0;
     for (const Sample& sample : all) bytes += sample.wire.size();
-    measure("mixed/" + name, bytes, [&all, action] {
-        std::size_t done = 0;
-        for (Sample& sample : all) done += action(sample);
-        return done;
-    }, {{"messages", static_cast<double>(all.size())}});
+    measure("mixed/" + name, bytes,
+            [&all, action] {
+                std::size_t done = 0;
+                for (Sample& sample : all) done += action(sample);
+                return done;
+            },
+            {{"messages", static_cast<double>(all.size())}});
 
     // The same messages, each many times before the next. The stride visits all of them in an order of no kind.
     const double average = static_cast<double>(bytes) / static_cast<double>(all.size()) * repeats;
@@ -122,7 +126,8 @@ void measureFields()
             return runPass(Xdr::encode, XdrAttributeSeq, &value, wire).length;
         };
         measure("fields/encode" + name, wire.size(), encode, {{"fields", static_cast<double>(count)}});
-        measure("fields/decode" + name, wire.size(), [&wire] { return decodePass<AttributeSeq>(XdrAttributeSeq, wire.data(), wire.size()); },
+        measure("fields/decode" + name, wire.size(),
+                [&wire] { return decodePass<AttributeSeq>(XdrAttributeSeq, wire.data(), wire.size()); },
                 {{"fields", static_cast<double>(count)}});
     }
 }

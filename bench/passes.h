@@ -9,8 +9,8 @@
 
 namespace quorva::bench {
 
-// Bytes written to `buffer`, which has room for `longest`; 0 after a failure. The trace goes to `sink`, if any, which is
-// cleared first.
+// Bytes written to `buffer`, which has room for `longest`; 0 after a failure. The trace goes to `sink`, if any, which
+// is cleared first.
 inline std::size_t encodePass(XdrRoutine routine, void* object, unsigned char* buffer, TraceText* sink)
 {
     Xdr xdrs;

@@ -1,4 +1,4 @@
-/* Another implementation of the same wire form: routines that rpcgen made from the same interface files, run by libtirpc. */
+/* Another implementation of the same wire form: what rpcgen makes of the same interface files, run by libtirpc. */
 #pragma once
 
 #ifdef __cplusplus

@@ -1,5 +1,5 @@
-// Cap'n Proto: messages are built from the library's objects in storage that is used again, written as one flat segment,
-// and read into the library's objects.
+// Cap'n Proto: messages are built from the library's objects in storage that is used again, written as one flat
+// segment, and read into the library's objects.
 
 #include "formats.h"
 
@@ -144,7 +144,9 @@ bool get(cp::Attribute::Reader from, JobAVP& to)
     case cp::Attribute::JOB_NAME: get(from.getJobName(), value.jobName); break;
     case cp::Attribute::JOB_PRIORITY: value.jobPriority = from.getJobPriority(); break;
     case cp::Attribute::JOB_SUBMISSION_TIME: value.jobSubmissionTime = from.getJobSubmissionTime(); break;
-    case cp::Attribute::NUMBER_OF_ORIGINAL_IMAGES: value.numberOfOriginalImages = from.getNumberOfOriginalImages(); break;
+    case cp::Attribute::NUMBER_OF_ORIGINAL_IMAGES:
+        value.numberOfOriginalImages = from.getNumberOfOriginalImages();
+        break;
     case cp::Attribute::SETS_COMPLETED:
         value.setscompleted = {from.getSetsCompleted().getSetsCompleted(), from.getSetsCompleted().getSetsRequested()};
         break;

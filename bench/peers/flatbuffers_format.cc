@@ -40,15 +40,18 @@ Offset<fb::Attribute> put(FlatBufferBuilder& builder, const JobAVP& attribute)
         return fb::CreateAttribute(builder, attribute.id, type, contents);
     };
     switch (value.attribute) {
-    case 8: return made(fb::Value_job_id, builder.CreateStruct(fb::JobId(value.jobId.service, value.jobId.job)).Union());
+    case 8:
+        return made(fb::Value_job_id, builder.CreateStruct(fb::JobId(value.jobId.service, value.jobId.job)).Union());
     case 13: {
         const auto reasons = putNumbers(builder, value.jobState.jobHeldReason);
-        return made(fb::Value_job_state, fb::CreateJobState(builder, static_cast<int>(value.jobState.dpaJobState), reasons).Union());
+        return made(fb::Value_job_state,
+                    fb::CreateJobState(builder, static_cast<int>(value.jobState.dpaJobState), reasons).Union());
     }
     case 15: return made(fb::Value_job_owner, put(builder, value.jobOwner));
     case 50: return made(fb::Value_quantity, putNumber(builder, value.quantity));
     case 59: return made(fb::Value_job_hold, putNumber(builder, value.jobHold));
-    case 70: return made(fb::Value_pin_number, fb::CreatePinNumber(builder, builder.CreateString(value.pinNumber)).Union());
+    case 70:
+        return made(fb::Value_pin_number, fb::CreatePinNumber(builder, builder.CreateString(value.pinNumber)).Union());
     case 77: return made(fb::Value_job_name, put(builder, value.jobName));
     case 100: return made(fb::Value_job_priority, putNumber(builder, value.jobPriority));
     case 104: return made(fb::Value_job_submission_time, putNumber(builder, value.jobSubmissionTime));
@@ -66,7 +69,9 @@ Offset<fb::Attribute> put(FlatBufferBuilder& builder, const JobAVP& attribute)
     }
     case 1035: return made(fb::Value_folder_name, put(builder, value.folderName));
     case 1036: return made(fb::Value_folder_owner_name, put(builder, value.folderOwnerName));
-    case 1069: return made(fb::Value_job_sources, fb::CreateJobSources(builder, putNumbers(builder, value.jobSourceSeq)).Union());
+    case 1069:
+        return made(fb::Value_job_sources,
+                    fb::CreateJobSources(builder, putNumbers(builder, value.jobSourceSeq)).Union());
     case 1073: return made(fb::Value_file_name, put(builder, value.fileName));
     default: return made(fb::Value_NONE, 0);
     }
@@ -204,11 +209,17 @@ bool get(const fb::Numbers* from, AttributeSeq& to)
 template <class T>
 struct RootOf;
 template <>
-struct RootOf<JobAttNotifyParams> { using Table = fb::Notification; };
+struct RootOf<JobAttNotifyParams> {
+    using Table = fb::Notification;
+};
 template <>
-struct RootOf<JobAVPSeq> { using Table = fb::Attributes; };
+struct RootOf<JobAVPSeq> {
+    using Table = fb::Attributes;
+};
 template <>
-struct RootOf<AttributeSeq> { using Table = fb::Numbers; };
+struct RootOf<AttributeSeq> {
+    using Table = fb::Numbers;
+};
 
 template <class T>
 bool read(const unsigned char* message, std::size_t length, T& value)

@@ -70,9 +70,11 @@ private:
 };
 
 // The attributes in the order in which the unions of these formats have them.
-inline constexpr AttributeId attributeNumbers[] = {8, 13, 15, 50, 59, 70, 77, 100, 104, 106, 192, 244, 246, 1035, 1036, 1069, 1073};
+inline constexpr AttributeId attributeNumbers[] = {8,   13,  15,  50,  59,   70,   77,   100, 104,
+                                                   106, 192, 244, 246, 1035, 1036, 1069, 1073};
 
-// An array in storage of its own, which the object that holds it owns. Throws where there is none: these formats do, too.
+// An array in storage of its own, which the object that holds it owns. Throws where there is none: these formats do,
+// too.
 template <class Array, class Numbers>
 void own(Array& array, const Numbers& from, std::size_t count)
 {
