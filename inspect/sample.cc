@@ -2,6 +2,7 @@
 
 #include "sample.h"
 
+#include "chance.h"
 #include "traverse.h"
 
 #include <algorithm>
@@ -15,27 +16,6 @@ using schema::Type;
 using schema::Use;
 
 namespace {
-
-// Small, good enough, and the same on every platform (splitmix64).
-class Chance {
-public:
-    explicit Chance(std::uint64_t seed) : state(seed) {}
-
-    std::uint64_t next()
-    {
-        state += 0x9E3779B97F4A7C15u;
-        std::uint64_t z = state;
-        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9u;
-        z = (z ^ (z >> 27)) * 0x94D049BB133111EBu;
-        return z ^ (z >> 31);
-    }
-
-    std::size_t below(std::size_t bound) { return static_cast<std::size_t>(next() % bound); }
-    bool oneIn(std::size_t n) { return below(n) == 0; }
-
-private:
-    std::uint64_t state;
-};
 
 constexpr std::size_t padded(std::size_t size)
 {

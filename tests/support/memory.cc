@@ -120,7 +120,7 @@ OPERATOR void operator delete[](void* block, const std::nothrow_t&) noexcept { r
 
 // A text whose length a message gives as 4 GiB is asked for, and refused, under the address sanitizer too. DeallocateString
 // releases in another form than the decode allocates, as it always has.
-extern "C" __attribute__((visibility("default"))) const char* __asan_default_options();
+extern "C" __attribute__((visibility("default"), weak)) const char* __asan_default_options();
 const char* __asan_default_options()
 {
     return "allocator_may_return_null=1:alloc_dealloc_mismatch=0:max_allocation_size_mb=1024";

@@ -1,0 +1,175 @@
+// Damage by chance.
+
+#include "damage.h"
+
+#include "inspect/wire.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+namespace quorva::fuzz {
+
+namespace {
+
+constexpr std::uint32_t tellingUnits[] = {0,          1,          2,          3,          0xFF,       0x100,     0xFFFF,
+                                          0x10000,    0x10001,    0x7FFFFFFF, 0x80000000, 0xFFFFFFFC, 0xFFFFFFFD,
+                                          0xFFFFFFFE, 0xFFFFFFFF};
+constexpr std::size_t longestGrown = 4096;  // messages stop growing here
+
+std::uint32_t unitAt(std::span<const unsigned char> bytes, std::size_t at)
+{
+    return static_cast<std::uint32_t>(bytes[at]) << 24 | static_cast<std::uint32_t>(bytes[at + 1]) << 16 |
+           static_cast<std::uint32_t>(bytes[at + 2]) << 8 | bytes[at + 3];
+}
+
+void setUnit(Bytes& bytes, std::size_t at, std::uint32_t unit)
+{
+    for (std::size_t i = 4; i-- > 0; unit >>= 8) bytes[at + i] = static_cast<unsigned char>(unit);
+}
+
+// Another number where `unit` stands, of the kind that goes wrong somewhere.
+std::uint32_t changed(std::uint32_t unit, std::span<const unsigned char> other, Chance& chance)
+{
+    switch (chance.below(6)) {
+    case 0:
+    case 1: return tellingUnits[chance.below(std::size(tellingUnits))];
+    case 2: return unit + static_cast<std::uint32_t>(chance.below(8)) - 4;
+    case 3: return unit ^ std::uint32_t{1} << chance.below(32);
+    case 4: return static_cast<std::uint32_t>(chance.below(64));
+    default: return other.size() < 4 ? static_cast<std::uint32_t>(chance.next()) : unitAt(other, 4 * chance.below(other.size() / 4));
+    }
+}
+
+std::ptrdiff_t offset(std::size_t at)
+{
+    return static_cast<std::ptrdiff_t>(at);
+}
+
+}  // namespace
+
+Invented invent(inspect::Sampler& sampler, const schema::Type& type, Chance& chance)
+{
+    constexpr std::size_t budgets[] = {60, 120, 120, 240, 240, 480, 1024};
+    inspect::Recipe recipe{inspect::Extent::random, chance.next(), budgets[chance.below(std::size(budgets))]};
+    if (chance.oneIn(32)) recipe.extent = chance.oneIn(2) ? inspect::Extent::least : inspect::Extent::fullest;
+    Invented invented{sampler.sample(type, recipe), {}};
+    invented.steering = steeringUnits(type, invented.message);
+    return invented;
+}
+
+std::vector<std::size_t> steeringUnits(const schema::Type& type, std::span<const unsigned char> message)
+{
+    std::vector<std::size_t> units;
+    inspect::readMessage(type, message, [&](const inspect::Leaf& leaf) {
+        const bool steers = leaf.text.starts_with("count ") || leaf.text.starts_with("length ") || leaf.text == "present" ||
+                            leaf.text == "absent" || leaf.path.text().empty();
+        if (steers) units.push_back(leaf.offset);
+    });
+    return units;
+}
+
+void damage(Bytes& message, std::span<const std::size_t> steering, std::span<const unsigned char> other, Chance& chance)
+{
+    const std::size_t units = message.size() / 4;
+    const auto someUnit = [&] { return 4 * chance.below(units); };
+    const auto run = [&](std::size_t from) { return 4 * (1 + chance.below(std::min<std::size_t>(8, (message.size() - from) / 4))); };
+    switch (units == 0 ? 11 : chance.below(12)) {
+    default: {  // a unit says something else
+        std::size_t at = someUnit();
+        if (!steering.empty() && !chance.oneIn(3)) at = steering[chance.below(steering.size())];
+        if (at + 4 <= message.size()) setUnit(message, at, changed(unitAt(message, at), other, chance));
+        return;
+    }
+    case 7:  // a byte does
+        message[chance.below(message.size())] = static_cast<unsigned char>(chance.next());
+        return;
+    case 8: {  // some units twice
+        if (message.size() > longestGrown) return;
+        const std::size_t from = someUnit();
+        const Bytes part(message.begin() + offset(from), message.begin() + offset(from + run(from)));
+        message.insert(message.begin() + offset(from), part.begin(), part.end());
+        return;
+    }
+    case 9: {  // some units gone
+        const std::size_t from = someUnit();
+        const std::size_t size = run(from);
+        message.erase(message.begin() + offset(from), message.begin() + offset(from + size));
+        return;
+    }
+    case 10:  // the end too early
+        message.resize(chance.below(message.size()));
+        return;
+    case 11: {  // another's end, or a longer one
+        const std::size_t from = units == 0 ? 0 : someUnit();
+        const std::size_t otherFrom = other.size() < 4 ? 0 : 4 * chance.below(other.size() / 4);
+        message.resize(chance.oneIn(4) ? message.size() : from);
+        if (message.size() <= longestGrown) message.insert(message.end(), other.begin() + offset(otherFrom), other.end());
+        return;
+    }
+    }
+}
+
+std::size_t stored(std::span<const unsigned char> bytes, unsigned char* data, std::size_t most)
+{
+    const std::size_t size = std::min(bytes.size(), most);
+    if (size > 0) std::memcpy(data, bytes.data(), size);
+    return size;
+}
+
+std::size_t mutateMessage(unsigned char* data, std::size_t size, std::size_t most, unsigned seed)
+{
+    static inspect::Sampler sampler;
+    Chance chance(seed);
+    Input input = Input::of({data, size});
+    Bytes message(input.contents.begin(), input.contents.end());
+    const std::size_t deed = chance.below(16);
+    if (deed == 0) input.type = allTypes()[chance.below(allTypes().size())];
+    if (deed == 1) input.variant = static_cast<std::uint8_t>(chance.next());
+    if (deed <= 2 && !(deed == 1 && size > Input::headSize)) {
+        message = invent(sampler, *input.type, chance).message;
+    } else if (deed <= 6 && most > Input::headSize) {
+        message.resize(std::max(message.size(), most - Input::headSize));
+        message.resize(LLVMFuzzerMutate(message.data(), input.contents.size(), most - Input::headSize));
+    } else {
+        const Bytes other = invent(sampler, *input.type, chance).message;
+        for (std::size_t i = 1 + chance.below(3); i > 0; --i)
+            damage(message, steeringUnits(*input.type, message), other, chance);
+    }
+    input.contents = message;
+    return stored(input.bytes(), data, most);
+}
+
+std::size_t mutateText(unsigned char* data, std::size_t size, std::size_t most, unsigned seed,
+                       std::span<const std::string_view> words)
+{
+    Chance chance(seed);
+    if (size == 0 || chance.oneIn(3)) return LLVMFuzzerMutate(data, size, most);
+
+    const auto isWord = [](unsigned char c) { return std::isalnum(c) || c == '_' || c >= 0x80; };
+    std::vector<std::string> tokens;
+    for (std::size_t i = 0; i < size; ++i) {
+        const bool joins = i > 0 && ((isWord(data[i]) && isWord(data[i - 1])) || (data[i] == data[i - 1] && data[i] <= ' '));
+        if (!joins) tokens.emplace_back();
+        tokens.back() += static_cast<char>(data[i]);
+    }
+    const auto some = [&] { return chance.below(tokens.size()); };
+    for (std::size_t i = 1 + chance.below(3); i > 0 && !tokens.empty(); --i) {
+        const std::size_t at = some();
+        const std::size_t behind = std::min(tokens.size(), at + 1 + chance.below(chance.oneIn(4) ? 40 : 3));
+        const std::vector<std::string> run(tokens.begin() + offset(at), tokens.begin() + offset(behind));
+        switch (chance.below(6)) {
+        case 0: std::swap(tokens[at], tokens[some()]); break;
+        case 1: tokens[at] = words[chance.below(words.size())]; break;
+        case 2: tokens.insert(tokens.begin() + offset(at), std::string(words[chance.below(words.size())])); break;
+        case 3: tokens[at] = tokens[some()]; break;
+        case 4: tokens.erase(tokens.begin() + offset(at), tokens.begin() + offset(behind)); break;
+        case 5: tokens.insert(tokens.begin() + offset(some()), run.begin(), run.end()); break;
+        }
+    }
+    Bytes text;
+    for (const std::string& token : tokens) text.insert(text.end(), token.begin(), token.end());
+    return stored(text, data, most);
+}
+
+}  // namespace quorva::fuzz

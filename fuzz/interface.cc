@@ -1,0 +1,104 @@
+// Any text as an interface file: every stage takes it, and what has no faults can be generated from, flattens to the same
+// interface, and differs in nothing from it. What stands before a form feed is a module "part" that the rest may import.
+
+#include "compiler/check.h"
+#include "compiler/compare.h"
+#include "compiler/emit.h"
+#include "compiler/flatten.h"
+#include "compiler/lint.h"
+#include "compiler/parser.h"
+#include "compiler/resolve.h"
+#include "damage.h"
+
+#include <sstream>
+
+using namespace quorva::compiler;
+using namespace quorva::fuzz;
+
+namespace {
+
+std::unique_ptr<Module> parsed(std::string_view name, std::string_view text, Diagnostics& faults)
+{
+    auto module = std::make_unique<Module>();
+    module->source = {std::string(name) + ".x", std::string(name), std::string(text)};
+    module->requested = true;
+    parse(*module, faults);
+    return module;
+}
+
+Program read(std::string_view text, Diagnostics& faults)
+{
+    Program program;
+    const std::size_t split = text.find('\f');
+    if (split != text.npos) program.modules.push_back(parsed("part", text.substr(0, split), faults));
+    program.modules.push_back(parsed("whole", split == text.npos ? text : text.substr(split + 1), faults));
+    for (const auto& module : program.modules)
+        for (Import& import : module->imports) {
+            if (split != text.npos && module == program.modules.back() && import.name == "part") {
+                import.module = program.modules.front().get();
+            } else {
+                faults.error(import.at, "module " + inQuotes(import.name) + " is not found");
+                module->incomplete = true;
+            }
+        }
+    resolve(program, faults);
+    check(program, faults);
+    return program;
+}
+
+void isWorkedOn(const Program& program)
+{
+    std::vector<const Module*> modules;
+    for (const auto& module : program.modules) {
+        modules.push_back(module.get());
+        for (const auto emit : {emitHeader, emitUnit, emitBodies, emitSchema})
+            if (emit(*module).empty()) throw Finding{"nothing is generated"};
+    }
+    emitModuleList(modules);
+    emitPlain(program, {"plain_"});
+    Diagnostics warnings("warning", mostWarnings);
+    lint(program, warnings);
+    std::ostringstream said;
+    warnings.print(said);
+}
+
+void staysFlat(const Program& program)
+{
+    const std::string flat = flatten(program);
+    Diagnostics faults;
+    const Program again = read(flat, faults);
+    std::ostringstream said;
+    faults.print(said);
+    if (faults.count() > 0) throw Finding{"the flattened file has faults:\n" + said.str() + flat};
+    if (flatten(again) != flat) throw Finding{"flattening changes a flattened file:\n" + flat};
+    if (compare({program}, {again}, said) > 0) throw Finding{"flattening is a break:\n" + said.str() + flat};
+}
+
+constexpr std::string_view words[] = {
+    "enum", "struct", "union", "switch", "case", "default", "typedef", "const", "import", "opaque", "string", "void", "bool", "int",
+    "unsigned", "float", "double", "hyper", "quadruple", "TRUE", "FALSE", "{", "}", "(", ")", "[", "]", "<", ">", ";", ",", ":", "=",
+    "*", "/*", "*/", "//", "#define", "%", "\f", "\n", "0", "-1", "1", "2", "65535", "65536", "0x7FFFFFFF", "4294967295", "4294967296",
+    "-2147483648", "0777", "\xC3\xA4", "// @provisional because\n", "import part;\n", "LongNatural", "ShortInteger", "Boolean", "UINT",
+    "Natural", "Float", "class", "namespace", "struct A { A *next; };\n", "typedef B A;\ntypedef A B;\n"};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    return judge([&] {
+        Diagnostics faults;
+        const Program program = read({reinterpret_cast<const char*>(data), size}, faults);
+        if (faults.count() > 0) {
+            std::ostringstream said;
+            faults.print(said);
+            return;
+        }
+        isWorkedOn(program);
+        staysFlat(program);
+    });
+}
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t most, unsigned seed)
+{
+    return mutateText(data, size, most, seed, words);
+}

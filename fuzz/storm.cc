@@ -1,0 +1,184 @@
+// Invents messages of every type, damages most of them, and holds each against the properties: no coverage to look at,
+// hence many a second.
+
+#include "damage.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
+
+using namespace quorva;
+using namespace quorva::fuzz;
+
+namespace {
+
+const char* const usage =
+    "usage: fuzz_storm [--each N] [--seed S] [--types FIRST-LAST] [--per-type]\n"
+    "\n"
+    "Makes N messages (default 1000) for each type, or for those with the numbers FIRST to LAST, counted by name from 0.\n"
+    "One that breaks a property is left in storm-finding.bin, an input for fuzz_decode and fuzz_reencode.\n"
+    "  --per-type  print a line for each type\n";
+
+struct Settings {
+    std::uint64_t each = 1000;
+    std::uint64_t seed = 1;
+    std::size_t first = 0;
+    std::size_t last = allTypes().size() - 1;
+    bool perType = false;
+};
+
+struct Tally {
+    std::uint64_t executions = 0;
+    std::uint64_t accepted = 0;
+};
+
+// What is being run, for whoever finds the program dead.
+struct {
+    const schema::Type* type = nullptr;
+    std::uint8_t variant = 0;
+    Bytes message;
+} current;
+
+void leaveInput()
+{
+    const schema::Type* const type = std::exchange(current.type, nullptr);
+    if (!type) return;
+    const std::uint16_t key = keyOf(*type);
+    const unsigned char head[Input::headSize] = {static_cast<unsigned char>(key >> 8), static_cast<unsigned char>(key), current.variant};
+    const int file = ::open("storm-finding.bin", O_CREAT | O_TRUNC | O_WRONLY, 0644);
+    const bool written = file >= 0 && ::write(file, head, sizeof head) == sizeof head &&
+                         ::write(file, current.message.data(), current.message.size()) >= 0;
+    std::fprintf(stderr, "%s, type %s, variant %u, %zu bytes\n", written ? "storm-finding.bin" : "(not written)", type->name,
+                 static_cast<unsigned>(current.variant), current.message.size());
+    ::close(file);
+}
+
+void onSignal(int number)
+{
+    leaveInput();
+    std::signal(number, SIG_DFL);
+    std::raise(number);
+}
+
+// Damaged messages grow out of one that is well-formed, and take over parts of the one before.
+Tally stormOver(const schema::Type& type, const Settings& settings)
+{
+    constexpr std::uint64_t fromOne = 64;   // messages
+    constexpr std::uint64_t rarely = 16;    // executions between two with a trace, or with a scarce memory
+
+    inspect::Sampler sampler;
+    Subject subject(type);
+    Chance chance(settings.seed ^ std::uint64_t{keyOf(type)} << 32);
+    Tally tally;
+    Invented base, before;
+    current.type = &type;
+    for (std::uint64_t i = 0; i < settings.each; ++i, ++tally.executions) {
+        if (i % fromOne == 0) {
+            before = std::exchange(base, invent(sampler, type, chance));
+            if (before.message.empty()) before = base;
+        }
+        Bytes& message = current.message;
+        message.assign(base.message.begin(), base.message.end());
+        for (std::size_t k = i % fromOne == 0 ? 0 : 1 + chance.below(3); k > 0; --k)
+            damage(message, base.steering, before.message, chance);
+        current.variant = i % rarely == 1 ? static_cast<std::uint8_t>(128 + chance.below(8)) : 0;
+
+        bool accepted;
+        if (i % rarely == 0)
+            accepted = subject.decodeBothWays(message).succeeded;
+        else if (i % rarely == 1)
+            accepted = subject.decodeBothWays(message, current.variant - 128).succeeded;
+        else
+            accepted = subject.comesBack(message);
+        if (i % fromOne == 5) subject.agreesWithSchema(message);
+        if (i % fromOne == 6 && !message.empty()) subject.encodeInto(chance.below(message.size()), message);
+        tally.accepted += accepted;
+    }
+    current.type = nullptr;
+    return tally;
+}
+
+bool readNumber(const char*& text, std::uint64_t& number)
+{
+    const auto [end, error] = std::from_chars(text, text + std::strlen(text), number);
+    text = end;
+    return error == std::errc();
+}
+
+bool readSettings(int count, char** words, Settings& settings)
+{
+    for (int i = 1; i < count; ++i) {
+        const std::string_view word = words[i];
+        if (word == "--per-type") {
+            settings.perType = true;
+            continue;
+        }
+        if (i + 1 == count) return false;
+        const char* text = words[++i];
+        if (word == "--types") {
+            std::uint64_t first, last;
+            if (!readNumber(text, first) || *text++ != '-' || !readNumber(text, last) || first > last) return false;
+            settings.first = first;
+            settings.last = std::min<std::size_t>(last, settings.last);
+        } else if (std::uint64_t* const number = word == "--each" ? &settings.each : word == "--seed" ? &settings.seed : nullptr) {
+            if (!readNumber(text, *number)) return false;
+        } else {
+            return false;
+        }
+        if (*text != '\0') return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+int main(int count, char** words)
+{
+    Settings settings;
+    if (!readSettings(count, words, settings)) {
+        std::fputs(usage, stderr);
+        return 2;
+    }
+    if (__sanitizer_set_death_callback)
+        __sanitizer_set_death_callback(leaveInput);
+    else
+        for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) std::signal(signal, onSignal);
+
+    const auto begin = std::chrono::steady_clock::now();
+    std::uint64_t executions = 0, accepted = 0, fewest = UINT64_MAX, most = 0;
+    std::size_t types = 0;
+    for (std::size_t i = settings.first; i <= settings.last && i < allTypes().size(); ++i) {
+        const schema::Type& type = *allTypes()[i];
+        try {
+            const Tally tally = stormOver(type, settings);
+            executions += tally.executions;
+            accepted += tally.accepted;
+            fewest = std::min(fewest, tally.executions);
+            most = std::max(most, tally.executions);
+            ++types;
+            if (settings.perType)
+                std::printf("%4zu %-48s %10llu executions, %10llu accepted\n", i, type.name,
+                            static_cast<unsigned long long>(tally.executions), static_cast<unsigned long long>(tally.accepted));
+        } catch (const Finding& finding) {
+            std::fprintf(stderr, "FINDING with seed %llu: %s\n", static_cast<unsigned long long>(settings.seed), finding.what.c_str());
+            leaveInput();
+            return 1;
+        }
+    }
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+    std::printf("%llu executions over %zu types, %llu to %llu each, %.1f %% accepted, %.0f s, %.0f a second, no finding\n",
+                static_cast<unsigned long long>(executions), types, static_cast<unsigned long long>(fewest),
+                static_cast<unsigned long long>(most), 100.0 * static_cast<double>(accepted) / static_cast<double>(executions), seconds,
+                static_cast<double>(executions) / seconds);
+    return types > 0 ? 0 : 2;
+}

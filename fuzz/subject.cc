@@ -1,0 +1,255 @@
+// The properties, and the types behind the inputs.
+
+#include "subject.h"
+
+#include "inspect/json.h"
+#include "inspect/wire.h"
+#include "tested_modules.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <unordered_map>
+
+namespace quorva::fuzz {
+
+using schema::Type;
+using test::Watch;
+
+namespace {
+
+// A block so large costs the address sanitizer an eighth of it in shadow; larger ones fail there, as on a small machine.
+constexpr std::size_t largestBlock = std::size_t{16} << 20;
+
+struct Keys {
+    std::map<std::uint16_t, const Type*> types;
+    std::unordered_map<const Type*, std::uint16_t> keys;
+
+    Keys()
+    {
+        for (const Type* type : allTypes()) {
+            std::uint32_t hash = 0x811C9DC5;
+            for (const char* c = type->name; *c; ++c) hash = (hash ^ static_cast<unsigned char>(*c)) * 0x01000193u;
+            auto key = static_cast<std::uint16_t>(hash ^ hash >> 16);
+            while (!types.emplace(key, type).second) ++key;
+            keys.emplace(type, key);
+        }
+    }
+};
+
+const Keys& keys()
+{
+    static const Keys all;
+    return all;
+}
+
+// A trace that has run out of memory: it keeps a pass on the way of calls, and costs and allocates nothing.
+TraceText& deafTrace()
+{
+    static TraceText trace;
+    if (trace.complete()) {
+        const Watch watch(0);
+        for (int i = 0; trace.complete() && i < 100; ++i) trace.open("deaf");
+    }
+    return trace;
+}
+
+std::string described(const Outcome& outcome)
+{
+    std::string text = outcome.succeeded ? "accepted " : "refused at ";
+    text += std::to_string(outcome.length) + ", " + std::to_string(outcome.allocated) + " allocations, left ";
+    char digits[3];
+    for (const unsigned char byte : outcome.left) {
+        std::snprintf(digits, sizeof digits, "%02x", byte);
+        text += digits;
+    }
+    return text + (outcome.encodes ? "" : " and no more");
+}
+
+// Whether bytes came out that the operators filled a block with and that did not come in.
+bool showsUnwritten(std::span<const unsigned char> out, std::span<const unsigned char> in)
+{
+    const auto holds = [](std::span<const unsigned char> bytes, std::size_t inRow) {
+        const unsigned char filling[] = {0xA5, 0xA5, 0xA5, 0xA5};
+        return ::memmem(bytes.data(), bytes.size(), filling, inRow) != nullptr;
+    };
+    return holds(out, 4) && !holds(in, 2);
+}
+
+}  // namespace
+
+std::span<const Type* const> allTypes()
+{
+    static const auto all = [] {
+        std::vector<const Type*> types(schema::builtins().begin(), schema::builtins().end());
+        for (const auto* module : test::testedModules()) types.insert(types.end(), module->types.begin(), module->types.end());
+        std::ranges::sort(types, {}, [](const Type* type) { return std::string_view(type->name); });
+        return types;
+    }();
+    return all;
+}
+
+std::uint16_t keyOf(const Type& type)
+{
+    return keys().keys.at(&type);
+}
+
+const Type& typeOf(std::uint16_t key)
+{
+    const auto found = keys().types.lower_bound(key);
+    return *(found == keys().types.end() ? keys().types.begin() : found)->second;
+}
+
+Input Input::of(std::span<const unsigned char> bytes)
+{
+    const auto at = [&](std::size_t i) { return i < bytes.size() ? bytes[i] : 0u; };
+    return {&typeOf(static_cast<std::uint16_t>(at(0) << 8 | at(1))), static_cast<std::uint8_t>(at(2)),
+            bytes.subspan(std::min(headSize, bytes.size()))};
+}
+
+Bytes Input::bytes() const
+{
+    const std::uint16_t key = keyOf(*type);
+    Bytes all = {static_cast<unsigned char>(key >> 8), static_cast<unsigned char>(key), variant};
+    all.insert(all.end(), contents.begin(), contents.end());
+    return all;
+}
+
+void giveUp(const Finding& finding)
+{
+    std::fprintf(stderr, "FINDING: %s\n", finding.what.c_str());
+    std::abort();
+}
+
+Subject::Subject(const Type& type)
+    : described(type), object(new unsigned char[type.size]), arena(new unsigned char[arenaSize])
+{
+    deafTrace();
+}
+
+Pass Subject::run(Way way, Xdr::Request mode, std::span<unsigned char> buffer, long failFrom)
+{
+    TraceText* const sink = way == Way::calls ? &deafTrace() : nullptr;
+    const Watch watch(failFrom);
+    return runPass(mode, described.routine, object.get(), buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
+}
+
+void Subject::release(Way way)
+{
+    run(way, Xdr::release, {});
+    if (const long left = test::liveBlocks())
+        throw Finding{std::string(described.name) + ": " + std::to_string(left) + " blocks stay allocated"};
+    if (test::mismatchedReleases())
+        throw Finding{std::string(described.name) + ": a block is released in another form than it was allocated in"};
+}
+
+std::span<unsigned char> Subject::placed(std::span<const unsigned char> message)
+{
+    if (message.size() > arenaSize) message = message.first(arenaSize);
+    const auto place = room(message.size());
+    if (!message.empty()) std::memcpy(place.data(), message.data(), message.size());
+    return place;
+}
+
+const Outcome& Subject::decode(Way way, std::span<const unsigned char> message, long failFrom)
+{
+    Outcome& outcome = outcomes[way == Way::calls];
+    std::memset(object.get(), 0, described.size);
+    const auto buffer = placed(message);
+    const Pass pass = run(way, Xdr::decode, buffer, failFrom);
+    outcome.succeeded = pass.succeeded;
+    outcome.length = pass.length;
+    outcome.allocated = test::allocations();
+    const Pass written = run(way, Xdr::encode, buffer);
+    if (pass.length > buffer.size() || written.length > buffer.size())
+        throw Finding{std::string(described.name) + ": the length is beyond the buffer's"};
+    outcome.encodes = written.succeeded;
+    outcome.left.assign(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(written.length));
+    release(way);
+    if (showsUnwritten(outcome.left, message))
+        throw Finding{std::string(described.name) + ": bytes that nobody wrote: " + fuzz::described(outcome)};
+    return outcome;
+}
+
+const Outcome& Subject::decodeBothWays(std::span<const unsigned char> message, long failFrom)
+{
+    const Outcome& direct = decode(Way::direct, message, failFrom);
+    const Outcome& calls = decode(Way::calls, message, failFrom);
+    if (direct != calls)
+        throw Finding{std::string(described.name) + ": the ways differ\n  direct: " + fuzz::described(direct) +
+                      "\n  calls:  " + fuzz::described(calls)};
+    return direct;
+}
+
+bool Subject::comesBack(std::span<const unsigned char> message)
+{
+    const Outcome& outcome = decode(Way::direct, message);
+    if (!outcome.succeeded) return false;
+    Outcome& first = outcomes[2];
+    first = outcome;
+    if (!first.encodes) throw Finding{std::string(described.name) + ": accepted, but does not encode: " + fuzz::described(first)};
+    const Outcome& again = decode(Way::direct, first.left);
+    if (!again.succeeded || again.length != first.left.size() || again.left != first.left)
+        throw Finding{std::string(described.name) + ": comes back changed\n  first: " + fuzz::described(first) +
+                      "\n  again: " + fuzz::described(again)};
+    return true;
+}
+
+void Subject::encodeInto(std::size_t size, std::span<const unsigned char> message)
+{
+    const Bytes whole = decode(Way::direct, message).left;
+    for (const Way way : {Way::direct, Way::calls}) {
+        std::memset(object.get(), 0, described.size);
+        const Pass read = run(way, Xdr::decode, placed(message));
+        const auto buffer = room(std::min(size, whole.size()));
+        const Pass pass = run(way, Xdr::encode, buffer);
+        const bool same = pass.length <= buffer.size() &&
+                          std::equal(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(pass.length), whole.begin());
+        release(way);
+        if (!same || (read.succeeded && pass.succeeded != (buffer.size() == whole.size())))
+            throw Finding{std::string(described.name) + ": encodes otherwise into " + std::to_string(size) + " bytes"};
+    }
+}
+
+void Subject::agreesWithSchema(std::span<const unsigned char> message)
+{
+    std::memset(object.get(), 0, described.size);
+    const auto buffer = placed(message);
+    TraceText trace;
+    Pass pass;
+    bool outOfMemory;
+    {
+        const Watch watch;
+        pass = runPass(Xdr::decode, described.routine, object.get(), buffer, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
+        outOfMemory = test::largestAllocation() > largestBlock;
+    }
+    const std::string path = trace.path();
+    trace = TraceText();
+
+    std::string different;
+    const inspect::Reading reading = inspect::readMessage(described, message);
+    if (!outOfMemory && !reading.nestsTooDeeply) {
+        const std::string expected = reading.failure ? reading.failure->path : "";
+        if (pass.succeeded == reading.failure.has_value())
+            different = reading.failure ? "refused by the schema's reading alone: " + reading.failure->reason : "refused by the pass alone";
+        else if (pass.succeeded && pass.length != reading.length)
+            different = "lengths " + std::to_string(pass.length) + " and " + std::to_string(reading.length);
+        else if (path != expected)
+            different = "stops at '" + path + "' and at '" + expected + '\'';
+    }
+    try {
+        inspect::toJson(described, object.get());
+        const auto refusal = inspect::refusalOf(described, object.get(), buffer.size());
+        const Pass written = run(Way::direct, Xdr::encode, buffer);
+        if (written.succeeded == refusal.has_value())
+            different += refusal ? "; only the schema refuses to encode: " + refusal->reason : "; encoding is refused";
+    } catch (const inspect::Refusal&) {
+        // Nested deeper than anything that is shown.
+    }
+    release(Way::direct);
+    if (!different.empty()) throw Finding{std::string(described.name) + ": " + different};
+}
+
+}  // namespace quorva::fuzz
