@@ -1,4 +1,4 @@
-// Damage as it happens to messages and texts, done by chance.
+// Damage as it happens to messages, done by chance.
 #pragma once
 
 #include "inspect/chance.h"
@@ -6,7 +6,6 @@
 #include "subject.h"
 
 #include <span>
-#include <string_view>
 #include <vector>
 
 namespace quorva::fuzz {
@@ -29,17 +28,4 @@ std::vector<std::size_t> steeringUnits(const schema::Type& type, std::span<const
 // over from `other`; an end that comes early or late.
 void damage(Bytes& message, std::span<const std::size_t> steering, std::span<const unsigned char> other, Chance& chance);
 
-// Mutates a driver's input over all types, in place, and returns its new size. What does not fit into `most` is cut off.
-std::size_t mutateMessage(unsigned char* data, std::size_t size, std::size_t most, unsigned seed);
-
-// The same for a text: its tokens change places, are doubled, go, or give way to one of the words.
-std::size_t mutateText(unsigned char* data, std::size_t size, std::size_t most, unsigned seed,
-                       std::span<const std::string_view> words);
-
-// Writes `bytes` into an input's storage, as much as fits, and returns how much that is.
-std::size_t stored(std::span<const unsigned char> bytes, unsigned char* data, std::size_t most);
-
 }  // namespace quorva::fuzz
-
-// libFuzzer's own mutation, or the replay program's.
-extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t most);

@@ -1,7 +1,7 @@
 // Any bytes, decoded as any type: both ways through the code do the same, and nothing is left. The variant says which
 // allocations fail, if any.
 
-#include "damage.h"
+#include "mutate.h"
 
 using namespace quorva::fuzz;
 

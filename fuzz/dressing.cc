@@ -1,6 +1,6 @@
 // Any text, read as hexadecimal digits and as base64: a fault has a place in the text, and what is read comes back.
 
-#include "damage.h"
+#include "mutate.h"
 #include "inspect/input.h"
 
 #include <algorithm>

@@ -8,7 +8,7 @@
 #include "compiler/lint.h"
 #include "compiler/parser.h"
 #include "compiler/resolve.h"
-#include "damage.h"
+#include "mutate.h"
 
 #include <sstream>
 

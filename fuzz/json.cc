@@ -1,7 +1,7 @@
 // Any text, read as the JSON form of any type: what is accepted is an object that encodes unless the schema says why not,
 // and that comes back from the wire and from JSON.
 
-#include "damage.h"
+#include "mutate.h"
 #include "inspect/input.h"
 #include "inspect/json.h"
 #include "inspect/wire.h"

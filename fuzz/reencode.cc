@@ -1,7 +1,7 @@
 // Any bytes, decoded as any type and encoded again: what was accepted comes back for good, also into too little room, and
 // the schema's reading of the message and of the object agrees. The variant says how many bytes are missing.
 
-#include "damage.h"
+#include "mutate.h"
 
 using namespace quorva::fuzz;
 

@@ -1,6 +1,7 @@
 // Runs a driver over files and folders without libFuzzer, as an ordinary test; with --mutate over mutations of them too.
+// An input that ends the program is left in fuzz-finding.bin.
 
-#include "damage.h"
+#include "mutate.h"
 
 #include <algorithm>
 #include <charconv>
@@ -24,9 +25,12 @@ std::uint64_t seed = 1;
 
 const char* const usage = "usage: fuzz_DRIVER [--mutate N] [--seed S] FILE|FOLDER...\n";
 
-// Of the contents' own, so that the address sanitizer sees the first byte beyond them.
+Bytes running;
+
+// Over a copy that ends where its storage does, so that the address sanitizer sees the first byte too many.
 void run(std::span<const unsigned char> input)
 {
+    running.assign(input.begin(), input.end());
     const auto copy = std::make_unique<unsigned char[]>(input.size());
     std::copy(input.begin(), input.end(), copy.get());
     LLVMFuzzerTestOneInput(copy.get(), input.size());
@@ -60,8 +64,9 @@ int main(int count, char** words)
         const std::string_view word = words[i];
         std::uint64_t* const number = word == "--mutate" ? &mutations : word == "--seed" ? &seed : nullptr;
         if (number && i + 1 < count) {
-            const char* const end = words[++i] + std::strlen(words[i]);
-            if (std::from_chars(words[i], end, *number).ptr == end) continue;
+            const char* const text = words[++i];
+            const char* const end = text + std::strlen(text);
+            if (std::from_chars(text, end, *number).ptr == end) continue;
         } else if (!number && fs::is_directory(word)) {
             for (const auto& entry : fs::recursive_directory_iterator(word))
                 if (entry.is_regular_file()) files.push_back(entry.path());
@@ -82,14 +87,8 @@ int main(int count, char** words)
         if (!file) std::fprintf(stderr, "cannot read %s\n", path.c_str());
         if (!file) return 2;
     }
-    const auto keep = [](std::span<const unsigned char> input) {
-        std::ofstream("fuzz-finding.bin", std::ios::binary)
-            .write(reinterpret_cast<const char*>(input.data()), static_cast<std::streamsize>(input.size()));
-    };
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        std::fprintf(stderr, "\r%s\x1B[K", files[i].filename().c_str());
-        run(inputs[i]);
-    }
+    fuzz::whenDying([] { fuzz::leave("fuzz-finding.bin", running); });
+    for (const Bytes& input : inputs) run(input);
     fuzz::Chance chance(seed);
     for (std::uint64_t i = 0; i < mutations && !inputs.empty(); ++i) {
         Bytes input = inputs[chance.below(inputs.size())];
@@ -98,11 +97,8 @@ int main(int count, char** words)
         for (std::size_t k = 1 + chance.below(4); k > 0; --k)
             size = LLVMFuzzerCustomMutator(input.data(), size, longestInput, static_cast<unsigned>(chance.next()));
         input.resize(size);
-        keep(input);  // as what a crash leaves
         run(input);
     }
-    if (mutations > 0) fs::remove("fuzz-finding.bin");
-    std::fprintf(stderr, "\r\x1B[K");
     std::printf("%zu inputs and %llu mutations hold\n", inputs.size(), static_cast<unsigned long long>(mutations));
     return inputs.empty() ? 1 : 0;
 }

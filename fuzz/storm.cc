@@ -6,16 +6,11 @@
 #include <algorithm>
 #include <charconv>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
-
-#include <fcntl.h>
-#include <unistd.h>
-
-extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
+#include <utility>
 
 using namespace quorva;
 using namespace quorva::fuzz;
@@ -42,7 +37,7 @@ struct Tally {
     std::uint64_t accepted = 0;
 };
 
-// What is being run, for whoever finds the program dead.
+// What is being run.
 struct {
     const schema::Type* type = nullptr;
     std::uint8_t variant = 0;
@@ -53,28 +48,16 @@ void leaveInput()
 {
     const schema::Type* const type = std::exchange(current.type, nullptr);
     if (!type) return;
-    const std::uint16_t key = keyOf(*type);
-    const unsigned char head[Input::headSize] = {static_cast<unsigned char>(key >> 8), static_cast<unsigned char>(key), current.variant};
-    const int file = ::open("storm-finding.bin", O_CREAT | O_TRUNC | O_WRONLY, 0644);
-    const bool written = file >= 0 && ::write(file, head, sizeof head) == sizeof head &&
-                         ::write(file, current.message.data(), current.message.size()) >= 0;
-    std::fprintf(stderr, "%s, type %s, variant %u, %zu bytes\n", written ? "storm-finding.bin" : "(not written)", type->name,
-                 static_cast<unsigned>(current.variant), current.message.size());
-    ::close(file);
-}
-
-void onSignal(int number)
-{
-    leaveInput();
-    std::signal(number, SIG_DFL);
-    std::raise(number);
+    std::fprintf(stderr, "type %s, variant %u, %zu bytes\n", type->name, static_cast<unsigned>(current.variant), current.message.size());
+    leave("storm-finding.bin", Input{type, current.variant, current.message}.bytes());
 }
 
 // Damaged messages grow out of one that is well-formed, and take over parts of the one before.
 Tally stormOver(const schema::Type& type, const Settings& settings)
 {
-    constexpr std::uint64_t fromOne = 64;   // messages
-    constexpr std::uint64_t rarely = 16;    // executions between two with a trace, or with a scarce memory
+    // Executions from one that is well-formed to the next, that one included; between two that go both ways, or find
+    // little memory; between two that the schema judges, which costs as much as hundreds of passes.
+    constexpr std::uint64_t fromOne = 128, rarely = 16, seldom = 256;
 
     inspect::Sampler sampler;
     Subject subject(type);
@@ -100,8 +83,8 @@ Tally stormOver(const schema::Type& type, const Settings& settings)
             accepted = subject.decodeBothWays(message, current.variant - 128).succeeded;
         else
             accepted = subject.comesBack(message);
-        if (i % fromOne == 5) subject.agreesWithSchema(message);
-        if (i % fromOne == 6 && !message.empty()) subject.encodeInto(chance.below(message.size()), message);
+        if (i % seldom == 5) subject.agreesWithSchema(message);
+        if (i % rarely == 6 && !message.empty()) subject.encodeInto(chance.below(message.size()), message);
         tally.accepted += accepted;
     }
     current.type = nullptr;
@@ -149,10 +132,7 @@ int main(int count, char** words)
         std::fputs(usage, stderr);
         return 2;
     }
-    if (__sanitizer_set_death_callback)
-        __sanitizer_set_death_callback(leaveInput);
-    else
-        for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) std::signal(signal, onSignal);
+    whenDying(leaveInput);
 
     const auto begin = std::chrono::steady_clock::now();
     std::uint64_t executions = 0, accepted = 0, fewest = UINT64_MAX, most = 0;

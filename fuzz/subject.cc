@@ -7,11 +7,17 @@
 #include "tested_modules.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <map>
 #include <unordered_map>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
 
 namespace quorva::fuzz {
 
@@ -22,6 +28,8 @@ namespace {
 
 // A block so large costs the address sanitizer an eighth of it in shadow; larger ones fail there, as on a small machine.
 constexpr std::size_t largestBlock = std::size_t{16} << 20;
+
+void (*onDeath)() = nullptr;
 
 struct Keys {
     std::map<std::uint16_t, const Type*> types;
@@ -112,8 +120,11 @@ Input Input::of(std::span<const unsigned char> bytes)
 Bytes Input::bytes() const
 {
     const std::uint16_t key = keyOf(*type);
-    Bytes all = {static_cast<unsigned char>(key >> 8), static_cast<unsigned char>(key), variant};
-    all.insert(all.end(), contents.begin(), contents.end());
+    Bytes all(headSize + contents.size());
+    all[0] = static_cast<unsigned char>(key >> 8);
+    all[1] = static_cast<unsigned char>(key);
+    all[2] = variant;
+    std::ranges::copy(contents, all.begin() + headSize);
     return all;
 }
 
@@ -121,6 +132,30 @@ void giveUp(const Finding& finding)
 {
     std::fprintf(stderr, "FINDING: %s\n", finding.what.c_str());
     std::abort();
+}
+
+void whenDying(void (*report)())
+{
+    if (__sanitizer_set_death_callback) {
+        __sanitizer_set_death_callback(report);
+        return;
+    }
+    onDeath = report;
+    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
+        std::signal(signal, [](int number) {
+            std::signal(number, SIG_DFL);
+            onDeath();
+            std::raise(number);
+        });
+}
+
+void leave(const char* file, std::span<const unsigned char> input)
+{
+    const int handle = ::open(file, O_CREAT | O_TRUNC | O_WRONLY, 0644);
+    const auto size = static_cast<ssize_t>(input.size());
+    const bool written = handle >= 0 && ::write(handle, input.data(), input.size()) == size;
+    std::fprintf(stderr, written ? "the input is in %s\n" : "the input cannot be written to %s\n", file);
+    if (handle >= 0) ::close(handle);
 }
 
 Subject::Subject(const Type& type)
@@ -217,16 +252,18 @@ void Subject::agreesWithSchema(std::span<const unsigned char> message)
 {
     std::memset(object.get(), 0, described.size);
     const auto buffer = placed(message);
-    TraceText trace;
     Pass pass;
+    std::string path;
     bool outOfMemory;
     {
-        const Watch watch;
-        pass = runPass(Xdr::decode, described.routine, object.get(), buffer, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
-        outOfMemory = test::largestAllocation() > largestBlock;
+        TraceText trace;  // allocates under the same watch as the pass, and is gone before anybody counts
+        {
+            const Watch watch;
+            pass = runPass(Xdr::decode, described.routine, object.get(), buffer, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
+            outOfMemory = test::largestAllocation() > largestBlock;
+        }
+        path = trace.path();
     }
-    const std::string path = trace.path();
-    trace = TraceText();
 
     std::string different;
     const inspect::Reading reading = inspect::readMessage(described, message);

@@ -43,6 +43,11 @@ struct Input {
     Bytes bytes() const;
 };
 
+// Has `report` called when a sanitizer, a signal or a finding ends the program; and what it may call then: writes `input`
+// into a file and says so.
+void whenDying(void (*report)());
+void leave(const char* file, std::span<const unsigned char> input);
+
 // Runs the body of a driver. A finding is printed and ends the program, as a sanitizer's report does.
 template <class Body>
 int judge(Body body)
