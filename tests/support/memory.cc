@@ -22,8 +22,9 @@ struct alignas(std::max_align_t) Header {
 // Each thread has its own watch and its own count.
 thread_local bool watching = false;
 thread_local long seen = 0;
-thread_local long failFrom = 0;
+thread_local quorva::test::Scarcity scarce;
 thread_local std::size_t largest = 0;
+thread_local std::size_t total = 0;
 thread_local void* last = nullptr;
 thread_local long live = 0;
 thread_local long mismatched = 0;
@@ -32,7 +33,9 @@ void* allocate(std::size_t size, Shape shape) noexcept
 {
     if (watching) {
         if (size > largest) largest = size;
-        if (seen++ >= failFrom) return nullptr;
+        total = size > SIZE_MAX - total ? SIZE_MAX : total + size;
+        const long number = seen++;
+        if ((number >= scarce.from && number < scarce.until) || size > scarce.largest) return nullptr;
     }
     if (size > SIZE_MAX - sizeof(Header)) return nullptr;
     auto* const header = static_cast<Header*>(std::malloc(sizeof(Header) + size));
@@ -57,6 +60,16 @@ void* allocateOrThrow(std::size_t size, Shape shape)
     return block;
 }
 
+void* allocateOrNull(std::size_t size, Shape shape) noexcept
+{
+    if (!watching || !scarce.byException) return allocate(size, shape);
+    try {
+        return shape == Shape::scalar ? ::operator new(size) : ::operator new[](size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void release(void* block, Shape shape) noexcept
 {
     if (!block) return;
@@ -76,12 +89,13 @@ void release(void* block, Shape shape) noexcept
 
 namespace quorva::test {
 
-Watch::Watch(long from)
+Watch::Watch(const Scarcity& scarcity)
 {
     seen = 0;
     largest = 0;
+    total = 0;
     last = nullptr;
-    failFrom = from;
+    scarce = scarcity;
     watching = true;
 }
 
@@ -93,6 +107,7 @@ Watch::~Watch()
 long liveBlocks() { return live; }
 long allocations() { return seen; }
 std::size_t largestAllocation() { return largest; }
+std::size_t allocatedBytes() { return total; }
 void* lastBlock() { return last; }
 long mismatchedReleases() { return std::exchange(mismatched, 0); }
 
@@ -109,8 +124,8 @@ long mismatchedReleases() { return std::exchange(mismatched, 0); }
 
 OPERATOR void* operator new(std::size_t size) { return allocateOrThrow(size, Shape::scalar); }
 OPERATOR void* operator new[](std::size_t size) { return allocateOrThrow(size, Shape::array); }
-OPERATOR void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocate(size, Shape::scalar); }
-OPERATOR void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocate(size, Shape::array); }
+OPERATOR void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocateOrNull(size, Shape::scalar); }
+OPERATOR void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocateOrNull(size, Shape::array); }
 OPERATOR void operator delete(void* block) noexcept { release(block, Shape::scalar); }
 OPERATOR void operator delete[](void* block) noexcept { release(block, Shape::array); }
 OPERATOR void operator delete(void* block, std::size_t) noexcept { release(block, Shape::scalar); }

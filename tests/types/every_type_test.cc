@@ -1,114 +1,27 @@
 // The promises of the codec over every type that the interface files define, with messages that the schema invents. A new
 // type is tested as soon as its interface file is there.
 
-#include "codec_tools.h"
-#include "memory.h"
-#include "tested_modules.h"
+#include "passes_over.h"
 
 #include <inspect/json.h>
 #include <inspect/sample.h>
+#include <quorvapixdr/drivers.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
+#include <barrier>
 #include <thread>
 
 using namespace quorva;
 using namespace quorva::test;
 using inspect::Extent;
-using inspect::Recipe;
 using schema::Type;
 
 namespace {
 
 constexpr std::size_t roomy = 1000;   // bytes of a message for properties that look at a message once
 constexpr std::size_t handy = 240;    // and for those that run a pass for each of its bytes
-
-std::vector<const Type*> allTypes()
-{
-    std::vector<const Type*> types(schema::builtins().begin(), schema::builtins().end());
-    for (const auto* module : testedModules()) types.insert(types.end(), module->types.begin(), module->types.end());
-    return types;
-}
-
-// The two ways through a generated body. Where nobody collects a trace, direct passes move the bytes; a trace takes the
-// way of calls, through the primitives, as every pass does with another platform's stream.
-enum class Way { direct, calls };
-
-// A trace that has run out of memory: it keeps a pass on the way of calls, and allocates nothing itself.
-TraceText& deafTrace()
-{
-    thread_local TraceText trace;
-    if (trace.complete()) {
-        const Watch watch(0);
-        for (int i = 0; trace.complete() && i < 100; ++i) trace.open("deaf");  // for ever, were the memory not watched
-    }
-    return trace;
-}
-
-Pass runAlong(Way way, Xdr::Request mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
-{
-    TraceText* const sink = way == Way::calls ? &deafTrace() : nullptr;
-    return runPass(mode, routine, object, buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
-}
-
-// Zeroed storage of just the size of one object; nobody but the test releases its contents.
-class Storage {
-public:
-    explicit Storage(const Type& type, Way way = Way::direct)
-        : described(type), along(way), bytes(new unsigned char[type.size]())
-    {
-    }
-    Storage(const Storage&) = delete;
-    ~Storage() { delete[] bytes; }
-
-    Pass run(Xdr::Request mode, std::span<unsigned char> buffer, long failFrom = Watch::never)
-    {
-        deafTrace();
-        const Watch watch(failFrom);
-        return runAlong(along, mode, described.routine, bytes, buffer);
-    }
-
-    // Whether one release pass leaves nothing behind, and releases everything in the form that it was allocated in.
-    ::testing::AssertionResult releasesAll()
-    {
-        run(releasing, {});
-        const bool clean = liveBlocks() == 0 && mismatchedReleases() == 0;
-        return clean ? ::testing::AssertionSuccess() : ::testing::AssertionFailure() << liveBlocks() << " blocks are left";
-    }
-
-    // What an encode pass writes into `room` bytes, up to where it fails.
-    Bytes written(std::size_t room)
-    {
-        const Message buffer{Bytes(room, 0x5A)};
-        const Pass pass = run(encoding, buffer.span());
-        for (std::size_t i = pass.length; i < room; ++i) EXPECT_EQ(buffer.span()[i], 0x5A) << "written beyond the length";
-        return {buffer.span().begin(), buffer.span().begin() + static_cast<std::ptrdiff_t>(pass.length)};
-    }
-
-    unsigned char* data() { return bytes; }
-
-private:
-    const Type& described;
-    const Way along;
-    unsigned char* bytes;
-};
-
-// What a decode pass did and left, as far as both ways must agree about it.
-struct Decoded {
-    bool succeeded;
-    std::size_t length;
-    long allocated;
-    std::string left;  // what an encode pass makes of the object, whole or not
-    bool operator==(const Decoded&) const = default;
-};
-
-void PrintTo(const Decoded& decoded, std::ostream* out)
-{
-    *out << (decoded.succeeded ? "accepted " : "refused at ") << decoded.length << ", " << decoded.allocated
-         << " allocations, left " << decoded.left;
-}
 
 class EveryType : public ::testing::TestWithParam<const Type*> {
 protected:
@@ -122,32 +35,7 @@ protected:
         for (std::uint64_t seed = 0; seed < seeds; ++seed) made.push_back(sampler.sample(type, {Extent::random, seed, budget}));
         return made;
     }
-
-    // Decodes in one way and looks at what that left; one release pass over it must leave nothing.
-    Decoded decoded(Way way, std::span<const unsigned char> wire, long failFrom = Watch::never)
-    {
-        const Message message(wire);
-        Storage object(type, way);
-        const Pass pass = object.run(decoding, message.span(), failFrom);
-        const long allocated = allocations();
-        const std::string left = hexOf(object.written(wire.size()));
-        EXPECT_TRUE(object.releasesAll());
-        return {pass.succeeded, pass.length, allocated, left};
-    }
 };
-
-// What is open, innermost first, closed: "Locker/value[2]/code" gives "</code></value></Locker>".
-std::string closing(std::string path)
-{
-    std::string tags;
-    while (!path.empty()) {
-        const std::size_t slash = path.rfind('/');
-        const std::string last = path.substr(slash == std::string::npos ? 0 : slash + 1);
-        tags += "</" + last.substr(0, last.find('[')) + ">";
-        path.resize(slash == std::string::npos ? 0 : slash);
-    }
-    return tags;
-}
 
 }  // namespace
 
@@ -156,11 +44,11 @@ TEST_P(EveryType, comesBack)
 {
     for (const Bytes& wire : samples(roomy, std::clamp<std::size_t>(type.arms.size(), 6, 300))) {
         SCOPED_TRACE(hexOf(wire));
-        const Decoded whole = decoded(Way::direct, wire);
+        const Decoded whole = decoded(type, Way::direct, wire);
         ASSERT_TRUE(whole.succeeded);
         ASSERT_EQ(whole.length, wire.size());
-        ASSERT_EQ(whole.left, hexOf(wire));
-        ASSERT_EQ(whole, decoded(Way::calls, wire));
+        ASSERT_EQ(hexOf(whole.left), hexOf(wire));
+        ASSERT_EQ(whole, decoded(type, Way::calls, wire));
 
         inspect::Object object(type);
         const Message message(wire);
@@ -177,43 +65,53 @@ TEST_P(EveryType, comesBack)
     }
 }
 
-// A message that ends too early, wherever: nothing is left, and what is left in the object is fit to be looked at.
-TEST_P(EveryType, endsEarly)
-{
-    const std::string unwritten = hexOf(Bytes(4, 0xA5));
-    for (const Bytes& wire : samples(handy, 3)) {
-        for (std::size_t size = 0; size < wire.size(); ++size) {
-            SCOPED_TRACE(hexOf(std::span(wire).first(size)) + " of " + hexOf(wire));
-            const auto cut = std::span(wire).first(size);
-            const Decoded part = decoded(Way::direct, cut);
-            ASSERT_FALSE(part.succeeded);
-            ASSERT_LE(part.length, size);
-            ASSERT_TRUE(part.left.find(unwritten) == part.left.npos || hexOf(wire).find(unwritten) != part.left.npos) << part.left;
-            ASSERT_EQ(part, decoded(Way::calls, cut));
-            if (size % 4 != 0) continue;
-
-            TraceText trace;
-            inspect::Object object(type);
-            const Message message(cut);
-            runTraced(decoding, type.routine, type.name, object.data(), message.span(), trace);
-            ASSERT_TRUE(trace.path().starts_with(type.name)) << trace.path();
-            ASSERT_TRUE(isXml(std::string(trace.text()) + closing(trace.path()))) << trace.text();
-            inspect::toJson(type, object.data());
-        }
-    }
-}
-
+// Any allocation fails, once or for good, by a null or by an exception below it; in a driver also that of the stream.
 TEST_P(EveryType, findsNoMemory)
 {
     for (const Bytes& wire : samples(handy, 3)) {
         SCOPED_TRACE(hexOf(wire));
-        const long needed = decoded(Way::direct, wire).allocated;
-        for (long first = 0; first < needed; ++first) {
-            const Decoded part = decoded(Way::direct, wire, first);
-            ASSERT_FALSE(part.succeeded) << "allocation " << first;
-            ASSERT_EQ(part, decoded(Way::calls, wire, first)) << "allocation " << first;
-        }
+        const long needed = decoded(type, Way::direct, wire).allocations;
+        for (long number = 0; number <= needed; ++number)
+            for (const Scarcity& scarcity : {Scarcity{.from = number}, Scarcity{.from = number, .until = number + 1},
+                                             Scarcity{.from = number, .until = number + 1, .byException = true}}) {
+                if (number < needed) {
+                    const Decoded part = decoded(type, Way::direct, wire, scarcity);
+                    ASSERT_FALSE(part.succeeded) << "allocation " << number;
+                    ASSERT_EQ(part, decoded(type, Way::calls, wire, scarcity)) << "allocation " << number;
+                }
+                Storage object(type);
+                Bytes buffer = wire;
+                buffer.resize(std::max(wire.size(), driverMessage));
+                {
+                    const Watch watch(scarcity);
+                    ClientsXdrDeserialize(type.routine, object.data(), buffer.data());
+                }
+                ASSERT_TRUE(object.releasesAll()) << "allocation " << number;
+            }
     }
+}
+
+// What a trace cannot have is missing in the trace alone.
+TEST_P(EveryType, findsNoMemoryForItsTrace)
+{
+    for (const Bytes& wire : samples(handy, 1))
+        for (const bool byException : {false, true})
+            for (long number = 0, missed = true; missed; ++number) {
+                SCOPED_TRACE(hexOf(wire) + ", allocation " + std::to_string(number));
+                const Message message(wire);
+                Storage object(type);
+                {
+                    TraceText trace;
+                    Pass pass;
+                    {
+                        const Watch watch(Scarcity{.from = number, .until = number + 1, .byException = byException});
+                        pass = runTraced(decoding, type.routine, type.name, object.data(), message.span(), trace);
+                    }
+                    missed = number < allocations();
+                    ASSERT_EQ(pass.succeeded, !missed || !trace.complete());
+                }
+                ASSERT_TRUE(object.releasesAll());
+            }
 }
 
 // A buffer that is too short: what was written is the beginning of the message, and the object is as it was.
@@ -233,27 +131,6 @@ TEST_P(EveryType, findsNoRoom)
         }
         for (Storage* object : {&direct, &calls}) object->run(releasing, {});
         ASSERT_EQ(liveBlocks(), 0);
-    }
-}
-
-// A unit that says something else: either the message is refused, or it is one that encodes, and then comes back for good.
-TEST_P(EveryType, isDamaged)
-{
-    const std::uint32_t values[] = {0, 1, 2, 0xFFFF, 0x10000, 0x10001, 0x7FFFFFFF, 0x80000000,
-                                    0xFFFFFFFC, 0xFFFFFFFD, 0xFFFFFFFE, 0xFFFFFFFF};
-    std::mt19937 random(type.line);
-    for (const Bytes& wire : samples(handy, 4)) {
-        for (std::size_t i = 0; i < std::min<std::size_t>(wire.size(), 60); ++i) {
-            Bytes damaged = wire;
-            setUnit(damaged, random() % (wire.size() / 4) * 4, values[random() % std::size(values)]);
-            SCOPED_TRACE(hexOf(damaged));
-            const Decoded direct = decoded(Way::direct, damaged);
-            ASSERT_EQ(direct, decoded(Way::calls, damaged));
-            if (!direct.succeeded) continue;
-            const Decoded again = decoded(Way::direct, bytesOf(direct.left));
-            ASSERT_TRUE(again.succeeded);
-            ASSERT_EQ(again.left, direct.left);
-        }
     }
 }
 
@@ -298,22 +175,44 @@ TEST_P(EveryType, isAllocated)
 INSTANTIATE_TEST_SUITE_P(Types, EveryType, ::testing::ValuesIn(allTypes()),
                          [](const auto& info) { return std::string(info.param->name); });
 
-// Passes over distinct objects share nothing: run under the thread sanitizer, this shows it.
+// Passes over distinct objects share nothing: run under the thread sanitizer, this shows it. All threads go through the
+// types together, so that whatever two passes over one type touched would be touched at the same time.
 TEST(Concurrency, passesShareNothing)
 {
-    const auto work = [] {
-        inspect::Sampler sampler;
-        for (const Type* type : allTypes()) {
-            Bytes wire = sampler.sample(*type, {Extent::random, 1, handy});
-            Storage object(*type);
-            TraceText trace;
-            ASSERT_TRUE(runTraced(decoding, type->routine, type->name, object.data(), wire, trace).succeeded) << type->name;
-            ASSERT_EQ(object.written(wire.size()), wire) << type->name;
-            releaseContents(type->routine, object.data());
+    constexpr int crowd = 16;
+    const auto types = allTypes();
+    inspect::Sampler sampler;
+    std::vector<Bytes> wires;
+    std::vector<std::string> traces;
+    for (const Type* type : types) {
+        wires.push_back(sampler.sample(*type, {Extent::random, 1, handy}));
+        TraceText trace;
+        inspect::Object object(*type);
+        runTraced(decoding, type->routine, type->name, object.data(), Message(wires.back()).span(), trace);
+        traces.emplace_back(trace.text());
+    }
+
+    std::barrier together(crowd);
+    const auto work = [&] {
+        for (std::size_t i = 0; i < types.size(); ++i) {
+            const Type& type = *types[i];
+            const Message message(wires[i]);
+            together.arrive_and_wait();
+            for (const bool traced : {false, true}) {
+                Storage object(type);
+                TraceText trace;
+                const Pass pass = traced ? runTraced(decoding, type.routine, type.name, object.data(), message.span(), trace)
+                                         : object.run(decoding, message.span());
+                EXPECT_TRUE(pass.succeeded) << type.name;
+                EXPECT_EQ(trace.text(), traced ? traces[i] : "") << type.name;
+                EXPECT_EQ(object.written(wires[i].size()), wires[i]) << type.name;
+                trace.clear();
+                if (traced) runTraced(encoding, type.routine, type.name, object.data(), message.span(), trace);
+                releaseContents(type.routine, object.data());
+            }
         }
     };
-    std::thread first(work);
-    std::thread second(work);
-    first.join();
-    second.join();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < crowd; ++i) threads.emplace_back(work);
+    for (std::thread& thread : threads) thread.join();
 }

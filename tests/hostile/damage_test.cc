@@ -1,0 +1,153 @@
+// Messages of every type, damaged in every place: whatever comes of it, nothing is read that nobody wrote, nothing is left,
+// and the two ways through a generated body agree.
+//
+// DAMAGE_STRIDE says how dense the tests are in the whole: 1 does everything, 29 is for every day. At the end stands how
+// many messages were decoded.
+
+#include "passes_over.h"
+
+#include <inspect/json.h>
+#include <inspect/sample.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+using namespace quorva;
+using namespace quorva::test;
+using inspect::Extent;
+using schema::Type;
+
+namespace {
+
+constexpr std::size_t longest = 1024;  // bytes of a message, but where the type's shortest is longer
+
+// All damages of one message, by number.
+class Damages {
+public:
+    explicit Damages(const Bytes& message) : whole(message), units(whole.size() / 4) {}
+
+    std::size_t count() const { return whole.size() * 9 + units * std::size(values); }
+
+    // Every truncation, then every bit flipped, then every unit replaced by each value.
+    Bytes at(std::size_t number) const
+    {
+        Bytes damaged = whole;
+        if (isTruncation(number)) {
+            damaged.resize(number);
+        } else if (number -= whole.size(); number < whole.size() * 8) {
+            damaged[number / 8] = static_cast<unsigned char>(damaged[number / 8] ^ 1u << number % 8);
+        } else {
+            number -= whole.size() * 8;
+            setUnit(damaged, number / std::size(values) * 4, values[number % std::size(values)]);
+        }
+        return damaged;
+    }
+    bool isTruncation(std::size_t number) const { return number < whole.size(); }
+
+private:
+    static constexpr std::uint32_t values[] = {0,          1,          0xFFFF,     0x10000,    0x10001,   0x7FFFFFFF,
+                                               0x80000000, 0xFFFFFFFC, 0xFFFFFFFD, 0xFFFFFFFE, 0xFFFFFFFF};
+    const Bytes& whole;
+    std::size_t units;
+};
+
+// What is open, innermost first, closed: "Locker/value[2]/code" gives "</code></value></Locker>".
+std::string closing(std::string path)
+{
+    std::string tags;
+    while (!path.empty()) {
+        const std::size_t slash = path.rfind('/');
+        const std::string last = path.substr(slash == std::string::npos ? 0 : slash + 1);
+        tags += "</" + last.substr(0, last.find('[')) + ">";
+        path.resize(slash == std::string::npos ? 0 : slash);
+    }
+    return tags;
+}
+
+std::size_t stride()
+{
+    const char* const wanted = std::getenv("DAMAGE_STRIDE");
+    return wanted ? std::max<std::size_t>(1, std::strtoul(wanted, nullptr, 10)) : 29;
+}
+
+// How many messages were decoded, in all and of the type that had the fewest.
+class Tally : public ::testing::Environment {
+public:
+    void add(std::size_t decodes)
+    {
+        total += decodes;
+        fewest = std::min(fewest, decodes);
+        ++types;
+    }
+    void TearDown() override
+    {
+        if (types > 0) std::printf("damage: %zu messages of %zu types, at least %zu of each\n", total, types, fewest);
+    }
+
+private:
+    std::size_t total = 0, types = 0, fewest = SIZE_MAX;
+};
+Tally* const tally = static_cast<Tally*>(::testing::AddGlobalTestEnvironment(new Tally));
+
+class EveryType : public ::testing::TestWithParam<const Type*> {
+protected:
+    const Type& type = *GetParam();
+
+    // What holds for any message. Returns what a decode left.
+    Decoded judged(const Bytes& message)
+    {
+        static const Bytes unwritten(4, 0xA5);
+        Decoded direct = decoded(type, Way::direct, message);
+        EXPECT_EQ(direct, decoded(type, Way::calls, message));
+        EXPECT_LE(direct.length, message.size());
+        EXPECT_LE(direct.allocations, static_cast<long>(message.size() / 4)) << "each takes a unit of the message at least";
+        EXPECT_TRUE(std::ranges::search(direct.left, unwritten).empty() || !std::ranges::search(message, unwritten).empty())
+            << hexOf(direct.left);
+        decodes += 2;
+        return direct;
+    }
+
+    void judgeFailure(const Bytes& message)
+    {
+        TraceText trace;
+        inspect::Object object(type);
+        runTraced(decoding, type.routine, type.name, object.data(), Message(message).span(), trace);
+        EXPECT_TRUE(trace.path().starts_with(type.name)) << trace.path();
+        EXPECT_TRUE(isXml(std::string(trace.text()) + closing(trace.path()))) << trace.text();
+        inspect::toJson(type, object.data());
+        ++decodes;
+    }
+
+    std::size_t decodes = 0;
+};
+
+}  // namespace
+
+TEST_P(EveryType, isDamaged)
+{
+    inspect::Sampler sampler;
+    for (const Extent extent : {Extent::least, Extent::random, Extent::fullest}) {
+        const Bytes whole = sampler.sample(type, {extent, 0, longest});
+        const Damages damages(whole);
+        for (std::size_t number = type.line % stride(); number < damages.count(); number += stride()) {
+            const Bytes message = damages.at(number);
+            SCOPED_TRACE(::testing::Message() << "damage " << number << ": " << hexOf(message));
+            const Decoded what = judged(message);
+            if (damages.isTruncation(number)) {
+                ASSERT_FALSE(what.succeeded);
+                if (number % 4 == 0) judgeFailure(message);
+            } else if (what.succeeded) {
+                const Decoded again = judged(what.left);
+                ASSERT_TRUE(again.succeeded);
+                ASSERT_EQ(hexOf(again.left), hexOf(what.left));
+            }
+            ASSERT_FALSE(HasFailure());
+        }
+    }
+    tally->add(decodes);
+}
+
+INSTANTIATE_TEST_SUITE_P(Damage, EveryType, ::testing::ValuesIn(allTypes()),
+                         [](const auto& info) { return std::string(info.param->name); });
