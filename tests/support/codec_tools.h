@@ -38,12 +38,12 @@ inline Bytes bytesOf(std::string_view hex)
 
 inline std::string hexOf(std::span<const unsigned char> bytes)
 {
+    static constexpr char digits[] = "0123456789ABCDEF";
     std::string hex;
-    char digits[3];
     for (std::size_t i = 0; i < bytes.size(); ++i) {
-        std::snprintf(digits, sizeof digits, "%02X", bytes[i]);
         if (i > 0 && i % 4 == 0) hex += ' ';
-        hex += digits;
+        hex += digits[bytes[i] >> 4];
+        hex += digits[bytes[i] & 15];
     }
     return hex;
 }
