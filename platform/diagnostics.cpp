@@ -1,6 +1,6 @@
 // The platform's diagnostic print, which goes nowhere until someone wants it.
 
-#include "Xdr.h"
+#include <Xdr.h>
 
 #include <atomic>
 #include <cstdarg>

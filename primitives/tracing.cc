@@ -27,6 +27,14 @@ At byCall(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine)
     return pass.resume(at, element(pass.xdrs, tag.text, value, routine));
 }
 
+// A part whose length was read, and for whose storage there is no memory.
+At noMemory(Tracing& pass, At at, Name tag)
+{
+    if (tag.text) pass.text->open(tag);
+    pass.leave(at + 4);
+    return nullptr;
+}
+
 // The unit of a value that moves at `at`, where there is room.
 template <class As>
 std::uint32_t moveUnit(const Tracing& pass, At at, void* value)
@@ -131,12 +139,13 @@ At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maxi
         length = static_cast<std::uint32_t>(characters);
         fits = characters <= maximum && characters <= mostShown && pass.room(at, 7 + characters);
     }
-    auto* const copy = fits && pass.decoding ? static_cast<char*>(::operator new[](std::size_t{length} + 1, std::nothrow)) : nullptr;
-    if (!fits || (pass.decoding && !copy)) return callInstead(pass, at, Text{tag.text, *string, maximum});
+    if (!fits) return callInstead(pass, at, Text{tag.text, *string, maximum});
 
     const std::uint32_t all = padded(length);
     if (pass.decoding) {
+        auto* const copy = static_cast<char*>(::operator new[](std::size_t{length} + 1, std::nothrow));
         *string = copy;
+        if (!copy) return noMemory(pass, at, tag);
         std::memcpy(copy, at + 4, length);
         copy[length] = '\0';
     } else {
@@ -167,9 +176,9 @@ At blockOf(Tracing& pass, At at, void* first, std::uint32_t count, std::uint32_t
     return at;
 }
 
-At listElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t maximum, std::uint32_t size, Elements all,
-               XdrRoutine routine)
+At listElement(Tracing& pass, At at, Name tag, const Block& of)
 {
+    const auto [sequence, maximum, size, all, routine] = of;
     auto* const place = static_cast<unsigned char*>(sequence) + sizeof(void*);
     std::uint16_t count = 0;
     void* block = nullptr;
@@ -177,10 +186,6 @@ At listElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t max
     if (fits && pass.decoding) {
         count = static_cast<std::uint16_t>(getUnit(at));
         fits = count <= maximum;
-        if (fits && count > 0) {
-            block = size > SIZE_MAX / count ? nullptr : ::operator new[](std::size_t{count} * size, std::nothrow);
-            fits = block != nullptr;
-        }
     } else if (fits) {
         std::memcpy(&count, sequence, sizeof count);
         block = load(place);
@@ -194,13 +199,17 @@ At listElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t max
         return pass.resume(at, result && closeElement(pass.xdrs, tag.text));
     }
 
-    if (tag.text) pass.text->open(tag);
     if (pass.decoding) {
         std::memcpy(sequence, &count, sizeof count);
-        if (count > 0) std::memcpy(place, &block, sizeof block);
+        if (count > 0) {
+            block = size > SIZE_MAX / count ? nullptr : ::operator new[](std::size_t{count} * size, std::nothrow);
+            std::memcpy(place, &block, sizeof block);
+            if (!block) return noMemory(pass, at, tag);
+        }
     } else {
         putUnit(at, count);
     }
+    if (tag.text) pass.text->open(tag);
     at += 4;
     if (count > 0) at = all(pass, at, block, count, routine);
     if (at && tag.text) pass.text->close(tag);

@@ -49,9 +49,16 @@ template <class As, class Shown>
 At numbers(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine);
 At enumElement(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine, const char* (*nameOf)(int));
 At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maximum);
-// `sequence` points to a count and a pointer, as every counted block begins.
-At listElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t maximum, std::uint32_t size, Elements all,
-               XdrRoutine routine);
+// A counted block of whatever type. `sequence` points to a count and a pointer, as every counted block begins. Handed over
+// as one object: addresses as arguments on the stack would each be relocated when the library is loaded.
+struct Block {
+    void* sequence;
+    std::uint32_t maximum;
+    std::uint32_t size;
+    Elements all;
+    XdrRoutine routine;
+};
+At listElement(Tracing& pass, At at, Name tag, const Block& block);
 At blockOf(Tracing& pass, At at, void* first, std::uint32_t count, std::uint32_t size, Element element, XdrRoutine routine);
 At routineElement(Tracing& pass, At at, void* value, XdrRoutine routine);
 At openTag(Tracing& pass, At at, Name tag);
@@ -66,7 +73,7 @@ QUORVA_INLINE Name nameOf(const char* tag)
 
 // Through the routines, as `Calls` does.
 template <class Part>
-[[gnu::noinline]] At callInstead(Tracing& pass, At at, const Part& part)
+QUORVA_INLINE At callInstead(Tracing& pass, At at, const Part& part)
 {
     pass.leave(at);
     return pass.resume(at, callPart(pass.xdrs, part));
@@ -162,8 +169,8 @@ template <class Sequence, class T, class S>
 QUORVA_INLINE At tracePart(Tracing& pass, At at, const List<Sequence, T, S>& part)
 {
     static_assert(offsetof(Sequence, count) == 0 && offsetof(Sequence, elements) == sizeof(T*));
-    return listElement(pass, at, nameOf(part.tag), &part.value, part.maximum, sizeof(T), elementsOf<T, S>(S{}),
-                       part.coder.routine);
+    return listElement(pass, at, nameOf(part.tag),
+                       {&part.value, part.maximum, sizeof(T), elementsOf<T, S>(S{}), part.coder.routine});
 }
 template <class Part>
 QUORVA_INLINE At tracePart(Tracing& pass, At at, const Part& part)

@@ -168,9 +168,9 @@ QUORVA_EXPORT int XdrVisit(Xdr* xdrs, void* object);
 }  // extern "C"
 
 namespace quorva::coder {
-inline constexpr quorva::Shaped<::DoorState, quorva::shape::Number<std::int32_t>>
+inline constexpr quorva::Shaped<::DoorState, quorva::shape::Enumeration<DoorStateString>>
     DoorState = {{XdrDoorState, "DoorState"}};
-inline constexpr quorva::Shaped<::AccessKind, quorva::shape::Number<std::int32_t>>
+inline constexpr quorva::Shaped<::AccessKind, quorva::shape::Enumeration<AccessKindString>>
     AccessKind = {{XdrAccessKind, "AccessKind"}};
 inline constexpr quorva::Shaped<::AttributeNumber, decltype(LongNatural)::Shape>
     AttributeNumber = {{XdrAttributeNumber, "AttributeNumber"}};

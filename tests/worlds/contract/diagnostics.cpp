@@ -1,0 +1,3 @@
+// The bundled diagnostics.
+
+#include "../../../platform/diagnostics.cpp"

@@ -1,0 +1,3 @@
+// The bundled text.
+
+#include "../../../platform/trace_text.cpp"
