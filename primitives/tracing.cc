@@ -116,12 +116,12 @@ NUMBER(std::uint32_t, std::uint32_t)
 NUMBER(std::uint32_t, std::int32_t)
 #undef NUMBER
 
-At enumElement(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine, const char* (*nameOf)(int))
+At enumElement(Tracing& pass, At at, const char* tag, void* value, XdrRoutine routine, const char* (*nameOf)(int))
 {
-    if (!pass.room(at, 4)) return byCall(pass, at, tag, value, routine);
+    if (!pass.room(at, 4)) return byCall(pass, at, {tag, 0}, value, routine);
     const auto number = static_cast<std::int32_t>(moveUnit<std::int32_t>(pass, at, value));
     const char* const name = nameOf(number);
-    pass.text->element(tag, Name{name, std::strlen(name)}, number);
+    pass.text->element({tag, std::strlen(tag)}, Name{name, std::strlen(name)}, number);
     return at + 4;
 }
 
@@ -176,9 +176,9 @@ At blockOf(Tracing& pass, At at, void* first, std::uint32_t count, std::uint32_t
     return at;
 }
 
-At listElement(Tracing& pass, At at, Name tag, const Block& of)
+At listElement(Tracing& pass, At at, const Block& of, Elements all, XdrRoutine routine)
 {
-    const auto [sequence, maximum, size, all, routine] = of;
+    const auto [tag, sequence, maximum, size] = of;
     auto* const place = static_cast<unsigned char*>(sequence) + sizeof(void*);
     std::uint16_t count = 0;
     void* block = nullptr;

@@ -47,18 +47,18 @@ template <class As, class Shown>
 At numberElement(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine);
 template <class As, class Shown>
 At numbers(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine);
-At enumElement(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine, const char* (*nameOf)(int));
+// Six arguments, as many as travel in registers: an address on the stack would be relocated when the library is loaded.
+At enumElement(Tracing& pass, At at, const char* tag, void* value, XdrRoutine routine, const char* (*nameOf)(int));
 At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maximum);
-// A counted block of whatever type. `sequence` points to a count and a pointer, as every counted block begins. Handed over
-// as one object: addresses as arguments on the stack would each be relocated when the library is loaded.
+// A counted block of whatever type. `sequence` points to a count and a pointer, as every counted block begins. The two
+// routines travel in registers: in an object or on the stack each address would be relocated when the library is loaded.
 struct Block {
+    Name tag;
     void* sequence;
     std::uint32_t maximum;
     std::uint32_t size;
-    Elements all;
-    XdrRoutine routine;
 };
-At listElement(Tracing& pass, At at, Name tag, const Block& block);
+At listElement(Tracing& pass, At at, const Block& block, Elements all, XdrRoutine routine);
 At blockOf(Tracing& pass, At at, void* first, std::uint32_t count, std::uint32_t size, Element element, XdrRoutine routine);
 At routineElement(Tracing& pass, At at, void* value, XdrRoutine routine);
 At openTag(Tracing& pass, At at, Name tag);
@@ -87,7 +87,7 @@ QUORVA_INLINE At traced(Tracing& pass, At at, const Field<T, S>& part, shape::Nu
 template <class T, class S, const char* (*nameOfValue)(int)>
 QUORVA_INLINE At traced(Tracing& pass, At at, const Field<T, S>& part, shape::Enumeration<nameOfValue>)
 {
-    return enumElement(pass, at, nameOf(part.tag), &part.value, part.coder.routine, nameOfValue);
+    return enumElement(pass, at, part.tag, &part.value, part.coder.routine, nameOfValue);
 }
 template <class T, class S, std::uint32_t maximum>
 QUORVA_INLINE At traced(Tracing& pass, At at, const Field<T, S>& part, shape::Text<maximum>)
@@ -169,8 +169,8 @@ template <class Sequence, class T, class S>
 QUORVA_INLINE At tracePart(Tracing& pass, At at, const List<Sequence, T, S>& part)
 {
     static_assert(offsetof(Sequence, count) == 0 && offsetof(Sequence, elements) == sizeof(T*));
-    return listElement(pass, at, nameOf(part.tag),
-                       {&part.value, part.maximum, sizeof(T), elementsOf<T, S>(S{}), part.coder.routine});
+    return listElement(pass, at, {nameOf(part.tag), &part.value, part.maximum, sizeof(T)}, elementsOf<T, S>(S{}),
+                       part.coder.routine);
 }
 template <class Part>
 QUORVA_INLINE At tracePart(Tracing& pass, At at, const Part& part)
