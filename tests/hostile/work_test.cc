@@ -266,12 +266,14 @@ public:
         inner.uc_link = &outer;
         makecontext(&inner, [] { (*current)(); }, 0);
         swapcontext(&outer, &inner);
-        clean = static_cast<std::size_t>(std::ranges::find_if(stack, [](auto byte) { return byte != pattern; }) - stack.begin());
+        static const std::vector<unsigned char> page(4096, pattern);
+        for (clean = 0; clean < size && std::memcmp(&stack[clean], page.data(), page.size()) == 0;) clean += page.size();
+        while (clean < size && stack[clean] == pattern) ++clean;
         return size - clean;
     }
 
 private:
-    static constexpr std::size_t size = 1 << 16;
+    static constexpr std::size_t size = 1 << 20;
     static constexpr unsigned char pattern = 0xC3;
     static inline ucontext_t outer, inner;
     static inline const std::function<void()>* current = nullptr;
