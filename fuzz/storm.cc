@@ -55,6 +55,8 @@ void leaveInput()
 // Damaged messages grow out of one that is well-formed, and take over parts of the one before.
 Tally stormOver(const schema::Type& type, const Settings& settings)
 {
+    // A list of 65535 elements costs as much as thousands of small ones: as a rule there is no memory for it.
+    constexpr std::size_t usualBlock = std::size_t{256} << 10, largestBlock = std::size_t{16} << 20;
     // Executions from one that is well-formed to the next, that one included; between two that go both ways, or find
     // little memory; between two that the schema judges, which costs as much as hundreds of passes.
     constexpr std::uint64_t fromOne = 128, rarely = 16, seldom = 256;
@@ -72,9 +74,11 @@ Tally stormOver(const schema::Type& type, const Settings& settings)
         }
         Bytes& message = current.message;
         message.assign(base.message.begin(), base.message.end());
-        for (std::size_t k = i % fromOne == 0 ? 0 : 1 + chance.below(3); k > 0; --k)
+        for (std::size_t k = i % fromOne == 2 ? 0 : 1 + chance.below(3); k > 0; --k)
             damage(message, base.steering, before.message, chance);
         current.variant = i % rarely == 1 ? static_cast<std::uint8_t>(128 + chance.below(8)) : 0;
+
+        if (i % seldom < 2) subject.refuseBlocksAbove(i % seldom == 0 ? largestBlock : usualBlock);
 
         bool accepted;
         if (i % rarely == 0)

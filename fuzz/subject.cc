@@ -26,9 +26,6 @@ using test::Watch;
 
 namespace {
 
-// A block so large costs the address sanitizer an eighth of it in shadow; larger ones fail there, as on a small machine.
-constexpr std::size_t largestBlock = std::size_t{16} << 20;
-
 void (*onDeath)() = nullptr;
 
 struct Keys {
@@ -80,8 +77,8 @@ std::string described(const Outcome& outcome)
 bool showsUnwritten(std::span<const unsigned char> out, std::span<const unsigned char> in)
 {
     const auto holds = [](std::span<const unsigned char> bytes, std::size_t inRow) {
-        const unsigned char filling[] = {0xA5, 0xA5, 0xA5, 0xA5};
-        return ::memmem(bytes.data(), bytes.size(), filling, inRow) != nullptr;
+        return std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()).find("\xA5\xA5\xA5\xA5", 0, inRow) !=
+               std::string_view::npos;
     };
     return holds(out, 4) && !holds(in, 2);
 }
@@ -161,13 +158,14 @@ void leave(const char* file, std::span<const unsigned char> input)
 Subject::Subject(const Type& type)
     : described(type), object(new unsigned char[type.size]), arena(new unsigned char[arenaSize])
 {
+    if (__sanitizer_set_death_callback) refuseBlocksAbove(std::size_t{16} << 20);
     deafTrace();
 }
 
 Pass Subject::run(Way way, Xdr::Request mode, std::span<unsigned char> buffer, long failFrom)
 {
     TraceText* const sink = way == Way::calls ? &deafTrace() : nullptr;
-    const Watch watch(failFrom);
+    const Watch watch(test::Scarcity{.from = failFrom, .largest = largestBlock});
     return runPass(mode, described.routine, object.get(), buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
 }
 
@@ -258,7 +256,7 @@ void Subject::agreesWithSchema(std::span<const unsigned char> message)
     {
         TraceText trace;  // allocates under the same watch as the pass, and is gone before anybody counts
         {
-            const Watch watch;
+            const Watch watch(test::Scarcity{.largest = largestBlock});
             pass = runPass(Xdr::decode, described.routine, object.get(), buffer, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
             outOfMemory = test::largestAllocation() > largestBlock;
         }
