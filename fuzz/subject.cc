@@ -158,7 +158,7 @@ void leave(const char* file, std::span<const unsigned char> input)
 Subject::Subject(const Type& type)
     : described(type), object(new unsigned char[type.size]), arena(new unsigned char[arenaSize])
 {
-    if (__sanitizer_set_death_callback) refuseBlocksAbove(std::size_t{16} << 20);
+    if (__sanitizer_set_death_callback) refuseBlocksAbove(std::size_t{1} << 20);
     deafTrace();
 }
 

@@ -82,7 +82,7 @@ public:
     explicit Subject(const schema::Type& type);
 
     // Allocations of more than `size` bytes fail in the passes to come. To begin with, none does, but under a sanitizer
-    // those above 16 MiB: a message may ask for 4 GiB that nobody touches, and the sanitizer touches an eighth of that.
+    // those above 1 MiB: a message may ask for 4 GiB that nobody touches, and the sanitizer touches an eighth of that.
     void refuseBlocksAbove(std::size_t size) { largestBlock = size; }
 
     // Decodes, encodes what is left, releases it: nothing is read beyond the message or written beyond the length,
