@@ -18,12 +18,10 @@
 #include <iostream>
 #include <map>
 
-#ifndef SANITIZED
 #include <ctime>
 #include <malloc.h>
 #include <ucontext.h>
 #include <unistd.h>
-#endif
 
 using namespace quorva;
 using namespace quorva::test;
@@ -238,9 +236,6 @@ TEST(Work, aSuccessfulDecodeAllocates)
     factor.expectWithin("bytes allocated by a success for each byte of the message");
 }
 
-// What the machine has to give, which sanitizers change.
-#ifndef SANITIZED
-
 namespace {
 
 // Bytes of memory that the process holds.
@@ -345,5 +340,3 @@ TEST(Work, aFailedDecodeTouches)
     }
     touched.expectWithin("memory that a failed decode touches");
 }
-
-#endif
