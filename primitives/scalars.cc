@@ -65,7 +65,7 @@ public:
     const char* text() const { return digits; }
 
 private:
-    char digits[64];  // a float has at most 39 digits before its point
+    char digits[64] = {};  // at most 39 of them before the point; cleared for checkers that cannot see into to_chars
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Prints, for each type, a digest of what the library makes of invented messages: results, lengths, bytes and traces of
 // decodes, encodes and releases, of whole messages and of damaged ones. Builds that differ in compiler, optimisation,
-// machine or stream class print the same.
+// machine or stream class print the same. With --messages, prints the messages instead, for those who cannot make them:
+// routine, size of the object, bytes in hexadecimal and a full stop.
 
 #include <inspect/sample.h>
 
@@ -55,28 +56,47 @@ void addMessage(Digest& digest, const schema::Type& type, Bytes message)
     addPass(digest, static_cast<Xdr::Request>(2), type, object.get(), {});
 }
 
+// Calls use(message) with a dozen messages of the type, each whole, damaged and cut.
+template <class Use>
+void forMessages(inspect::Sampler& sampler, const schema::Type& type, Use use)
+{
+    using inspect::Extent;
+    for (std::size_t seed = 0; seed < 12; ++seed) {
+        const Extent extent = seed == 0 ? Extent::least : seed == 1 ? Extent::fullest : Extent::random;
+        const Bytes message = sampler.sample(type, {extent, seed, 600});
+        use(message);
+        if (message.size() < 4) continue;
+        const std::size_t units = message.size() / 4;
+        Bytes damaged = message;  // a unit that is out of range nearly everywhere
+        damaged[seed * 7 % units * 4 + 2] ^= 0x41;
+        use(damaged);
+        damaged = message;
+        damaged.resize(seed * 13 % units * 4);
+        use(damaged);
+    }
+}
+
+void print(const schema::Type& type, const Bytes& message)
+{
+    std::printf("Xdr%s %u ", type.name, type.size);
+    for (const unsigned char byte : message) std::printf("%02x", byte);
+    std::puts(".");
+}
+
 }  // namespace
 
-int main()
+int main(int count, char** words)
 {
+    const bool messages = count > 1 && std::string_view(words[1]) == "--messages";
     inspect::Sampler sampler;
     for (const auto* module : schema::modules())
         for (const auto* type : module->types) {
-            Digest digest;
-            for (std::uint64_t seed = 0; seed < 12; ++seed) {
-                using inspect::Extent;
-                const Extent extent = seed == 0 ? Extent::least : seed == 1 ? Extent::fullest : Extent::random;
-                const Bytes message = sampler.sample(*type, {extent, seed, 600});
-                addMessage(digest, *type, message);
-                if (message.size() < 4) continue;
-                const std::size_t units = message.size() / 4;
-                Bytes damaged = message;  // a unit that is out of range nearly everywhere
-                damaged[seed * 7 % units * 4 + 2] ^= 0x41;
-                addMessage(digest, *type, damaged);
-                damaged = message;
-                damaged.resize(seed * 13 % units * 4);
-                addMessage(digest, *type, damaged);
+            if (messages) {
+                forMessages(sampler, *type, [&](const Bytes& message) { print(*type, message); });
+                continue;
             }
+            Digest digest;
+            forMessages(sampler, *type, [&](const Bytes& message) { addMessage(digest, *type, message); });
             std::printf("%016llx %s\n", digest.value(), type->name);
         }
 }
