@@ -24,15 +24,6 @@ std::size_t wellFormed(const unsigned char* text)
     return (character & 0xFFFE) == 0xFFFE ? 0 : length;
 }
 
-constexpr char hexDigits[] = "0123456789abcdef";
-
-char* putHex(char* to, unsigned char byte)
-{
-    to[0] = hexDigits[byte >> 4];
-    to[1] = hexDigits[byte & 15];
-    return to + 2;
-}
-
 }  // namespace
 
 TraceText::~TraceText()
@@ -114,27 +105,38 @@ void TraceText::close(Name name) noexcept
 void TraceText::marker(const char* markup) noexcept
 {
     const Name name = {markup, std::strlen(markup)};
-    char* to = room(name.length);
+    if (markup[0] == '<' && markup[1] == '/')
+        endMarker(name);
+    else
+        beginMarker(name);
+}
+
+void TraceText::beginMarker(Name markup) noexcept
+{
+    char* to = room(markup.length);
     if (!to) return;
-    if (markup[0] == '<' && markup[1] == '/') {
-        if (depth > 0 && elements[depth - 1].isMarker && lineStart > elements[--depth].begin) to = startLine(to);
-        written(put(to, name));
-    } else {
-        at = put(startLine(to), name);
-        push(name, true);
-    }
+    at = put(startLine(to), markup);
+    push(markup, true);
+}
+
+void TraceText::endMarker(Name markup) noexcept
+{
+    char* to = room(markup.length);
+    if (!to) return;
+    if (depth > 0 && elements[depth - 1].isMarker && lineStart > elements[--depth].begin) to = startLine(to);
+    written(put(to, markup));
 }
 
 void TraceText::beginValue() noexcept
 {
-    marker("<value>");
+    beginMarker(frame);
     indent();
 }
 
 void TraceText::endValue() noexcept
 {
     outdent();
-    marker("</value>");
+    endMarker({"</value>", 8});
 }
 
 void TraceText::value(const char* text) noexcept
@@ -148,16 +150,27 @@ void TraceText::value(const char* text) noexcept
 
 void TraceText::hexDump(const unsigned char* data, std::size_t size) noexcept
 {
-    for (std::size_t i = 0; i < size; ++i) {
-        char* to = room(3);
+    const bool rows = size > row;
+    while (size > 0) {
+        const std::size_t shown = size < row ? size : row;
+        char* to = room(1 + 3 * row);
         if (!to) return;
-        if (size > 16 && i % 16 == 0)
+        if (rows)
             to = startLine(to);
-        else if (i % 16 != 0 || afterValue)
+        else if (afterValue)
             *to++ = ' ';
-        at = putHex(to, data[i]);
+        at = hexRow(to, data, shown);
         afterValue = true;
+        data += shown;
+        size -= shown;
     }
+}
+
+void TraceText::dumpElement(Name name, const unsigned char* data, std::size_t size) noexcept
+{
+    open(name);
+    hexDump(data, size);
+    close(name);
 }
 
 // One character that is not plain, or the sequence of bytes that is one.
@@ -180,7 +193,7 @@ char* TraceText::escape(char* to, const unsigned char*& from) noexcept
     case '\n': return text("\\n", 2);
     case '\r': return text("\\r", 2);
     case '\t': return text("\\t", 2);
-    default: return putHex(text("\\x", 2), c);
+    default: return hexRow(text("\\x", 2), &c, 1);
     }
 }
 
@@ -232,6 +245,16 @@ constinit const std::array<char, 200> TraceText::pairs = [] {
         digits[2 * i + 1] = static_cast<char>('0' + i % 10);
     }
     return digits;
+}();
+
+constinit const std::array<char, 512> TraceText::hexPairs = [] {
+    constexpr char digits[] = "0123456789abcdef";
+    std::array<char, 512> all{};
+    for (std::size_t i = 0; i < 256; ++i) {
+        all[2 * i] = digits[i / 16];
+        all[2 * i + 1] = digits[i % 16];
+    }
+    return all;
 }();
 
 constinit thread_local TraceText* ScopedTrace::innermost = nullptr;

@@ -72,11 +72,38 @@ public:
         leaf(name, mostEscaped * size, [text](char* to) { return escaped(to, text); });
     }
 
+    // <name>bytes</name>, as hexDump writes them
+    void element(Name name, const unsigned char* data, std::size_t size) noexcept
+    {
+        if (size > row) return dumpElement(name, data, size);
+        leaf(name, 3 * row, [data, size](char* to) { return hexRow(to, data, size); });
+    }
+
+    // The contents of the innermost element, as value() adds them: `count` numbers, each what next() returns.
+    template <class Next>
+    void numbers(std::size_t count, Next next) noexcept
+    {
+        constexpr std::size_t most = 64;  // in one piece
+        while (count > 0) {
+            const std::size_t piece = count < most ? count : most;
+            count -= piece;
+            char* to = room(piece * (1 + mostDigits));
+            for (std::size_t i = 0; i < piece; ++i) {
+                const auto number = next();
+                if (!to) continue;
+                *to = ' ';
+                to = decimal(to + afterValue, number);
+                afterValue = true;
+            }
+            if (to) at = to;
+        }
+    }
+
     // What an element of an array is framed with: marker("<value>") and indent(), outdent() and marker("</value>").
     void beginValue() noexcept;
     void endValue() noexcept;
 
-    // Such a frame around a number: four calls and a value.
+    // Such a frame around a number, or around <name>number</name>, on a line.
     template <class Number>
     void framed(Number number) noexcept
     {
@@ -85,6 +112,20 @@ public:
         ++*markers();
         to = put(startLine(to), frame);
         to = endTag(decimal(to, number), {frame.text + 1, frame.length - 2});
+        written(to);
+    }
+
+    void framed(Name name, std::int32_t number) noexcept
+    {
+        char* to = room(mostDigits + 2 * frame.length + 2 * name.length);
+        if (!to) return;
+        ++*markers();
+        to = put(startLine(to), frame);
+        *to++ = '<';
+        to = put(to, name);
+        *to++ = '>';
+        to = endTag(decimal(to, number), name);
+        to = endTag(to, {frame.text + 1, frame.length - 2});
         written(to);
     }
 
@@ -109,6 +150,7 @@ private:
     };
 
     static constexpr Name frame = {"<value>", 7};
+    static constexpr std::size_t row = 16;  // bytes of a dump on a line
     static constexpr std::size_t mostDigits = 11;
     static constexpr std::size_t mostEscaped = 5;  // characters that one character becomes
     static constexpr std::size_t slack = 64;       // what is written beyond the text in steps of fixed size, and a tag's brackets
@@ -206,19 +248,18 @@ private:
             *to = static_cast<char>('0' + number);
             return to + 1;
         }
-        std::uint32_t digits = 2;
-        for (std::uint32_t power = 100; digits < 10 && number >= power; power *= 10) ++digits;
-        char* last = to + digits;
-        while (number >= 100) {
-            last -= 2;
-            copy<2>(last, pairs.data() + 2 * (number % 100));
-            number /= 100;
+        if (number < 100) return pair(to, number);
+        if (number < 10000) {
+            const std::uint32_t high = number / 100;
+            return pair(high < 10 ? decimal(to, high) : pair(to, high), number % 100);
         }
-        if (number >= 10)
-            copy<2>(to, pairs.data() + 2 * number);
-        else
-            *to = static_cast<char>('0' + number);
-        return to + digits;
+        const std::uint32_t high = number / 10000, low = number % 10000;
+        return pair(pair(decimal(to, high), low / 100), low % 100);
+    }
+    static char* pair(char* to, std::uint32_t number) noexcept
+    {
+        copy<2>(to, pairs.data() + 2 * number);
+        return to + 2;
     }
     // The text up to its zero, escaped.
     static char* escaped(char* to, const char* text) noexcept
@@ -230,12 +271,25 @@ private:
             to = escape(to, from);
         }
     }
+    // At most a row of bytes, separated by blanks.
+    static char* hexRow(char* to, const unsigned char* data, std::size_t size) noexcept
+    {
+        for (std::size_t i = 0; i < size; ++i, to += 3) {
+            copy<2>(to, hexPairs.data() + 2 * std::size_t{data[i]});
+            to[2] = ' ';
+        }
+        return to - (size > 0);
+    }
+    void dumpElement(Name name, const unsigned char* data, std::size_t size) noexcept;
     static char* escape(char* to, const unsigned char*& from) noexcept;
     char* grow(std::size_t size) noexcept;
     bool push(Name name, bool isMarker) noexcept;
+    void beginMarker(Name markup) noexcept;
+    void endMarker(Name markup) noexcept;
 
     static const std::array<bool, 256> isPlain;
-    static const std::array<char, 200> pairs;  // 00 to 99
+    static const std::array<char, 200> pairs;     // 00 to 99
+    static const std::array<char, 512> hexPairs;  // 00 to ff
 
     char* first = nullptr;  // the text is [first, at)
     char* at = nullptr;

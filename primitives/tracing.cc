@@ -94,11 +94,18 @@ At numberElement(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine
 template <class As, class Shown>
 At numbers(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine)
 {
-    if (!pass.decoding || !pass.room(at, std::size_t{4} * count))
-        return blockOf(pass, at, first, count, sizeof(As), routineElement, routine);
+    if (!pass.room(at, std::size_t{4} * count)) return blockOf(pass, at, first, count, sizeof(As), routineElement, routine);
     auto* value = static_cast<unsigned char*>(first);
-    for (std::uint32_t i = 0; i < count; ++i, value += sizeof(As), at += 4)
-        pass.text->framed(shown<Shown>(moveUnit<As>(pass, at, value)));
+    const auto next = [&] {
+        const Shown number = shown<Shown>(moveUnit<As>(pass, at, value));
+        value += sizeof(As);
+        at += 4;
+        return number;
+    };
+    if (pass.decoding)
+        for (std::uint32_t i = 0; i < count; ++i) pass.text->framed(next());
+    else
+        pass.text->numbers(count, next);
     pass.text->endLine();
     return at;
 }
@@ -123,6 +130,25 @@ At enumElement(Tracing& pass, At at, const char* tag, void* value, XdrRoutine ro
     const char* const name = nameOf(number);
     pass.text->element({tag, std::strlen(tag)}, Name{name, std::strlen(name)}, number);
     return at + 4;
+}
+
+At enumerators(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine, const char* (*nameOf)(int))
+{
+    if (!pass.room(at, std::size_t{4} * count)) return blockOf(pass, at, first, count, 4, routineElement, routine);
+    auto* value = static_cast<unsigned char*>(first);
+    for (std::uint32_t i = 0; i < count; ++i, value += 4, at += 4) {
+        const auto number = static_cast<std::int32_t>(moveUnit<std::int32_t>(pass, at, value));
+        const char* const text = nameOf(number);
+        const Name name = {text, std::strlen(text)};
+        if (pass.decoding) {
+            pass.text->framed(name, number);
+        } else {
+            pass.text->setLineFeed(false);  // all on one line
+            pass.text->element(name, number);
+        }
+    }
+    pass.text->endLine();
+    return at;
 }
 
 At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maximum)
@@ -154,6 +180,48 @@ At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maxi
         std::memcpy(at + 4, *string, length);
     }
     pass.text->element(tag, *string, length);
+    return at + 4 + all;
+}
+
+At bytesElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t maximum)
+{
+    auto* const place = static_cast<unsigned char*>(sequence) + sizeof(void*);
+    std::uint16_t count = 0;
+    unsigned char* bytes = nullptr;
+    bool fits = pass.room(at, 4);
+    if (fits) {
+        if (pass.decoding) {
+            count = static_cast<std::uint16_t>(getUnit(at));
+        } else {
+            std::memcpy(&count, sequence, sizeof count);
+            bytes = static_cast<unsigned char*>(load(place));
+        }
+        fits = count <= maximum && pass.room(at, 4 + padded(count)) && (pass.decoding || bytes || count == 0);
+    }
+    if (!fits) {
+        auto* held = static_cast<unsigned char*>(load(place));
+        pass.leave(at);
+        openElement(pass.xdrs, tag.text);
+        const int result = XdrBytes(pass.xdrs, &held, static_cast<std::uint16_t*>(sequence), maximum);
+        std::memcpy(place, &held, sizeof held);
+        return pass.resume(at, result && closeElement(pass.xdrs, tag.text));
+    }
+
+    const std::uint32_t all = padded(count);
+    if (pass.decoding) {
+        std::memcpy(sequence, &count, sizeof count);
+        if (count > 0) {
+            bytes = static_cast<unsigned char*>(::operator new[](count, std::nothrow));
+            std::memcpy(place, &bytes, sizeof bytes);
+            if (!bytes) return noMemory(pass, at, tag);
+            std::memcpy(bytes, at + 4, count);
+        }
+    } else {
+        putUnit(at, count);
+        std::memset(at + all, 0, count > 0 ? 4 : 0);
+        if (count > 0) std::memcpy(at + 4, bytes, count);
+    }
+    pass.text->element(tag, bytes, count);
     return at + 4 + all;
 }
 

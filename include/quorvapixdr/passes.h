@@ -68,10 +68,11 @@ QUORVA_INLINE void swapUnits(unsigned char* to, const unsigned char* from, std::
 
 // ---- Shapes --------------------------------------------------------------------------------------------------------
 // Of each shape: the units that it always takes (0 where that varies), whether a release pass must look at it, and whether
-// its values stand in memory as on the wire but for the order of their four bytes.
+// its values stand in memory as on the wire but for the order of their four bytes; whether it is one number.
 
 struct Shape {
     static constexpr bool isWord = false;
+    static constexpr bool isScalar = false;
 };
 template <class S>
 struct About;
@@ -80,6 +81,7 @@ struct About<shape::Number<As, Shown>> : Shape {
     static constexpr std::uint32_t units = 1;
     static constexpr bool owns = false;
     static constexpr bool isWord = sizeof(As) == 4;
+    static constexpr bool isScalar = true;
 };
 template <const char* (*nameOf)(int)>
 struct About<shape::Enumeration<nameOf>> : About<shape::Number<std::int32_t, std::int32_t>> {};

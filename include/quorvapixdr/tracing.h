@@ -47,6 +47,8 @@ template <class As, class Shown>
 At numberElement(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine);
 template <class As, class Shown>
 At numbers(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine);
+// As numbers(), with the text that belongs to each.
+At enumerators(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine, const char* (*nameOf)(int));
 // Six arguments, as many as travel in registers: an address on the stack would be relocated when the library is loaded.
 At enumElement(Tracing& pass, At at, const char* tag, void* value, XdrRoutine routine, const char* (*nameOf)(int));
 At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maximum);
@@ -59,6 +61,7 @@ struct Block {
     std::uint32_t size;
 };
 At listElement(Tracing& pass, At at, const Block& block, Elements all, XdrRoutine routine);
+At bytesElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t maximum);
 At blockOf(Tracing& pass, At at, void* first, std::uint32_t count, std::uint32_t size, Element element, XdrRoutine routine);
 At routineElement(Tracing& pass, At at, void* value, XdrRoutine routine);
 At openTag(Tracing& pass, At at, Name tag);
@@ -124,6 +127,11 @@ At bodies(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine rou
     };
     return blockOf(pass, at, first, count, sizeof(T), one, routine);
 }
+template <const char* (*nameOfValue)(int)>
+At enumeratorsOf(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine)
+{
+    return enumerators(pass, at, first, count, routine, nameOfValue);
+}
 template <class T, class S>
 At others(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine)
 {
@@ -138,7 +146,7 @@ consteval Elements elementsOf(shape::Number<As, Shown>)
 template <class T, class S, const char* (*nameOfValue)(int)>
 consteval Elements elementsOf(shape::Enumeration<nameOfValue>)
 {
-    return others<T, S>;
+    return enumeratorsOf<nameOfValue>;
 }
 template <class T, class S, std::uint32_t units>
 consteval Elements elementsOf(shape::Fixed<units>)
@@ -171,6 +179,21 @@ QUORVA_INLINE At tracePart(Tracing& pass, At at, const List<Sequence, T, S>& par
     static_assert(offsetof(Sequence, count) == 0 && offsetof(Sequence, elements) == sizeof(T*));
     return listElement(pass, at, {nameOf(part.tag), &part.value, part.maximum, sizeof(T)}, elementsOf<T, S>(S{}),
                        part.coder.routine);
+}
+template <class Sequence>
+QUORVA_INLINE At tracePart(Tracing& pass, At at, const Bytes<Sequence>& part)
+{
+    static_assert(offsetof(Sequence, count) == 0 && offsetof(Sequence, elements) == sizeof(void*));
+    return part.tag ? bytesElement(pass, at, nameOf(part.tag), &part.value, part.maximum) : callInstead(pass, at, part);
+}
+// Where there is room, the values are only moved and shown; where there is none, they stay what they were.
+template <class T, std::size_t N, class S>
+    requires About<S>::isScalar
+QUORVA_INLINE At tracePart(Tracing& pass, At at, const Vector<T, N, S>& part)
+{
+    if (!part.tag || !pass.room(at, 4 * N)) return callInstead(pass, at, part);
+    at = elementsOf<T, S>(S{})(pass, openTag(pass, at, nameOf(part.tag)), part.value, N, part.coder.routine);
+    return closeTag(pass, at, nameOf(part.tag));
 }
 template <class Part>
 QUORVA_INLINE At tracePart(Tracing& pass, At at, const Part& part)
