@@ -204,3 +204,16 @@ TEST(Scalars, floatIsAnnounced)
     setDiagnosticHook(nullptr);
     EXPECT_EQ(heard, "In XdrFloat\nIn XdrFloat\nIn XdrFloat\n");
 }
+
+TEST(Trace, finishedTextOfAtMost511Characters)
+{
+    static std::string heard;
+    setDiagnosticHook([](const char* text) { heard = text; });
+    TRACE("%s %d\n", "unit", 7);
+    EXPECT_EQ(heard, "unit 7\n");
+    TRACE("%s", std::string(600, 'A').c_str());
+    EXPECT_EQ(heard, std::string(511, 'A'));
+    setDiagnosticHook(nullptr);
+    TRACE("nobody hears this");
+    EXPECT_EQ(heard.size(), 511u);
+}
