@@ -183,23 +183,25 @@ TEST(TraceText, wholeElements)
 TEST(TraceText, runningOutOfMemoryEndsTheCollectingOnly)
 {
     for (long first = 0; first < 12; ++first) {
-        TraceText trace;
+        auto trace = std::make_unique<TraceText>();
         std::uint32_t value = 7;
         unsigned char buffer[4] = {};
         bool succeeded;
         {
             const Watch watch(first);
             succeeded = quorva::runPass(encoding, XdrLongNatural, &value, buffer, [&](Xdr& xdrs) {
-                xdrs.setTrace(&trace);
+                xdrs.setTrace(trace.get());
                 for (int i = 0; i < 20; ++i) xdrs.addOpenTag("anElementWithALongName");
             }).succeeded;
         }
         EXPECT_TRUE(succeeded);
-        EXPECT_FALSE(first == 0 && trace.complete());
-        trace.clear();
-        EXPECT_TRUE(trace.complete()) << "a new text may find memory";
-        trace.open("a");
-        EXPECT_EQ(trace.text(), "<a>");
+        EXPECT_FALSE(first == 0 && trace->complete());
+        trace->clear();
+        EXPECT_TRUE(trace->complete()) << "a new text may find memory";
+        trace->open("a");
+        EXPECT_EQ(trace->text(), "<a>");
+        trace.reset();
+        EXPECT_EQ(liveBlocks(), 0);
     }
 }
 
