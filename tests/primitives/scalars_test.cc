@@ -148,7 +148,8 @@ TEST(Scalars, null)
         }
 
         Xdr xdrs;
-        xdrs.Program(decoding, nullptr, 0);
+        unsigned char unit[4] = {};
+        xdrs.Program(decoding, unit, 4);
         {
             const Watch watch(0);
             EXPECT_EQ(scalar.routine(&xdrs, nullptr), 0) << "no memory";
