@@ -148,7 +148,8 @@ TEST(Scalars, null)
         }
 
         Xdr xdrs;
-        xdrs.Program(decoding, nullptr, 0);
+        unsigned char unit[4] = {};
+        xdrs.Program(decoding, unit, 4);
         {
             const Watch watch(0);
             EXPECT_EQ(scalar.routine(&xdrs, nullptr), 0) << "no memory";
@@ -203,4 +204,17 @@ TEST(Scalars, floatIsAnnounced)
     run(encoding, XdrLongNatural, &other, buffer);
     setDiagnosticHook(nullptr);
     EXPECT_EQ(heard, "In XdrFloat\nIn XdrFloat\nIn XdrFloat\n");
+}
+
+TEST(Trace, finishedTextOfAtMost511Characters)
+{
+    static std::string heard;
+    setDiagnosticHook([](const char* text) { heard = text; });
+    TRACE("%s %d\n", "unit", 7);
+    EXPECT_EQ(heard, "unit 7\n");
+    TRACE("%s", std::string(600, 'A').c_str());
+    EXPECT_EQ(heard, std::string(511, 'A'));
+    setDiagnosticHook(nullptr);
+    TRACE("nobody hears this");
+    EXPECT_EQ(heard.size(), 511u);
 }

@@ -125,7 +125,9 @@ TEST(Strings, encode)
         {"no room for the padding", text<80>, "ABC", 7, false, "00000003 414243"},
         {"beyond 16 bits the low part of the length is carried", text<100000>, std::string(65537, 'A'), 80, true,
          "00010001 41000000"},
-        {"a text by value, at most 65535 characters", XdrWrapString, "ABC", 80, true, "00000003 41424300"},
+        {"a text by value", XdrWrapString, "ABC", 80, true, "00000003 41424300"},
+        {"at most 65535 characters of it", XdrWrapString, std::string(65535, 'A'), 8, false, "0000FFFF"},
+        {"and no more, though they would count as none", XdrWrapString, std::string(65536, 'A'), 8, false, "00010000"},
     };
     for (const auto& expected : cases) {
         SCOPED_TRACE(expected.why);
@@ -135,6 +137,7 @@ TEST(Strings, encode)
         void* const object = expected.routine == XdrWrapString ? static_cast<void*>(string) : &string;
         const Pass done = pass(encoding, expected.routine, object, buffer);
         EXPECT_EQ(done.succeeded, expected.succeeded);
+        EXPECT_EQ(copy, expected.string);
         EXPECT_EQ(hexOf(std::span(buffer).first(done.length)), expected.wire);
         for (std::size_t i = done.length; i < buffer.size(); ++i) ASSERT_EQ(buffer[i], 0x55) << "written beyond the length";
     }
@@ -236,6 +239,7 @@ TEST(Opaque, traceAndLength)
     EXPECT_EQ(shown(XdrOpaque, bytesOf("41424300 44"), 5, 8), "ABC");
     EXPECT_EQ(shown(XdrOpaque, bytesOf("4142"), 2, 4), "AB") << "no zero within the length";
     EXPECT_EQ(shown(XdrOpaque, Bytes(5000, 'A'), 5000, 5000), std::string(4096, 'A'));
+    EXPECT_EQ(shown(XdrOpaque, bytesOf("41"), 1, 4), "A");
     EXPECT_EQ(shown(XdrOpaque, bytesOf("41"), 0, 0), "");
     EXPECT_EQ(shown(XdrOpaque2, bytesOf("41424300"), 4, 4), "41 42 43 00");
     EXPECT_EQ(shown(XdrOpaque2, bytesOf("41"), 0x10001, 4), "41") << "a length is cut to 16 bits";

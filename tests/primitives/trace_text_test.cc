@@ -44,6 +44,25 @@ TEST(TraceText, layoutAndPath)
          [](TraceText& t) { t.marker("<value>"); t.marker("</value>"); t.marker("<value>"); }, nullptr, "value[1]"},
         {"two contents are kept apart", [](TraceText& t) { t.open("a"); t.value("1"); t.value("2"); t.close("a"); },
          "<a>1 2</a>", ""},
+        {"a frame behind a sibling is as deep as the sibling",
+         [](TraceText& t) {
+             t.open("a"); t.open("b"); t.close("b"); t.marker("<value>"); t.indent(); t.open("c");
+         },
+         "<a>\n  <b></b>\n  <value>\n    <c>", "a/value[0]/c"},
+        {"a name ends a frame, too",
+         [](TraceText& t) { t.open("a"); t.marker("<value>"); t.close("value"); t.marker("<value>"); },
+         "<a>\n  <value></value>\n  <value>", "a/value[1]"},
+        {"what nobody began is ended all the same, and closes nothing",
+         [](TraceText& t) { t.close("a"); t.marker("</value>"); t.open("b"); t.marker("</value>"); t.marker("<"); },
+         "</a></value>\n<b></value>\n  <", "b/[0]"},
+        {"markup that is no end", [](TraceText& t) { t.open("a"); t.marker("-/"); }, "<a>\n  -/", "a//[0]"},
+        {"no name at all", [](TraceText& t) { t.open(""); }, "<>", ""},
+        {"a dump behind a content",
+         [](TraceText& t) { t.open("a"); t.value("1"); t.hexDump(reinterpret_cast<const unsigned char*>("AB"), 2); t.value("2"); t.close("a"); },
+         "<a>1 41 42 2</a>", ""},
+        {"less indented than not at all",
+         [](TraceText& t) { t.open("a"); t.outdent(); t.open("b"); t.indent(); t.indent(); t.endLine(); t.open("c"); },
+         "<a>\n  <b>\n      <c>", "a/b/c"},
         {"nothing is open behind a name", [](TraceText& t) { t.open("a"); t.close("a"); t.open("b"); }, nullptr, "b"},
     };
     for (const auto& expected : cases) {
@@ -81,6 +100,13 @@ TEST(TraceText, escapes)
         {"\xEF\xBF\xBE", "\\xef\\xbf\\xbe"},    // U+FFFE, which XML has not
         {"\xC2\x85", "\\xc2\\x85"},             // a control character
         {"\xFF\xFE", "\\xff\\xfe"},
+        // The first and the last character of each length, and those beside the gaps.
+        {"\xC2\xA0\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF", "\xC2\xA0\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF"},
+        {"\xEE\x80\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBD", "\xEE\x80\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBD"},
+        {"\xC2\x9F\xC1\xBF", "\\xc2\\x9f\\xc1\\xbf"},
+        {"\xE0\x9F\xBF\xF0\x8F\xBF\xBF", "\\xe0\\x9f\\xbf\\xf0\\x8f\\xbf\\xbf"},
+        {"\xED\xBF\xBF\xEF\xBF\xBF\xF5\x80\x80\x80", "\\xed\\xbf\\xbf\\xef\\xbf\\xbf\\xf5\\x80\\x80\\x80"},
+        {"\xC3\xC3\xE0\xA0 ", "\\xc3\\xc3\\xe0\\xa0 "},
     };
     for (const auto& expected : cases) {
         TraceText trace;
@@ -109,22 +135,73 @@ TEST(TraceText, hexDump)
     EXPECT_EQ(dumped(17), "<a>\n  " + line + "\n  ab\n</a>");
 }
 
+// Who has much to say adds elements at once: the text is the same as from the calls one by one.
+TEST(TraceText, wholeElements)
+{
+    const auto leaf = [](TraceText& t, const char* name, auto contents) {
+        t.open(name); contents(); t.setLineFeed(false); t.close(name);
+    };
+    for (std::size_t length = 1; length < 70; ++length) {
+        const std::string name(length, 'n'), inner = name + "i", text = name + "<\n" + name;
+        const TraceText::Name tag = {name.c_str(), length};
+        TraceText whole, calls;
+        whole.open("a");
+        calls.open("a");
+        const auto number = [&](auto value, const std::string& shown) {
+            whole.element(tag, value);
+            leaf(calls, name.c_str(), [&] { calls.value(shown.c_str()); });
+        };
+        number(true, "true");
+        number(false, "false");
+        for (const std::int32_t n : {0, 9, 10, 99, 100, 101, 999, 1000, 123456, -1, -10, INT32_MAX, INT32_MIN}) number(n, std::to_string(n));
+        for (const std::uint32_t n : {0u, 9u, 10u, 100u, 99999u, 1000000000u, UINT32_MAX}) number(n, std::to_string(n));
+        whole.element(tag, TraceText::Name{inner.c_str(), length + 1}, -7);
+        leaf(calls, name.c_str(), [&] {
+            calls.setLineFeed(false); calls.open(inner.c_str()); calls.value("-7"); calls.setLineFeed(false); calls.close(inner.c_str());
+        });
+        whole.element(tag, text.c_str(), text.size());
+        leaf(calls, name.c_str(), [&] { calls.value(text.c_str()); });
+        for (int n : {3, 44}) {
+            whole.framed(n);
+            calls.marker("<value>"); calls.indent(); calls.value(std::to_string(n).c_str());
+            calls.setLineFeed(false); calls.outdent(); calls.marker("</value>");
+        }
+        for (int n : {5, 6}) {
+            whole.beginValue(); whole.element(tag, n); whole.endValue();
+            calls.marker("<value>"); calls.indent();
+            leaf(calls, name.c_str(), [&] { calls.value(std::to_string(n).c_str()); });
+            calls.outdent(); calls.marker("</value>");
+        }
+        whole.marker("<value>");
+        calls.marker("<value>");
+        EXPECT_EQ(whole.text(), calls.text());
+        EXPECT_EQ(whole.path(), "a/value[4]");
+        EXPECT_EQ(calls.path(), "a/value[4]");
+    }
+}
+
 TEST(TraceText, runningOutOfMemoryEndsTheCollectingOnly)
 {
     for (long first = 0; first < 12; ++first) {
-        TraceText trace;
+        auto trace = std::make_unique<TraceText>();
         std::uint32_t value = 7;
         unsigned char buffer[4] = {};
         bool succeeded;
         {
             const Watch watch(first);
             succeeded = quorva::runPass(encoding, XdrLongNatural, &value, buffer, [&](Xdr& xdrs) {
-                xdrs.setTrace(&trace);
+                xdrs.setTrace(trace.get());
                 for (int i = 0; i < 20; ++i) xdrs.addOpenTag("anElementWithALongName");
             }).succeeded;
         }
         EXPECT_TRUE(succeeded);
-        EXPECT_FALSE(first == 0 && trace.complete());
+        EXPECT_FALSE(first == 0 && trace->complete());
+        trace->clear();
+        EXPECT_TRUE(trace->complete()) << "a new text may find memory";
+        trace->open("a");
+        EXPECT_EQ(trace->text(), "<a>");
+        trace.reset();
+        EXPECT_EQ(liveBlocks(), 0);
     }
 }
 

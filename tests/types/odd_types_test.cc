@@ -12,6 +12,7 @@
 
 #include <inspect/catalogue.h>
 #include <inspect/object.h>
+#include <quorvapixdr/locker.h>
 
 #include <gtest/gtest.h>
 
@@ -143,4 +144,27 @@ TEST(OddTypes, areAsTheyAre)
         for (const Case& expected : read(path))
             if (const std::string fault = faultOf(expected, catalogue); !fault.empty())
                 ADD_FAILURE_AT(path.c_str(), expected.line) << expected.type << " (" << expected.why << ") " << fault;
+}
+
+// Texts that are refused, or whose trace is cut: there the whole elements of the trace leave off and the calls take over.
+TEST(TracedTexts, atTheirBounds)
+{
+    const struct {
+        bool bounded;
+        std::size_t characters, room, moved;
+    } cases[] = {{true, 40, 9000, 48}, {true, 41, 9000, 8}, {true, 40, 47, 8}, {true, 40, 7, 4}, {false, 4095, 9000, 4104},
+                 {false, 4096, 9000, 4104}, {false, 4097, 9000, 4108}, {false, 4097, 4107, 4105}};
+    for (const auto& expected : cases) {
+        std::string text(expected.characters, '#');
+        AccessUnion access = {AccessKind::AKowner, {text.data()}};
+        EventUnion event = {-1, {text.data()}};
+        Bytes buffer(expected.room);
+        TraceText trace;
+        void* const object = expected.bounded ? static_cast<void*>(&access) : &event;
+        const Pass done = runTraced(encoding, expected.bounded ? XdrAccessUnion : XdrEventUnion, "T", object, buffer, trace);
+        EXPECT_EQ(done.length, expected.moved) << expected.characters << " within " << expected.room;
+        EXPECT_EQ(done.succeeded, done.length % 4 == 0 && done.length > 8);
+        const auto shown = std::ranges::count(trace.text(), '#');
+        EXPECT_EQ(shown, done.length > 8 ? static_cast<long>(std::min<std::size_t>(expected.characters, 4096)) : 0);
+    }
 }
