@@ -1,0 +1,38 @@
+// Made from corners.x by quorvaxdrc. Change the interface file, not this one.
+// What the units of other modules need of its bodies; no part of the library's interface.
+#pragma once
+
+#include <quorvapixdr/corners.h>
+#include <quorvapixdr/colours.bodies.h>
+#include <quorvapixdr/walk.h>
+
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Numbers& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Passage& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Element& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Elements& obj);
+
+// Where a door stands. Always as long on the wire.   corners.x:8
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Place& obj)
+{
+    using namespace quorva::walk;
+    return parts(pass, at,
+            field("row", obj.row, quorva::coder::Natural),
+            field("column", obj.column, quorva::coder::Natural),
+            vector("lamps", obj.lamps, quorva::coder::LampColour),
+            opaque("mark", obj.mark));
+}
+
+// Two of them are as long as ever.   corners.x:16
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Span& obj)
+{
+    using namespace quorva::walk;
+    return parts(pass, at,
+            field("from", obj.from, quorva::coder::Place),
+            field("to", obj.to, quorva::coder::Place));
+}
