@@ -4,6 +4,7 @@
 
 #include <quorvapixdr/corners.h>
 #include <quorvapixdr/colours.bodies.h>
+#include <quorvapixdr/far_off/corner_9.bodies.h>
 #include <quorvapixdr/walk.h>
 
 template <class Pass>
@@ -15,7 +16,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Element& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Elements& obj);
 
-// Where a door stands. Always as long on the wire.   corners.x:8
+// Where a door stands. Always as long on the wire.   corners.x:9
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Place& obj)
 {
@@ -27,7 +28,8 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Place& obj)
             opaque("mark", obj.mark));
 }
 
-// Two of them are as long as ever.   corners.x:16
+// Two of them are as long as ever. A sign of several bytes fills one column: äöüäöüäöüäöüäöüäöüäöü; so this line ends.
+// corners.x:17
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Span& obj)
 {
@@ -35,4 +37,17 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Span& obj)
     return parts(pass, at,
             field("from", obj.from, quorva::coder::Place),
             field("to", obj.to, quorva::coder::Place));
+}
+
+// Words that other XDR compilers keep for themselves.   corners.x:52
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
+{
+    using namespace quorva::walk;
+    return parts(pass, at,
+            field("version", obj.version, quorva::coder::Distance),
+            field("edition", obj.edition, quorva::coder::Distance),
+            field("program", obj.program, quorva::coder::Distance),
+            field("quad", obj.quad, quorva::coder::Distance),
+            field("restrict", obj.restrict, quorva::coder::Distance));
 }

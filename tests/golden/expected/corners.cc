@@ -3,19 +3,20 @@
 
 using namespace quorva::walk;
 
-// Where a door stands. Always as long on the wire.   corners.x:8
+// Where a door stands. Always as long on the wire.   corners.x:9
 int XdrPlace(Xdr* xdrs, void* object)
 {
     return run<Place>(xdrs, object);
 }
 
-// Two of them are as long as ever.   corners.x:16
+// Two of them are as long as ever. A sign of several bytes fills one column: äöüäöüäöüäöüäöüäöüäöü; so this line ends.
+// corners.x:17
 int XdrSpan(Xdr* xdrs, void* object)
 {
     return run<Span>(xdrs, object);
 }
 
-// Numbers are told as they count, constants by name.   corners.x:22
+// Numbers are told as they count, constants by name.   corners.x:23
 template <class Pass>
 At code(Pass& pass, At at, Numbers& obj)
 {
@@ -35,7 +36,7 @@ int XdrNumbers(Xdr* xdrs, void* object)
 
 // Words of the generated code, and a name so long that its lines must be broken somewhere else than those of all
 // others.
-// corners.x:31
+// corners.x:32
 template <class Pass>
 At code(Pass& pass, At at, Passage& obj)
 {
@@ -53,7 +54,7 @@ int XdrPassage(Xdr* xdrs, void* object)
     return run<Passage>(xdrs, object);
 }
 
-// One name under several numbers, each with words of its own.   corners.x:38
+// One name under several numbers, each with words of its own.   corners.x:39
 template <class Pass>
 At code(Pass& pass, At at, ::Element& obj)
 {
@@ -87,7 +88,7 @@ int XdrElement(Xdr* xdrs, void* object)
     return run<::Element>(xdrs, object);
 }
 
-// corners.x:46
+// corners.x:47
 template <class Pass>
 At code(Pass& pass, At at, ::Elements& obj)
 {
@@ -100,16 +101,22 @@ int XdrElements(Xdr* xdrs, void* object)
     return run<::Elements>(xdrs, object);
 }
 
-// corners.x:47
+// corners.x:48
 int XdrelementsOfALongNamedAlias(Xdr* xdrs, void* object)
 {
     auto* obj = objectAt<elementsOfALongNamedAlias>(xdrs, object);
     return obj && XdrElement(xdrs, obj);
 }
 
-// corners.x:48
+// corners.x:49
 int XdrRows(Xdr* xdrs, void* object)
 {
     auto* obj = objectAt<Rows>(xdrs, object);
     return obj && vector(untagged, *obj, quorva::coder::Place).call(xdrs);
+}
+
+// Words that other XDR compilers keep for themselves.   corners.x:52
+int XdrWords(Xdr* xdrs, void* object)
+{
+    return run<Words>(xdrs, object);
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <quorvapixdr/colours.h>
+#include <quorvapixdr/far_off/corner_9.h>
 #include <quorvapixdr/primitives.h>
 
 #include <cstdint>
@@ -18,7 +19,7 @@ struct Place {
     unsigned char mark[8];
 };
 
-// Two of them are as long as ever.
+// Two of them are as long as ever. A sign of several bytes fills one column: äöüäöüäöüäöüäöüäöüäöü; so this line ends.
 struct Span {
     Place from;
     Place to;
@@ -62,6 +63,15 @@ struct Elements {
 using elementsOfALongNamedAlias = Element;
 using Rows = Place[4];
 
+// Words that other XDR compilers keep for themselves.
+struct Words {
+    Distance version;  // "1", C:\1, /* 1 */ or 1 €
+    Distance edition;
+    Distance program;
+    Distance quad;
+    Distance restrict;
+};
+
 extern "C" {
 
 // The coding routines, each over one object of its type.
@@ -73,6 +83,7 @@ QUORVA_EXPORT int XdrElement(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrElements(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrelementsOfALongNamedAlias(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrRows(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrWords(Xdr* xdrs, void* object);
 
 }  // extern "C"
 
@@ -86,6 +97,7 @@ inline constexpr quorva::Shaped<::Elements, quorva::shape::Body<true>> Elements 
 inline constexpr quorva::Shaped<::elementsOfALongNamedAlias, quorva::shape::Body<true>>
     elementsOfALongNamedAlias = {{XdrelementsOfALongNamedAlias, "elementsOfALongNamedAlias"}};
 inline constexpr quorva::Shaped<::Rows, quorva::shape::Routine> Rows = {{XdrRows, "Rows"}};
+inline constexpr quorva::Shaped<::Words, quorva::shape::Fixed<5>> Words = {{XdrWords, "Words"}};
 }  // namespace quorva::coder
 
 namespace quorva {
@@ -101,4 +113,6 @@ template <>
 inline constexpr Coder<::Element> coderOf<::Element> = coder::Element;
 template <>
 inline constexpr Coder<::Elements> coderOf<::Elements> = coder::Elements;
+template <>
+inline constexpr Coder<::Words> coderOf<::Words> = coder::Words;
 }  // namespace quorva

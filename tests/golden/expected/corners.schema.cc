@@ -8,10 +8,10 @@
 namespace quorva::schema {
 
 namespace types {
-extern const schema::Type Place, Span, Numbers, Passage, Element, Elements, elementsOfALongNamedAlias, Rows;
+extern const schema::Type Place, Span, Numbers, Passage, Element, Elements, elementsOfALongNamedAlias, Rows, Words;
 
 // Of other modules.
-extern const schema::Type LampColour;
+extern const schema::Type LampColour, Distance;
 }  // namespace types
 
 // The values that select an arm.
@@ -30,7 +30,7 @@ constinit const Type types::Place = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 8,
+    .line = 9,
     .doc = "Where a door stands. Always as long on the wire.",
     .routine = XdrPlace,
     .size = sizeof(::Place),
@@ -48,8 +48,9 @@ constinit const Type types::Span = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 16,
-    .doc = "Two of them are as long as ever.",
+    .line = 17,
+    .doc = "Two of them are as long as ever. A sign of several bytes fills one column: äöüäöüäöüäöüäöüäöüäöü; so "
+           "this line ends.",
     .routine = XdrSpan,
     .size = sizeof(::Span),
     .alignment = alignof(::Span),
@@ -69,7 +70,7 @@ constinit const Type types::Numbers = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 22,
+    .line = 23,
     .doc = "Numbers are told as they count, constants by name.",
     .routine = XdrNumbers,
     .size = sizeof(::Numbers),
@@ -90,7 +91,7 @@ constinit const Type types::Passage = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 31,
+    .line = 32,
     .doc = "Words of the generated code, and a name so long that its lines must be broken somewhere else than "
            "those of all others.",
     .routine = XdrPassage,
@@ -115,7 +116,7 @@ constinit const Type types::Element = {
     .kind = Kind::discriminated,
     .module = "corners",
     .file = "corners.x",
-    .line = 38,
+    .line = 39,
     .doc = "One name under several numbers, each with words of its own.",
     .routine = XdrElement,
     .size = sizeof(::Element),
@@ -130,7 +131,7 @@ constinit const Type types::Elements = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 46,
+    .line = 47,
     .routine = XdrElements,
     .size = sizeof(::Elements),
     .alignment = alignof(::Elements),
@@ -142,7 +143,7 @@ constinit const Type types::elementsOfALongNamedAlias = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 47,
+    .line = 48,
     .routine = XdrelementsOfALongNamedAlias,
     .size = sizeof(::elementsOfALongNamedAlias),
     .alignment = alignof(::elementsOfALongNamedAlias),
@@ -154,11 +155,32 @@ constinit const Type types::Rows = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 48,
+    .line = 49,
     .routine = XdrRows,
     .size = sizeof(::Rows),
     .alignment = alignof(::Rows),
     .target = {Form::vector, &types::Place, 4},
+};
+
+constexpr Member WordsFields[] = {
+    {"version", {Form::single, &types::Distance}, offsetof(::Words, version), "\"1\", C:\\1, /* 1 */ or 1 €"},
+    {"edition", {Form::single, &types::Distance}, offsetof(::Words, edition)},
+    {"program", {Form::single, &types::Distance}, offsetof(::Words, program)},
+    {"quad", {Form::single, &types::Distance}, offsetof(::Words, quad)},
+    {"restrict", {Form::single, &types::Distance}, offsetof(::Words, restrict)},
+};
+
+constinit const Type types::Words = {
+    .name = "Words",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 52,
+    .doc = "Words that other XDR compilers keep for themselves.",
+    .routine = XdrWords,
+    .size = sizeof(::Words),
+    .alignment = alignof(::Words),
+    .fields = WordsFields,
 };
 
 namespace tables {
@@ -174,6 +196,7 @@ constexpr const Type* definitions[] = {
     &types::Elements,
     &types::elementsOfALongNamedAlias,
     &types::Rows,
+    &types::Words,
 };
 
 constinit const Module tables::of_corners = {

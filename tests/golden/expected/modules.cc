@@ -4,7 +4,7 @@
 namespace quorva::schema {
 
 namespace tables {
-extern const schema::Module of_colours, of_corners, of_locker;
+extern const schema::Module of_colours, of_corners, of_far_0off_corner_09, of_locker;
 }
 
 std::span<const Module* const> modules()
@@ -12,6 +12,7 @@ std::span<const Module* const> modules()
     static constexpr const Module* all[] = {
         &tables::of_colours,
         &tables::of_corners,
+        &tables::of_far_0off_corner_09,
         &tables::of_locker,
     };
     return all;
