@@ -21,10 +21,10 @@ template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Place& obj)
 {
     using namespace quorva::walk;
-    return parts(pass, at,
-            field("row", obj.row, quorva::coder::Natural),
-            field("column", obj.column, quorva::coder::Natural),
-            vector("lamps", obj.lamps, quorva::coder::LampColour),
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("row", obj.row, quorva::coder::Natural),
+            quorva::walk::field("column", obj.column, quorva::coder::Natural),
+            quorva::walk::vector("lamps", obj.lamps, quorva::coder::LampColour),
             opaque("mark", obj.mark));
 }
 
@@ -34,9 +34,9 @@ template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Span& obj)
 {
     using namespace quorva::walk;
-    return parts(pass, at,
-            field("from", obj.from, quorva::coder::Place),
-            field("to", obj.to, quorva::coder::Place));
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("from", obj.from, quorva::coder::Place),
+            quorva::walk::field("to", obj.to, quorva::coder::Place));
 }
 
 // Words that other XDR compilers keep for themselves.   corners.x:52
@@ -44,10 +44,10 @@ template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
 {
     using namespace quorva::walk;
-    return parts(pass, at,
-            field("version", obj.version, quorva::coder::Distance),
-            field("edition", obj.edition, quorva::coder::Distance),
-            field("program", obj.program, quorva::coder::Distance),
-            field("quad", obj.quad, quorva::coder::Distance),
-            field("restrict", obj.restrict, quorva::coder::Distance));
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("version", obj.version, quorva::coder::Distance),
+            quorva::walk::field("edition", obj.edition, quorva::coder::Distance),
+            quorva::walk::field("program", obj.program, quorva::coder::Distance),
+            quorva::walk::field("quad", obj.quad, quorva::coder::Distance),
+            quorva::walk::field("restrict", obj.restrict, quorva::coder::Distance));
 }

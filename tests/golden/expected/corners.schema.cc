@@ -8,7 +8,10 @@
 namespace quorva::schema {
 
 namespace types {
-extern const schema::Type Place, Span, Numbers, Passage, Element, Elements, elementsOfALongNamedAlias, Rows, Words;
+extern const schema::Type Place, Span, Numbers, Passage, Element, Elements, elementsOfALongNamedAlias, Rows, Words,
+                          Calls, Decimal, Decoding, Encoding, Field, List, Name, Optional, Releasing, Text, Tracing,
+                          bytes, close, enumeration, field, list, objectAt, open, optional, parts, refuse, run, text,
+                          untagged, vector, Pass, obj, object, pass, xdrs;
 
 // Of other modules.
 extern const schema::Type LampColour, Distance;
@@ -183,6 +186,367 @@ constinit const Type types::Words = {
     .fields = WordsFields,
 };
 
+constinit const Type types::Calls = {
+    .name = "Calls",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 61,
+    .doc = "Words of the generated code as names of types.",
+    .routine = XdrCalls,
+    .size = sizeof(::Calls),
+    .alignment = alignof(::Calls),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Decimal = {
+    .name = "Decimal",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 62,
+    .routine = XdrDecimal,
+    .size = sizeof(::Decimal),
+    .alignment = alignof(::Decimal),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Decoding = {
+    .name = "Decoding",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 63,
+    .routine = XdrDecoding,
+    .size = sizeof(::Decoding),
+    .alignment = alignof(::Decoding),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Encoding = {
+    .name = "Encoding",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 64,
+    .routine = XdrEncoding,
+    .size = sizeof(::Encoding),
+    .alignment = alignof(::Encoding),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Field = {
+    .name = "Field",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 65,
+    .routine = XdrField,
+    .size = sizeof(::Field),
+    .alignment = alignof(::Field),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::List = {
+    .name = "List",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 66,
+    .routine = XdrList,
+    .size = sizeof(::List),
+    .alignment = alignof(::List),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Name = {
+    .name = "Name",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 67,
+    .routine = XdrName,
+    .size = sizeof(::Name),
+    .alignment = alignof(::Name),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Optional = {
+    .name = "Optional",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 68,
+    .routine = XdrOptional,
+    .size = sizeof(::Optional),
+    .alignment = alignof(::Optional),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Releasing = {
+    .name = "Releasing",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 69,
+    .routine = XdrReleasing,
+    .size = sizeof(::Releasing),
+    .alignment = alignof(::Releasing),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Text = {
+    .name = "Text",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 70,
+    .routine = XdrText,
+    .size = sizeof(::Text),
+    .alignment = alignof(::Text),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Tracing = {
+    .name = "Tracing",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 71,
+    .routine = XdrTracing,
+    .size = sizeof(::Tracing),
+    .alignment = alignof(::Tracing),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::bytes = {
+    .name = "bytes",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 72,
+    .routine = Xdrbytes,
+    .size = sizeof(::bytes),
+    .alignment = alignof(::bytes),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::close = {
+    .name = "close",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 73,
+    .routine = Xdrclose,
+    .size = sizeof(::close),
+    .alignment = alignof(::close),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::enumeration = {
+    .name = "enumeration",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 74,
+    .routine = Xdrenumeration,
+    .size = sizeof(::enumeration),
+    .alignment = alignof(::enumeration),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::field = {
+    .name = "field",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 75,
+    .routine = Xdrfield,
+    .size = sizeof(::field),
+    .alignment = alignof(::field),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::list = {
+    .name = "list",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 76,
+    .routine = Xdrlist,
+    .size = sizeof(::list),
+    .alignment = alignof(::list),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::objectAt = {
+    .name = "objectAt",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 77,
+    .routine = XdrobjectAt,
+    .size = sizeof(::objectAt),
+    .alignment = alignof(::objectAt),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::open = {
+    .name = "open",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 78,
+    .routine = Xdropen,
+    .size = sizeof(::open),
+    .alignment = alignof(::open),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::optional = {
+    .name = "optional",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 79,
+    .routine = Xdroptional,
+    .size = sizeof(::optional),
+    .alignment = alignof(::optional),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::parts = {
+    .name = "parts",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 80,
+    .routine = Xdrparts,
+    .size = sizeof(::parts),
+    .alignment = alignof(::parts),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::refuse = {
+    .name = "refuse",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 81,
+    .routine = Xdrrefuse,
+    .size = sizeof(::refuse),
+    .alignment = alignof(::refuse),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::run = {
+    .name = "run",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 82,
+    .routine = Xdrrun,
+    .size = sizeof(::run),
+    .alignment = alignof(::run),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::text = {
+    .name = "text",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 83,
+    .routine = Xdrtext,
+    .size = sizeof(::text),
+    .alignment = alignof(::text),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::untagged = {
+    .name = "untagged",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 84,
+    .routine = Xdruntagged,
+    .size = sizeof(::untagged),
+    .alignment = alignof(::untagged),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::vector = {
+    .name = "vector",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 85,
+    .routine = Xdrvector,
+    .size = sizeof(::vector),
+    .alignment = alignof(::vector),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Pass = {
+    .name = "Pass",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 86,
+    .routine = XdrPass,
+    .size = sizeof(::Pass),
+    .alignment = alignof(::Pass),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::obj = {
+    .name = "obj",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 87,
+    .routine = Xdrobj,
+    .size = sizeof(::obj),
+    .alignment = alignof(::obj),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::object = {
+    .name = "object",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 88,
+    .routine = Xdrobject,
+    .size = sizeof(::object),
+    .alignment = alignof(::object),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::pass = {
+    .name = "pass",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 89,
+    .routine = Xdrpass,
+    .size = sizeof(::pass),
+    .alignment = alignof(::pass),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::xdrs = {
+    .name = "xdrs",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 90,
+    .routine = Xdrxdrs,
+    .size = sizeof(::xdrs),
+    .alignment = alignof(::xdrs),
+    .target = {Form::single, &types::Natural},
+};
+
 namespace tables {
 extern const schema::Module of_corners;
 }
@@ -197,6 +561,36 @@ constexpr const Type* definitions[] = {
     &types::elementsOfALongNamedAlias,
     &types::Rows,
     &types::Words,
+    &types::Calls,
+    &types::Decimal,
+    &types::Decoding,
+    &types::Encoding,
+    &types::Field,
+    &types::List,
+    &types::Name,
+    &types::Optional,
+    &types::Releasing,
+    &types::Text,
+    &types::Tracing,
+    &types::bytes,
+    &types::close,
+    &types::enumeration,
+    &types::field,
+    &types::list,
+    &types::objectAt,
+    &types::open,
+    &types::optional,
+    &types::parts,
+    &types::refuse,
+    &types::run,
+    &types::text,
+    &types::untagged,
+    &types::vector,
+    &types::Pass,
+    &types::obj,
+    &types::object,
+    &types::pass,
+    &types::xdrs,
 };
 
 constinit const Module tables::of_corners = {
