@@ -1,5 +1,6 @@
 #!/bin/sh
-# Compares what the compiler makes of the teaching module with the texts in expected/, and shows the differences.
+# Compares what the compiler makes of the teaching module, and of the corners beside it, with the texts in expected/, and
+# shows the differences.
 #
 #   run.sh QUORVAXDRC          status 1 when anything differs
 #   run.sh QUORVAXDRC update   takes over what the compiler makes now
@@ -14,12 +15,17 @@ here=$(cd "$(dirname "$0")" && pwd)
 made=$(mktemp -d)
 trap 'rm -rf "$made"' EXIT
 
-"$compiler" generate --out "$made/out" -I "$here" "$here/locker.x"
 mkdir "$made/expected"
-mv "$made/out/include/quorvapixdr/locker.h" "$made/expected/locker.h"
-mv "$made/out/src/locker.cc" "$made/expected/locker.cc"
-mv "$made/out/schema/locker.cc" "$made/expected/locker.schema.cc"
-"$compiler" plain -I "$here" "$here/locker.x" > "$made/expected/locker.plain.x"
+"$compiler" generate --out "$made/out" -I "$here" "$here/locker.x" "$here/corners.x" "$here/colours.x" \
+    "$here/far_off/corner_9.x"
+mv "$made/out/schema/modules.cc" "$made/expected/modules.cc"
+for module in locker corners; do
+    mv "$made/out/include/quorvapixdr/$module.h" "$made/expected/$module.h"
+    mv "$made/out/include/quorvapixdr/$module.bodies.h" "$made/expected/$module.bodies.h"
+    mv "$made/out/src/$module.cc" "$made/expected/$module.cc"
+    mv "$made/out/schema/$module.cc" "$made/expected/$module.schema.cc"
+    "$compiler" plain -I "$here" "$here/$module.x" > "$made/expected/$module.plain.x"
+done
 
 if [ "${2:-}" = update ]; then
     mkdir -p "$here/expected"

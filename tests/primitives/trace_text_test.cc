@@ -60,6 +60,8 @@ TEST(TraceText, layoutAndPath)
         {"a dump behind a content",
          [](TraceText& t) { t.open("a"); t.value("1"); t.hexDump(reinterpret_cast<const unsigned char*>("AB"), 2); t.value("2"); t.close("a"); },
          "<a>1 41 42 2</a>", ""},
+        {"a content behind a dump",
+         [](TraceText& t) { t.open("a"); t.hexDump(reinterpret_cast<const unsigned char*>("AB"), 1); t.value("2"); }, "<a>41 2", "a"},
         {"less indented than not at all",
          [](TraceText& t) { t.open("a"); t.outdent(); t.open("b"); t.indent(); t.indent(); t.endLine(); t.open("c"); },
          "<a>\n  <b>\n      <c>", "a/b/c"},
@@ -76,6 +78,11 @@ TEST(TraceText, layoutAndPath)
         trace.clear();
         EXPECT_EQ(trace.text(), "");
         EXPECT_EQ(trace.path(), "");
+        expected.add(trace);
+        EXPECT_EQ(trace.path(), expected.path) << "a new text";
+        if (expected.text) {
+            EXPECT_EQ(trace.text(), expected.text) << "a new text";
+        }
     }
 }
 

@@ -1,0 +1,53 @@
+// Made from corners.x by quorvaxdrc. Change the interface file, not this one.
+// What the units of other modules need of its bodies; no part of the library's interface.
+#pragma once
+
+#include <quorvapixdr/corners.h>
+#include <quorvapixdr/colours.bodies.h>
+#include <quorvapixdr/far_off/corner_9.bodies.h>
+#include <quorvapixdr/walk.h>
+
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Numbers& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Passage& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Element& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Elements& obj);
+
+// Where a door stands. Always as long on the wire.   corners.x:9
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Place& obj)
+{
+    using namespace quorva::walk;
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("row", obj.row, quorva::coder::Natural),
+            quorva::walk::field("column", obj.column, quorva::coder::Natural),
+            quorva::walk::vector("lamps", obj.lamps, quorva::coder::LampColour),
+            opaque("mark", obj.mark));
+}
+
+// Two of them are as long as ever. A sign of several bytes fills one column: äöüäöüäöüäöüäöüäöüäöü; so this line ends.
+// corners.x:17
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Span& obj)
+{
+    using namespace quorva::walk;
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("from", obj.from, quorva::coder::Place),
+            quorva::walk::field("to", obj.to, quorva::coder::Place));
+}
+
+// Words that other XDR compilers keep for themselves.   corners.x:52
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
+{
+    using namespace quorva::walk;
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("version", obj.version, quorva::coder::Distance),
+            quorva::walk::field("edition", obj.edition, quorva::coder::Distance),
+            quorva::walk::field("program", obj.program, quorva::coder::Distance),
+            quorva::walk::field("quad", obj.quad, quorva::coder::Distance),
+            quorva::walk::field("restrict", obj.restrict, quorva::coder::Distance));
+}

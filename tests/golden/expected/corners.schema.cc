@@ -1,0 +1,604 @@
+// The schema table of corners.x, made from it by quorvaxdrc. Change the interface file, not this one.
+#include <quorvapixdr/corners.h>
+#include <quorvapixdr/schema.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace quorva::schema {
+
+namespace types {
+extern const schema::Type Place, Span, Numbers, Passage, Element, Elements, elementsOfALongNamedAlias, Rows, Words,
+                          Calls, Decimal, Decoding, Encoding, Field, List, Name, Optional, Releasing, Text, Tracing,
+                          bytes, close, enumeration, field, list, objectAt, open, optional, parts, refuse, run, text,
+                          untagged, vector, Pass, obj, object, pass, xdrs;
+
+// Of other modules.
+extern const schema::Type LampColour, Distance;
+}  // namespace types
+
+// The values that select an arm.
+template <std::int64_t... numbers>
+static constexpr std::int64_t cases[] = {numbers...};
+
+constexpr Member PlaceFields[] = {
+    {"row", {Form::single, &types::Natural}, offsetof(::Place, row)},
+    {"column", {Form::single, &types::Natural}, offsetof(::Place, column)},
+    {"lamps", {Form::vector, &types::LampColour, 2}, offsetof(::Place, lamps)},
+    {"mark", {Form::opaque, nullptr, 8}, offsetof(::Place, mark)},
+};
+
+constinit const Type types::Place = {
+    .name = "Place",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 9,
+    .doc = "Where a door stands. Always as long on the wire.",
+    .routine = XdrPlace,
+    .size = sizeof(::Place),
+    .alignment = alignof(::Place),
+    .fields = PlaceFields,
+};
+
+constexpr Member SpanFields[] = {
+    {"from", {Form::single, &types::Place}, offsetof(::Span, from)},
+    {"to", {Form::single, &types::Place}, offsetof(::Span, to)},
+};
+
+constinit const Type types::Span = {
+    .name = "Span",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 17,
+    .doc = "Two of them are as long as ever. A sign of several bytes fills one column: äöüäöüäöüäöüäöüäöüäöü; so "
+           "this line ends.",
+    .routine = XdrSpan,
+    .size = sizeof(::Span),
+    .alignment = alignof(::Span),
+    .fields = SpanFields,
+};
+
+constexpr Member NumbersFields[] = {
+    {"hexadecimal", {Form::string, nullptr, 16}, offsetof(::Numbers, hexadecimal)},
+    {"octal", {Form::string, nullptr, 8}, offsetof(::Numbers, octal)},
+    {"constant", {Form::bytes, nullptr, 40}, offsetof(::Numbers, constant)},
+    {"list", {Form::list, &types::Natural, 40}, offsetof(::Numbers, list)},
+    {"places", {Form::list, &types::Place, 3}, offsetof(::Numbers, places)},
+};
+
+constinit const Type types::Numbers = {
+    .name = "Numbers",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 23,
+    .doc = "Numbers are told as they count, constants by name.",
+    .routine = XdrNumbers,
+    .size = sizeof(::Numbers),
+    .alignment = alignof(::Numbers),
+    .fields = NumbersFields,
+};
+
+constexpr Member PassageFields[] = {
+    {"field", {Form::optional, &types::Numbers}, offsetof(::Passage, field)},
+    {"pass", {Form::single, &types::Span}, offsetof(::Passage, pass)},
+    {"aNameSoLongThatTheLineWhichItStandsInMustBeBrokenAndThatTheNextOneIsHardlyAnyShorterThanThat",
+     {Form::list, &types::Place, 7},
+     offsetof(::Passage, aNameSoLongThatTheLineWhichItStandsInMustBeBrokenAndThatTheNextOneIsHardlyAnyShorterThanThat)},
+};
+
+constinit const Type types::Passage = {
+    .name = "Passage",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 32,
+    .doc = "Words of the generated code, and a name so long that its lines must be broken somewhere else than "
+           "those of all others.",
+    .routine = XdrPassage,
+    .size = sizeof(::Passage),
+    .alignment = alignof(::Passage),
+    .fields = PassageFields,
+};
+
+constexpr Member ElementFields[] = {
+    {"at", {Form::single, &types::UINT}, offsetof(::Element, at)},
+};
+
+constexpr Arm ElementArms[] = {
+    {cases<17>, {"obj", {Form::single, &types::Place}, offsetof(::Element, obj), "of the first"}},
+    {cases<18>, {"obj", {Form::single, &types::Place}, offsetof(::Element, obj), "of the second"}},
+    {cases<3>, {"obj", {Form::single, &types::Place}, offsetof(::Element, obj)}},
+    {cases<4>, {}},
+};
+
+constinit const Type types::Element = {
+    .name = "Element",
+    .kind = Kind::discriminated,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 39,
+    .doc = "One name under several numbers, each with words of its own.",
+    .routine = XdrElement,
+    .size = sizeof(::Element),
+    .alignment = alignof(::Element),
+    .fields = ElementFields,
+    .arms = ElementArms,
+    .hasDefault = true,
+};
+
+constinit const Type types::Elements = {
+    .name = "Elements",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 47,
+    .routine = XdrElements,
+    .size = sizeof(::Elements),
+    .alignment = alignof(::Elements),
+    .target = {Form::list, &types::Element, 65535},
+};
+
+constinit const Type types::elementsOfALongNamedAlias = {
+    .name = "elementsOfALongNamedAlias",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 48,
+    .routine = XdrelementsOfALongNamedAlias,
+    .size = sizeof(::elementsOfALongNamedAlias),
+    .alignment = alignof(::elementsOfALongNamedAlias),
+    .target = {Form::single, &types::Element},
+};
+
+constinit const Type types::Rows = {
+    .name = "Rows",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 49,
+    .routine = XdrRows,
+    .size = sizeof(::Rows),
+    .alignment = alignof(::Rows),
+    .target = {Form::vector, &types::Place, 4},
+};
+
+constexpr Member WordsFields[] = {
+    {"version", {Form::single, &types::Distance}, offsetof(::Words, version), "\"1\", C:\\1, /* 1 */ or 1 €"},
+    {"edition", {Form::single, &types::Distance}, offsetof(::Words, edition)},
+    {"program", {Form::single, &types::Distance}, offsetof(::Words, program)},
+    {"quad", {Form::single, &types::Distance}, offsetof(::Words, quad)},
+    {"restrict", {Form::single, &types::Distance}, offsetof(::Words, restrict)},
+};
+
+constinit const Type types::Words = {
+    .name = "Words",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 52,
+    .doc = "Words that other XDR compilers keep for themselves.",
+    .routine = XdrWords,
+    .size = sizeof(::Words),
+    .alignment = alignof(::Words),
+    .fields = WordsFields,
+};
+
+constinit const Type types::Calls = {
+    .name = "Calls",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 61,
+    .doc = "Words of the generated code as names of types.",
+    .routine = XdrCalls,
+    .size = sizeof(::Calls),
+    .alignment = alignof(::Calls),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Decimal = {
+    .name = "Decimal",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 62,
+    .routine = XdrDecimal,
+    .size = sizeof(::Decimal),
+    .alignment = alignof(::Decimal),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Decoding = {
+    .name = "Decoding",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 63,
+    .routine = XdrDecoding,
+    .size = sizeof(::Decoding),
+    .alignment = alignof(::Decoding),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Encoding = {
+    .name = "Encoding",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 64,
+    .routine = XdrEncoding,
+    .size = sizeof(::Encoding),
+    .alignment = alignof(::Encoding),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Field = {
+    .name = "Field",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 65,
+    .routine = XdrField,
+    .size = sizeof(::Field),
+    .alignment = alignof(::Field),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::List = {
+    .name = "List",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 66,
+    .routine = XdrList,
+    .size = sizeof(::List),
+    .alignment = alignof(::List),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Name = {
+    .name = "Name",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 67,
+    .routine = XdrName,
+    .size = sizeof(::Name),
+    .alignment = alignof(::Name),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Optional = {
+    .name = "Optional",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 68,
+    .routine = XdrOptional,
+    .size = sizeof(::Optional),
+    .alignment = alignof(::Optional),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Releasing = {
+    .name = "Releasing",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 69,
+    .routine = XdrReleasing,
+    .size = sizeof(::Releasing),
+    .alignment = alignof(::Releasing),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Text = {
+    .name = "Text",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 70,
+    .routine = XdrText,
+    .size = sizeof(::Text),
+    .alignment = alignof(::Text),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Tracing = {
+    .name = "Tracing",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 71,
+    .routine = XdrTracing,
+    .size = sizeof(::Tracing),
+    .alignment = alignof(::Tracing),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::bytes = {
+    .name = "bytes",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 72,
+    .routine = Xdrbytes,
+    .size = sizeof(::bytes),
+    .alignment = alignof(::bytes),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::close = {
+    .name = "close",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 73,
+    .routine = Xdrclose,
+    .size = sizeof(::close),
+    .alignment = alignof(::close),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::enumeration = {
+    .name = "enumeration",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 74,
+    .routine = Xdrenumeration,
+    .size = sizeof(::enumeration),
+    .alignment = alignof(::enumeration),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::field = {
+    .name = "field",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 75,
+    .routine = Xdrfield,
+    .size = sizeof(::field),
+    .alignment = alignof(::field),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::list = {
+    .name = "list",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 76,
+    .routine = Xdrlist,
+    .size = sizeof(::list),
+    .alignment = alignof(::list),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::objectAt = {
+    .name = "objectAt",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 77,
+    .routine = XdrobjectAt,
+    .size = sizeof(::objectAt),
+    .alignment = alignof(::objectAt),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::open = {
+    .name = "open",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 78,
+    .routine = Xdropen,
+    .size = sizeof(::open),
+    .alignment = alignof(::open),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::optional = {
+    .name = "optional",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 79,
+    .routine = Xdroptional,
+    .size = sizeof(::optional),
+    .alignment = alignof(::optional),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::parts = {
+    .name = "parts",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 80,
+    .routine = Xdrparts,
+    .size = sizeof(::parts),
+    .alignment = alignof(::parts),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::refuse = {
+    .name = "refuse",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 81,
+    .routine = Xdrrefuse,
+    .size = sizeof(::refuse),
+    .alignment = alignof(::refuse),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::run = {
+    .name = "run",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 82,
+    .routine = Xdrrun,
+    .size = sizeof(::run),
+    .alignment = alignof(::run),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::text = {
+    .name = "text",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 83,
+    .routine = Xdrtext,
+    .size = sizeof(::text),
+    .alignment = alignof(::text),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::untagged = {
+    .name = "untagged",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 84,
+    .routine = Xdruntagged,
+    .size = sizeof(::untagged),
+    .alignment = alignof(::untagged),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::vector = {
+    .name = "vector",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 85,
+    .routine = Xdrvector,
+    .size = sizeof(::vector),
+    .alignment = alignof(::vector),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Pass = {
+    .name = "Pass",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 86,
+    .routine = XdrPass,
+    .size = sizeof(::Pass),
+    .alignment = alignof(::Pass),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::obj = {
+    .name = "obj",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 87,
+    .routine = Xdrobj,
+    .size = sizeof(::obj),
+    .alignment = alignof(::obj),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::object = {
+    .name = "object",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 88,
+    .routine = Xdrobject,
+    .size = sizeof(::object),
+    .alignment = alignof(::object),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::pass = {
+    .name = "pass",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 89,
+    .routine = Xdrpass,
+    .size = sizeof(::pass),
+    .alignment = alignof(::pass),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::xdrs = {
+    .name = "xdrs",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 90,
+    .routine = Xdrxdrs,
+    .size = sizeof(::xdrs),
+    .alignment = alignof(::xdrs),
+    .target = {Form::single, &types::Natural},
+};
+
+namespace tables {
+extern const schema::Module of_corners;
+}
+
+constexpr const Type* definitions[] = {
+    &types::Place,
+    &types::Span,
+    &types::Numbers,
+    &types::Passage,
+    &types::Element,
+    &types::Elements,
+    &types::elementsOfALongNamedAlias,
+    &types::Rows,
+    &types::Words,
+    &types::Calls,
+    &types::Decimal,
+    &types::Decoding,
+    &types::Encoding,
+    &types::Field,
+    &types::List,
+    &types::Name,
+    &types::Optional,
+    &types::Releasing,
+    &types::Text,
+    &types::Tracing,
+    &types::bytes,
+    &types::close,
+    &types::enumeration,
+    &types::field,
+    &types::list,
+    &types::objectAt,
+    &types::open,
+    &types::optional,
+    &types::parts,
+    &types::refuse,
+    &types::run,
+    &types::text,
+    &types::untagged,
+    &types::vector,
+    &types::Pass,
+    &types::obj,
+    &types::object,
+    &types::pass,
+    &types::xdrs,
+};
+
+constinit const Module tables::of_corners = {
+    .name = "corners",
+    .file = "corners.x",
+    .doc = "Corners of the generated form: bodies in place, numbers as they are written, names that mean something "
+           "elsewhere.",
+    .types = definitions,
+};
+
+}  // namespace quorva::schema
