@@ -52,6 +52,7 @@ const std::unordered_set<std::string_view> libraryNames = {
     "quorva",
     "std",
     "main",
+    "code",  // the bodies
     "ClientsXdrSupport",
     "ClientsXdrDeserialize",
     "TestDeserialize",

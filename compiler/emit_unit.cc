@@ -127,8 +127,8 @@ std::string enumerationRoutine(const Definition& definition, const Spelling& spe
 
 std::string bodySignature(const Definition& definition, const Spelling& spelling, const std::string& scope)
 {
-    return "template <class Pass>\n" + scope + spelling.word("At") + " code(Pass& pass, " + scope + spelling.word("At") +
-           " at, " + spelling.type(definition.name) + "& obj)";
+    const std::string at = scope.empty() ? spelling.word("At") : scope + "At";
+    return "template <class Pass>\n" + at + " code(Pass& pass, " + at + " at, " + spelling.type(definition.name) + "& obj)";
 }
 
 std::string recordBody(const Definition& definition, const Spelling& spelling)

@@ -10,7 +10,7 @@
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Numbers& obj);
 template <class Pass>
-quorva::walk::At code(Pass& pass, quorva::walk::At at, Passage& obj);
+quorva::walk::At code(Pass& pass, quorva::walk::At at, ::At& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Element& obj);
 template <class Pass>

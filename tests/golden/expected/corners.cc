@@ -18,7 +18,7 @@ int XdrSpan(Xdr* xdrs, void* object)
 
 // Numbers are told as they count, constants by name.   corners.x:23
 template <class Pass>
-At code(Pass& pass, At at, Numbers& obj)
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Numbers& obj)
 {
     return quorva::walk::parts(pass, at,
             quorva::walk::text("hexadecimal", obj.hexadecimal, 16),
@@ -38,7 +38,7 @@ int XdrNumbers(Xdr* xdrs, void* object)
 // others.
 // corners.x:32
 template <class Pass>
-At code(Pass& pass, At at, Passage& obj)
+quorva::walk::At code(Pass& pass, quorva::walk::At at, ::At& obj)
 {
     return quorva::walk::parts(pass, at,
             quorva::walk::optional("field", obj.field, quorva::coder::Numbers),
@@ -47,16 +47,16 @@ At code(Pass& pass, At at, Passage& obj)
                                obj.aNameSoLongThatTheLineWhichItStandsInMustBeBrokenAndThatTheNextOneIsHardlyAnyShorterThanThat,
                                7, quorva::coder::Place));
 }
-QUORVA_BODY(Passage)
+QUORVA_BODY(At)
 
-int XdrPassage(Xdr* xdrs, void* object)
+int XdrAt(Xdr* xdrs, void* object)
 {
-    return quorva::walk::run<Passage>(xdrs, object);
+    return quorva::walk::run<::At>(xdrs, object);
 }
 
 // One name under several numbers, each with words of its own.   corners.x:39
 template <class Pass>
-At code(Pass& pass, At at, ::Element& obj)
+quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Element& obj)
 {
     at = quorva::walk::parts(pass, at, quorva::walk::field("at", obj.at, quorva::coder::UINT));
     if (!at) return at;
@@ -90,7 +90,7 @@ int XdrElement(Xdr* xdrs, void* object)
 
 // corners.x:47
 template <class Pass>
-At code(Pass& pass, At at, ::Elements& obj)
+quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Elements& obj)
 {
     return quorva::walk::parts(pass, at, quorva::walk::list(quorva::walk::untagged, obj, 65535,
                                                             quorva::coder::Element));

@@ -36,7 +36,7 @@ struct Numbers {
 
 // Words of the generated code, and a name so long that its lines must be broken somewhere else than those of all
 // others.
-struct Passage {
+struct At {
     Numbers* field;  // null when absent
     Span pass;
     // at most 7 elements
@@ -109,7 +109,7 @@ extern "C" {
 QUORVA_EXPORT int XdrPlace(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrSpan(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrNumbers(Xdr* xdrs, void* object);
-QUORVA_EXPORT int XdrPassage(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrAt(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrElement(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrElements(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrelementsOfALongNamedAlias(Xdr* xdrs, void* object);
@@ -152,7 +152,7 @@ namespace quorva::coder {
 inline constexpr quorva::Shaped<::Place, quorva::shape::Fixed<6>> Place = {{XdrPlace, "Place"}};
 inline constexpr quorva::Shaped<::Span, quorva::shape::Fixed<12>> Span = {{XdrSpan, "Span"}};
 inline constexpr quorva::Shaped<::Numbers, quorva::shape::Body<true>> Numbers = {{XdrNumbers, "Numbers"}};
-inline constexpr quorva::Shaped<::Passage, quorva::shape::Body<true>> Passage = {{XdrPassage, "Passage"}};
+inline constexpr quorva::Shaped<::At, quorva::shape::Body<true>> At = {{XdrAt, "At"}};
 inline constexpr quorva::Shaped<::Element, quorva::shape::Body<true>> Element = {{XdrElement, "Element"}};
 inline constexpr quorva::Shaped<::Elements, quorva::shape::Body<true>> Elements = {{XdrElements, "Elements"}};
 inline constexpr quorva::Shaped<::elementsOfALongNamedAlias, quorva::shape::Body<true>>
@@ -200,7 +200,7 @@ inline constexpr Coder<::Span> coderOf<::Span> = coder::Span;
 template <>
 inline constexpr Coder<::Numbers> coderOf<::Numbers> = coder::Numbers;
 template <>
-inline constexpr Coder<::Passage> coderOf<::Passage> = coder::Passage;
+inline constexpr Coder<::At> coderOf<::At> = coder::At;
 template <>
 inline constexpr Coder<::Element> coderOf<::Element> = coder::Element;
 template <>

@@ -8,10 +8,10 @@
 namespace quorva::schema {
 
 namespace types {
-extern const schema::Type Place, Span, Numbers, Passage, Element, Elements, elementsOfALongNamedAlias, Rows, Words,
-                          Calls, Decimal, Decoding, Encoding, Field, List, Name, Optional, Releasing, Text, Tracing,
-                          bytes, close, enumeration, field, list, objectAt, open, optional, parts, refuse, run, text,
-                          untagged, vector, Pass, obj, object, pass, xdrs;
+extern const schema::Type Place, Span, Numbers, At, Element, Elements, elementsOfALongNamedAlias, Rows, Words, Calls,
+                          Decimal, Decoding, Encoding, Field, List, Name, Optional, Releasing, Text, Tracing, bytes,
+                          close, enumeration, field, list, objectAt, open, optional, parts, refuse, run, text, untagged,
+                          vector, Pass, obj, object, pass, xdrs;
 
 // Of other modules.
 extern const schema::Type LampColour, Distance;
@@ -81,26 +81,26 @@ constinit const Type types::Numbers = {
     .fields = NumbersFields,
 };
 
-constexpr Member PassageFields[] = {
-    {"field", {Form::optional, &types::Numbers}, offsetof(::Passage, field)},
-    {"pass", {Form::single, &types::Span}, offsetof(::Passage, pass)},
+constexpr Member AtFields[] = {
+    {"field", {Form::optional, &types::Numbers}, offsetof(::At, field)},
+    {"pass", {Form::single, &types::Span}, offsetof(::At, pass)},
     {"aNameSoLongThatTheLineWhichItStandsInMustBeBrokenAndThatTheNextOneIsHardlyAnyShorterThanThat",
      {Form::list, &types::Place, 7},
-     offsetof(::Passage, aNameSoLongThatTheLineWhichItStandsInMustBeBrokenAndThatTheNextOneIsHardlyAnyShorterThanThat)},
+     offsetof(::At, aNameSoLongThatTheLineWhichItStandsInMustBeBrokenAndThatTheNextOneIsHardlyAnyShorterThanThat)},
 };
 
-constinit const Type types::Passage = {
-    .name = "Passage",
+constinit const Type types::At = {
+    .name = "At",
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
     .line = 32,
     .doc = "Words of the generated code, and a name so long that its lines must be broken somewhere else than "
            "those of all others.",
-    .routine = XdrPassage,
-    .size = sizeof(::Passage),
-    .alignment = alignof(::Passage),
-    .fields = PassageFields,
+    .routine = XdrAt,
+    .size = sizeof(::At),
+    .alignment = alignof(::At),
+    .fields = AtFields,
 };
 
 constexpr Member ElementFields[] = {
@@ -555,7 +555,7 @@ constexpr const Type* definitions[] = {
     &types::Place,
     &types::Span,
     &types::Numbers,
-    &types::Passage,
+    &types::At,
     &types::Element,
     &types::Elements,
     &types::elementsOfALongNamedAlias,
