@@ -167,7 +167,11 @@ TEST(Arrays, blockBeyondAllMemory)
     std::uint16_t count = 0;
     Xdr xdrs;
     xdrs.Program(decoding, message.span().data(), 8);
-    EXPECT_EQ(XdrArray(&xdrs, &block, &count, 65535, 0xFFFFFFFF, XdrLongNatural), 0);
+    {
+        const Watch watch(Scarcity{.largest = std::size_t{1} << 32});
+        EXPECT_EQ(XdrArray(&xdrs, &block, &count, 65535, 0xFFFFFFFF, XdrLongNatural), 0);
+    }
+    EXPECT_EQ(largestAllocation(), std::size_t{65535} * 0xFFFFFFFF);
     EXPECT_EQ(count, 65535);
     EXPECT_EQ(block, nullptr);
 }
