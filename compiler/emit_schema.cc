@@ -22,18 +22,14 @@ std::string fileOf(const Module& module)
 // The name of a module's entry: each module name gives another one.
 std::string entryOf(const Module& module)
 {
-    static constexpr char digits[] = "0123456789abcdef";
     std::string out = "of_";
-    for (const char c : module.source.module) {
-        const auto code = static_cast<unsigned char>(c);
+    for (const char c : module.source.module) {  // letters, digits, '_' and '/'
         if (c == '/')
             out += '_';
         else if (c == '_')
             out += "_0";
-        else if ((c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'))
-            out += c;
         else
-            ((out += "_1") += digits[code >> 4]) += digits[code & 15u];
+            out += c;
     }
     return out;
 }

@@ -31,13 +31,14 @@ public:
     bool needsCoderAlias() const { return !visible_.contains("coder"); }
 
 private:
+    // Words of the bodies and routines. A few more are refused as names of types.
     static bool isTaken(const std::string& name)
     {
         static constexpr const char* words[] = {
-            "At",     "Bytes",  "Calls",    "Decimal",  "Decoding",  "Encoding", "Field",       "List",   "Opaque",
-            "Element", "Elements", "Name", "Optional", "Releasing", "Text", "Tracing", "Vector", "bytes", "close", "enumeration", "field", "list", "objectAt",
-            "opaque", "open", "optional", "parts", "refuse", "run", "text", "untagged", "vector",
-            "Pass", "at", "code", "obj", "object", "pass", "xdrs",  // of the bodies and routines themselves
+            "At",        "Calls",       "Decimal",  "Decoding", "Element", "Elements", "Encoding", "Field",    "List",
+            "Name",      "Optional",    "Pass",     "Releasing", "Text",   "Tracing",  "at",       "bytes",    "close",
+            "enumeration", "field",     "list",     "obj",      "object",  "objectAt", "open",     "optional", "parts",
+            "pass",      "refuse",      "run",      "text",     "untagged", "vector",  "xdrs",
         };
         return std::find(std::begin(words), std::end(words), name) != std::end(words);
     }
