@@ -147,7 +147,6 @@ At enumerators(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutin
             pass.text->element(name, number);
         }
     }
-    pass.text->endLine();
     return at;
 }
 

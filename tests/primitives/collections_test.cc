@@ -4,6 +4,9 @@
 #include "codec_tools.h"
 #include "memory.h"
 
+#include <quorvapixdr/common/status.h>
+#include <quorvapixdr/jobs/kinds.h>
+
 #include <gtest/gtest.h>
 
 using namespace quorva;
@@ -296,4 +299,31 @@ TEST(Collections, trace)
     EXPECT_EQ(traceOf(releasing, numbers, &held, buffer), "<held></held>");
     char** absent = nullptr;
     EXPECT_EQ(traceOf(encoding, optionalLabel, &absent, buffer), "<held>false</held>");
+}
+
+// Numbers and enumerators of a list: a line for each where they are decoded, all on one where they are encoded.
+TEST(Lists, lookInTheTrace)
+{
+    const struct {
+        const char* name;
+        XdrRoutine routine;
+        const char* decoded;
+        const char* encoded;
+    } cases[] = {
+        {"AttributeSeq", XdrAttributeSeq, "<l>\n  <value>1</value>\n  <value>2</value>\n</l>", "<l>1 2</l>"},
+        {"JobSourceSeq", XdrJobSourceSeq,
+         "<l>\n  <value><JSFileCabinet>1</JSFileCabinet></value>\n  <value><JSPrint>2</JSPrint></value>\n</l>",
+         "<l><JSFileCabinet>1</JSFileCabinet><JSPrint>2</JSPrint></l>"},
+    };
+    for (const auto& expected : cases) {
+        SCOPED_TRACE(expected.name);
+        const Message message(bytesOf("00000002 00000001 00000002"));
+        Counted<std::uint32_t> held = {};
+        TraceText decoded, encoded;
+        EXPECT_TRUE(runTraced(decoding, expected.routine, "l", &held, message.span(), decoded).succeeded);
+        EXPECT_EQ(decoded.text(), expected.decoded);
+        EXPECT_TRUE(runTraced(encoding, expected.routine, "l", &held, message.span(), encoded).succeeded);
+        EXPECT_EQ(encoded.text(), expected.encoded);
+        releaseContents(expected.routine, &held);
+    }
 }
