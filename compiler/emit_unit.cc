@@ -35,10 +35,10 @@ private:
     static bool isTaken(const std::string& name)
     {
         static constexpr const char* words[] = {
-            "At",        "Calls",       "Decimal",  "Decoding", "Element", "Elements", "Encoding", "Field",    "List",
-            "Name",      "Optional",    "Pass",     "Releasing", "Text",   "Tracing",  "at",       "bytes",    "close",
-            "enumeration", "field",     "list",     "obj",      "object",  "objectAt", "open",     "optional", "parts",
-            "pass",      "refuse",      "run",      "text",     "untagged", "vector",  "xdrs",
+            "At", "Calls", "Decimal", "Decoding", "Element", "Elements", "Encoding", "Field", "List", "Name",
+            "Optional", "Pass", "Releasing", "Text", "Tracing", "at", "bytes", "close", "enumeration", "field",
+            "list", "obj", "object", "objectAt", "open", "optional", "parts", "pass", "refuse", "run", "text",
+            "untagged", "vector", "xdrs",
         };
         return std::find(std::begin(words), std::end(words), name) != std::end(words);
     }

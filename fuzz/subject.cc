@@ -22,6 +22,7 @@ extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*call
 namespace quorva::fuzz {
 
 using schema::Type;
+using test::deafTrace;
 using test::Watch;
 
 namespace {
@@ -48,17 +49,6 @@ const Keys& keys()
 {
     static const Keys all;
     return all;
-}
-
-// A trace that has run out of memory: it keeps a pass on the way of calls, and costs and allocates nothing.
-TraceText& deafTrace()
-{
-    static TraceText trace;
-    if (trace.complete()) {
-        const Watch watch(0);
-        for (int i = 0; trace.complete() && i < 100; ++i) trace.open("deaf");
-    }
-    return trace;
 }
 
 std::string described(const Outcome& outcome)
@@ -164,7 +154,7 @@ Subject::Subject(const Type& type)
 
 Pass Subject::run(Way way, Xdr::Request mode, std::span<unsigned char> buffer, long failFrom)
 {
-    TraceText* const sink = way == Way::calls ? &deafTrace() : nullptr;
+    TraceText* const sink = way == Way::traced ? &deafTrace() : nullptr;
     const Watch watch(test::Scarcity{.from = failFrom, .largest = largestBlock});
     return runPass(mode, described.routine, object.get(), buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
 }
@@ -188,7 +178,7 @@ std::span<unsigned char> Subject::placed(std::span<const unsigned char> message)
 
 const Outcome& Subject::decode(Way way, std::span<const unsigned char> message, long failFrom)
 {
-    Outcome& outcome = outcomes[way == Way::calls];
+    Outcome& outcome = outcomes[way == Way::traced];
     std::memset(object.get(), 0, described.size);
     const auto buffer = placed(message);
     const Pass pass = run(way, Xdr::decode, buffer, failFrom);
@@ -209,10 +199,10 @@ const Outcome& Subject::decode(Way way, std::span<const unsigned char> message, 
 const Outcome& Subject::decodeBothWays(std::span<const unsigned char> message, long failFrom)
 {
     const Outcome& direct = decode(Way::direct, message, failFrom);
-    const Outcome& calls = decode(Way::calls, message, failFrom);
-    if (direct != calls)
+    const Outcome& traced = decode(Way::traced, message, failFrom);
+    if (direct != traced)
         throw Finding{std::string(described.name) + ": the ways differ\n  direct: " + fuzz::described(direct) +
-                      "\n  calls:  " + fuzz::described(calls)};
+                      "\n  traced: " + fuzz::described(traced)};
     return direct;
 }
 
@@ -233,7 +223,7 @@ bool Subject::comesBack(std::span<const unsigned char> message)
 void Subject::encodeInto(std::size_t size, std::span<const unsigned char> message)
 {
     const Bytes whole = decode(Way::direct, message).left;
-    for (const Way way : {Way::direct, Way::calls}) {
+    for (const Way way : {Way::direct, Way::traced}) {
         std::memset(object.get(), 0, described.size);
         const Pass read = run(way, Xdr::decode, placed(message));
         const auto buffer = room(std::min(size, whole.size()));

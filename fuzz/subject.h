@@ -2,6 +2,7 @@
 #pragma once
 
 #include "memory.h"
+#include "ways.h"
 
 #include <quorvapixdr/codec.h>
 #include <quorvapixdr/schema.h>
@@ -63,8 +64,7 @@ int judge(Body body)
 
 // ---- Properties ----------------------------------------------------------------------------------------------------
 
-// The two ways through a generated body: the direct passes, and the calls that a traced pass makes.
-enum class Way { direct, calls };
+using test::Way;
 
 // What a decode pass did and left.
 struct Outcome {

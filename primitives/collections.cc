@@ -1,6 +1,7 @@
 // Collections of one element type: vectors in place, counted blocks, optional values.
 
 #include "direction.h"
+#include "shared.h"
 
 #include <quorvapixdr/walk.h>
 
@@ -11,19 +12,6 @@ using namespace quorva;
 namespace {
 
 constexpr std::uint32_t mostElements = 65535;  // counts have 16 bits
-
-// The pointer that stands at `place`, a `T**` of some element type.
-void* load(const void* place)
-{
-    void* pointer;
-    std::memcpy(&pointer, place, sizeof pointer);
-    return pointer;
-}
-
-void store(void* place, void* pointer)
-{
-    std::memcpy(place, &pointer, sizeof pointer);
-}
 
 // Codes `count` elements. Storage that the pass itself allocated is `fresh`: each element is emptied just before its
 // routine sees it, and after a failure so are those that were never begun, so that a release pass finds nothing that

@@ -1,6 +1,7 @@
 // Runs of bytes: opaque data, texts with a length, counted byte arrays.
 
 #include "direction.h"
+#include "shared.h"
 
 #include <quorvapixdr/walk.h>
 
@@ -10,8 +11,6 @@
 using namespace quorva;
 
 namespace {
-
-constexpr std::size_t shownCharacters = 4096;  // of opaque data in the trace
 
 // The bytes and their padding. `show` adds them to the trace in between.
 template <class Show>

@@ -1,6 +1,8 @@
 // The parts of a pass that traces into a text that lends itself: the same bytes and the same text as the other
 // primitives, for values that fit.
 
+#include "shared.h"
+
 #include <quorvapixdr/walk.h>
 
 #ifdef QUORVA_TRACING
@@ -10,15 +12,6 @@
 namespace quorva::walk {
 
 namespace {
-
-constexpr std::uint32_t mostShown = 4096;  // characters of a text, as the calls show them
-
-void* load(const void* place)
-{
-    void* pointer;
-    std::memcpy(&pointer, place, sizeof pointer);
-    return pointer;
-}
 
 // An element by the routine of its contents, as `Calls` does.
 At byCall(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine)
@@ -157,12 +150,12 @@ At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maxi
     if (pass.decoding) {
         if (pass.room(at, 4)) {
             length = getUnit(at);
-            fits = length <= maximum && length <= mostShown && pass.room(at + 4, padded(length));
+            fits = length <= maximum && length <= shownCharacters && pass.room(at + 4, padded(length));
         }
     } else if (!pass.releasing && *string) {
         const std::size_t characters = std::strlen(*string);
         length = static_cast<std::uint32_t>(characters);
-        fits = characters <= maximum && characters <= mostShown && pass.room(at, 7 + characters);
+        fits = characters <= maximum && characters <= shownCharacters && pass.room(at, 7 + characters);
     }
     if (!fits) return callInstead(pass, at, Text{tag.text, *string, maximum});
 
@@ -202,7 +195,7 @@ At bytesElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t ma
         pass.leave(at);
         openElement(pass.xdrs, tag.text);
         const int result = XdrBytes(pass.xdrs, &held, static_cast<std::uint16_t*>(sequence), maximum);
-        std::memcpy(place, &held, sizeof held);
+        store(place, held);
         return pass.resume(at, result && closeElement(pass.xdrs, tag.text));
     }
 
@@ -211,7 +204,7 @@ At bytesElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t ma
         std::memcpy(sequence, &count, sizeof count);
         if (count > 0) {
             bytes = static_cast<unsigned char*>(::operator new[](count, std::nothrow));
-            std::memcpy(place, &bytes, sizeof bytes);
+            store(place, bytes);
             if (!bytes) return noMemory(pass, at, tag);
             std::memcpy(bytes, at + 4, count);
         }
@@ -270,7 +263,7 @@ At listElement(Tracing& pass, At at, const Block& of, Elements all, XdrRoutine r
         std::memcpy(sequence, &count, sizeof count);
         if (count > 0) {
             block = size > SIZE_MAX / count ? nullptr : ::operator new[](std::size_t{count} * size, std::nothrow);
-            std::memcpy(place, &block, sizeof block);
+            store(place, block);
             if (!block) return noMemory(pass, at, tag);
         }
     } else {

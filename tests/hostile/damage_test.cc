@@ -108,7 +108,7 @@ protected:
     Decoded judged(const Bytes& message)
     {
         Decoded direct = decoded(type, Way::direct, message, granted);
-        EXPECT_EQ(direct, decoded(type, Way::calls, message, granted));
+        EXPECT_EQ(direct, decoded(type, Way::traced, message, granted));
         EXPECT_LE(direct.length, message.size());
         EXPECT_LE(direct.allocations, static_cast<long>(message.size() / 4)) << "each takes a unit of the message at least";
         EXPECT_TRUE(!holdsUnwritten(direct.left) || holdsUnwritten(message)) << hexOf(direct.left);

@@ -4,6 +4,7 @@
 #include "codec_tools.h"
 #include "memory.h"
 #include "tested_modules.h"
+#include "ways.h"
 
 #include <gtest/gtest.h>
 
@@ -20,26 +21,6 @@ inline std::vector<const schema::Type*> allTypes()
     return types;
 }
 
-// The two ways through a generated body. Where nobody collects a trace, direct passes move the bytes; a trace takes the
-// way of calls, through the primitives, as every pass does with another platform's stream.
-enum class Way { direct, calls };
-
-// A trace that has run out of memory: it keeps a pass on the way of calls, and allocates nothing itself. Where memory
-// cannot be made scarce, under the thread sanitizer, it is an ordinary trace that nobody clears.
-inline TraceText& deafTrace()
-{
-    struct Deaf {
-        TraceText trace;
-        Deaf()
-        {
-            const Watch watch(0);
-            for (int i = 0; trace.complete() && i < 100; ++i) trace.open("deaf");  // bounded, as memory may not be scarce
-        }
-    };
-    thread_local Deaf deaf;
-    return deaf.trace;
-}
-
 // Zeroed storage of just the size of one object; nobody but the test releases its contents.
 class Storage {
 public:
@@ -52,7 +33,7 @@ public:
 
     Pass run(Xdr::Request mode, std::span<unsigned char> buffer, const Scarcity& scarcity = {})
     {
-        TraceText* const sink = along == Way::calls ? &deafTrace() : nullptr;
+        TraceText* const sink = along == Way::traced ? &deafTrace() : nullptr;
         const Watch watch(scarcity);
         return runPass(mode, described.routine, bytes, buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
     }

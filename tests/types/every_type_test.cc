@@ -48,7 +48,7 @@ TEST_P(EveryType, comesBack)
         ASSERT_TRUE(whole.succeeded);
         ASSERT_EQ(whole.length, wire.size());
         ASSERT_EQ(hexOf(whole.left), hexOf(wire));
-        ASSERT_EQ(whole, decoded(type, Way::calls, wire));
+        ASSERT_EQ(whole, decoded(type, Way::traced, wire));
 
         inspect::Object object(type);
         const Message message(wire);
@@ -77,7 +77,7 @@ TEST_P(EveryType, findsNoMemory)
                 if (number < needed) {
                     const Decoded part = decoded(type, Way::direct, wire, scarcity);
                     ASSERT_FALSE(part.succeeded) << "allocation " << number;
-                    ASSERT_EQ(part, decoded(type, Way::calls, wire, scarcity)) << "allocation " << number;
+                    ASSERT_EQ(part, decoded(type, Way::traced, wire, scarcity)) << "allocation " << number;
                 }
                 Storage object(type);
                 Bytes buffer = wire;
@@ -120,16 +120,16 @@ TEST_P(EveryType, findsNoRoom)
     for (const Bytes& wire : samples(handy, 2)) {
         SCOPED_TRACE(hexOf(wire));
         Storage direct(type, Way::direct);
-        Storage calls(type, Way::calls);
-        for (Storage* object : {&direct, &calls}) ASSERT_TRUE(object->run(decoding, Message(wire).span()).succeeded);
+        Storage traced(type, Way::traced);
+        for (Storage* object : {&direct, &traced}) ASSERT_TRUE(object->run(decoding, Message(wire).span()).succeeded);
         for (std::size_t room = 0; room <= wire.size(); ++room) {
             const Message buffer{Bytes(room)};
             ASSERT_EQ(direct.run(encoding, buffer.span()).succeeded, room == wire.size()) << room;
             const Bytes part = direct.written(room);
             ASSERT_TRUE(std::equal(part.begin(), part.end(), wire.begin())) << room;
-            ASSERT_EQ(hexOf(part), hexOf(calls.written(room))) << room;
+            ASSERT_EQ(hexOf(part), hexOf(traced.written(room))) << room;
         }
-        for (Storage* object : {&direct, &calls}) object->run(releasing, {});
+        for (Storage* object : {&direct, &traced}) object->run(releasing, {});
         ASSERT_EQ(liveBlocks(), 0);
     }
 }
