@@ -53,6 +53,7 @@ const std::unordered_set<std::string_view> libraryNames = {
     "std",
     "main",
     "code",  // the bodies
+    "inPlace",
     "ClientsXdrSupport",
     "ClientsXdrDeserialize",
     "TestDeserialize",

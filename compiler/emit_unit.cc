@@ -2,9 +2,12 @@
 #include "emit.h"
 #include "emit_model.h"
 #include "emit_text.h"
+#include "resolve.h"
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_map>
+#include <unordered_set>
 
 namespace quorva::compiler {
 
@@ -36,7 +39,7 @@ private:
     {
         static constexpr const char* words[] = {
             "At", "Calls", "Decimal", "Decoding", "Element", "Elements", "Encoding", "Field", "List", "Name",
-            "Optional", "Pass", "Releasing", "Text", "Tracing", "at", "bytes", "close", "enumeration", "field",
+            "Optional", "Pass", "Releasing", "Text", "Tracing", "armOf", "at", "bytes", "close", "enumeration", "field",
             "list", "obj", "object", "objectAt", "open", "optional", "parts", "pass", "refuse", "run", "text",
             "untagged", "vector", "xdrs",
         };
@@ -107,12 +110,31 @@ std::string objectLine(const Definition& definition, const Spelling& spelling)
     return "    auto* obj = " + spelling.word("objectAt") + "<" + spelling.type(definition.name) + ">(xdrs, object);\n";
 }
 
+std::string octal(std::size_t byte)
+{
+    const auto digit = [byte](std::size_t weight) { return static_cast<char>('0' + byte / weight % 8); };
+    return {'\\', digit(64), digit(8), digit(1)};
+}
+
+// The case of an enumerator's name, with what <quorvapixdr/primitives.h> wants to stand around it.
+std::string nameCase(const std::string& label, const std::string& name, const std::string& element)
+{
+    const std::size_t length = element.size() < 256 ? element.size() : 0;
+    const std::string line =
+        "    " + label + ": return &\"" + octal(name.size()) + octal(length) + "\" \"" + name + "\\0\"";
+    const std::string end = element.empty() ? "[2];\n" : literal(element) + "[2];\n";
+    const bool fits = line.size() + 1 + end.size() <= lineWidth;
+    return line + (element.empty() ? "" : fits ? " " : "\n" + std::string(3 * indentWidth, ' ')) + end;
+}
+
 std::string nameFunction(const Definition& definition)
 {
     std::string out = "const char* " + definition.name + "String(int value)\n{\n    switch (value) {\n";
-    for (const Enumerator& enumerator : definition.enumerators)
-        out += "    case " + std::to_string(enumerator.value.number) + ": return " + literal(enumerator.name) + ";\n";
-    return out + "    default: return \"Error_in_Function\";\n    }\n}\n";
+    for (const Enumerator& enumerator : definition.enumerators) {
+        const std::string number = std::to_string(enumerator.value.number);
+        out += nameCase("case " + number, enumerator.name, "<" + enumerator.name + ">" + number + "</" + enumerator.name + ">");
+    }
+    return out + nameCase("default", "Error_in_Function", "") + "    }\n}\n";
 }
 
 std::string enumerationRoutine(const Definition& definition, const Spelling& spelling)
@@ -126,10 +148,16 @@ std::string enumerationRoutine(const Definition& definition, const Spelling& spe
 
 // ---- Bodies: one for all passes over a type -------------------------------------------------------------------------
 
-std::string bodySignature(const Definition& definition, const Spelling& spelling, const std::string& scope)
+// What becomes of a type's body: written in place wherever the type is used, when it always codes the same units; in place
+// where bytes move and a function where a trace is made, when it is small; else a function.
+enum class Place { everywhere, untraced, function };
+
+std::string bodySignature(const Definition& definition, const Spelling& spelling, const std::string& scope,
+                          Place place = Place::function)
 {
     const std::string at = scope.empty() ? spelling.word("At") : scope + "At";
-    return "template <class Pass>\n" + at + " code(Pass& pass, " + at + " at, " + spelling.type(definition.name) + "& obj)";
+    const std::string name = place == Place::untraced ? "QUORVA_INLINE " + at + " inPlace" : at + " code";
+    return "template <class Pass>\n" + name + "(Pass& pass, " + at + " at, " + spelling.type(definition.name) + "& obj)";
 }
 
 std::string recordBody(const Definition& definition, const Spelling& spelling)
@@ -175,7 +203,7 @@ std::string arm(const Arm& arm, const Labels& labels, const Spelling& spelling)
     std::string out;
     for (const Value& value : arm.cases) out += labels.of(value);
     if (arm.declaration.form != Form::nothing)
-        out += memberPart(2 * indentWidth, "at = " + spelling.word("parts") + "(pass, at, ", arm.declaration, ");", spelling);
+        out += memberPart(2 * indentWidth, "at = " + spelling.word("armOf") + "(pass, at, ", arm.declaration, ");", spelling);
     return out + "        break;\n";
 }
 
@@ -258,13 +286,73 @@ bool hasBody(const Definition& definition)
     return definition.kind == Kind::record || definition.kind == Kind::discriminated || isCounted(definition);
 }
 
-// Types whose body always codes the same units are coded in place wherever they are used.
-bool isInPlace(const Definition& definition, WireShapes& shapes)
-{
-    return hasBody(definition) && shapes.of(definition).kind == WireShape::Kind::fixed;
-}
+// Decides where bodies are written. In place, those of small types cost little more space than calls of them, and less time.
+class Places {
+public:
+    Place of(const Definition& definition)
+    {
+        if (const WireShape shape = shapes_.of(definition); shape.kind == WireShape::Kind::fixed && shape.units > mostParts)
+            return Place::everywhere;
+        return parts(definition) <= mostParts ? Place::untraced : Place::function;
+    }
 
-std::string definitionText(const Definition& definition, const Module& module, const Spelling& spelling, WireShapes& shapes)
+private:
+    static constexpr std::uint64_t mostParts = 7;
+
+    // How many parts a pass over the definition codes one by one; `none` where it is a function.
+    std::uint64_t parts(const Definition& definition)
+    {
+        constexpr std::uint64_t none = UINT64_MAX;
+        const auto [known, isNew] = parts_.emplace(&definition, none);
+        if (!isNew) return known->second;
+        if (definition.kind == Kind::discriminated || !hasBody(definition) || holdsItself(definition)) return none;
+        std::uint64_t all = 0;
+        for (const Declaration* each : declarationsOf(definition)) all += parts(*each);
+        return parts_[&definition] = all <= mostParts ? all : none;
+    }
+    std::uint64_t parts(const Declaration& declaration)
+    {
+        constexpr std::uint64_t block = 3;
+        switch (declaration.form) {
+        case Form::single: return parts(declaration.type);
+        case Form::vector: return declaration.bound * parts(declaration.type);
+        case Form::list:
+        case Form::optional: return block + parts(declaration.type);
+        default: return block;
+        }
+    }
+    std::uint64_t parts(const TypeRef& type)
+    {
+        if (!type.definition) return 1;
+        const WireShape shape = shapes_.of(*type.definition);
+        if (shape.kind == WireShape::Kind::fixed) return shape.units;
+        const std::uint64_t inside = shape.kind == WireShape::Kind::body ? parts(*behindAliases(type).definition) : 1;
+        return inside <= mostParts ? inside : 1;
+    }
+
+    // Whether the definition is reached from itself without a union between.
+    static bool holdsItself(const Definition& definition)
+    {
+        std::unordered_set<const Definition*> seen;
+        std::vector<const Definition*> toRead = {&definition};
+        while (!toRead.empty()) {
+            const Definition* next = toRead.back();
+            toRead.pop_back();
+            if (next->kind == Kind::discriminated) continue;
+            for (const Declaration* each : declarationsOf(*next)) {
+                if (each->type.definition == &definition) return true;
+                if (each->type.definition && seen.insert(each->type.definition).second)
+                    toRead.push_back(each->type.definition);
+            }
+        }
+        return false;
+    }
+
+    WireShapes shapes_;
+    std::unordered_map<const Definition*, std::uint64_t> parts_;
+};
+
+std::string definitionText(const Definition& definition, const Module& module, const Spelling& spelling, Places& places)
 {
     const std::string comment = heading(definition, module);
     if (definition.kind == Kind::enumeration)
@@ -272,7 +360,12 @@ std::string definitionText(const Definition& definition, const Module& module, c
     if (!hasBody(definition))
         return comment + (definition.target.form == Form::single ? aliasRoutine(definition, spelling)
                                                                  : formRoutine(definition, spelling));
-    if (isInPlace(definition, shapes)) return comment + bodyRoutine(definition, spelling);
+    switch (places.of(definition)) {
+    case Place::everywhere: return comment + bodyRoutine(definition, spelling);
+    case Place::untraced:
+        return comment + "QUORVA_IN_PLACE(" + definition.name + ")\n\n" + bodyRoutine(definition, spelling);
+    case Place::function: break;
+    }
     return comment + bodySignature(definition, spelling, "") + "\n" + bodyOf(definition, spelling) + "QUORVA_BODY(" +
            definition.name + ")\n\n" + bodyRoutine(definition, spelling);
 }
@@ -306,28 +399,28 @@ std::string opening(const Module& module, const Spelling& spelling)
 std::string emitUnit(const Module& module)
 {
     const Spelling spelling(module);
-    WireShapes shapes;
+    Places places;
     std::vector<std::string> parts = {opening(module, spelling)};
     for (const Definition* definition : typesOf(module))
-        parts.push_back(definitionText(*definition, module, spelling, shapes));
+        parts.push_back(definitionText(*definition, module, spelling, places));
     return sections(parts);
 }
 
 std::string emitBodies(const Module& module)
 {
     const Spelling spelling(module);
-    WireShapes shapes;
+    Places places;
     std::string includes;
     for (const Import& import : module.imports) includes += "#include <quorvapixdr/" + import.name + ".bodies.h>\n";
     std::string declared;
     std::vector<std::string> inPlace;
     for (const Definition* definition : declarationOrder(typesOf(module))) {
         if (!hasBody(*definition)) continue;
-        if (isInPlace(*definition, shapes))
-            inPlace.push_back(heading(*definition, module) + bodySignature(*definition, spelling, "quorva::walk::") + "\n" +
-                              inPlaceBody(*definition, spelling));
-        else
-            declared += bodySignature(*definition, spelling, "quorva::walk::") + ";\n";
+        const Place place = places.of(*definition);
+        if (place != Place::everywhere) declared += bodySignature(*definition, spelling, "quorva::walk::") + ";\n";
+        if (place == Place::function) continue;
+        inPlace.push_back(heading(*definition, module) + bodySignature(*definition, spelling, "quorva::walk::", place) +
+                          "\n" + inPlaceBody(*definition, spelling));
     }
     std::vector<std::string> parts = {
         banner(module) +

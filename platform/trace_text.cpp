@@ -39,8 +39,7 @@ char* TraceText::grow(std::size_t size) noexcept
     const std::size_t wanted = now + size + (now > 960 ? now : 960);
     char* const larger = static_cast<char*>(::operator new[](wanted, std::nothrow));
     if (!larger) {
-        exhausted = true;
-        limit = at;
+        exhaust();
         return nullptr;
     }
     if (now > 0) std::memcpy(larger, first, now);
@@ -48,56 +47,82 @@ char* TraceText::grow(std::size_t size) noexcept
     first = larger;
     at = larger + now;
     limit = larger + wanted;
+    usualEnd = now > 0 ? reinterpret_cast<std::uintptr_t>(limit) : 0;
     return at;
 }
 
-bool TraceText::push(Name name, bool isMarker) noexcept
+void TraceText::exhaust() noexcept
 {
-    if (depth == depthRoom) {
-        const std::size_t wanted = depthRoom == 0 ? 16 : 2 * depthRoom;
-        auto* const larger = static_cast<Element*>(::operator new[](wanted * sizeof(Element), std::nothrow));
-        if (!larger) {
-            exhausted = true;
-            limit = at;
-            return false;
-        }
-        if (depth > 0) std::memcpy(larger, elements, depth * sizeof(Element));
-        ::operator delete[](elements);
-        elements = larger;
-        depthRoom = wanted;
-    }
-    elements[depth] = {name.text, used(), isMarker ? (*markers())++ : 0, 0, isMarker};
-    ++depth;
-    lineFeed = true;
+    exhausted = true;
+    limit = at;
+    usualEnd = 0;
+}
+
+char* TraceText::startLine(char* to) noexcept
+{
+    if (to != first) *to++ = '\n';
+    usualEnd = reinterpret_cast<std::uintptr_t>(limit);
+    std::memset(to, ' ', blanks);
     afterValue = false;
+    hasLine = true;
+    return to + blanks;
+}
+
+char* TraceText::lineSlowly(std::size_t size) noexcept
+{
+    char* const to = room(size);
+    return to ? startLine(to) : nullptr;
+}
+
+bool TraceText::roomToPush() noexcept
+{
+    if (top != topLimit) return true;
+    const auto depth = static_cast<std::size_t>(top - elements);
+    const std::size_t wanted = depth == 0 ? 16 : 2 * depth;
+    auto* const larger = static_cast<Element*>(::operator new[](wanted * sizeof(Element), std::nothrow));
+    if (!larger) {
+        exhaust();
+        return false;
+    }
+    if (depth > 0) std::memcpy(larger, elements, depth * sizeof(Element));
+    ::operator delete[](elements);
+    elements = larger;
+    top = larger + depth;
+    topLimit = larger + wanted;
     return true;
 }
 
-void TraceText::open(Name name) noexcept
+void TraceText::open(const char* name) noexcept
+{
+    open({name, std::strlen(name)});
+}
+
+void TraceText::close(const char* name) noexcept
+{
+    close({name, std::strlen(name)});
+}
+
+void TraceText::openSlowly(Name name) noexcept
 {
     char* to = room(name.length);
     if (!to) return;
     if (lineFeed) to = startLine(to);
     *to++ = '<';
     to = put(to, name);
-    *to++ = '>';
-    at = to;
-    if (!push(name, false)) return;
-    ++nesting;
+    *to = '>';
+    written(to + 1);
+    if (!roomToPush()) return;
+    push(name, false);
     blanks += 2;
 }
 
-void TraceText::close(Name name) noexcept
+void TraceText::closeSlowly(Name name) noexcept
 {
     char* to = room(name.length);
     if (!to) return;
-    if (depth > 0) {
-        const Element& closed = elements[--depth];
-        if (!closed.isMarker) {
-            --nesting;
-            blanks -= 2;
-        }
-        if (lineStart > closed.begin) to = startLine(to);
+    if (top != elements) {
+        if (!top[-1].isMarker) blanks -= 2;
+        if (pop()) to = startLine(to);
     }
     written(endTag(to, name));
 }
@@ -113,30 +138,24 @@ void TraceText::marker(const char* markup) noexcept
 
 void TraceText::beginMarker(Name markup) noexcept
 {
-    char* to = room(markup.length);
+    char* to = lineSlowly(markup.length);
     if (!to) return;
-    at = put(startLine(to), markup);
-    push(markup, true);
+    written(put(to, markup));
+    if (roomToPush()) push(markup, true);
 }
 
 void TraceText::endMarker(Name markup) noexcept
 {
     char* to = room(markup.length);
     if (!to) return;
-    if (depth > 0 && elements[depth - 1].isMarker && lineStart > elements[--depth].begin) to = startLine(to);
+    if (top != elements && top[-1].isMarker && pop()) to = startLine(to);
     written(put(to, markup));
 }
 
-void TraceText::beginValue() noexcept
+void TraceText::beginSlowly() noexcept
 {
-    beginMarker(frame);
+    beginMarker(frame());
     indent();
-}
-
-void TraceText::endValue() noexcept
-{
-    outdent();
-    endMarker({"</value>", 8});
 }
 
 void TraceText::value(const char* text) noexcept
@@ -153,7 +172,7 @@ void TraceText::hexDump(const unsigned char* data, std::size_t size) noexcept
     const bool rows = size > row;
     while (size > 0) {
         const std::size_t shown = size < row ? size : row;
-        char* to = room(1 + 3 * row);
+        char* to = room(2 + 3 * row);
         if (!to) return;
         if (rows)
             to = startLine(to);
@@ -200,14 +219,13 @@ char* TraceText::escape(char* to, const unsigned char*& from) noexcept
 std::string TraceText::path() const
 {
     std::string path;
-    for (std::size_t i = 0; i < depth; ++i) {
-        const Element& element = elements[i];
+    for (const Element* element = elements; element != top; ++element) {
         if (!path.empty()) path += '/';
-        if (!element.isMarker) {
-            path += element.name;
+        if (!element->isMarker) {
+            path += element->name;
         } else {
-            path.append(element.name + 1, std::strcspn(element.name + 1, ">"));
-            path += '[' + std::to_string(element.index) + ']';
+            path.append(element->name + 1, std::strcspn(element->name + 1, ">"));
+            path += '[' + std::to_string(element->index) + ']';
         }
     }
     return path;
@@ -220,14 +238,14 @@ void TraceText::clear() noexcept
         first = limit = nullptr;
     }
     at = first;
-    depth = 0;
-    nesting = 0;
+    usualEnd = 0;
     blanks = 0;
-    lineStart = 0;
+    top = elements;
     tabs = 0;
     rootMarkers = 0;
     lineFeed = true;
     afterValue = false;
+    hasLine = false;
     exhausted = false;
 }
 
@@ -247,12 +265,13 @@ constinit const std::array<char, 200> TraceText::pairs = [] {
     return digits;
 }();
 
-constinit const std::array<char, 512> TraceText::hexPairs = [] {
+constinit const std::array<char, 1024> TraceText::hexSteps = [] {
     constexpr char digits[] = "0123456789abcdef";
-    std::array<char, 512> all{};
+    std::array<char, 1024> all{};
     for (std::size_t i = 0; i < 256; ++i) {
-        all[2 * i] = digits[i / 16];
-        all[2 * i + 1] = digits[i % 16];
+        all[4 * i] = digits[i / 16];
+        all[4 * i + 1] = digits[i % 16];
+        all[4 * i + 2] = all[4 * i + 3] = ' ';
     }
     return all;
 }();

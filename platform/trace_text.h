@@ -27,10 +27,25 @@ public:
     TraceText(const TraceText&) = delete;
     TraceText& operator=(const TraceText&) = delete;
 
-    void open(Name name) noexcept;
-    void close(Name name) noexcept;
-    void open(const char* name) noexcept { open({name, std::strlen(name)}); }
-    void close(const char* name) noexcept { close({name, std::strlen(name)}); }
+    void open(Name name) noexcept
+    {
+        if (!takesLine(name.length) || top == topLimit) return openSlowly(name);
+        char* to = nextLine();
+        *to++ = '<';
+        to = put(to, name);
+        *to = '>';
+        at = to + 1;
+        blanks += 2;
+        push(name, false);
+    }
+    void close(Name name) noexcept
+    {
+        if (!takesLine(name.length) || top == elements || top[-1].isMarker) return closeSlowly(name);
+        blanks -= 2;
+        at = endTag(pop() ? nextLine() : at, name);
+    }
+    void open(const char* name) noexcept;
+    void close(const char* name) noexcept;
 
     // A line of markup of its own, "<value>" or "</value>", which counts as an element in `path()`.
     void marker(const char* markup) noexcept;
@@ -41,12 +56,29 @@ public:
     // Hexadecimal bytes, sixteen a line; up to sixteen stay on the line of their tag.
     void hexDump(const unsigned char* data, std::size_t size) noexcept;
 
-    void indent() noexcept { blanks = blanksOf(++tabs); }
-    void outdent() noexcept { blanks = blanksOf(--tabs); }
+    void indent() noexcept
+    {
+        if (++tabs > 0) blanks += 2;
+    }
+    void outdent() noexcept
+    {
+        if (tabs-- > 0) blanks -= 2;
+    }
     void endLine() noexcept { lineFeed = true; }
     void setLineFeed(bool on) noexcept { lineFeed = on; }
 
     // ---- Whole elements, for those who have much to say: the same text as from the calls above, at once ---------------
+
+    // Whether what comes next begins a line as most do, and there is room for the line, `size` characters and a tag's
+    // brackets: then everything below is short.
+    bool takesLine(std::size_t size) const noexcept
+    {
+        return lineFeed && !afterValue && blanks <= usualBlanks && reinterpret_cast<std::uintptr_t>(at) + size + slack <= usualEnd;
+    }
+    // And an element with that name and a number.
+    bool takesNumber(Name name) const noexcept { return takesLine(2 * name.length + mostDigits); }
+    // And one with markup.
+    bool takes(Name name, Name markup) const noexcept { return takesLine(2 * name.length + markup.length); }
 
     // <name>number</name>
     template <class Number>
@@ -55,15 +87,10 @@ public:
         leaf(name, mostDigits, [number](char* to) { return decimal(to, number); });
     }
 
-    // <name><inner>number</inner></name>
-    void element(Name name, Name inner, std::int32_t number) noexcept
+    // <name>text</name>, where the text is markup already
+    void element(Name name, Name markup) noexcept
     {
-        leaf(name, 2 * inner.length + mostDigits, [inner, number](char* to) {
-            *to++ = '<';
-            to = put(to, inner);
-            *to++ = '>';
-            return endTag(decimal(to, number), inner);
-        });
+        leaf(name, markup.length, [markup](char* to) { return put(to, markup); });
     }
 
     // <name>text</name>; `size` is at least the text's length.
@@ -99,34 +126,47 @@ public:
         }
     }
 
-    // What an element of an array is framed with: marker("<value>") and indent(), outdent() and marker("</value>").
-    void beginValue() noexcept;
-    void endValue() noexcept;
-
-    // Such a frame around a number, or around <name>number</name>, on a line.
-    template <class Number>
-    void framed(Number number) noexcept
+    // `count` pieces of markup behind what stands on the line, each what next() returns.
+    template <class Next>
+    void inLine(std::size_t count, Next next) noexcept
     {
-        char* to = room(mostDigits + 2 * frame.length);
-        if (!to) return;
-        ++*markers();
-        to = put(startLine(to), frame);
-        to = endTag(decimal(to, number), {frame.text + 1, frame.length - 2});
+        char* to = at;
+        for (; count > 0; --count) {
+            const Name markup = next();
+            if (static_cast<std::size_t>(limit - to) < markup.length + slack) {
+                at = to;
+                if (!room(markup.length)) continue;
+                to = at;
+            }
+            to = put(to, markup);
+        }
         written(to);
     }
 
-    void framed(Name name, std::int32_t number) noexcept
+    // What an element of an array is framed with: marker("<value>") and indent(), outdent() and marker("</value>").
+    void beginValue() noexcept
     {
-        char* to = room(mostDigits + 2 * frame.length + 2 * name.length);
-        if (!to) return;
-        ++*markers();
-        to = put(startLine(to), frame);
-        *to++ = '<';
-        to = put(to, name);
-        *to++ = '>';
-        to = endTag(decimal(to, number), name);
-        to = endTag(to, {frame.text + 1, frame.length - 2});
-        written(to);
+        if (!takesLine(frame().length) || top == topLimit) return beginSlowly();
+        at = put(nextLine(), frame());
+        push(frame(), true);
+        indent();
+    }
+    void endValue() noexcept
+    {
+        outdent();
+        if (!takesLine(frame().length) || top == elements || !top[-1].isMarker) return endMarker(frameEnd());
+        at = put(pop() ? nextLine() : at, frameEnd());
+    }
+
+    // Such a frame around a number, or around markup, on a line.
+    template <class Number>
+    void framed(Number number) noexcept
+    {
+        framedLine(mostDigits, [number](char* to) { return decimal(to, number); });
+    }
+    void framed(Name markup) noexcept
+    {
+        framedLine(markup.length, [markup](char* to) { return put(to, markup); });
     }
 
     // The text so far, its lines separated by '\n', without one at the end. Valid until something is added.
@@ -143,22 +183,33 @@ public:
 private:
     struct Element {
         const char* name;
-        std::size_t begin;      // of its contents in the text
-        unsigned index;         // of a marker among its siblings
-        unsigned markers;       // opened in it so far
+        unsigned index;    // of a marker among its siblings
+        unsigned markers;  // opened in it so far
         bool isMarker;
+        bool hadLine;      // of what it stands in: whether a line began there
     };
 
-    static constexpr Name frame = {"<value>", 7};
+    // Functions, as an object would hold an address that is relocated when the library is loaded.
+    static constexpr Name frame() noexcept { return {"<value>", 7}; }
+    static constexpr Name frameEnd() noexcept { return {"</value>", 8}; }
     static constexpr std::size_t row = 16;  // bytes of a dump on a line
     static constexpr std::size_t mostDigits = 11;
     static constexpr std::size_t mostEscaped = 5;  // characters that one character becomes
-    static constexpr std::size_t slack = 64;       // what is written beyond the text in steps of fixed size, and a tag's brackets
+    static constexpr std::size_t usualBlanks = 32;
+    static constexpr std::size_t slack = 64 + usualBlanks;  // what is written beyond the text in steps of fixed size, brackets
 
     std::size_t used() const noexcept { return static_cast<std::size_t>(at - first); }
-    unsigned* markers() noexcept { return depth == 0 ? &rootMarkers : &elements[depth - 1].markers; }
-    std::size_t blanksOf(int wanted) const noexcept { return 2 * (nesting + static_cast<std::size_t>(wanted > 0 ? wanted : 0)); }
+    unsigned* markers() noexcept { return top == elements ? &rootMarkers : &top[-1].markers; }
 
+    // Begins a line where takesLine().
+    char* nextLine() noexcept
+    {
+        char* const to = at;
+        hasLine = true;
+        to[0] = '\n';
+        std::memset(to + 1, ' ', usualBlanks);
+        return to + 1 + blanks;
+    }
     // Where to write a line's beginning, `size` characters and a tag's brackets; null when there is no memory for them.
     char* room(std::size_t size) noexcept
     {
@@ -171,14 +222,21 @@ private:
         lineFeed = true;
         afterValue = false;
     }
-    char* startLine(char* to) noexcept
+    char* startLine(char* to) noexcept;
+    // What an element contains has begun no line yet.
+    void push(Name name, bool isMarker) noexcept
     {
-        if (to != first) *to++ = '\n';
-        lineStart = static_cast<std::size_t>(to - first);
-        std::memset(to, ' ', 32);
-        if (blanks > 32) std::memset(to + 32, ' ', blanks - 32);
-        afterValue = false;
-        return to + blanks;
+        const unsigned index = isMarker ? (*markers())++ : 0;
+        *top++ = {name.text, index, 0, isMarker, hasLine};
+        hasLine = false;
+    }
+    // Whether the element that ends contains lines.
+    bool pop() noexcept
+    {
+        const bool has = hasLine;
+        --top;
+        hasLine = has || top->hadLine;
+        return has;
     }
     // `</name>`
     static char* endTag(char* to, Name name) noexcept
@@ -191,35 +249,50 @@ private:
     template <class Contents>
     void leaf(Name name, std::size_t size, Contents contents) noexcept
     {
-        char* to = room(2 * name.length + size);
-        if (!to) return;
-        if (lineFeed) to = startLine(to);
+        if (!takesLine(2 * name.length + size)) return leafSlowly(name, size, contents);
+        at = around(nextLine(), name, contents);
+    }
+    template <class Contents>
+    [[gnu::cold, gnu::noinline]] void leafSlowly(Name name, std::size_t size, Contents contents) noexcept
+    {
+        char* const to = room(2 * name.length + size);
+        if (to) written(around(lineFeed ? startLine(to) : to, name, contents));
+    }
+    template <class Contents>
+    static char* around(char* to, Name name, Contents contents) noexcept
+    {
         *to++ = '<';
         to = put(to, name);
-        *to++ = '>';
-        written(endTag(contents(to), name));
+        *to = '>';
+        return endTag(contents(to + 1), name);
+    }
+    template <class Contents>
+    void framedLine(std::size_t size, Contents contents) noexcept
+    {
+        char* to = takesLine(2 * frame().length + size) ? nextLine() : lineSlowly(2 * frame().length + size);
+        if (!to) return;
+        ++*markers();
+        written(put(contents(put(to, frame())), frameEnd()));
     }
 
     // Short copies in steps of fixed size that may overlap.
     static char* put(char* to, Name name) noexcept
     {
         const std::size_t n = name.length;
-        if (n >= 8) {
-            if (n > 16) {
-                if (n > 32) return static_cast<char*>(std::memcpy(to, name.text, n)) + n;
-                copy<16>(to, name.text);
-                copy<16>(to + n - 16, name.text + n - 16);
-            } else {
-                copy<8>(to, name.text);
-                copy<8>(to + n - 8, name.text + n - 8);
-            }
+        if (n > 16) {
+            for (std::size_t i = 0; i < n - 16; i += 16) copy<16>(to + i, name.text + i);
+            copy<16>(to + n - 16, name.text + n - 16);
+        } else if (n >= 8) {
+            copy<8>(to, name.text);
+            copy<8>(to + n - 8, name.text + n - 8);
         } else if (n >= 4) {
             copy<4>(to, name.text);
             copy<4>(to + n - 4, name.text + n - 4);
+        } else if (n >= 2) {
+            copy<2>(to, name.text);
+            copy<2>(to + n - 2, name.text + n - 2);
         } else if (n > 0) {
-            to[0] = name.text[0];
-            to[n / 2] = name.text[n / 2];
-            to[n - 1] = name.text[n - 1];
+            *to = *name.text;
         }
         return to + n;
     }
@@ -271,39 +344,41 @@ private:
             to = escape(to, from);
         }
     }
-    // At most a row of bytes, separated by blanks.
+    // At most a row of bytes, separated by blanks. In steps of four, of which the next overwrites one.
     static char* hexRow(char* to, const unsigned char* data, std::size_t size) noexcept
     {
-        for (std::size_t i = 0; i < size; ++i, to += 3) {
-            copy<2>(to, hexPairs.data() + 2 * std::size_t{data[i]});
-            to[2] = ' ';
-        }
+        for (std::size_t i = 0; i < size; ++i, to += 3) copy<4>(to, hexSteps.data() + 4 * std::size_t{data[i]});
         return to - (size > 0);
     }
     void dumpElement(Name name, const unsigned char* data, std::size_t size) noexcept;
     static char* escape(char* to, const unsigned char*& from) noexcept;
+    void openSlowly(Name name) noexcept;
+    void closeSlowly(Name name) noexcept;
+    char* lineSlowly(std::size_t size) noexcept;
+    void beginSlowly() noexcept;
     char* grow(std::size_t size) noexcept;
-    bool push(Name name, bool isMarker) noexcept;
+    bool roomToPush() noexcept;
+    void exhaust() noexcept;
     void beginMarker(Name markup) noexcept;
     void endMarker(Name markup) noexcept;
 
     static const std::array<bool, 256> isPlain;
     static const std::array<char, 200> pairs;     // 00 to 99
-    static const std::array<char, 512> hexPairs;  // 00 to ff
+    static const std::array<char, 1024> hexSteps;  // 00 to ff, each with two blanks
 
     char* first = nullptr;  // the text is [first, at)
     char* at = nullptr;
     char* limit = nullptr;
+    std::uintptr_t usualEnd = 0;  // the limit, once there is text that a line can be separated from
+    std::size_t blanks = 0;    // at the beginning of a line
     Element* elements = nullptr;
-    std::size_t depth = 0;  // open elements
-    std::size_t depthRoom = 0;
-    std::size_t nesting = 0;  // of them, those that indent
-    std::size_t blanks = 0;   // at the beginning of a line
-    std::size_t lineStart = 0;
+    Element* top = nullptr;  // behind the innermost open one
+    Element* topLimit = nullptr;
     int tabs = 0;
     unsigned rootMarkers = 0;
     bool lineFeed = true;
     bool afterValue = false;
+    bool hasLine = false;  // whether a line began in the innermost open element
     bool exhausted = false;
 };
 

@@ -7,6 +7,7 @@
 
 #ifdef QUORVA_TRACING
 
+#include <cstdio>
 #include <utility>
 
 namespace quorva::walk {
@@ -28,6 +29,35 @@ At noMemory(Tracing& pass, At at, Name tag)
     return nullptr;
 }
 
+// The element of an enumerator. It stands behind the enumerator's name, its length before that; elements of unknown values,
+// and such as are too long for a byte, are made here.
+class Enumerator {
+public:
+    Name of(const char* (*nameOf)(int), std::int32_t number)
+    {
+        const char* const name = nameOf(number);
+        const Name known = {name + static_cast<unsigned char>(name[-2]) + 1, static_cast<unsigned char>(name[-1])};
+        return known.length != 0 ? known : made(name, number);
+    }
+
+private:
+    [[gnu::cold, gnu::noinline]] Name made(const char* name, std::int32_t number)
+    {
+        const int length = std::snprintf(text, sizeof text, "<%s>%d</%s>", name, static_cast<int>(number), name);
+        return {text, static_cast<std::size_t>(length)};
+    }
+
+    char text[2 * 255 + 17];  // of a name of any length
+};
+
+// What is not shown in the short way. (A call in the last step: those who may come here save no registers for it.)
+template <class... Contents>
+[[gnu::cold, gnu::noinline]] At showSlowly(Tracing& pass, At at, Name tag, Contents... contents)
+{
+    pass.text->element(tag, contents...);
+    return at + 4;
+}
+
 // The unit of a value that moves at `at`, where there is room.
 template <class As>
 std::uint32_t moveUnit(const Tracing& pass, At at, void* value)
@@ -44,6 +74,22 @@ std::uint32_t moveUnit(const Tracing& pass, At at, void* value)
         putUnit(at, unit);
     }
     return unit;
+}
+
+// The primitive that codes such a value.
+template <class As, class Shown>
+constexpr XdrRoutine routineOf()
+{
+    if constexpr (std::same_as<Shown, bool>)
+        return XdrBoolean;
+    else if constexpr (sizeof(As) == 1)
+        return std::signed_integral<Shown> ? XdrShortInteger : XdrShortNatural;
+    else if constexpr (sizeof(As) == 2)
+        return std::signed_integral<As> ? XdrInteger : XdrNatural;
+    else if constexpr (std::signed_integral<As>)
+        return XdrLongInteger;
+    else
+        return std::signed_integral<Shown> ? XdrUINT : XdrLongNatural;
 }
 
 // As what the trace shows it. Of a truth value it is the low byte that counts.
@@ -77,10 +123,12 @@ At routineElement(Tracing& pass, At at, void* value, XdrRoutine routine)
 }
 
 template <class As, class Shown>
-At numberElement(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine)
+At numberElement(Tracing& pass, At at, Name tag, void* value)
 {
-    if (!pass.room(at, 4)) return byCall(pass, at, tag, value, routine);
-    pass.text->element(tag, shown<Shown>(moveUnit<As>(pass, at, value)));
+    if (!pass.room(at, 4)) return byCall(pass, at, tag, value, routineOf<As, Shown>());
+    const Shown number = shown<Shown>(moveUnit<As>(pass, at, value));
+    if (!pass.text->takesNumber(tag)) return showSlowly(pass, at, tag, number);
+    pass.text->element(tag, number);
     return at + 4;
 }
 
@@ -104,7 +152,7 @@ At numbers(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine ro
 }
 
 #define NUMBER(As, Shown)                                                                \
-    template At numberElement<As, Shown>(Tracing&, At, Name, void*, XdrRoutine);      \
+    template At numberElement<As, Shown>(Tracing&, At, Name, void*);                  \
     template At numbers<As, Shown>(Tracing&, At, void*, std::uint32_t, XdrRoutine);
 NUMBER(std::uint8_t, bool)
 NUMBER(std::uint8_t, std::int32_t)
@@ -116,12 +164,19 @@ NUMBER(std::uint32_t, std::uint32_t)
 NUMBER(std::uint32_t, std::int32_t)
 #undef NUMBER
 
-At enumElement(Tracing& pass, At at, const char* tag, void* value, XdrRoutine routine, const char* (*nameOf)(int))
+At enumElement(Tracing& pass, At at, Name tag, void* value, const char* (*nameOf)(int))
 {
-    if (!pass.room(at, 4)) return byCall(pass, at, {tag, 0}, value, routine);
+    if (!pass.room(at, 4)) {
+        pass.leave(at);
+        openElement(pass.xdrs, tag.text);
+        const int result = enumeration<std::int32_t>(pass.xdrs, value, nameOf);
+        return pass.resume(at, result && closeElement(pass.xdrs, tag.text));
+    }
     const auto number = static_cast<std::int32_t>(moveUnit<std::int32_t>(pass, at, value));
-    const char* const name = nameOf(number);
-    pass.text->element({tag, std::strlen(tag)}, Name{name, std::strlen(name)}, number);
+    Enumerator enumerator;
+    const Name shown = enumerator.of(nameOf, number);
+    if (!pass.text->takes(tag, shown)) return showSlowly(pass, at, tag, shown);
+    pass.text->element(tag, shown);
     return at + 4;
 }
 
@@ -129,17 +184,17 @@ At enumerators(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutin
 {
     if (!pass.room(at, std::size_t{4} * count)) return blockOf(pass, at, first, count, 4, routineElement, routine);
     auto* value = static_cast<unsigned char*>(first);
-    for (std::uint32_t i = 0; i < count; ++i, value += 4, at += 4) {
+    Enumerator enumerator;
+    const auto next = [&] {
         const auto number = static_cast<std::int32_t>(moveUnit<std::int32_t>(pass, at, value));
-        const char* const text = nameOf(number);
-        const Name name = {text, std::strlen(text)};
-        if (pass.decoding) {
-            pass.text->framed(name, number);
-        } else {
-            pass.text->setLineFeed(false);  // all on one line
-            pass.text->element(name, number);
-        }
-    }
+        value += 4;
+        at += 4;
+        return enumerator.of(nameOf, number);
+    };
+    if (pass.decoding)
+        for (std::uint32_t i = 0; i < count; ++i) pass.text->framed(next());
+    else
+        pass.text->inLine(count, next);
     return at;
 }
 
@@ -164,12 +219,12 @@ At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maxi
         auto* const copy = static_cast<char*>(::operator new[](std::size_t{length} + 1, std::nothrow));
         *string = copy;
         if (!copy) return noMemory(pass, at, tag);
-        std::memcpy(copy, at + 4, length);
+        copyBytes(copy, at + 4, length);
         copy[length] = '\0';
     } else {
         putUnit(at, length);
         std::memset(at + all, 0, length > 0 ? 4 : 0);
-        std::memcpy(at + 4, *string, length);
+        copyBytes(at + 4, *string, length);
     }
     pass.text->element(tag, *string, length);
     return at + 4 + all;
@@ -206,12 +261,12 @@ At bytesElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t ma
             bytes = static_cast<unsigned char*>(::operator new[](count, std::nothrow));
             store(place, bytes);
             if (!bytes) return noMemory(pass, at, tag);
-            std::memcpy(bytes, at + 4, count);
+            copyBytes(bytes, at + 4, count);
         }
     } else {
         putUnit(at, count);
         std::memset(at + all, 0, count > 0 ? 4 : 0);
-        if (count > 0) std::memcpy(at + 4, bytes, count);
+        copyBytes(at + 4, bytes, count);
     }
     pass.text->element(tag, bytes, count);
     return at + 4 + all;

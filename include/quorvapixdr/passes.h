@@ -9,6 +9,7 @@
 #pragma once
 
 #include <bit>
+#include <type_traits>
 
 namespace quorva::walk {
 
@@ -42,27 +43,36 @@ constexpr std::uint32_t padded(std::uint32_t length)
     return (length + 3) & ~std::uint32_t{3};
 }
 
-// `count` units of 32-bit numbers. Two at a time: one swap of eight bytes and a turn by half make two of four.
-QUORVA_INLINE void swapUnits(unsigned char* to, const unsigned char* from, std::size_t count)
+// `count` units of 32-bit numbers, in either direction, the fastest way that the processor has.
+void swapUnits(unsigned char* to, const unsigned char* from, std::size_t count);
+
+void copyMany(void* to, const void* from, std::size_t size);
+
+// Copies bytes, most often a few: short runs in steps of fixed size that may overlap. (Compilers that see how many there can
+// be at most would write a string instruction here, which is slow to start.)
+QUORVA_INLINE void copyBytes(void* to, const void* from, std::size_t size)
 {
-    if constexpr (std::endian::native != std::endian::little) {
-        std::memcpy(to, from, 4 * count);
-    } else {
-        std::size_t i = 0;
-        for (; i + 4 <= count; i += 4) {
-            std::uint64_t a, b;
-            std::memcpy(&a, from + 4 * i, 8);
-            std::memcpy(&b, from + 4 * i + 8, 8);
-            a = std::rotl(__builtin_bswap64(a), 32);
-            b = std::rotl(__builtin_bswap64(b), 32);
-            std::memcpy(to + 4 * i, &a, 8);
-            std::memcpy(to + 4 * i + 8, &b, 8);
-        }
-        for (; i < count; ++i) {
-            std::uint32_t unit;
-            std::memcpy(&unit, from + 4 * i, 4);
-            putUnit(to + 4 * i, unit);
-        }
+    auto* const out = static_cast<unsigned char*>(to);
+    const auto* const in = static_cast<const unsigned char*>(from);
+    const auto step = [out, in]<std::size_t n>(std::size_t at, std::integral_constant<std::size_t, n>) {
+        std::memcpy(out + at, in + at, n);
+    };
+    const auto ends = [step, size](auto n) {
+        step(0, n);
+        step(size - n, n);
+    };
+    if (size > 32)
+        copyMany(to, from, size);
+    else if (size >= 16)
+        ends(std::integral_constant<std::size_t, 16>{});
+    else if (size >= 8)
+        ends(std::integral_constant<std::size_t, 8>{});
+    else if (size >= 4)
+        ends(std::integral_constant<std::size_t, 4>{});
+    else if (size > 0) {
+        out[0] = in[0];
+        out[size / 2] = in[size / 2];
+        out[size - 1] = in[size - 1];
     }
 }
 
@@ -147,36 +157,77 @@ consteval std::uint32_t leadingUnits()
     return total;
 }
 
+// The body of a type: in place where it is small, else by its function.
+template <class Pass, class T>
+QUORVA_INLINE At body(Pass& pass, At at, T& value)
+{
+    if constexpr (requires { inPlace(pass, at, value); })
+        return inPlace(pass, at, value);
+    else
+        return code(pass, at, value);
+}
+
 // ---- What encode and decode share ----------------------------------------------------------------------------------
 
-template <class Stream>
-struct Moving {
-    Stream* xdrs;
-    At end;
-    // Inside a block that a decode allocated and nobody cleared. A part that fails there is emptied first, and `stop` is
-    // where what was written ends: the block is emptied from there on.
+// Inside a block that a decode allocated and nobody cleared. A part that fails there is emptied first, and `stop` is where
+// what was written ends: the block is emptied from there on.
+struct Unwritten {
     bool fresh = false;
     unsigned char* stop = nullptr;
+};
+struct Written {};
+
+template <class Stream, class Block>
+struct Moving : Block {
+    using Moved = Stream;
+    Stream* xdrs;
+    At end;
 
     explicit Moving(Stream* stream) : xdrs(stream), end(stream->end()) {}
 
     QUORVA_INLINE bool room(At at, std::size_t size) const { return static_cast<std::size_t>(end - at) >= size; }
 
-    // The part again, from its start, through its primitive, which refuses it or does it.
+    // The part again, from its start, through its primitive, which refuses it or does it. What the functions below need of a
+    // part is given one by one: a part that a pointer leads to would have to be laid out, its addresses relocated.
     template <class T, class S>
     QUORVA_INLINE At byRoutine(At at, const Field<T, S>& part)
     {
         return again(at, &part.value, sizeof part.value, part.coder.routine);
     }
     QUORVA_INLINE At byRoutine(At at, const Text& part) { return again(at, &part.value, part.maximum); }
-    template <class Part>
-    [[gnu::cold, gnu::noinline]] At byRoutine(At at, const Part& part)
+    template <class Sequence>
+    QUORVA_INLINE At byRoutine(At at, const Bytes<Sequence>& part)
     {
-        start(at, &part.value, sizeof part.value);
-        return finish(part.call(xdrs), &part.value, sizeof part.value);
+        return againApart<Bytes<Sequence>>(at, part.value, part.maximum);
+    }
+    template <class Sequence, class T, class S>
+    QUORVA_INLINE At byRoutine(At at, const List<Sequence, T, S>& part)
+    {
+        return againApart<List<Sequence, T, S>>(at, part.value, part.maximum, part.coder);
+    }
+    template <class T, class S>
+    QUORVA_INLINE At byRoutine(At at, const Optional<T, S>& part)
+    {
+        return againApart<Optional<T, S>>(at, part.value, part.coder);
+    }
+    template <class T, std::size_t N, class S>
+    QUORVA_INLINE At byRoutine(At at, const Vector<T, N, S>& part)
+    {
+        return againApart<Vector<T, N, S>>(at, part.value, part.coder);
+    }
+    template <std::size_t N>
+    QUORVA_INLINE At byRoutine(At at, const Opaque<N>& part)
+    {
+        return againApart<Opaque<N>>(at, part.value);
     }
 
 private:
+    template <class Part, class Value, class... Bound>
+    [[gnu::cold, gnu::noinline]] At againApart(At at, Value& value, Bound... bound)
+    {
+        start(at, &value, sizeof value);
+        return finish(Part{nullptr, value, bound...}.call(xdrs), &value, sizeof value);
+    }
     [[gnu::cold, gnu::noinline]] At again(At at, void* value, std::size_t size, XdrRoutine routine)
     {
         start(at, value, size);
@@ -189,13 +240,14 @@ private:
     }
     void start(At at, void* value, std::size_t size)
     {
-        if (fresh) std::memset(value, 0, size);
+        if constexpr (std::same_as<Block, Unwritten>)
+            if (this->fresh) std::memset(value, 0, size);
         xdrs->moveTo(at);
     }
     At finish(int result, void* value, std::size_t size)
     {
         if (result) return xdrs->cursor();
-        stop = static_cast<unsigned char*>(value) + size;
+        if constexpr (std::same_as<Block, Unwritten>) this->stop = static_cast<unsigned char*>(value) + size;
         return nullptr;
     }
 };
@@ -203,11 +255,11 @@ private:
 // ---- Encode --------------------------------------------------------------------------------------------------------
 
 template <class Stream>
-struct Encoding : Moving<Stream> {
-    using Moving<Stream>::Moving;
-    using Moving<Stream>::xdrs;
-    using Moving<Stream>::room;
-    using Moving<Stream>::byRoutine;
+struct Encoding : Moving<Stream, Written> {
+    using Moving<Stream, Written>::Moving;
+    using Moving<Stream, Written>::xdrs;
+    using Moving<Stream, Written>::room;
+    using Moving<Stream, Written>::byRoutine;
 
     QUORVA_INLINE At failed(At at)
     {
@@ -231,7 +283,7 @@ struct Encoding : Moving<Stream> {
     template <class T, std::uint32_t n>
     QUORVA_INLINE At fixed(At at, T& value, shape::Fixed<n>)
     {
-        return code(*this, at, value);
+        return body(*this, at, value);
     }
     template <std::size_t N>
     QUORVA_INLINE At fixedOpaque(At at, unsigned char (&value)[N])
@@ -293,7 +345,7 @@ private:
         if (length == 0) return at;
         const std::uint32_t all = padded(length);
         std::memset(at + all - 4, 0, 4);
-        std::memcpy(at, bytes, length);
+        copyBytes(at, bytes, length);
         return at + all;
     }
     // One value of a shape that may vary.
@@ -314,7 +366,7 @@ private:
     template <class T, class S, bool owns>
     QUORVA_INLINE At oneVarying(At at, const Field<T, S>& part, shape::Body<owns>)
     {
-        return code(*this, at, part.value);
+        return body(*this, at, part.value);
     }
     template <class T, class S>
     QUORVA_INLINE At oneVarying(At at, const Field<T, S>& part, shape::Routine)
@@ -347,13 +399,13 @@ private:
 // ---- Decode --------------------------------------------------------------------------------------------------------
 
 template <class Stream>
-struct Decoding : Moving<Stream> {
-    using Moving<Stream>::Moving;
-    using Moving<Stream>::xdrs;
-    using Moving<Stream>::room;
-    using Moving<Stream>::byRoutine;
-    using Moving<Stream>::fresh;
-    using Moving<Stream>::stop;
+struct Decoding : Moving<Stream, Unwritten> {
+    using Moving<Stream, Unwritten>::Moving;
+    using Moving<Stream, Unwritten>::xdrs;
+    using Moving<Stream, Unwritten>::room;
+    using Moving<Stream, Unwritten>::byRoutine;
+    using Moving<Stream, Unwritten>::fresh;
+    using Moving<Stream, Unwritten>::stop;
 
     // Stops at `at`; of the object, everything up to `last` is written.
     template <class T>
@@ -380,7 +432,7 @@ struct Decoding : Moving<Stream> {
     template <class T, std::uint32_t n>
     QUORVA_INLINE At fixed(At at, T& value, shape::Fixed<n>)
     {
-        return code(*this, at, value);
+        return body(*this, at, value);
     }
     template <std::size_t N>
     QUORVA_INLINE At fixedOpaque(At at, unsigned char (&value)[N])
@@ -397,7 +449,7 @@ struct Decoding : Moving<Stream> {
                 auto* const string = static_cast<char*>(::operator new[](std::size_t{length} + 1, std::nothrow));
                 part.value = string;
                 if (!string) return failed(at + 4, part.value);
-                std::memcpy(string, at + 4, length);
+                copyBytes(string, at + 4, length);
                 string[length] = '\0';
                 return at + 4 + padded(length);
             }
@@ -415,7 +467,7 @@ struct Decoding : Moving<Stream> {
                 auto* const bytes = static_cast<unsigned char*>(::operator new[](count, std::nothrow));
                 part.value.elements = bytes;
                 if (!bytes) return failed(at + 4, part.value);
-                std::memcpy(bytes, at + 4, count);
+                copyBytes(bytes, at + 4, count);
                 return at + 4 + padded(count);
             }
         }
@@ -507,7 +559,7 @@ private:
     template <class T, class S, bool owns>
     QUORVA_INLINE At oneVarying(At at, const Field<T, S>& part, shape::Body<owns>)
     {
-        return code(*this, at, part.value);
+        return body(*this, at, part.value);
     }
     template <class T, class S>
     QUORVA_INLINE At oneVarying(At at, const Field<T, S>& part, shape::Routine)
@@ -540,7 +592,7 @@ private:
 // ---- Encode and decode alike ---------------------------------------------------------------------------------------
 
 template <class Pass>
-concept Moves = requires(Pass& pass) { pass.fresh; };
+concept Moves = requires { typename Pass::Moved; };
 
 template <class Pass, class T, class S>
 QUORVA_INLINE At fixedPart(Pass& pass, At at, const Field<T, S>& part)
@@ -563,15 +615,16 @@ QUORVA_INLINE At fixedPart(Pass& pass, At at, const Opaque<N>& part)
 
 // A run for which there is no room: part by part, until the one that fails.
 template <class Pass>
-At shortRun(Pass&, At)
+QUORVA_INLINE void shortRun(Pass&, At)
 {
-    return nullptr;
 }
 template <class Pass, class First, class... Rest>
-[[gnu::cold, gnu::noinline]] At shortRun(Pass& pass, At at, const First& first, const Rest&... rest)
+QUORVA_INLINE void shortRun(Pass& pass, At at, const First& first, const Rest&... rest)
 {
-    at = pass.byRoutine(at, first);
-    return at ? shortRun(pass, at, rest...) : nullptr;
+    if constexpr (AboutPart<First>::units != 0) {
+        at = pass.byRoutine(at, first);
+        if (at) shortRun(pass, at, rest...);
+    }
 }
 
 template <Moves Pass>
@@ -600,13 +653,15 @@ QUORVA_INLINE At runOf(Pass& pass, At at, const First& first, const Rest&... res
 template <Moves Pass, class First, class... Rest>
 QUORVA_INLINE At parts(Pass& pass, At at, const First& first, const Rest&... rest)
 {
-    if (!at) return nullptr;
     if constexpr (AboutPart<First>::units != 0) {
-        if (!pass.room(at, 4 * leadingUnits<First, Rest...>())) [[unlikely]]
-            return shortRun(pass, at, first, rest...);
+        if (!pass.room(at, 4 * leadingUnits<First, Rest...>())) [[unlikely]] {
+            shortRun(pass, at, first, rest...);
+            return nullptr;
+        }
         return runOf(pass, at, first, rest...);
     } else {
-        return parts(pass, pass.varying(at, first), rest...);
+        at = pass.varying(at, first);
+        return at ? parts(pass, at, rest...) : nullptr;
     }
 }
 
@@ -695,7 +750,7 @@ private:
     template <class T, bool owns>
     QUORVA_INLINE At ofShape(At at, T& value, Shaped<T, shape::Body<owns>>, shape::Body<owns>)
     {
-        return code(*this, at, value);
+        return body(*this, at, value);
     }
 };
 
@@ -721,6 +776,74 @@ QUORVA_INLINE At refuse(Releasing<Stream>&, At, D&)
     return nullptr;
 }
 
+// ---- The arms of a union ---------------------------------------------------------------------------------------------
+// All but numbers are left to functions, in the arm's last step: the switch then needs neither registers nor storage of
+// its own, and arms of one type are one call.
+
+template <class Part, class Pass, class Value, class... Bound>
+[[gnu::noinline]] At apart(Pass& pass, At at, Value& value, Bound... bound)
+{
+    return parts(pass, at, Part{nullptr, value, bound...});
+}
+
+template <class Pass, class T, class S>
+QUORVA_INLINE At armApart(Pass& pass, At at, const Field<T, S>& part)
+{
+    return parts(pass, at, part);
+}
+template <class Pass, class T, bool owns>
+QUORVA_INLINE At armApart(Pass& pass, At at, const Field<T, shape::Body<owns>>& part)
+{
+    return code(pass, at, part.value);
+}
+template <class Pass, class T, std::uint32_t maximum>
+QUORVA_INLINE At armApart(Pass& pass, At at, const Field<T, shape::Text<maximum>>& part)
+{
+    return apart<Text>(pass, at, part.value, maximum);
+}
+template <class Pass>
+QUORVA_INLINE At armApart(Pass& pass, At at, const Text& part)
+{
+    return apart<Text>(pass, at, part.value, part.maximum);
+}
+template <class Pass, class Sequence>
+QUORVA_INLINE At armApart(Pass& pass, At at, const Bytes<Sequence>& part)
+{
+    return apart<Bytes<Sequence>>(pass, at, part.value, part.maximum);
+}
+template <class Pass, class Sequence, class T, class S>
+QUORVA_INLINE At armApart(Pass& pass, At at, const List<Sequence, T, S>& part)
+{
+    return apart<List<Sequence, T, S>>(pass, at, part.value, part.maximum, part.coder);
+}
+template <class Pass, class T, class S>
+QUORVA_INLINE At armApart(Pass& pass, At at, const Optional<T, S>& part)
+{
+    return apart<Optional<T, S>>(pass, at, part.value, part.coder);
+}
+template <class Pass, class T, std::size_t N, class S>
+QUORVA_INLINE At armApart(Pass& pass, At at, const Vector<T, N, S>& part)
+{
+    return apart<Vector<T, N, S>>(pass, at, part.value, part.coder);
+}
+
+template <Moves Pass, class Part>
+QUORVA_INLINE At armOf(Pass& pass, At at, const Part& part)
+{
+    if constexpr (AboutPart<Part>::units != 0)
+        return pass.room(at, 4 * AboutPart<Part>::units) ? fixedPart(pass, at, part) : pass.byRoutine(at, part);
+    else
+        return armApart(pass, at, part);
+}
+template <class Stream, class Part>
+QUORVA_INLINE At armOf(Releasing<Stream>& pass, At at, const Part& part)
+{
+    if constexpr (AboutPart<Part>::owns)
+        return armApart(pass, at, part);
+    else
+        return at;
+}
+
 // ---- Elements of the trace, which nobody collects here ---------------------------------------------------------------
 
 template <class Pass>
@@ -739,26 +862,30 @@ QUORVA_INLINE At close(Pass&, At at, const char*)
 
 // ---- The routine's way in ------------------------------------------------------------------------------------------
 
+// Each direction is a function, so that none saves registers for another.
+template <class Pass, class Stream, class T>
+[[gnu::noinline]] int move(Stream* xdrs, T& value)
+{
+    Pass pass(xdrs);
+    const At at = body(pass, xdrs->cursor(), value);
+    if (!at) return 0;
+    xdrs->moveTo(at);
+    return 1;
+}
+template <class Stream, class T>
+[[gnu::noinline]] int release(Stream* xdrs, T& value)
+{
+    Releasing<Stream> pass{xdrs};
+    return body(pass, reinterpret_cast<At>(&value), value) != nullptr;
+}
+
 template <class T, class Stream>
 QUORVA_INLINE int runDirect(Stream* xdrs, T& value)
 {
     switch (static_cast<int>(xdrs->streamMode)) {
-    case 0: {
-        Encoding<Stream> pass(xdrs);
-        const At at = code(pass, xdrs->cursor(), value);
-        if (at) xdrs->moveTo(at);
-        return at != nullptr;
-    }
-    case 1: {
-        Decoding<Stream> pass(xdrs);
-        const At at = code(pass, xdrs->cursor(), value);
-        if (at) xdrs->moveTo(at);
-        return at != nullptr;
-    }
-    default: {
-        Releasing<Stream> pass{xdrs};
-        return code(pass, reinterpret_cast<At>(&value), value) != nullptr;
-    }
+    case 0: return move<Encoding<Stream>>(xdrs, value);
+    case 1: return move<Decoding<Stream>>(xdrs, value);
+    default: return release(xdrs, value);
     }
 }
 

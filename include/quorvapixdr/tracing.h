@@ -44,13 +44,12 @@ using Element = At (*)(Tracing& pass, At at, void* value, XdrRoutine routine);
 // ---- Parts, of whatever type (in primitives/tracing.cc) --------------------------------------------------------------
 
 template <class As, class Shown>
-At numberElement(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine);
+At numberElement(Tracing& pass, At at, Name tag, void* value);
 template <class As, class Shown>
 At numbers(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine);
 // As numbers(), with the text that belongs to each.
 At enumerators(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine, const char* (*nameOf)(int));
-// Six arguments, as many as travel in registers: an address on the stack would be relocated when the library is loaded.
-At enumElement(Tracing& pass, At at, const char* tag, void* value, XdrRoutine routine, const char* (*nameOf)(int));
+At enumElement(Tracing& pass, At at, Name tag, void* value, const char* (*nameOf)(int));
 At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maximum);
 // A counted block of whatever type. `sequence` points to a count and a pointer, as every counted block begins. The two
 // routines travel in registers: in an object or on the stack each address would be relocated when the library is loaded.
@@ -85,12 +84,12 @@ QUORVA_INLINE At callInstead(Tracing& pass, At at, const Part& part)
 template <class T, class S, class As, class Shown>
 QUORVA_INLINE At traced(Tracing& pass, At at, const Field<T, S>& part, shape::Number<As, Shown>)
 {
-    return numberElement<As, Shown>(pass, at, nameOf(part.tag), &part.value, part.coder.routine);
+    return numberElement<As, Shown>(pass, at, nameOf(part.tag), &part.value);
 }
 template <class T, class S, const char* (*nameOfValue)(int)>
 QUORVA_INLINE At traced(Tracing& pass, At at, const Field<T, S>& part, shape::Enumeration<nameOfValue>)
 {
-    return enumElement(pass, at, part.tag, &part.value, part.coder.routine, nameOfValue);
+    return enumElement(pass, at, nameOf(part.tag), &part.value, nameOfValue);
 }
 template <class T, class S, std::uint32_t maximum>
 QUORVA_INLINE At traced(Tracing& pass, At at, const Field<T, S>& part, shape::Text<maximum>)
@@ -206,6 +205,12 @@ QUORVA_INLINE At parts(Tracing& pass, At at, const Parts&... all)
 {
     ((at = at ? tracePart(pass, at, all) : nullptr), ...);
     return at;
+}
+
+template <class Part>
+QUORVA_INLINE At armOf(Tracing& pass, At at, const Part& part)
+{
+    return tracePart(pass, at, part);
 }
 
 QUORVA_INLINE At open(Tracing& pass, At at, const char* tag)

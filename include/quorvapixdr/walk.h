@@ -38,7 +38,7 @@ bool traced(Stream* xdrs)
 }
 
 // Storage for an object that nobody brought: `size` bytes of zeros in the stream's root allocation slot, or null.
-inline void* newRoot(Xdr* xdrs, std::size_t size)
+[[gnu::cold, gnu::noinline]] inline void* newRoot(Xdr* xdrs, std::size_t size)
 {
     void* storage = ::operator new(size, std::nothrow);
     if (!storage) return nullptr;
@@ -213,6 +213,13 @@ QUORVA_INLINE At parts(Calls& pass, At at, const Parts&... all)
     return (callPart(pass.xdrs, all) && ...) ? at : nullptr;
 }
 
+// The arm of a union.
+template <class Part>
+QUORVA_INLINE At armOf(Calls& pass, At at, const Part& part)
+{
+    return parts(pass, at, part);
+}
+
 // An element around what follows, and its end.
 QUORVA_INLINE At open(Calls& pass, At at, const char* tag)
 {
@@ -284,7 +291,7 @@ int enumeration(Xdr* xdrs, void* object, const char* (*nameOf)(int))
 #else
 #define QUORVA_TRACING_BODY(T)
 #endif
-// The body of `T` for the direct passes, which other modules call.
+// The body of `T`, which other modules call.
 #define QUORVA_BODY(T)                                                                                     \
     template quorva::walk::At code(quorva::walk::Encoding<Xdr>&, quorva::walk::At, ::T&);                  \
     template quorva::walk::At code(quorva::walk::Decoding<Xdr>&, quorva::walk::At, ::T&);                  \
@@ -293,8 +300,32 @@ int enumeration(Xdr* xdrs, void* object, const char* (*nameOf)(int))
 #else
 #define QUORVA_BODY(T)
 #endif
+// The same of a small type, whose body its users write in place where bytes move.
+#define QUORVA_IN_PLACE(T)                                                                            \
+    template <class Pass>                                                                                  \
+    quorva::walk::At code(Pass& pass, quorva::walk::At at, ::T& obj)                                       \
+    {                                                                                                      \
+        return inPlace(pass, at, obj);                                                                     \
+    }                                                                                                      \
+    QUORVA_BODY(T)
 
 namespace quorva::walk {
+
+// A pass with a trace, and with a stream that lends nothing.
+template <class T>
+[[gnu::noinline]] int runTraced(Xdr* xdrs, T& value)
+{
+    const At nowhere = reinterpret_cast<At>(&value);
+#ifdef QUORVA_TRACING
+    Tracing pass(xdrs, nowhere);
+    const At at = code(pass, pass.releasing ? nowhere : xdrs->cursor(), value);
+    if (at) pass.leave(at);
+    return at != nullptr;
+#else
+    Calls pass{xdrs};
+    return code(pass, nowhere, value) != nullptr;
+#endif
+}
 
 // The routine of a type with a body: finds the object and runs the pass that fits the stream.
 template <class T>
@@ -305,16 +336,7 @@ int run(Xdr* xdrs, void* object)
 #ifdef QUORVA_DIRECT
     if (!traced(xdrs)) return runDirect<T>(xdrs, *value);
 #endif
-    const At nowhere = reinterpret_cast<At>(value);
-#ifdef QUORVA_TRACING
-    Tracing pass(xdrs, nowhere);
-    const At at = code(pass, pass.releasing ? nowhere : xdrs->cursor(), *value);
-    if (at) pass.leave(at);
-    return at != nullptr;
-#else
-    Calls pass{xdrs};
-    return code(pass, nowhere, *value) != nullptr;
-#endif
+    return runTraced(xdrs, *value);
 }
 
 }  // namespace quorva::walk

@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using namespace quorva;
 using namespace quorva::test;
 
@@ -310,14 +312,15 @@ TEST(Lists, lookInTheTrace)
         const char* decoded;
         const char* encoded;
     } cases[] = {
-        {"AttributeSeq", XdrAttributeSeq, "<l>\n  <value>1</value>\n  <value>2</value>\n</l>", "<l>1 2</l>"},
+        {"AttributeSeq", XdrAttributeSeq, "<l>\n  <value>1</value>\n  <value>2</value>\n  <value>99</value>\n</l>", "<l>1 2 99</l>"},
         {"JobSourceSeq", XdrJobSourceSeq,
-         "<l>\n  <value><JSFileCabinet>1</JSFileCabinet></value>\n  <value><JSPrint>2</JSPrint></value>\n</l>",
-         "<l><JSFileCabinet>1</JSFileCabinet><JSPrint>2</JSPrint></l>"},
+         "<l>\n  <value><JSFileCabinet>1</JSFileCabinet></value>\n  <value><JSPrint>2</JSPrint></value>\n"
+         "  <value><Error_in_Function>99</Error_in_Function></value>\n</l>",
+         "<l><JSFileCabinet>1</JSFileCabinet><JSPrint>2</JSPrint><Error_in_Function>99</Error_in_Function></l>"},
     };
     for (const auto& expected : cases) {
         SCOPED_TRACE(expected.name);
-        const Message message(bytesOf("00000002 00000001 00000002"));
+        const Message message(bytesOf("00000003 00000001 00000002 00000063"));
         Counted<std::uint32_t> held = {};
         TraceText decoded, encoded;
         EXPECT_TRUE(runTraced(decoding, expected.routine, "l", &held, message.span(), decoded).succeeded);
@@ -325,5 +328,25 @@ TEST(Lists, lookInTheTrace)
         EXPECT_TRUE(runTraced(encoding, expected.routine, "l", &held, message.span(), encoded).succeeded);
         EXPECT_EQ(encoded.text(), expected.encoded);
         releaseContents(expected.routine, &held);
+    }
+}
+
+// Blocks of numbers are moved the fastest way that the processor has for their length. The bytes are those of one at a time.
+TEST(Lists, ofEveryLength)
+{
+    for (std::uint16_t count = 0; count < 70; ++count) {
+        std::vector<std::uint32_t> numbers;
+        Bytes expected(4 * (1 + std::size_t{count}));
+        for (std::uint32_t i = 0; i <= count; ++i) {
+            std::uint32_t number = i == 0 ? count : numbers.emplace_back(0x01020304 * i + 0x80);
+            runPass(encoding, XdrLongNatural, &number, std::span(expected).subspan(4 * i));
+        }
+        Counted<std::uint32_t> sent = {count, numbers.data()}, received = {};
+        Message message(Bytes(expected.size()));
+        EXPECT_TRUE(runPass(encoding, XdrAttributeSeq, &sent, message.span()).succeeded);
+        EXPECT_TRUE(std::ranges::equal(message.span(), expected)) << count;
+        EXPECT_TRUE(runPass(decoding, XdrAttributeSeq, &received, message.span()).succeeded);
+        EXPECT_TRUE(std::equal(numbers.begin(), numbers.end(), received.elements, received.elements + received.count)) << count;
+        releaseContents(XdrAttributeSeq, &received);
     }
 }

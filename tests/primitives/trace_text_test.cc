@@ -149,7 +149,7 @@ TEST(TraceText, wholeElements)
         t.open(name); contents(); t.setLineFeed(false); t.close(name);
     };
     for (std::size_t length = 1; length < 70; ++length) {
-        const std::string name(length, 'n'), inner = name + "i", text = name + "<\n" + name;
+        const std::string name(length, 'n'), inner = name + "i", text = name + "<\n" + name, shown7 = "<" + inner + ">-7</" + inner + ">";
         const TraceText::Name tag = {name.c_str(), length};
         TraceText whole, calls;
         whole.open("a");
@@ -162,10 +162,20 @@ TEST(TraceText, wholeElements)
         number(false, "false");
         for (const std::int32_t n : {0, 9, 10, 99, 100, 101, 999, 1000, 123456, -1, -10, INT32_MAX, INT32_MIN}) number(n, std::to_string(n));
         for (const std::uint32_t n : {0u, 9u, 10u, 100u, 99999u, 1000000000u, UINT32_MAX}) number(n, std::to_string(n));
-        whole.element(tag, TraceText::Name{inner.c_str(), length + 1}, -7);
-        leaf(calls, name.c_str(), [&] {
+        const TraceText::Name markup = {shown7.c_str(), shown7.size()};
+        const auto inLine = [&] {
             calls.setLineFeed(false); calls.open(inner.c_str()); calls.value("-7"); calls.setLineFeed(false); calls.close(inner.c_str());
-        });
+        };
+        whole.element(tag, markup);
+        leaf(calls, name.c_str(), inLine);
+        whole.open("b");
+        whole.inLine(40, [markup] { return markup; });
+        whole.close("b");
+        calls.open("b");
+        for (int i = 0; i < 40; ++i) inLine();
+        calls.close("b");
+        whole.framed(markup);
+        calls.marker("<value>"); calls.indent(); inLine(); calls.outdent(); calls.marker("</value>");
         whole.element(tag, text.c_str(), text.size());
         leaf(calls, name.c_str(), [&] { calls.value(text.c_str()); });
         for (int n : {3, 44}) {
@@ -182,8 +192,8 @@ TEST(TraceText, wholeElements)
         whole.marker("<value>");
         calls.marker("<value>");
         EXPECT_EQ(whole.text(), calls.text());
-        EXPECT_EQ(whole.path(), "a/value[4]");
-        EXPECT_EQ(calls.path(), "a/value[4]");
+        EXPECT_EQ(whole.path(), "a/value[5]");
+        EXPECT_EQ(calls.path(), "a/value[5]");
     }
 }
 

@@ -8,6 +8,8 @@
 #include <quorvapixdr/walk.h>
 
 template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Place& obj);
+template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Numbers& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, ::At& obj);
@@ -15,10 +17,12 @@ template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Element& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Elements& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj);
 
 // Where a door stands. Always as long on the wire.   corners.x:9
 template <class Pass>
-quorva::walk::At code(Pass& pass, quorva::walk::At at, Place& obj)
+QUORVA_INLINE quorva::walk::At inPlace(Pass& pass, quorva::walk::At at, Place& obj)
 {
     using namespace quorva::walk;
     return quorva::walk::parts(pass, at,
@@ -39,9 +43,18 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Span& obj)
             quorva::walk::field("to", obj.to, quorva::coder::Place));
 }
 
+// corners.x:47
+template <class Pass>
+QUORVA_INLINE quorva::walk::At inPlace(Pass& pass, quorva::walk::At at, ::Elements& obj)
+{
+    using namespace quorva::walk;
+    return quorva::walk::parts(pass, at, quorva::walk::list(quorva::walk::untagged, obj, 65535,
+                                                            quorva::coder::Element));
+}
+
 // Words that other XDR compilers keep for themselves.   corners.x:52
 template <class Pass>
-quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
+QUORVA_INLINE quorva::walk::At inPlace(Pass& pass, quorva::walk::At at, Words& obj)
 {
     using namespace quorva::walk;
     return quorva::walk::parts(pass, at,

@@ -4,6 +4,8 @@
 using namespace quorva::walk;
 
 // Where a door stands. Always as long on the wire.   corners.x:9
+QUORVA_IN_PLACE(Place)
+
 int XdrPlace(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Place>(xdrs, object);
@@ -64,13 +66,13 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Element& obj)
     at = quorva::walk::open(pass, at, "ElementUnion");
     switch (obj.at) {
     case 17:
-        at = quorva::walk::parts(pass, at, quorva::walk::field("obj", obj.obj, quorva::coder::Place));
+        at = armOf(pass, at, quorva::walk::field("obj", obj.obj, quorva::coder::Place));
         break;
     case 18:
-        at = quorva::walk::parts(pass, at, quorva::walk::field("obj", obj.obj, quorva::coder::Place));
+        at = armOf(pass, at, quorva::walk::field("obj", obj.obj, quorva::coder::Place));
         break;
     case 3:
-        at = quorva::walk::parts(pass, at, quorva::walk::field("obj", obj.obj, quorva::coder::Place));
+        at = armOf(pass, at, quorva::walk::field("obj", obj.obj, quorva::coder::Place));
         break;
     case 4:
         break;
@@ -89,13 +91,7 @@ int XdrElement(Xdr* xdrs, void* object)
 }
 
 // corners.x:47
-template <class Pass>
-quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Elements& obj)
-{
-    return quorva::walk::parts(pass, at, quorva::walk::list(quorva::walk::untagged, obj, 65535,
-                                                            quorva::coder::Element));
-}
-QUORVA_BODY(Elements)
+QUORVA_IN_PLACE(Elements)
 
 int XdrElements(Xdr* xdrs, void* object)
 {
@@ -117,6 +113,8 @@ int XdrRows(Xdr* xdrs, void* object)
 }
 
 // Words that other XDR compilers keep for themselves.   corners.x:52
+QUORVA_IN_PLACE(Words)
+
 int XdrWords(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Words>(xdrs, object);

@@ -24,3 +24,21 @@ template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, SignUnion& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Visit& obj);
+
+// locker.x:25
+template <class Pass>
+QUORVA_INLINE quorva::walk::At inPlace(Pass& pass, quorva::walk::At at, LockerIdSeq& obj)
+{
+    using namespace quorva::walk;
+    namespace coder = quorva::coder;
+    return parts(pass, at, list(untagged, obj, PanelDoors, coder::LockerId));
+}
+
+// of the door's last visitor   locker.x:29
+template <class Pass>
+QUORVA_INLINE quorva::walk::At inPlace(Pass& pass, quorva::walk::At at, Picture& obj)
+{
+    using namespace quorva::walk;
+    namespace coder = quorva::coder;
+    return parts(pass, at, bytes(untagged, obj, 65535));
+}

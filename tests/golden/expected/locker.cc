@@ -8,11 +8,11 @@ namespace coder = quorva::coder;
 const char* DoorStateString(int value)
 {
     switch (value) {
-    case 0: return "DSopen";
-    case 1: return "DSclosed";
-    case 3: return "DSjammed";
-    case 255: return "DSunknown";
-    default: return "Error_in_Function";
+    case 0: return &"\006\022" "DSopen\0" "<DSopen>0</DSopen>"[2];
+    case 1: return &"\010\026" "DSclosed\0" "<DSclosed>1</DSclosed>"[2];
+    case 3: return &"\010\026" "DSjammed\0" "<DSjammed>3</DSjammed>"[2];
+    case 255: return &"\011\032" "DSunknown\0" "<DSunknown>255</DSunknown>"[2];
+    default: return &"\021\000" "Error_in_Function\0"[2];
     }
 }
 
@@ -25,11 +25,11 @@ int XdrDoorState(Xdr* xdrs, void* object)
 const char* AccessKindString(int value)
 {
     switch (value) {
-    case 0: return "AKnobody";
-    case 1: return "AKowner";
-    case 2: return "AKgroup";
-    case 3: return "AKshift";
-    default: return "Error_in_Function";
+    case 0: return &"\010\026" "AKnobody\0" "<AKnobody>0</AKnobody>"[2];
+    case 1: return &"\007\024" "AKowner\0" "<AKowner>1</AKowner>"[2];
+    case 2: return &"\007\024" "AKgroup\0" "<AKgroup>2</AKgroup>"[2];
+    case 3: return &"\007\024" "AKshift\0" "<AKshift>3</AKshift>"[2];
+    default: return &"\021\000" "Error_in_Function\0"[2];
     }
 }
 
@@ -53,12 +53,7 @@ int XdrLockerId(Xdr* xdrs, void* object)
 }
 
 // locker.x:25
-template <class Pass>
-At code(Pass& pass, At at, LockerIdSeq& obj)
-{
-    return parts(pass, at, list(untagged, obj, PanelDoors, coder::LockerId));
-}
-QUORVA_BODY(LockerIdSeq)
+QUORVA_IN_PLACE(LockerIdSeq)
 
 int XdrLockerIdSeq(Xdr* xdrs, void* object)
 {
@@ -87,12 +82,7 @@ int XdrKey(Xdr* xdrs, void* object)
 }
 
 // of the door's last visitor   locker.x:29
-template <class Pass>
-At code(Pass& pass, At at, Picture& obj)
-{
-    return parts(pass, at, bytes(untagged, obj, 65535));
-}
-QUORVA_BODY(Picture)
+QUORVA_IN_PLACE(Picture)
 
 int XdrPicture(Xdr* xdrs, void* object)
 {
@@ -145,11 +135,11 @@ At code(Pass& pass, At at, AccessUnion& obj)
     case AccessKind::AKnobody:
         break;
     case AccessKind::AKowner:
-        at = parts(pass, at, text("owner", obj.owner, 40));
+        at = armOf(pass, at, text("owner", obj.owner, 40));
         break;
     case AccessKind::AKgroup:
     case AccessKind::AKshift:
-        at = parts(pass, at, field("members", obj.members, coder::LockerIdSeq));
+        at = armOf(pass, at, field("members", obj.members, coder::LockerIdSeq));
         break;
     default:
         return refuse(pass, at, obj.kind);
@@ -173,28 +163,28 @@ At code(Pass& pass, At at, StationUnion& obj)
     at = open(pass, at, "StationUnionUnion");
     switch (obj.attribute) {
     case 8:
-        at = parts(pass, at, list("doors", obj.doors, PanelDoors, coder::Locker));
+        at = armOf(pass, at, list("doors", obj.doors, PanelDoors, coder::Locker));
         break;
     case 22:
-        at = parts(pass, at, field("frontLamp", obj.frontLamp, coder::LampColour));
+        at = armOf(pass, at, field("frontLamp", obj.frontLamp, coder::LampColour));
         break;
     case 23:
-        at = parts(pass, at, list("doors", obj.doors, PanelDoors, coder::Locker));
+        at = armOf(pass, at, list("doors", obj.doors, PanelDoors, coder::Locker));
         break;
     case 31:
-        at = parts(pass, at, field("temperature", obj.temperature, coder::Float));
+        at = armOf(pass, at, field("temperature", obj.temperature, coder::Float));
         break;
     case 32:
-        at = parts(pass, at, field("key", obj.key, coder::Key));
+        at = armOf(pass, at, field("key", obj.key, coder::Key));
         break;
     case 40:
-        at = parts(pass, at, vector("counters", obj.counters, coder::UINT));
+        at = armOf(pass, at, vector("counters", obj.counters, coder::UINT));
         break;
     case 41:
-        at = parts(pass, at, optional("master", obj.master, coder::Locker));
+        at = armOf(pass, at, optional("master", obj.master, coder::Locker));
         break;
     case 485:
-        at = parts(pass, at, bytes("raw", obj.raw, 65535));
+        at = armOf(pass, at, bytes("raw", obj.raw, 65535));
         break;
     default:
         return refuse(pass, at, obj.attribute);
@@ -218,7 +208,7 @@ At code(Pass& pass, At at, Drive& obj)
     at = open(pass, at, "DriveUnion");
     switch (obj.powered) {
     case 1:
-        at = parts(pass, at, field("openingTime", obj.openingTime, coder::Natural));
+        at = armOf(pass, at, field("openingTime", obj.openingTime, coder::Natural));
         break;
     case 0:
         break;
@@ -244,10 +234,10 @@ At code(Pass& pass, At at, EventUnion& obj)
     at = open(pass, at, "EventUnionUnion");
     switch (obj.number) {
     case -1:
-        at = parts(pass, at, text("reason", obj.reason, 65535));
+        at = armOf(pass, at, text("reason", obj.reason, 65535));
         break;
     case 7:
-        at = parts(pass, at, field("access", obj.access, coder::AccessUnion));
+        at = armOf(pass, at, field("access", obj.access, coder::AccessUnion));
         break;
     default:
         at = open(pass, at, "default");
