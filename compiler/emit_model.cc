@@ -11,11 +11,6 @@ namespace quorva::compiler {
 
 namespace {
 
-bool isSameDeclaration(const Declaration& a, const Declaration& b)
-{
-    return a.name == b.name && a.form == b.form && a.type.name == b.type.name && a.bound == b.bound;
-}
-
 bool isByValue(Form form)
 {
     return form == Form::single || form == Form::vector;
@@ -41,7 +36,7 @@ private:
         std::vector<Use> uses;
         std::size_t number = unseen;
         std::size_t lowest = unseen;
-        std::size_t group = unseen;
+        bool isClosed = false;  // its group is known
     };
     struct Step {
         std::size_t node = 0;
@@ -61,7 +56,6 @@ private:
     std::vector<Step> path_;
     std::vector<std::size_t> open_;  // entered, group not known yet
     std::size_t numbered_ = 0;
-    std::size_t groups_ = 0;
     std::vector<bool> completed_;
     std::vector<bool> named_;
     std::vector<bool> printed_;
@@ -103,7 +97,7 @@ void Order::visit(std::size_t start)
         const std::size_t used = nodes_[node].uses[path_.back().nextUse++].node;
         if (nodes_[used].number == unseen)
             enter(used);
-        else if (nodes_[used].group == unseen)
+        else if (!nodes_[used].isClosed)
             nodes_[node].lowest = std::min(nodes_[node].lowest, nodes_[used].number);
     }
 }
@@ -130,21 +124,19 @@ void Order::closeGroup(std::size_t node)
     const auto first = std::find(open_.begin(), open_.end(), node);
     std::vector<std::size_t> group(first, open_.end());
     open_.erase(first, open_.end());
-    for (const std::size_t member : group) nodes_[member].group = groups_;
-    ++groups_;
+    for (const std::size_t member : group) nodes_[member].isClosed = true;
 
     std::sort(group.begin(), group.end());
     for (const std::size_t member : group) complete(member);
 }
 
-// Within a group: what the definition holds by value stands before it, and so do the typedefs that it names.
+// What the definition holds by value stands before it, and so do the typedefs that it names. Other groups are out by now.
 void Order::complete(std::size_t node)
 {
     if (completed_[node]) return;
     completed_[node] = true;
     name(node);
     for (const auto& [used, byValue] : nodes_[node].uses) {
-        if (nodes_[used].group != nodes_[node].group) continue;
         if (byValue)
             complete(used);
         else
@@ -159,8 +151,7 @@ void Order::name(std::size_t node)
 {
     if (nodes_[node].definition->kind != Kind::definedAs || named_[node]) return;
     named_[node] = true;
-    for (const auto& [used, byValue] : nodes_[node].uses)
-        if (nodes_[used].group == nodes_[node].group) name(used);
+    for (const auto& [used, byValue] : nodes_[node].uses) name(used);
     print(node);
 }
 
@@ -241,10 +232,7 @@ std::vector<ArmMember> armMembersOf(const Definition& discriminated)
         if (declaration.form == Form::nothing) continue;
 
         const auto [place, isNew] = places.emplace(declaration.name, out.size());
-        if (isNew || !isSameDeclaration(*out[place->second].declaration, declaration)) {
-            place->second = out.size();
-            out.push_back({&declaration, {}, ""});
-        }
+        if (isNew) out.push_back({&declaration, {}, ""});  // otherwise it has the same type, which was checked
         ArmMember& member = out[place->second];
         for (const Value& value : arm.cases) member.cases.push_back(&value);
         if (member.doc.empty())
@@ -300,7 +288,6 @@ WireShape WireShapes::part(const Declaration& declaration)
         return shape;
     }
     case Form::opaque: return {WireShape::Kind::fixed, (std::uint64_t{declaration.bound} + 3) / 4, false};
-    case Form::nothing: return {WireShape::Kind::fixed, 0, false};
     default: return {WireShape::Kind::body, 0, true};
     }
 }
