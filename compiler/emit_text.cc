@@ -66,7 +66,7 @@ std::string escaped(std::string_view text)
 {
     std::string out;
     for (const char c : text) {
-        if (c == '"' || c == '\\')
+        if (c == '"' || c == '\\' || (c == '?' && out.ends_with('?')))  // two '?' may begin a trigraph
             (out += '\\') += c;
         else if (c == '\n')
             out += "\\n";

@@ -14,7 +14,31 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, ::At& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Element& obj);
 template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Knot& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Loop& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, OuterSeq& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Inner& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Outer& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Choice& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Chosen& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Framed& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Counts& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Parts& obj);
+template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Elements& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarks& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarked& obj);
 
 // Where a door stands. Always as long on the wire.   corners.x:9
 template <class Pass>
@@ -39,7 +63,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Span& obj)
             quorva::walk::field("to", obj.to, quorva::coder::Place));
 }
 
-// Words that other XDR compilers keep for themselves.   corners.x:52
+// Words that other XDR compilers keep for themselves.   corners.x:72
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
 {

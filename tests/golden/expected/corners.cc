@@ -88,7 +88,173 @@ int XdrElement(Xdr* xdrs, void* object)
     return quorva::walk::run<::Element>(xdrs, object);
 }
 
-// corners.x:47
+// Two that lead to each other.   corners.x:48
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Knot& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::optional("loop", obj.loop, quorva::coder::Loop));
+}
+QUORVA_BODY(Knot)
+
+int XdrKnot(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Knot>(xdrs, object);
+}
+
+// corners.x:49
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Loop& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::optional("knot", obj.knot, quorva::coder::Knot));
+}
+QUORVA_BODY(Loop)
+
+int XdrLoop(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Loop>(xdrs, object);
+}
+
+// What it holds stands before it, though that leads back here.   corners.x:52
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Outer& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("inner", obj.inner, quorva::coder::Inner),
+            quorva::walk::optional("next", obj.next, quorva::coder::Outer));
+}
+QUORVA_BODY(Outer)
+
+int XdrOuter(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Outer>(xdrs, object);
+}
+
+// corners.x:53
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Inner& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("others", obj.others, quorva::coder::OuterSeq));
+}
+QUORVA_BODY(Inner)
+
+int XdrInner(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Inner>(xdrs, object);
+}
+
+// corners.x:54
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, OuterSeq& obj)
+{
+    return quorva::walk::parts(pass, at, quorva::walk::list(quorva::walk::untagged, obj, 65535, quorva::coder::Outer));
+}
+QUORVA_BODY(OuterSeq)
+
+int XdrOuterSeq(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<OuterSeq>(xdrs, object);
+}
+
+// Owns nothing, and is as long as its arm.   corners.x:57
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Choice& obj)
+{
+    at = quorva::walk::parts(pass, at, quorva::walk::field("colour", obj.colour, quorva::coder::LampColour));
+    if (!at) return at;
+
+    at = quorva::walk::open(pass, at, "ChoiceUnion");
+    switch (obj.colour) {
+    case LampColour::LCoff:
+        break;
+    case LampColour::LCred:
+        at = quorva::walk::parts(pass, at, quorva::walk::field("place", obj.place, quorva::coder::Place));
+        break;
+    default:
+        return quorva::walk::refuse(pass, at, obj.colour);
+    }
+    return quorva::walk::close(pass, at, "ChoiceUnion");
+}
+QUORVA_BODY(Choice)
+
+int XdrChoice(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Choice>(xdrs, object);
+}
+
+// corners.x:58
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Chosen& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("first", obj.first, quorva::coder::Natural),
+            quorva::walk::field("choice", obj.choice, quorva::coder::Choice));
+}
+QUORVA_BODY(Chosen)
+
+int XdrChosen(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Chosen>(xdrs, object);
+}
+
+// corners.x:59
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Framed& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("chosen", obj.chosen, quorva::coder::Chosen),
+            quorva::walk::field("last", obj.last, quorva::coder::Natural));
+}
+QUORVA_BODY(Framed)
+
+int XdrFramed(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Framed>(xdrs, object);
+}
+
+// Words of a list's own members.   corners.x:62
+int Xdrcount(Xdr* xdrs, void* object)
+{
+    auto* obj = quorva::walk::objectAt<count>(xdrs, object);
+    return obj && XdrNatural(xdrs, obj);
+}
+
+// corners.x:63
+int Xdrelements(Xdr* xdrs, void* object)
+{
+    auto* obj = quorva::walk::objectAt<elements>(xdrs, object);
+    return obj && XdrNatural(xdrs, obj);
+}
+
+// corners.x:64
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Counts& obj)
+{
+    return quorva::walk::parts(pass, at, quorva::walk::list(quorva::walk::untagged, obj, 65535, quorva::coder::count));
+}
+QUORVA_BODY(Counts)
+
+int XdrCounts(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Counts>(xdrs, object);
+}
+
+// corners.x:65
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Parts& obj)
+{
+    return quorva::walk::parts(pass, at, quorva::walk::list(quorva::walk::untagged, obj, 4, quorva::coder::elements));
+}
+QUORVA_BODY(Parts)
+
+int XdrParts(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Parts>(xdrs, object);
+}
+
+// corners.x:67
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Elements& obj)
 {
@@ -102,232 +268,287 @@ int XdrElements(Xdr* xdrs, void* object)
     return quorva::walk::run<::Elements>(xdrs, object);
 }
 
-// corners.x:48
+// corners.x:68
 int XdrelementsOfALongNamedAlias(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<elementsOfALongNamedAlias>(xdrs, object);
     return obj && XdrElement(xdrs, obj);
 }
 
-// corners.x:49
+// corners.x:69
 int XdrRows(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<Rows>(xdrs, object);
     return obj && quorva::walk::vector(quorva::walk::untagged, *obj, quorva::coder::Place).call(xdrs);
 }
 
-// Words that other XDR compilers keep for themselves.   corners.x:52
+// Words that other XDR compilers keep for themselves.   corners.x:72
 int XdrWords(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Words>(xdrs, object);
 }
 
-// Words of the generated code as names of types.   corners.x:61
+// Words of the generated code as names of types.   corners.x:81
 int XdrCalls(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Calls>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:62
+// corners.x:82
 int XdrDecimal(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Decimal>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:63
+// corners.x:83
 int XdrDecoding(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Decoding>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:64
+// corners.x:84
 int XdrEncoding(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Encoding>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:65
+// corners.x:85
 int XdrField(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Field>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:66
+// corners.x:86
 int XdrList(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::List>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:67
+// corners.x:87
 int XdrName(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Name>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:68
+// corners.x:88
 int XdrOptional(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Optional>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:69
+// corners.x:89
 int XdrReleasing(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Releasing>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:70
+// corners.x:90
 int XdrText(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Text>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:71
+// corners.x:91
 int XdrTracing(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Tracing>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:72
+// corners.x:92
 int Xdrbytes(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::bytes>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:73
+// corners.x:93
 int Xdrclose(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::close>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:74
+// corners.x:94
 int Xdrenumeration(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::enumeration>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:75
+// corners.x:95
 int Xdrfield(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::field>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:76
+// corners.x:96
 int Xdrlist(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::list>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:77
+// corners.x:97
 int XdrobjectAt(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::objectAt>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:78
+// corners.x:98
 int Xdropen(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::open>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:79
+// corners.x:99
 int Xdroptional(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::optional>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:80
+// corners.x:100
 int Xdrparts(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::parts>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:81
+// corners.x:101
 int Xdrrefuse(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::refuse>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:82
+// corners.x:102
 int Xdrrun(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::run>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:83
+// corners.x:103
 int Xdrtext(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::text>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:84
+// corners.x:104
 int Xdruntagged(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::untagged>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:85
+// corners.x:105
 int Xdrvector(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::vector>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:86
+// corners.x:106
 int XdrPass(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Pass>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:87
+// corners.x:107
 int Xdrobj(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::obj>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:88
+// corners.x:108
 int Xdrobject(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::object>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:89
+// corners.x:109
 int Xdrpass(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::pass>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:90
+// corners.x:110
 int Xdrxdrs(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::xdrs>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
+}
+
+// Comments of all sorts.   corners.x:119
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarks& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("slashes", obj.slashes, quorva::coder::Natural),
+            quorva::walk::field("exclamation", obj.exclamation, quorva::coder::Natural),
+            quorva::walk::field("below", obj.below, quorva::coder::Natural),
+            quorva::walk::field("apart", obj.apart, quorva::coder::Natural),
+            quorva::walk::field("behind", obj.behind, quorva::coder::Natural),
+            quorva::walk::field("strokes", obj.strokes, quorva::coder::Natural),
+            quorva::walk::field("marks", obj.marks, quorva::coder::Natural),
+            quorva::walk::field("tab", obj.tab, quorva::coder::Natural),
+            quorva::walk::field("broken", obj.broken, quorva::coder::Natural),
+            quorva::walk::field("whole", obj.whole, quorva::coder::Natural),
+            quorva::walk::field("words", obj.words, quorva::coder::Natural),
+            quorva::walk::list("aNameThatIsTooLongForAnyWordsBehindItButLeavesRoomForTheRemarkOnTheMostThatThereMayBeOfThem",
+                               obj.aNameThatIsTooLongForAnyWordsBehindItButLeavesRoomForTheRemarkOnTheMostThatThereMayBeOfThem,
+                               7, quorva::coder::Place));
+}
+QUORVA_BODY(Remarks)
+
+int XdrRemarks(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Remarks>(xdrs, object);
+}
+
+// Comments within a union.   corners.x:141
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarked& obj)
+{
+    at = quorva::walk::parts(pass, at, quorva::walk::field("colour", obj.colour, quorva::coder::LampColour));
+    if (!at) return at;
+
+    at = quorva::walk::open(pass, at, "RemarkedUnion");
+    switch (obj.colour) {
+    case LampColour::LCoff:
+        break;
+    case LampColour::LCgreen:
+        at = quorva::walk::parts(pass, at, quorva::walk::field("steps", obj.steps, quorva::coder::Natural));
+        break;
+    case LampColour::LCred:
+        break;
+    default:
+        return quorva::walk::refuse(pass, at, obj.colour);
+    }
+    return quorva::walk::close(pass, at, "RemarkedUnion");
+}
+QUORVA_BODY(Remarked)
+
+int XdrRemarked(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Remarked>(xdrs, object);
 }

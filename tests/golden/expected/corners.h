@@ -40,6 +40,7 @@ struct At {
     Numbers* field;  // null when absent
     Span pass;
     // at most 7 elements
+    // of those
     quorva::Counted<Place> aNameSoLongThatTheLineWhichItStandsInMustBeBrokenAndThatTheNextOneIsHardlyAnyShorterThanThat;
 };
 
@@ -53,6 +54,66 @@ struct Element {
         // case 4: nothing
         // any other value: nothing
     };
+};
+
+struct Loop;
+
+// Two that lead to each other.
+struct Knot {
+    Loop* loop;  // null when absent
+};
+
+struct Loop {
+    Knot* knot;  // null when absent
+};
+
+struct Outer;
+
+struct OuterSeq {
+    std::uint16_t count;
+    Outer* elements;
+};
+
+struct Inner {
+    OuterSeq others;
+};
+
+// What it holds stands before it, though that leads back here.
+struct Outer {
+    Inner inner;
+    Outer* next;  // null when absent
+};
+
+// Owns nothing, and is as long as its arm.
+struct Choice {
+    LampColour colour;
+    union {
+        Place place;  // case LCred
+        // case LCoff: nothing
+    };
+};
+
+struct Chosen {
+    Natural first;
+    Choice choice;
+};
+
+struct Framed {
+    Chosen chosen;
+    Natural last;
+};
+
+using count = Natural;  // Words of a list's own members.
+using elements = Natural;
+
+struct Counts {
+    std::uint16_t count;
+    ::count* elements;
+};
+
+struct Parts {
+    std::uint16_t count;  // at most 4
+    ::elements* elements;
 };
 
 struct Elements {
@@ -103,6 +164,48 @@ using object = Natural;
 using pass = Natural;
 using xdrs = Natural;
 
+// Comments of all sorts.
+//
+//
+//
+// The second paragraph, behind a line of decoration and two that are empty.
+struct Remarks {
+    Natural slashes;      // three strokes
+    Natural exclamation;  // a stroke too few
+    // goes on
+    // in the line below
+    Natural below;
+    Natural apart;  // ends here
+    // which begins elsewhere
+    // of one kind
+    // and of another
+    Natural behind;
+    Natural strokes;  // ends in \.
+    Natural marks;    // ends in ??/.
+    Natural tab;      // a tab and  nothing
+    Natural broken;   // halves: � �� ��� � ��� ��� ���� ���� ���� �� �(�
+    Natural whole;    // ä ࠀ € ퟿ 𐀀 󠀁 􏿿
+    // So many words that the line which they are to stand in has not got the room for them, and that the table of the
+    // schema, which knows no comments, must put them into a line of their own, too.
+    Natural words;
+    // at most 7 elements
+    // of a few
+    quorva::Counted<Place> aNameThatIsTooLongForAnyWordsBehindItButLeavesRoomForTheRemarkOnTheMostThatThereMayBeOfThem;
+};
+
+// Comments within a union.
+// the arms
+struct Remarked {
+    LampColour colour;  // which
+    union {
+        Natural steps;  // case LCgreen; below
+        // case LCoff: nothing; above
+        // within
+        // behind
+        // case LCred: nothing
+    };
+};
+
 extern "C" {
 
 // The coding routines, each over one object of its type.
@@ -111,6 +214,18 @@ QUORVA_EXPORT int XdrSpan(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrNumbers(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrAt(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrElement(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrKnot(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrLoop(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrOuter(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrInner(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrOuterSeq(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrChoice(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrChosen(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrFramed(Xdr* xdrs, void* object);
+QUORVA_EXPORT int Xdrcount(Xdr* xdrs, void* object);
+QUORVA_EXPORT int Xdrelements(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrCounts(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrParts(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrElements(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrelementsOfALongNamedAlias(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrRows(Xdr* xdrs, void* object);
@@ -145,6 +260,8 @@ QUORVA_EXPORT int Xdrobj(Xdr* xdrs, void* object);
 QUORVA_EXPORT int Xdrobject(Xdr* xdrs, void* object);
 QUORVA_EXPORT int Xdrpass(Xdr* xdrs, void* object);
 QUORVA_EXPORT int Xdrxdrs(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrRemarks(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrRemarked(Xdr* xdrs, void* object);
 
 }  // extern "C"
 
@@ -154,6 +271,18 @@ inline constexpr quorva::Shaped<::Span, quorva::shape::Fixed<12>> Span = {{XdrSp
 inline constexpr quorva::Shaped<::Numbers, quorva::shape::Body<true>> Numbers = {{XdrNumbers, "Numbers"}};
 inline constexpr quorva::Shaped<::At, quorva::shape::Body<true>> At = {{XdrAt, "At"}};
 inline constexpr quorva::Shaped<::Element, quorva::shape::Body<true>> Element = {{XdrElement, "Element"}};
+inline constexpr quorva::Shaped<::Knot, quorva::shape::Body<true>> Knot = {{XdrKnot, "Knot"}};
+inline constexpr quorva::Shaped<::Loop, quorva::shape::Body<true>> Loop = {{XdrLoop, "Loop"}};
+inline constexpr quorva::Shaped<::Outer, quorva::shape::Body<true>> Outer = {{XdrOuter, "Outer"}};
+inline constexpr quorva::Shaped<::Inner, quorva::shape::Body<true>> Inner = {{XdrInner, "Inner"}};
+inline constexpr quorva::Shaped<::OuterSeq, quorva::shape::Body<true>> OuterSeq = {{XdrOuterSeq, "OuterSeq"}};
+inline constexpr quorva::Shaped<::Choice, quorva::shape::Body<true>> Choice = {{XdrChoice, "Choice"}};
+inline constexpr quorva::Shaped<::Chosen, quorva::shape::Body<true>> Chosen = {{XdrChosen, "Chosen"}};
+inline constexpr quorva::Shaped<::Framed, quorva::shape::Body<true>> Framed = {{XdrFramed, "Framed"}};
+inline constexpr quorva::Shaped<::count, decltype(Natural)::Shape> count = {{Xdrcount, "count"}};
+inline constexpr quorva::Shaped<::elements, decltype(Natural)::Shape> elements = {{Xdrelements, "elements"}};
+inline constexpr quorva::Shaped<::Counts, quorva::shape::Body<true>> Counts = {{XdrCounts, "Counts"}};
+inline constexpr quorva::Shaped<::Parts, quorva::shape::Body<true>> Parts = {{XdrParts, "Parts"}};
 inline constexpr quorva::Shaped<::Elements, quorva::shape::Body<true>> Elements = {{XdrElements, "Elements"}};
 inline constexpr quorva::Shaped<::elementsOfALongNamedAlias, quorva::shape::Body<true>>
     elementsOfALongNamedAlias = {{XdrelementsOfALongNamedAlias, "elementsOfALongNamedAlias"}};
@@ -190,6 +319,8 @@ inline constexpr quorva::Shaped<::obj, decltype(Natural)::Shape> obj = {{Xdrobj,
 inline constexpr quorva::Shaped<::object, decltype(Natural)::Shape> object = {{Xdrobject, "object"}};
 inline constexpr quorva::Shaped<::pass, decltype(Natural)::Shape> pass = {{Xdrpass, "pass"}};
 inline constexpr quorva::Shaped<::xdrs, decltype(Natural)::Shape> xdrs = {{Xdrxdrs, "xdrs"}};
+inline constexpr quorva::Shaped<::Remarks, quorva::shape::Body<true>> Remarks = {{XdrRemarks, "Remarks"}};
+inline constexpr quorva::Shaped<::Remarked, quorva::shape::Body<true>> Remarked = {{XdrRemarked, "Remarked"}};
 }  // namespace quorva::coder
 
 namespace quorva {
@@ -204,7 +335,31 @@ inline constexpr Coder<::At> coderOf<::At> = coder::At;
 template <>
 inline constexpr Coder<::Element> coderOf<::Element> = coder::Element;
 template <>
+inline constexpr Coder<::Knot> coderOf<::Knot> = coder::Knot;
+template <>
+inline constexpr Coder<::Loop> coderOf<::Loop> = coder::Loop;
+template <>
+inline constexpr Coder<::Outer> coderOf<::Outer> = coder::Outer;
+template <>
+inline constexpr Coder<::Inner> coderOf<::Inner> = coder::Inner;
+template <>
+inline constexpr Coder<::OuterSeq> coderOf<::OuterSeq> = coder::OuterSeq;
+template <>
+inline constexpr Coder<::Choice> coderOf<::Choice> = coder::Choice;
+template <>
+inline constexpr Coder<::Chosen> coderOf<::Chosen> = coder::Chosen;
+template <>
+inline constexpr Coder<::Framed> coderOf<::Framed> = coder::Framed;
+template <>
+inline constexpr Coder<::Counts> coderOf<::Counts> = coder::Counts;
+template <>
+inline constexpr Coder<::Parts> coderOf<::Parts> = coder::Parts;
+template <>
 inline constexpr Coder<::Elements> coderOf<::Elements> = coder::Elements;
 template <>
 inline constexpr Coder<::Words> coderOf<::Words> = coder::Words;
+template <>
+inline constexpr Coder<::Remarks> coderOf<::Remarks> = coder::Remarks;
+template <>
+inline constexpr Coder<::Remarked> coderOf<::Remarked> = coder::Remarked;
 }  // namespace quorva

@@ -8,10 +8,11 @@
 namespace quorva::schema {
 
 namespace types {
-extern const schema::Type Place, Span, Numbers, At, Element, Elements, elementsOfALongNamedAlias, Rows, Words, Calls,
+extern const schema::Type Place, Span, Numbers, At, Element, Knot, Loop, Outer, Inner, OuterSeq, Choice, Chosen, Framed,
+                          count, elements, Counts, Parts, Elements, elementsOfALongNamedAlias, Rows, Words, Calls,
                           Decimal, Decoding, Encoding, Field, List, Name, Optional, Releasing, Text, Tracing, bytes,
                           close, enumeration, field, list, objectAt, open, optional, parts, refuse, run, text, untagged,
-                          vector, Pass, obj, object, pass, xdrs;
+                          vector, Pass, obj, object, pass, xdrs, Remarks, Remarked;
 
 // Of other modules.
 extern const schema::Type LampColour, Distance;
@@ -86,7 +87,8 @@ constexpr Member AtFields[] = {
     {"pass", {Form::single, &types::Span}, offsetof(::At, pass)},
     {"aNameSoLongThatTheLineWhichItStandsInMustBeBrokenAndThatTheNextOneIsHardlyAnyShorterThanThat",
      {Form::list, &types::Place, 7},
-     offsetof(::At, aNameSoLongThatTheLineWhichItStandsInMustBeBrokenAndThatTheNextOneIsHardlyAnyShorterThanThat)},
+     offsetof(::At, aNameSoLongThatTheLineWhichItStandsInMustBeBrokenAndThatTheNextOneIsHardlyAnyShorterThanThat),
+     "of those"},
 };
 
 constinit const Type types::At = {
@@ -129,12 +131,197 @@ constinit const Type types::Element = {
     .hasDefault = true,
 };
 
+constexpr Member KnotFields[] = {
+    {"loop", {Form::optional, &types::Loop}, offsetof(::Knot, loop)},
+};
+
+constinit const Type types::Knot = {
+    .name = "Knot",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 48,
+    .doc = "Two that lead to each other.",
+    .routine = XdrKnot,
+    .size = sizeof(::Knot),
+    .alignment = alignof(::Knot),
+    .fields = KnotFields,
+};
+
+constexpr Member LoopFields[] = {
+    {"knot", {Form::optional, &types::Knot}, offsetof(::Loop, knot)},
+};
+
+constinit const Type types::Loop = {
+    .name = "Loop",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 49,
+    .routine = XdrLoop,
+    .size = sizeof(::Loop),
+    .alignment = alignof(::Loop),
+    .fields = LoopFields,
+};
+
+constexpr Member OuterFields[] = {
+    {"inner", {Form::single, &types::Inner}, offsetof(::Outer, inner)},
+    {"next", {Form::optional, &types::Outer}, offsetof(::Outer, next)},
+};
+
+constinit const Type types::Outer = {
+    .name = "Outer",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 52,
+    .doc = "What it holds stands before it, though that leads back here.",
+    .routine = XdrOuter,
+    .size = sizeof(::Outer),
+    .alignment = alignof(::Outer),
+    .fields = OuterFields,
+};
+
+constexpr Member InnerFields[] = {
+    {"others", {Form::single, &types::OuterSeq}, offsetof(::Inner, others)},
+};
+
+constinit const Type types::Inner = {
+    .name = "Inner",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 53,
+    .routine = XdrInner,
+    .size = sizeof(::Inner),
+    .alignment = alignof(::Inner),
+    .fields = InnerFields,
+};
+
+constinit const Type types::OuterSeq = {
+    .name = "OuterSeq",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 54,
+    .routine = XdrOuterSeq,
+    .size = sizeof(::OuterSeq),
+    .alignment = alignof(::OuterSeq),
+    .target = {Form::list, &types::Outer, 65535},
+};
+
+constexpr Member ChoiceFields[] = {
+    {"colour", {Form::single, &types::LampColour}, offsetof(::Choice, colour)},
+};
+
+constexpr Arm ChoiceArms[] = {
+    {cases<0>, {}},
+    {cases<2>, {"place", {Form::single, &types::Place}, offsetof(::Choice, place)}},
+};
+
+constinit const Type types::Choice = {
+    .name = "Choice",
+    .kind = Kind::discriminated,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 57,
+    .doc = "Owns nothing, and is as long as its arm.",
+    .routine = XdrChoice,
+    .size = sizeof(::Choice),
+    .alignment = alignof(::Choice),
+    .fields = ChoiceFields,
+    .arms = ChoiceArms,
+};
+
+constexpr Member ChosenFields[] = {
+    {"first", {Form::single, &types::Natural}, offsetof(::Chosen, first)},
+    {"choice", {Form::single, &types::Choice}, offsetof(::Chosen, choice)},
+};
+
+constinit const Type types::Chosen = {
+    .name = "Chosen",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 58,
+    .routine = XdrChosen,
+    .size = sizeof(::Chosen),
+    .alignment = alignof(::Chosen),
+    .fields = ChosenFields,
+};
+
+constexpr Member FramedFields[] = {
+    {"chosen", {Form::single, &types::Chosen}, offsetof(::Framed, chosen)},
+    {"last", {Form::single, &types::Natural}, offsetof(::Framed, last)},
+};
+
+constinit const Type types::Framed = {
+    .name = "Framed",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 59,
+    .routine = XdrFramed,
+    .size = sizeof(::Framed),
+    .alignment = alignof(::Framed),
+    .fields = FramedFields,
+};
+
+constinit const Type types::count = {
+    .name = "count",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 62,
+    .doc = "Words of a list's own members.",
+    .routine = Xdrcount,
+    .size = sizeof(::count),
+    .alignment = alignof(::count),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::elements = {
+    .name = "elements",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 63,
+    .routine = Xdrelements,
+    .size = sizeof(::elements),
+    .alignment = alignof(::elements),
+    .target = {Form::single, &types::Natural},
+};
+
+constinit const Type types::Counts = {
+    .name = "Counts",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 64,
+    .routine = XdrCounts,
+    .size = sizeof(::Counts),
+    .alignment = alignof(::Counts),
+    .target = {Form::list, &types::count, 65535},
+};
+
+constinit const Type types::Parts = {
+    .name = "Parts",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 65,
+    .routine = XdrParts,
+    .size = sizeof(::Parts),
+    .alignment = alignof(::Parts),
+    .target = {Form::list, &types::elements, 4},
+};
+
 constinit const Type types::Elements = {
     .name = "Elements",
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 47,
+    .line = 67,
     .routine = XdrElements,
     .size = sizeof(::Elements),
     .alignment = alignof(::Elements),
@@ -146,7 +333,7 @@ constinit const Type types::elementsOfALongNamedAlias = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 48,
+    .line = 68,
     .routine = XdrelementsOfALongNamedAlias,
     .size = sizeof(::elementsOfALongNamedAlias),
     .alignment = alignof(::elementsOfALongNamedAlias),
@@ -158,7 +345,7 @@ constinit const Type types::Rows = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 49,
+    .line = 69,
     .routine = XdrRows,
     .size = sizeof(::Rows),
     .alignment = alignof(::Rows),
@@ -178,7 +365,7 @@ constinit const Type types::Words = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 52,
+    .line = 72,
     .doc = "Words that other XDR compilers keep for themselves.",
     .routine = XdrWords,
     .size = sizeof(::Words),
@@ -191,7 +378,7 @@ constinit const Type types::Calls = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 61,
+    .line = 81,
     .doc = "Words of the generated code as names of types.",
     .routine = XdrCalls,
     .size = sizeof(::Calls),
@@ -204,7 +391,7 @@ constinit const Type types::Decimal = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 62,
+    .line = 82,
     .routine = XdrDecimal,
     .size = sizeof(::Decimal),
     .alignment = alignof(::Decimal),
@@ -216,7 +403,7 @@ constinit const Type types::Decoding = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 63,
+    .line = 83,
     .routine = XdrDecoding,
     .size = sizeof(::Decoding),
     .alignment = alignof(::Decoding),
@@ -228,7 +415,7 @@ constinit const Type types::Encoding = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 64,
+    .line = 84,
     .routine = XdrEncoding,
     .size = sizeof(::Encoding),
     .alignment = alignof(::Encoding),
@@ -240,7 +427,7 @@ constinit const Type types::Field = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 65,
+    .line = 85,
     .routine = XdrField,
     .size = sizeof(::Field),
     .alignment = alignof(::Field),
@@ -252,7 +439,7 @@ constinit const Type types::List = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 66,
+    .line = 86,
     .routine = XdrList,
     .size = sizeof(::List),
     .alignment = alignof(::List),
@@ -264,7 +451,7 @@ constinit const Type types::Name = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 67,
+    .line = 87,
     .routine = XdrName,
     .size = sizeof(::Name),
     .alignment = alignof(::Name),
@@ -276,7 +463,7 @@ constinit const Type types::Optional = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 68,
+    .line = 88,
     .routine = XdrOptional,
     .size = sizeof(::Optional),
     .alignment = alignof(::Optional),
@@ -288,7 +475,7 @@ constinit const Type types::Releasing = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 69,
+    .line = 89,
     .routine = XdrReleasing,
     .size = sizeof(::Releasing),
     .alignment = alignof(::Releasing),
@@ -300,7 +487,7 @@ constinit const Type types::Text = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 70,
+    .line = 90,
     .routine = XdrText,
     .size = sizeof(::Text),
     .alignment = alignof(::Text),
@@ -312,7 +499,7 @@ constinit const Type types::Tracing = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 71,
+    .line = 91,
     .routine = XdrTracing,
     .size = sizeof(::Tracing),
     .alignment = alignof(::Tracing),
@@ -324,7 +511,7 @@ constinit const Type types::bytes = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 72,
+    .line = 92,
     .routine = Xdrbytes,
     .size = sizeof(::bytes),
     .alignment = alignof(::bytes),
@@ -336,7 +523,7 @@ constinit const Type types::close = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 73,
+    .line = 93,
     .routine = Xdrclose,
     .size = sizeof(::close),
     .alignment = alignof(::close),
@@ -348,7 +535,7 @@ constinit const Type types::enumeration = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 74,
+    .line = 94,
     .routine = Xdrenumeration,
     .size = sizeof(::enumeration),
     .alignment = alignof(::enumeration),
@@ -360,7 +547,7 @@ constinit const Type types::field = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 75,
+    .line = 95,
     .routine = Xdrfield,
     .size = sizeof(::field),
     .alignment = alignof(::field),
@@ -372,7 +559,7 @@ constinit const Type types::list = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 76,
+    .line = 96,
     .routine = Xdrlist,
     .size = sizeof(::list),
     .alignment = alignof(::list),
@@ -384,7 +571,7 @@ constinit const Type types::objectAt = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 77,
+    .line = 97,
     .routine = XdrobjectAt,
     .size = sizeof(::objectAt),
     .alignment = alignof(::objectAt),
@@ -396,7 +583,7 @@ constinit const Type types::open = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 78,
+    .line = 98,
     .routine = Xdropen,
     .size = sizeof(::open),
     .alignment = alignof(::open),
@@ -408,7 +595,7 @@ constinit const Type types::optional = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 79,
+    .line = 99,
     .routine = Xdroptional,
     .size = sizeof(::optional),
     .alignment = alignof(::optional),
@@ -420,7 +607,7 @@ constinit const Type types::parts = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 80,
+    .line = 100,
     .routine = Xdrparts,
     .size = sizeof(::parts),
     .alignment = alignof(::parts),
@@ -432,7 +619,7 @@ constinit const Type types::refuse = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 81,
+    .line = 101,
     .routine = Xdrrefuse,
     .size = sizeof(::refuse),
     .alignment = alignof(::refuse),
@@ -444,7 +631,7 @@ constinit const Type types::run = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 82,
+    .line = 102,
     .routine = Xdrrun,
     .size = sizeof(::run),
     .alignment = alignof(::run),
@@ -456,7 +643,7 @@ constinit const Type types::text = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 83,
+    .line = 103,
     .routine = Xdrtext,
     .size = sizeof(::text),
     .alignment = alignof(::text),
@@ -468,7 +655,7 @@ constinit const Type types::untagged = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 84,
+    .line = 104,
     .routine = Xdruntagged,
     .size = sizeof(::untagged),
     .alignment = alignof(::untagged),
@@ -480,7 +667,7 @@ constinit const Type types::vector = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 85,
+    .line = 105,
     .routine = Xdrvector,
     .size = sizeof(::vector),
     .alignment = alignof(::vector),
@@ -492,7 +679,7 @@ constinit const Type types::Pass = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 86,
+    .line = 106,
     .routine = XdrPass,
     .size = sizeof(::Pass),
     .alignment = alignof(::Pass),
@@ -504,7 +691,7 @@ constinit const Type types::obj = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 87,
+    .line = 107,
     .routine = Xdrobj,
     .size = sizeof(::obj),
     .alignment = alignof(::obj),
@@ -516,7 +703,7 @@ constinit const Type types::object = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 88,
+    .line = 108,
     .routine = Xdrobject,
     .size = sizeof(::object),
     .alignment = alignof(::object),
@@ -528,7 +715,7 @@ constinit const Type types::pass = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 89,
+    .line = 109,
     .routine = Xdrpass,
     .size = sizeof(::pass),
     .alignment = alignof(::pass),
@@ -540,11 +727,71 @@ constinit const Type types::xdrs = {
     .kind = Kind::definedAs,
     .module = "corners",
     .file = "corners.x",
-    .line = 90,
+    .line = 110,
     .routine = Xdrxdrs,
     .size = sizeof(::xdrs),
     .alignment = alignof(::xdrs),
     .target = {Form::single, &types::Natural},
+};
+
+constexpr Member RemarksFields[] = {
+    {"slashes", {Form::single, &types::Natural}, offsetof(::Remarks, slashes), "three strokes"},
+    {"exclamation", {Form::single, &types::Natural}, offsetof(::Remarks, exclamation), "a stroke too few"},
+    {"below", {Form::single, &types::Natural}, offsetof(::Remarks, below), "goes on\nin the line below"},
+    {"apart", {Form::single, &types::Natural}, offsetof(::Remarks, apart), "ends here"},
+    {"behind", {Form::single, &types::Natural}, offsetof(::Remarks, behind),
+     "which begins elsewhere\nof one kind\nand of another"},
+    {"strokes", {Form::single, &types::Natural}, offsetof(::Remarks, strokes), "ends in \\"},
+    {"marks", {Form::single, &types::Natural}, offsetof(::Remarks, marks), "ends in ?\?/"},
+    {"tab", {Form::single, &types::Natural}, offsetof(::Remarks, tab), "a tab and  nothing"},
+    {"broken", {Form::single, &types::Natural}, offsetof(::Remarks, broken),
+     "halves: � �� ��� � ��� ��� ���� ���� ���� �� �(�"},
+    {"whole", {Form::single, &types::Natural}, offsetof(::Remarks, whole), "ä ࠀ € ퟿ 𐀀 󠀁 􏿿"},
+    {"words", {Form::single, &types::Natural}, offsetof(::Remarks, words),
+     "So many words that the line which they are to stand in has not got the room for them, and that the table of "
+     "the\n"
+     "schema, which knows no comments, must put them into a line of their own, too."},
+    {"aNameThatIsTooLongForAnyWordsBehindItButLeavesRoomForTheRemarkOnTheMostThatThereMayBeOfThem",
+     {Form::list, &types::Place, 7},
+     offsetof(::Remarks, aNameThatIsTooLongForAnyWordsBehindItButLeavesRoomForTheRemarkOnTheMostThatThereMayBeOfThem),
+     "of a few"},
+};
+
+constinit const Type types::Remarks = {
+    .name = "Remarks",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 119,
+    .doc = "Comments of all sorts.\n\n\n\nThe second paragraph, behind a line of decoration and two that are empty.",
+    .routine = XdrRemarks,
+    .size = sizeof(::Remarks),
+    .alignment = alignof(::Remarks),
+    .fields = RemarksFields,
+};
+
+constexpr Member RemarkedFields[] = {
+    {"colour", {Form::single, &types::LampColour}, offsetof(::Remarked, colour), "which"},
+};
+
+constexpr Arm RemarkedArms[] = {
+    {cases<0>, {"", {}, 0, "above\nwithin\nbehind"}},
+    {cases<1>, {"steps", {Form::single, &types::Natural}, offsetof(::Remarked, steps), "below"}},
+    {cases<2>, {}},
+};
+
+constinit const Type types::Remarked = {
+    .name = "Remarked",
+    .kind = Kind::discriminated,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 141,
+    .doc = "Comments within a union.\nthe arms",
+    .routine = XdrRemarked,
+    .size = sizeof(::Remarked),
+    .alignment = alignof(::Remarked),
+    .fields = RemarkedFields,
+    .arms = RemarkedArms,
 };
 
 namespace tables {
@@ -557,6 +804,18 @@ constexpr const Type* definitions[] = {
     &types::Numbers,
     &types::At,
     &types::Element,
+    &types::Knot,
+    &types::Loop,
+    &types::Outer,
+    &types::Inner,
+    &types::OuterSeq,
+    &types::Choice,
+    &types::Chosen,
+    &types::Framed,
+    &types::count,
+    &types::elements,
+    &types::Counts,
+    &types::Parts,
     &types::Elements,
     &types::elementsOfALongNamedAlias,
     &types::Rows,
@@ -591,6 +850,8 @@ constexpr const Type* definitions[] = {
     &types::object,
     &types::pass,
     &types::xdrs,
+    &types::Remarks,
+    &types::Remarked,
 };
 
 constinit const Module tables::of_corners = {

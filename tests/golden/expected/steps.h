@@ -1,0 +1,8 @@
+// steps.h: made from steps.x by quorvaxdrc. Change the interface file, not this one.
+#pragma once
+
+#include <quorvapixdr/primitives.h>
+
+#include <cstdint>
+
+inline constexpr std::int32_t Steps = 4;
