@@ -144,7 +144,7 @@ private:
     {
         const std::string_view line = text.substr(begin, end - begin);
         if (line == "*") {
-            if (bytes.size() < rowBytes || rowBytes == 0) fail(begin, "\"*\" without a line of bytes before it");
+            if (rowBytes == 0) fail(begin, "\"*\" without a line of bytes before it");
             repeatAt = begin;
             return;
         }
