@@ -274,7 +274,7 @@ WireShape WireShapes::of(const Definition& definition)
 WireShape WireShapes::of(const TypeRef& type)
 {
     if (type.definition) return of(*type.definition);
-    return {WireShape::Kind::number, 1, type.builtin == Builtin::Float};  // a float prints in every pass
+    return {WireShape::Kind::number, type.builtin == Builtin::Float, 1};  // a float prints in every pass
 }
 
 // A part of an object: its units where they never vary.
@@ -287,8 +287,8 @@ WireShape WireShapes::part(const Declaration& declaration)
         shape.units *= declaration.bound;
         return shape;
     }
-    case Form::opaque: return {WireShape::Kind::fixed, (std::uint64_t{declaration.bound} + 3) / 4, false};
-    default: return {WireShape::Kind::body, 0, true};
+    case Form::opaque: return {WireShape::Kind::fixed, false, (std::uint64_t{declaration.bound} + 3) / 4};
+    default: return {};
     }
 }
 
@@ -296,28 +296,26 @@ WireShape WireShapes::find(const Definition& definition)
 {
     constexpr std::uint64_t mostUnits = 16383;  // of a message; what is larger is never one run
     switch (definition.kind) {
-    case Kind::enumeration: return {WireShape::Kind::number, 1, false};
+    case Kind::enumeration: return {WireShape::Kind::number, false, 1};
     case Kind::definedAs:
         switch (definition.target.form) {
         case Form::single: return of(definition.target.type);
-        case Form::string: return {WireShape::Kind::text, 0, true};
+        case Form::string: return {WireShape::Kind::text};
         case Form::list:
-        case Form::bytes: return {WireShape::Kind::body, 0, true};
+        case Form::bytes: return {WireShape::Kind::body};
         default: return {};
         }
     case Kind::record: {
-        WireShape all = {WireShape::Kind::fixed, 0, false};
+        WireShape all = {WireShape::Kind::fixed, false};
         for (const Declaration& field : definition.fields) {
             const WireShape each = part(field);
-            if (each.units == 0 || each.owns) all.kind = WireShape::Kind::body;
-            all.units += each.units;
-            if (all.units > mostUnits) all.kind = WireShape::Kind::body;
+            all.units = std::min(all.units + each.units, mostUnits + 1);
             all.owns = all.owns || each.owns;
         }
-        if (all.kind == WireShape::Kind::body) all.units = 0;
+        if (all.owns || all.units > mostUnits) all.kind = WireShape::Kind::body;
         return all;
     }
-    default: return {WireShape::Kind::body, 0, true};
+    default: return {WireShape::Kind::body};
     }
 }
 

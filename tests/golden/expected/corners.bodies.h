@@ -39,6 +39,12 @@ template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarks& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarked& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Vast& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Vaster& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Silent& obj);
 
 // Where a door stands. Always as long on the wire.   corners.x:9
 template <class Pass>
@@ -74,4 +80,13 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
             quorva::walk::field("program", obj.program, quorva::coder::Distance),
             quorva::walk::field("quad", obj.quad, quorva::coder::Distance),
             quorva::walk::field("restrict", obj.restrict, quorva::coder::Distance));
+}
+
+// corners.x:156
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Largest& obj)
+{
+    using namespace quorva::walk;
+    return quorva::walk::parts(pass, at,
+            opaque("map", obj.map));
 }

@@ -552,3 +552,64 @@ int XdrRemarked(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Remarked>(xdrs, object);
 }
+
+// What is longer than a message is no run of units.   corners.x:151
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Vast& obj)
+{
+    return quorva::walk::parts(pass, at,
+            opaque("map", obj.map),
+            quorva::walk::field("last", obj.last, quorva::coder::Natural));
+}
+QUORVA_BODY(Vast)
+
+int XdrVast(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Vast>(xdrs, object);
+}
+
+// corners.x:155
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Vaster& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("vast", obj.vast, quorva::coder::Vast));
+}
+QUORVA_BODY(Vaster)
+
+int XdrVaster(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Vaster>(xdrs, object);
+}
+
+// corners.x:156
+int XdrLargest(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Largest>(xdrs, object);
+}
+
+// A remark that must be broken.   corners.x:159
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Silent& obj)
+{
+    at = quorva::walk::parts(pass, at, quorva::walk::field("number", obj.number, quorva::coder::LongNatural));
+    if (!at) return at;
+
+    at = quorva::walk::open(pass, at, "SilentUnion");
+    switch (obj.number) {
+    case 8:
+        at = quorva::walk::parts(pass, at, quorva::walk::field("loud", obj.loud, quorva::coder::Natural));
+        break;
+    case 9:
+        break;
+    default:
+        return quorva::walk::refuse(pass, at, obj.number);
+    }
+    return quorva::walk::close(pass, at, "SilentUnion");
+}
+QUORVA_BODY(Silent)
+
+int XdrSilent(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Silent>(xdrs, object);
+}

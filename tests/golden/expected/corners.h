@@ -206,6 +206,30 @@ struct Remarked {
     };
 };
 
+// What is longer than a message is no run of units.
+struct Vast {
+    unsigned char map[65532];
+    Natural last;
+};
+
+struct Vaster {
+    Vast vast;
+};
+
+struct Largest {
+    unsigned char map[65532];
+};
+
+// A remark that must be broken.
+struct Silent {
+    LongNatural number;
+    union {
+        Natural loud;  // case 8
+        // case 9: nothing; words that fill the line to its very last column, which no other line does xxxxxxxxxxxxxxxxx
+        // a z
+    };
+};
+
 extern "C" {
 
 // The coding routines, each over one object of its type.
@@ -262,6 +286,10 @@ QUORVA_EXPORT int Xdrpass(Xdr* xdrs, void* object);
 QUORVA_EXPORT int Xdrxdrs(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrRemarks(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrRemarked(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrVast(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrVaster(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrLargest(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrSilent(Xdr* xdrs, void* object);
 
 }  // extern "C"
 
@@ -321,6 +349,10 @@ inline constexpr quorva::Shaped<::pass, decltype(Natural)::Shape> pass = {{Xdrpa
 inline constexpr quorva::Shaped<::xdrs, decltype(Natural)::Shape> xdrs = {{Xdrxdrs, "xdrs"}};
 inline constexpr quorva::Shaped<::Remarks, quorva::shape::Body<true>> Remarks = {{XdrRemarks, "Remarks"}};
 inline constexpr quorva::Shaped<::Remarked, quorva::shape::Body<true>> Remarked = {{XdrRemarked, "Remarked"}};
+inline constexpr quorva::Shaped<::Vast, quorva::shape::Body<false>> Vast = {{XdrVast, "Vast"}};
+inline constexpr quorva::Shaped<::Vaster, quorva::shape::Body<false>> Vaster = {{XdrVaster, "Vaster"}};
+inline constexpr quorva::Shaped<::Largest, quorva::shape::Fixed<16383>> Largest = {{XdrLargest, "Largest"}};
+inline constexpr quorva::Shaped<::Silent, quorva::shape::Body<true>> Silent = {{XdrSilent, "Silent"}};
 }  // namespace quorva::coder
 
 namespace quorva {
@@ -362,4 +394,12 @@ template <>
 inline constexpr Coder<::Remarks> coderOf<::Remarks> = coder::Remarks;
 template <>
 inline constexpr Coder<::Remarked> coderOf<::Remarked> = coder::Remarked;
+template <>
+inline constexpr Coder<::Vast> coderOf<::Vast> = coder::Vast;
+template <>
+inline constexpr Coder<::Vaster> coderOf<::Vaster> = coder::Vaster;
+template <>
+inline constexpr Coder<::Largest> coderOf<::Largest> = coder::Largest;
+template <>
+inline constexpr Coder<::Silent> coderOf<::Silent> = coder::Silent;
 }  // namespace quorva

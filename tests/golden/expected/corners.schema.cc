@@ -12,7 +12,7 @@ extern const schema::Type Place, Span, Numbers, At, Element, Knot, Loop, Outer, 
                           count, elements, Counts, Parts, Elements, elementsOfALongNamedAlias, Rows, Words, Calls,
                           Decimal, Decoding, Encoding, Field, List, Name, Optional, Releasing, Text, Tracing, bytes,
                           close, enumeration, field, list, objectAt, open, optional, parts, refuse, run, text, untagged,
-                          vector, Pass, obj, object, pass, xdrs, Remarks, Remarked;
+                          vector, Pass, obj, object, pass, xdrs, Remarks, Remarked, Vast, Vaster, Largest, Silent;
 
 // Of other modules.
 extern const schema::Type LampColour, Distance;
@@ -794,6 +794,80 @@ constinit const Type types::Remarked = {
     .arms = RemarkedArms,
 };
 
+constexpr Member VastFields[] = {
+    {"map", {Form::opaque, nullptr, 65532}, offsetof(::Vast, map)},
+    {"last", {Form::single, &types::Natural}, offsetof(::Vast, last)},
+};
+
+constinit const Type types::Vast = {
+    .name = "Vast",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 151,
+    .doc = "What is longer than a message is no run of units.",
+    .routine = XdrVast,
+    .size = sizeof(::Vast),
+    .alignment = alignof(::Vast),
+    .fields = VastFields,
+};
+
+constexpr Member VasterFields[] = {
+    {"vast", {Form::single, &types::Vast}, offsetof(::Vaster, vast)},
+};
+
+constinit const Type types::Vaster = {
+    .name = "Vaster",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 155,
+    .routine = XdrVaster,
+    .size = sizeof(::Vaster),
+    .alignment = alignof(::Vaster),
+    .fields = VasterFields,
+};
+
+constexpr Member LargestFields[] = {
+    {"map", {Form::opaque, nullptr, 65532}, offsetof(::Largest, map)},
+};
+
+constinit const Type types::Largest = {
+    .name = "Largest",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 156,
+    .routine = XdrLargest,
+    .size = sizeof(::Largest),
+    .alignment = alignof(::Largest),
+    .fields = LargestFields,
+};
+
+constexpr Member SilentFields[] = {
+    {"number", {Form::single, &types::LongNatural}, offsetof(::Silent, number)},
+};
+
+constexpr Arm SilentArms[] = {
+    {cases<8>, {"loud", {Form::single, &types::Natural}, offsetof(::Silent, loud)}},
+    {cases<9>, {"", {}, 0,
+                "words that fill the line to its very last column, which no other line does xxxxxxxxxxxxxxxxx a z"}},
+};
+
+constinit const Type types::Silent = {
+    .name = "Silent",
+    .kind = Kind::discriminated,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 159,
+    .doc = "A remark that must be broken.",
+    .routine = XdrSilent,
+    .size = sizeof(::Silent),
+    .alignment = alignof(::Silent),
+    .fields = SilentFields,
+    .arms = SilentArms,
+};
+
 namespace tables {
 extern const schema::Module of_corners;
 }
@@ -852,6 +926,10 @@ constexpr const Type* definitions[] = {
     &types::xdrs,
     &types::Remarks,
     &types::Remarked,
+    &types::Vast,
+    &types::Vaster,
+    &types::Largest,
+    &types::Silent,
 };
 
 constinit const Module tables::of_corners = {

@@ -6,3 +6,4 @@
 #include <cstdint>
 
 inline constexpr std::int32_t Steps = 4;
+inline constexpr std::int32_t MostSteps = 0x7FFFFFFF;
