@@ -28,8 +28,8 @@ private:
     static constexpr std::size_t unseen = std::numeric_limits<std::size_t>::max();
 
     struct Use {
-        std::size_t node = 0;
-        bool byValue = false;
+        std::size_t node;
+        bool byValue;
     };
     struct Node {
         const Definition* definition = nullptr;
@@ -39,8 +39,8 @@ private:
         bool isClosed = false;  // its group is known
     };
     struct Step {
-        std::size_t node = 0;
-        std::size_t nextUse = 0;
+        std::size_t node;
+        std::size_t nextUse;
     };
 
     void visit(std::size_t start);
@@ -130,12 +130,11 @@ void Order::closeGroup(std::size_t node)
     for (const std::size_t member : group) complete(member);
 }
 
-// What the definition holds by value stands before it, and so do the typedefs that it names. Other groups are out by now.
+// What the definition holds by value stands before it, and so do the typedefs that it names. Other groups are out.
 void Order::complete(std::size_t node)
 {
     if (completed_[node]) return;
     completed_[node] = true;
-    name(node);
     for (const auto& [used, byValue] : nodes_[node].uses) {
         if (byValue)
             complete(used);

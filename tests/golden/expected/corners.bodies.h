@@ -24,6 +24,12 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Inner& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Outer& obj);
 template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Self& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Ladders& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Rungs& obj);
+template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Choice& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Chosen& obj);
@@ -69,7 +75,16 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Span& obj)
             quorva::walk::field("to", obj.to, quorva::coder::Place));
 }
 
-// Words that other XDR compilers keep for themselves.   corners.x:72
+// corners.x:60
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Late& obj)
+{
+    using namespace quorva::walk;
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("hour", obj.hour, quorva::coder::Natural));
+}
+
+// Words that other XDR compilers keep for themselves.   corners.x:80
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
 {
@@ -82,7 +97,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
             quorva::walk::field("restrict", obj.restrict, quorva::coder::Distance));
 }
 
-// corners.x:156
+// corners.x:164
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Largest& obj)
 {

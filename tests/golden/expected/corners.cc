@@ -158,7 +158,69 @@ int XdrOuterSeq(Xdr* xdrs, void* object)
     return quorva::walk::run<OuterSeq>(xdrs, object);
 }
 
-// Owns nothing, and is as long as its arm.   corners.x:57
+// A typedef stands before what names it, and what leads nowhere before what leads to it.   corners.x:57
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Self& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::optional("my", obj.my, quorva::coder::My),
+            quorva::walk::optional("late", obj.late, quorva::coder::Late));
+}
+QUORVA_BODY(Self)
+
+int XdrSelf(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Self>(xdrs, object);
+}
+
+// corners.x:58
+int XdrMy(Xdr* xdrs, void* object)
+{
+    auto* obj = quorva::walk::objectAt<My>(xdrs, object);
+    return obj && XdrMe(xdrs, obj);
+}
+
+// corners.x:59
+int XdrMe(Xdr* xdrs, void* object)
+{
+    auto* obj = quorva::walk::objectAt<Me>(xdrs, object);
+    return obj && XdrSelf(xdrs, obj);
+}
+
+// corners.x:60
+int XdrLate(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Late>(xdrs, object);
+}
+
+// corners.x:61
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Ladders& obj)
+{
+    return quorva::walk::parts(pass, at, quorva::walk::list(quorva::walk::untagged, obj, 65535, quorva::coder::Rungs));
+}
+QUORVA_BODY(Ladders)
+
+int XdrLadders(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Ladders>(xdrs, object);
+}
+
+// corners.x:62
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Rungs& obj)
+{
+    return quorva::walk::parts(pass, at, quorva::walk::list(quorva::walk::untagged, obj, 65535,
+                                                            quorva::coder::Ladders));
+}
+QUORVA_BODY(Rungs)
+
+int XdrRungs(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Rungs>(xdrs, object);
+}
+
+// Owns nothing, and is as long as its arm.   corners.x:65
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Choice& obj)
 {
@@ -184,7 +246,7 @@ int XdrChoice(Xdr* xdrs, void* object)
     return quorva::walk::run<Choice>(xdrs, object);
 }
 
-// corners.x:58
+// corners.x:66
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Chosen& obj)
 {
@@ -199,7 +261,7 @@ int XdrChosen(Xdr* xdrs, void* object)
     return quorva::walk::run<Chosen>(xdrs, object);
 }
 
-// corners.x:59
+// corners.x:67
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Framed& obj)
 {
@@ -214,21 +276,21 @@ int XdrFramed(Xdr* xdrs, void* object)
     return quorva::walk::run<Framed>(xdrs, object);
 }
 
-// Words of a list's own members.   corners.x:62
+// Words of a list's own members.   corners.x:70
 int Xdrcount(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<count>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:63
+// corners.x:71
 int Xdrelements(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<elements>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:64
+// corners.x:72
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Counts& obj)
 {
@@ -241,7 +303,7 @@ int XdrCounts(Xdr* xdrs, void* object)
     return quorva::walk::run<Counts>(xdrs, object);
 }
 
-// corners.x:65
+// corners.x:73
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Parts& obj)
 {
@@ -254,7 +316,7 @@ int XdrParts(Xdr* xdrs, void* object)
     return quorva::walk::run<Parts>(xdrs, object);
 }
 
-// corners.x:67
+// corners.x:75
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Elements& obj)
 {
@@ -268,237 +330,237 @@ int XdrElements(Xdr* xdrs, void* object)
     return quorva::walk::run<::Elements>(xdrs, object);
 }
 
-// corners.x:68
+// corners.x:76
 int XdrelementsOfALongNamedAlias(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<elementsOfALongNamedAlias>(xdrs, object);
     return obj && XdrElement(xdrs, obj);
 }
 
-// corners.x:69
+// corners.x:77
 int XdrRows(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<Rows>(xdrs, object);
     return obj && quorva::walk::vector(quorva::walk::untagged, *obj, quorva::coder::Place).call(xdrs);
 }
 
-// Words that other XDR compilers keep for themselves.   corners.x:72
+// Words that other XDR compilers keep for themselves.   corners.x:80
 int XdrWords(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Words>(xdrs, object);
 }
 
-// Words of the generated code as names of types.   corners.x:81
+// Words of the generated code as names of types.   corners.x:89
 int XdrCalls(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Calls>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:82
+// corners.x:90
 int XdrDecimal(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Decimal>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:83
+// corners.x:91
 int XdrDecoding(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Decoding>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:84
+// corners.x:92
 int XdrEncoding(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Encoding>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:85
+// corners.x:93
 int XdrField(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Field>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:86
+// corners.x:94
 int XdrList(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::List>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:87
+// corners.x:95
 int XdrName(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Name>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:88
+// corners.x:96
 int XdrOptional(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Optional>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:89
+// corners.x:97
 int XdrReleasing(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Releasing>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:90
+// corners.x:98
 int XdrText(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Text>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:91
+// corners.x:99
 int XdrTracing(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Tracing>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:92
+// corners.x:100
 int Xdrbytes(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::bytes>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:93
+// corners.x:101
 int Xdrclose(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::close>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:94
+// corners.x:102
 int Xdrenumeration(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::enumeration>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:95
+// corners.x:103
 int Xdrfield(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::field>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:96
+// corners.x:104
 int Xdrlist(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::list>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:97
+// corners.x:105
 int XdrobjectAt(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::objectAt>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:98
+// corners.x:106
 int Xdropen(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::open>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:99
+// corners.x:107
 int Xdroptional(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::optional>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:100
+// corners.x:108
 int Xdrparts(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::parts>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:101
+// corners.x:109
 int Xdrrefuse(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::refuse>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:102
+// corners.x:110
 int Xdrrun(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::run>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:103
+// corners.x:111
 int Xdrtext(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::text>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:104
+// corners.x:112
 int Xdruntagged(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::untagged>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:105
+// corners.x:113
 int Xdrvector(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::vector>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:106
+// corners.x:114
 int XdrPass(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Pass>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:107
+// corners.x:115
 int Xdrobj(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::obj>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:108
+// corners.x:116
 int Xdrobject(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::object>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:109
+// corners.x:117
 int Xdrpass(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::pass>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:110
+// corners.x:118
 int Xdrxdrs(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::xdrs>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// Comments of all sorts.   corners.x:119
+// Comments of all sorts.   corners.x:127
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarks& obj)
 {
@@ -525,7 +587,7 @@ int XdrRemarks(Xdr* xdrs, void* object)
     return quorva::walk::run<Remarks>(xdrs, object);
 }
 
-// Comments within a union.   corners.x:141
+// Comments within a union.   corners.x:149
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarked& obj)
 {
@@ -553,7 +615,7 @@ int XdrRemarked(Xdr* xdrs, void* object)
     return quorva::walk::run<Remarked>(xdrs, object);
 }
 
-// What is longer than a message is no run of units.   corners.x:151
+// What is longer than a message is no run of units.   corners.x:159
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Vast& obj)
 {
@@ -568,7 +630,7 @@ int XdrVast(Xdr* xdrs, void* object)
     return quorva::walk::run<Vast>(xdrs, object);
 }
 
-// corners.x:155
+// corners.x:163
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Vaster& obj)
 {
@@ -582,13 +644,13 @@ int XdrVaster(Xdr* xdrs, void* object)
     return quorva::walk::run<Vaster>(xdrs, object);
 }
 
-// corners.x:156
+// corners.x:164
 int XdrLargest(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Largest>(xdrs, object);
 }
 
-// A remark that must be broken.   corners.x:159
+// A remark that must be broken.   corners.x:167
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Silent& obj)
 {

@@ -84,6 +84,33 @@ struct Outer {
     Outer* next;  // null when absent
 };
 
+struct Late {
+    Natural hour;
+};
+
+struct Self;
+
+using Me = Self;
+using My = Me;
+
+// A typedef stands before what names it, and what leads nowhere before what leads to it.
+struct Self {
+    My* my;      // null when absent
+    Late* late;  // null when absent
+};
+
+struct Rungs;
+
+struct Ladders {
+    std::uint16_t count;
+    Rungs* elements;
+};
+
+struct Rungs {
+    std::uint16_t count;
+    Ladders* elements;
+};
+
 // Owns nothing, and is as long as its arm.
 struct Choice {
     LampColour colour;
@@ -243,6 +270,12 @@ QUORVA_EXPORT int XdrLoop(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrOuter(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrInner(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrOuterSeq(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrSelf(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrMy(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrMe(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrLate(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrLadders(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrRungs(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrChoice(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrChosen(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrFramed(Xdr* xdrs, void* object);
@@ -304,6 +337,12 @@ inline constexpr quorva::Shaped<::Loop, quorva::shape::Body<true>> Loop = {{XdrL
 inline constexpr quorva::Shaped<::Outer, quorva::shape::Body<true>> Outer = {{XdrOuter, "Outer"}};
 inline constexpr quorva::Shaped<::Inner, quorva::shape::Body<true>> Inner = {{XdrInner, "Inner"}};
 inline constexpr quorva::Shaped<::OuterSeq, quorva::shape::Body<true>> OuterSeq = {{XdrOuterSeq, "OuterSeq"}};
+inline constexpr quorva::Shaped<::Self, quorva::shape::Body<true>> Self = {{XdrSelf, "Self"}};
+inline constexpr quorva::Shaped<::My, quorva::shape::Body<true>> My = {{XdrMy, "My"}};
+inline constexpr quorva::Shaped<::Me, quorva::shape::Body<true>> Me = {{XdrMe, "Me"}};
+inline constexpr quorva::Shaped<::Late, quorva::shape::Fixed<1>> Late = {{XdrLate, "Late"}};
+inline constexpr quorva::Shaped<::Ladders, quorva::shape::Body<true>> Ladders = {{XdrLadders, "Ladders"}};
+inline constexpr quorva::Shaped<::Rungs, quorva::shape::Body<true>> Rungs = {{XdrRungs, "Rungs"}};
 inline constexpr quorva::Shaped<::Choice, quorva::shape::Body<true>> Choice = {{XdrChoice, "Choice"}};
 inline constexpr quorva::Shaped<::Chosen, quorva::shape::Body<true>> Chosen = {{XdrChosen, "Chosen"}};
 inline constexpr quorva::Shaped<::Framed, quorva::shape::Body<true>> Framed = {{XdrFramed, "Framed"}};
@@ -376,6 +415,14 @@ template <>
 inline constexpr Coder<::Inner> coderOf<::Inner> = coder::Inner;
 template <>
 inline constexpr Coder<::OuterSeq> coderOf<::OuterSeq> = coder::OuterSeq;
+template <>
+inline constexpr Coder<::Self> coderOf<::Self> = coder::Self;
+template <>
+inline constexpr Coder<::Late> coderOf<::Late> = coder::Late;
+template <>
+inline constexpr Coder<::Ladders> coderOf<::Ladders> = coder::Ladders;
+template <>
+inline constexpr Coder<::Rungs> coderOf<::Rungs> = coder::Rungs;
 template <>
 inline constexpr Coder<::Choice> coderOf<::Choice> = coder::Choice;
 template <>
