@@ -675,3 +675,80 @@ int XdrSilent(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Silent>(xdrs, object);
 }
+
+// Lines as wide as can be, and one column wider.   corners.x:173
+int XdrColumn(Xdr* xdrs, void* object)
+{
+    auto* obj = quorva::walk::objectAt<Column>(xdrs, object);
+    return obj && XdrNatural(xdrs, obj);
+}
+
+// 102 columns, to the very last column of the line that it just about fills and not one sign more than z
+// corners.x:181
+int XdrWidths(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Widths>(xdrs, object);
+}
+
+// 105 in a literal, to the very last column of the line that it just about fills and not one sign more th z
+// corners.x:208
+int XdrFits(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Fits>(xdrs, object);
+}
+
+// 106 in two, to the very last column of the line that it just about fills and not one sign more than that z
+// corners.x:211
+int XdrSpills(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Spills>(xdrs, object);
+}
+
+// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:214
+int XdrHeads(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Heads>(xdrs, object);
+}
+
+// 118 with its place, to the very last column of the line that it just about fills and not one sign mo z
+// corners.x:217
+int XdrTails(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Tails>(xdrs, object);
+}
+
+// corners.x:219
+int XdrFilllllllll(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Filllllllll>(xdrs, object);
+}
+
+// corners.x:220
+int XdrWiderrrrrrr(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Widerrrrrrr>(xdrs, object);
+}
+
+// corners.x:221
+int XdrLonggggggggggggggggggggg(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Longgggggggggggggggggggg>(xdrs, object);
+}
+
+// corners.x:223
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Lines& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("f1mmmmmmmmmmmmmmmmmmmmmmmmm", obj.f1mmmmmmmmmmmmmmmmmmmmmmmmm, quorva::coder::Natural),
+            quorva::walk::optional("o2mmmmmmmmmmmmmmmmmmmmmmmm", obj.o2mmmmmmmmmmmmmmmmmmmmmmmm,
+                                   quorva::coder::Natural),
+            quorva::walk::text("s1mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm", obj.s1mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm, 1),
+            quorva::walk::text("s2xmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm", obj.s2xmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm, 10));
+}
+QUORVA_BODY(Lines)
+
+int XdrLines(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Lines>(xdrs, object);
+}

@@ -257,6 +257,80 @@ struct Silent {
     };
 };
 
+using Column = Natural;  // Lines as wide as can be, and one column wider.
+
+// 102 columns, to the very last column of the line that it just about fills and not one sign more than z
+// 103 columns, to the very last column of the line that it just about fills and not one sign more thano z
+// 114 columns, to the very last column of the line that it just about fills and not one sign more than that so her z
+// 115 columns, to the very last column of the line that it just about fills and not one sign more than that so here z
+// 117 columns, to the very last column of the line that it just about fills and not one sign more than that so here i z
+// 118 columns, to the very last column of the line that it just about fills and not one sign more than that so here it
+// z
+struct Widths {
+    Natural a;  // 101 behind, to the very last column of the line that it just about fills and not one sign more than z
+    // 102 above, to the very last column of the line that it just about fills and not one sign more than t z
+    Natural b;
+    Natural c;                                                    // 51 to the very last column of the line that it ju z
+    Natural ccccccccccccccccccccccccccccccccccccccccccccccccccc;  // aligned
+    // 108 columns, to the very last column of the line that it just about fills and not one sign more than thato z
+    // 109 columns, to the very last column of the line that it just about fills and not one sign more than that s z
+    // 110 columns, to the very last column of the line that it just about fills and not one sign more than that so z
+    // 111 columns, to the very last column of the line that it just about fills and not one sign more than that soo z
+    // 113 columns, to the very last column of the line that it just about fills and not one sign more than that so he z
+    // 114 columns, to the very last column of the line that it just about fills and not one sign more than that so her
+    // z
+    Natural d;
+    Natural e;  // 52 to the very last column of the line that it jus z
+    Natural eeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeee;  // apart
+    // 111 in a literal, to the very last column of the line that it just about fills and not one sign more than tha z
+    Natural f;
+    // 112 in two, to the very last column of the line that it just about fills and not one sign more than that so he z
+    Natural g;
+    Natural h;  // a row of 120, to the very last column of the lin z
+    Natural i;  // a row of 121, to the very last column of the line z
+    // 110 in plain, to the very last column of the line that it just about fills and not one sign more than that s z
+    Natural j;
+};
+
+// 105 in a literal, to the very last column of the line that it just about fills and not one sign more th z
+struct Fits {
+    Widths widths;
+};
+
+// 106 in two, to the very last column of the line that it just about fills and not one sign more than that z
+struct Spills {
+    Widths widths;
+};
+
+// 117 with its place, to the very last column of the line that it just about fills and not one sign m z
+struct Heads {
+    Fits fits;
+};
+
+// 118 with its place, to the very last column of the line that it just about fills and not one sign mo z
+struct Tails {
+    Fits fits;
+};
+
+struct Filllllllll {
+    unsigned char map[4];
+};
+
+struct Widerrrrrrr {
+    unsigned char map[64];
+};
+
+struct Longgggggggggggggggggggg {
+    Natural a;
+};
+
+struct Lines {
+    Natural f1mmmmmmmmmmmmmmmmmmmmmmmmm;
+    Natural* o2mmmmmmmmmmmmmmmmmmmmmmmm;          // null when absent
+    char* s1mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm;  // at most 1 characters
+    char* s2xmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm;  // at most 10 characters
+};
+
 extern "C" {
 
 // The coding routines, each over one object of its type.
@@ -323,6 +397,16 @@ QUORVA_EXPORT int XdrVast(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrVaster(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrLargest(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrSilent(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrColumn(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrWidths(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrFits(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrSpills(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrHeads(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrTails(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrFilllllllll(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrWiderrrrrrr(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrLonggggggggggggggggggggg(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrLines(Xdr* xdrs, void* object);
 
 }  // extern "C"
 
@@ -392,6 +476,18 @@ inline constexpr quorva::Shaped<::Vast, quorva::shape::Body<false>> Vast = {{Xdr
 inline constexpr quorva::Shaped<::Vaster, quorva::shape::Body<false>> Vaster = {{XdrVaster, "Vaster"}};
 inline constexpr quorva::Shaped<::Largest, quorva::shape::Fixed<16383>> Largest = {{XdrLargest, "Largest"}};
 inline constexpr quorva::Shaped<::Silent, quorva::shape::Body<true>> Silent = {{XdrSilent, "Silent"}};
+inline constexpr quorva::Shaped<::Column, decltype(Natural)::Shape> Column = {{XdrColumn, "Column"}};
+inline constexpr quorva::Shaped<::Widths, quorva::shape::Fixed<12>> Widths = {{XdrWidths, "Widths"}};
+inline constexpr quorva::Shaped<::Fits, quorva::shape::Fixed<12>> Fits = {{XdrFits, "Fits"}};
+inline constexpr quorva::Shaped<::Spills, quorva::shape::Fixed<12>> Spills = {{XdrSpills, "Spills"}};
+inline constexpr quorva::Shaped<::Heads, quorva::shape::Fixed<12>> Heads = {{XdrHeads, "Heads"}};
+inline constexpr quorva::Shaped<::Tails, quorva::shape::Fixed<12>> Tails = {{XdrTails, "Tails"}};
+inline constexpr quorva::Shaped<::Filllllllll, quorva::shape::Fixed<1>> Filllllllll = {{XdrFilllllllll, "Filllllllll"}};
+inline constexpr quorva::Shaped<::Widerrrrrrr, quorva::shape::Fixed<16>>
+    Widerrrrrrr = {{XdrWiderrrrrrr, "Widerrrrrrr"}};
+inline constexpr quorva::Shaped<::Longgggggggggggggggggggg, quorva::shape::Fixed<1>>
+    Longgggggggggggggggggggg = {{XdrLonggggggggggggggggggggg, "Longgggggggggggggggggggg"}};
+inline constexpr quorva::Shaped<::Lines, quorva::shape::Body<true>> Lines = {{XdrLines, "Lines"}};
 }  // namespace quorva::coder
 
 namespace quorva {
@@ -449,4 +545,23 @@ template <>
 inline constexpr Coder<::Largest> coderOf<::Largest> = coder::Largest;
 template <>
 inline constexpr Coder<::Silent> coderOf<::Silent> = coder::Silent;
+template <>
+inline constexpr Coder<::Widths> coderOf<::Widths> = coder::Widths;
+template <>
+inline constexpr Coder<::Fits> coderOf<::Fits> = coder::Fits;
+template <>
+inline constexpr Coder<::Spills> coderOf<::Spills> = coder::Spills;
+template <>
+inline constexpr Coder<::Heads> coderOf<::Heads> = coder::Heads;
+template <>
+inline constexpr Coder<::Tails> coderOf<::Tails> = coder::Tails;
+template <>
+inline constexpr Coder<::Filllllllll> coderOf<::Filllllllll> = coder::Filllllllll;
+template <>
+inline constexpr Coder<::Widerrrrrrr> coderOf<::Widerrrrrrr> = coder::Widerrrrrrr;
+template <>
+inline constexpr Coder<::Longgggggggggggggggggggg> coderOf<::Longgggggggggggggggggggg> =
+    coder::Longgggggggggggggggggggg;
+template <>
+inline constexpr Coder<::Lines> coderOf<::Lines> = coder::Lines;
 }  // namespace quorva

@@ -13,7 +13,8 @@ extern const schema::Type Place, Span, Numbers, At, Element, Knot, Loop, Outer, 
                           elementsOfALongNamedAlias, Rows, Words, Calls, Decimal, Decoding, Encoding, Field, List, Name,
                           Optional, Releasing, Text, Tracing, bytes, close, enumeration, field, list, objectAt, open,
                           optional, parts, refuse, run, text, untagged, vector, Pass, obj, object, pass, xdrs, Remarks,
-                          Remarked, Vast, Vaster, Largest, Silent;
+                          Remarked, Vast, Vaster, Largest, Silent, Column, Widths, Fits, Spills, Heads, Tails,
+                          Filllllllll, Widerrrrrrr, Longgggggggggggggggggggg, Lines;
 
 // Of other modules.
 extern const schema::Type LampColour, Distance;
@@ -951,6 +952,217 @@ constinit const Type types::Silent = {
     .arms = SilentArms,
 };
 
+constinit const Type types::Column = {
+    .name = "Column",
+    .kind = Kind::definedAs,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 173,
+    .doc = "Lines as wide as can be, and one column wider.",
+    .routine = XdrColumn,
+    .size = sizeof(::Column),
+    .alignment = alignof(::Column),
+    .target = {Form::single, &types::Natural},
+};
+
+constexpr Member WidthsFields[] = {
+    {"a", {Form::single, &types::Natural}, offsetof(::Widths, a),
+     "101 behind, to the very last column of the line that it just about fills and not one sign more than z"},
+    {"b", {Form::single, &types::Natural}, offsetof(::Widths, b),
+     "102 above, to the very last column of the line that it just about fills and not one sign more than t z"},
+    {"c", {Form::single, &types::Natural}, offsetof(::Widths, c),
+     "51 to the very last column of the line that it ju z"},
+    {"ccccccccccccccccccccccccccccccccccccccccccccccccccc", {Form::single, &types::Natural},
+     offsetof(::Widths, ccccccccccccccccccccccccccccccccccccccccccccccccccc), "aligned"},
+    {"d", {Form::single, &types::Natural}, offsetof(::Widths, d),
+     "108 columns, to the very last column of the line that it just about fills and not one sign more than thato z\n"
+     "109 columns, to the very last column of the line that it just about fills and not one sign more than that s "
+     "z\n"
+     "110 columns, to the very last column of the line that it just about fills and not one sign more than that so "
+     "z\n"
+     "111 columns, to the very last column of the line that it just about fills and not one sign more than that "
+     "soo z\n"
+     "113 columns, to the very last column of the line that it just about fills and not one sign more than that so "
+     "he z\n"
+     "114 columns, to the very last column of the line that it just about fills and not one sign more than that so "
+     "her z"},
+    {"e", {Form::single, &types::Natural}, offsetof(::Widths, e),
+     "52 to the very last column of the line that it jus z"},
+    {"eeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeee", {Form::single, &types::Natural},
+     offsetof(::Widths, eeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeee), "apart"},
+    {"f", {Form::single, &types::Natural}, offsetof(::Widths, f),
+     "111 in a literal, to the very last column of the line that it just about fills and not one sign more than tha z"},
+    {"g", {Form::single, &types::Natural}, offsetof(::Widths, g),
+     "112 in two, to the very last column of the line that it just about fills and not one sign more than that so "
+     "he z"},
+    {"h", {Form::single, &types::Natural}, offsetof(::Widths, h), "a row of 120, to the very last column of the lin z"},
+    {"i", {Form::single, &types::Natural}, offsetof(::Widths, i),
+     "a row of 121, to the very last column of the line z"},
+    {"j", {Form::single, &types::Natural}, offsetof(::Widths, j),
+     "110 in plain, to the very last column of the line that it just about fills and not one sign more than that s z"},
+};
+
+constinit const Type types::Widths = {
+    .name = "Widths",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 181,
+    .doc = "102 columns, to the very last column of the line that it just about fills and not one sign more than z\n"
+           "103 columns, to the very last column of the line that it just about fills and not one sign more thano "
+           "z\n"
+           "114 columns, to the very last column of the line that it just about fills and not one sign more than "
+           "that so her z\n"
+           "115 columns, to the very last column of the line that it just about fills and not one sign more than "
+           "that so here z\n"
+           "117 columns, to the very last column of the line that it just about fills and not one sign more than "
+           "that so here i z\n"
+           "118 columns, to the very last column of the line that it just about fills and not one sign more than "
+           "that so here it z",
+    .routine = XdrWidths,
+    .size = sizeof(::Widths),
+    .alignment = alignof(::Widths),
+    .fields = WidthsFields,
+};
+
+constexpr Member FitsFields[] = {
+    {"widths", {Form::single, &types::Widths}, offsetof(::Fits, widths)},
+};
+
+constinit const Type types::Fits = {
+    .name = "Fits",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 208,
+    .doc = "105 in a literal, to the very last column of the line that it just about fills and not one sign more th z",
+    .routine = XdrFits,
+    .size = sizeof(::Fits),
+    .alignment = alignof(::Fits),
+    .fields = FitsFields,
+};
+
+constexpr Member SpillsFields[] = {
+    {"widths", {Form::single, &types::Widths}, offsetof(::Spills, widths)},
+};
+
+constinit const Type types::Spills = {
+    .name = "Spills",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 211,
+    .doc = "106 in two, to the very last column of the line that it just about fills and not one sign more than "
+           "that z",
+    .routine = XdrSpills,
+    .size = sizeof(::Spills),
+    .alignment = alignof(::Spills),
+    .fields = SpillsFields,
+};
+
+constexpr Member HeadsFields[] = {
+    {"fits", {Form::single, &types::Fits}, offsetof(::Heads, fits)},
+};
+
+constinit const Type types::Heads = {
+    .name = "Heads",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 214,
+    .doc = "117 with its place, to the very last column of the line that it just about fills and not one sign m z",
+    .routine = XdrHeads,
+    .size = sizeof(::Heads),
+    .alignment = alignof(::Heads),
+    .fields = HeadsFields,
+};
+
+constexpr Member TailsFields[] = {
+    {"fits", {Form::single, &types::Fits}, offsetof(::Tails, fits)},
+};
+
+constinit const Type types::Tails = {
+    .name = "Tails",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 217,
+    .doc = "118 with its place, to the very last column of the line that it just about fills and not one sign mo z",
+    .routine = XdrTails,
+    .size = sizeof(::Tails),
+    .alignment = alignof(::Tails),
+    .fields = TailsFields,
+};
+
+constexpr Member FilllllllllFields[] = {
+    {"map", {Form::opaque, nullptr, 4}, offsetof(::Filllllllll, map)},
+};
+
+constinit const Type types::Filllllllll = {
+    .name = "Filllllllll",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 219,
+    .routine = XdrFilllllllll,
+    .size = sizeof(::Filllllllll),
+    .alignment = alignof(::Filllllllll),
+    .fields = FilllllllllFields,
+};
+
+constexpr Member WiderrrrrrrFields[] = {
+    {"map", {Form::opaque, nullptr, 64}, offsetof(::Widerrrrrrr, map)},
+};
+
+constinit const Type types::Widerrrrrrr = {
+    .name = "Widerrrrrrr",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 220,
+    .routine = XdrWiderrrrrrr,
+    .size = sizeof(::Widerrrrrrr),
+    .alignment = alignof(::Widerrrrrrr),
+    .fields = WiderrrrrrrFields,
+};
+
+constexpr Member LongggggggggggggggggggggFields[] = {
+    {"a", {Form::single, &types::Natural}, offsetof(::Longgggggggggggggggggggg, a)},
+};
+
+constinit const Type types::Longgggggggggggggggggggg = {
+    .name = "Longgggggggggggggggggggg",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 221,
+    .routine = XdrLonggggggggggggggggggggg,
+    .size = sizeof(::Longgggggggggggggggggggg),
+    .alignment = alignof(::Longgggggggggggggggggggg),
+    .fields = LongggggggggggggggggggggFields,
+};
+
+constexpr Member LinesFields[] = {
+    {"f1mmmmmmmmmmmmmmmmmmmmmmmmm", {Form::single, &types::Natural}, offsetof(::Lines, f1mmmmmmmmmmmmmmmmmmmmmmmmm)},
+    {"o2mmmmmmmmmmmmmmmmmmmmmmmm", {Form::optional, &types::Natural}, offsetof(::Lines, o2mmmmmmmmmmmmmmmmmmmmmmmm)},
+    {"s1mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm", {Form::string, nullptr, 1},
+     offsetof(::Lines, s1mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm)},
+    {"s2xmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm", {Form::string, nullptr, 10},
+     offsetof(::Lines, s2xmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm)},
+};
+
+constinit const Type types::Lines = {
+    .name = "Lines",
+    .kind = Kind::record,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 223,
+    .routine = XdrLines,
+    .size = sizeof(::Lines),
+    .alignment = alignof(::Lines),
+    .fields = LinesFields,
+};
+
 namespace tables {
 extern const schema::Module of_corners;
 }
@@ -1019,6 +1231,16 @@ constexpr const Type* definitions[] = {
     &types::Vaster,
     &types::Largest,
     &types::Silent,
+    &types::Column,
+    &types::Widths,
+    &types::Fits,
+    &types::Spills,
+    &types::Heads,
+    &types::Tails,
+    &types::Filllllllll,
+    &types::Widerrrrrrr,
+    &types::Longgggggggggggggggggggg,
+    &types::Lines,
 };
 
 constinit const Module tables::of_corners = {
