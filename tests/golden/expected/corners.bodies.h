@@ -18,6 +18,8 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Knot& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Loop& obj);
 template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Tie& obj);
+template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, OuterSeq& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Inner& obj);
@@ -77,7 +79,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Span& obj)
             quorva::walk::field("to", obj.to, quorva::coder::Place));
 }
 
-// corners.x:60
+// corners.x:61
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Late& obj)
 {
@@ -86,7 +88,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Late& obj)
             quorva::walk::field("hour", obj.hour, quorva::coder::Natural));
 }
 
-// Words that other XDR compilers keep for themselves.   corners.x:80
+// Words that other XDR compilers keep for themselves.   corners.x:81
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
 {
@@ -99,7 +101,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
             quorva::walk::field("restrict", obj.restrict, quorva::coder::Distance));
 }
 
-// corners.x:164
+// corners.x:165
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Largest& obj)
 {
@@ -109,7 +111,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Largest& obj)
 }
 
 // 102 columns, to the very last column of the line that it just about fills and not one sign more than z
-// corners.x:181
+// corners.x:182
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Widths& obj)
 {
@@ -132,7 +134,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Widths& obj)
 }
 
 // 105 in a literal, to the very last column of the line that it just about fills and not one sign more th z
-// corners.x:208
+// corners.x:209
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Fits& obj)
 {
@@ -142,7 +144,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Fits& obj)
 }
 
 // 106 in two, to the very last column of the line that it just about fills and not one sign more than that z
-// corners.x:211
+// corners.x:212
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Spills& obj)
 {
@@ -151,7 +153,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Spills& obj)
             quorva::walk::field("widths", obj.widths, quorva::coder::Widths));
 }
 
-// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:214
+// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:215
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Heads& obj)
 {
@@ -161,7 +163,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Heads& obj)
 }
 
 // 118 with its place, to the very last column of the line that it just about fills and not one sign mo z
-// corners.x:217
+// corners.x:218
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Tails& obj)
 {
@@ -170,7 +172,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Tails& obj)
             quorva::walk::field("fits", obj.fits, quorva::coder::Fits));
 }
 
-// corners.x:219
+// corners.x:220
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Filllllllll& obj)
 {
@@ -179,7 +181,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Filllllllll& obj)
             opaque("map", obj.map));
 }
 
-// corners.x:220
+// corners.x:221
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Widerrrrrrr& obj)
 {
@@ -188,7 +190,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Widerrrrrrr& obj)
             opaque("map", obj.map));
 }
 
-// corners.x:221
+// corners.x:222
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Longgggggggggggggggggggg& obj)
 {

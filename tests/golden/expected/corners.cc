@@ -88,11 +88,12 @@ int XdrElement(Xdr* xdrs, void* object)
     return quorva::walk::run<::Element>(xdrs, object);
 }
 
-// Two that lead to each other.   corners.x:48
+// Types that lead to each other.   corners.x:48
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Knot& obj)
 {
     return quorva::walk::parts(pass, at,
+            quorva::walk::optional("tie", obj.tie, quorva::coder::Tie),
             quorva::walk::optional("loop", obj.loop, quorva::coder::Loop));
 }
 QUORVA_BODY(Knot)
@@ -116,7 +117,21 @@ int XdrLoop(Xdr* xdrs, void* object)
     return quorva::walk::run<Loop>(xdrs, object);
 }
 
-// What it holds stands before it, though that leads back here.   corners.x:52
+// corners.x:50
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Tie& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::optional("knot", obj.knot, quorva::coder::Knot));
+}
+QUORVA_BODY(Tie)
+
+int XdrTie(Xdr* xdrs, void* object)
+{
+    return quorva::walk::run<Tie>(xdrs, object);
+}
+
+// What it holds stands before it, though that leads back here.   corners.x:53
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Outer& obj)
 {
@@ -131,7 +146,7 @@ int XdrOuter(Xdr* xdrs, void* object)
     return quorva::walk::run<Outer>(xdrs, object);
 }
 
-// corners.x:53
+// corners.x:54
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Inner& obj)
 {
@@ -145,7 +160,7 @@ int XdrInner(Xdr* xdrs, void* object)
     return quorva::walk::run<Inner>(xdrs, object);
 }
 
-// corners.x:54
+// corners.x:55
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, OuterSeq& obj)
 {
@@ -158,7 +173,7 @@ int XdrOuterSeq(Xdr* xdrs, void* object)
     return quorva::walk::run<OuterSeq>(xdrs, object);
 }
 
-// A typedef stands before what names it, and what leads nowhere before what leads to it.   corners.x:57
+// A typedef stands before what names it, and what leads nowhere before what leads to it.   corners.x:58
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Self& obj)
 {
@@ -173,27 +188,27 @@ int XdrSelf(Xdr* xdrs, void* object)
     return quorva::walk::run<Self>(xdrs, object);
 }
 
-// corners.x:58
+// corners.x:59
 int XdrMy(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<My>(xdrs, object);
     return obj && XdrMe(xdrs, obj);
 }
 
-// corners.x:59
+// corners.x:60
 int XdrMe(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<Me>(xdrs, object);
     return obj && XdrSelf(xdrs, obj);
 }
 
-// corners.x:60
+// corners.x:61
 int XdrLate(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Late>(xdrs, object);
 }
 
-// corners.x:61
+// corners.x:62
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Ladders& obj)
 {
@@ -206,7 +221,7 @@ int XdrLadders(Xdr* xdrs, void* object)
     return quorva::walk::run<Ladders>(xdrs, object);
 }
 
-// corners.x:62
+// corners.x:63
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Rungs& obj)
 {
@@ -220,7 +235,7 @@ int XdrRungs(Xdr* xdrs, void* object)
     return quorva::walk::run<Rungs>(xdrs, object);
 }
 
-// Owns nothing, and is as long as its arm.   corners.x:65
+// Owns nothing, and is as long as its arm.   corners.x:66
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Choice& obj)
 {
@@ -246,7 +261,7 @@ int XdrChoice(Xdr* xdrs, void* object)
     return quorva::walk::run<Choice>(xdrs, object);
 }
 
-// corners.x:66
+// corners.x:67
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Chosen& obj)
 {
@@ -261,7 +276,7 @@ int XdrChosen(Xdr* xdrs, void* object)
     return quorva::walk::run<Chosen>(xdrs, object);
 }
 
-// corners.x:67
+// corners.x:68
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Framed& obj)
 {
@@ -276,21 +291,21 @@ int XdrFramed(Xdr* xdrs, void* object)
     return quorva::walk::run<Framed>(xdrs, object);
 }
 
-// Words of a list's own members.   corners.x:70
+// Words of a list's own members.   corners.x:71
 int Xdrcount(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<count>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:71
+// corners.x:72
 int Xdrelements(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<elements>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:72
+// corners.x:73
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Counts& obj)
 {
@@ -303,7 +318,7 @@ int XdrCounts(Xdr* xdrs, void* object)
     return quorva::walk::run<Counts>(xdrs, object);
 }
 
-// corners.x:73
+// corners.x:74
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Parts& obj)
 {
@@ -316,7 +331,7 @@ int XdrParts(Xdr* xdrs, void* object)
     return quorva::walk::run<Parts>(xdrs, object);
 }
 
-// corners.x:75
+// corners.x:76
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, ::Elements& obj)
 {
@@ -330,237 +345,237 @@ int XdrElements(Xdr* xdrs, void* object)
     return quorva::walk::run<::Elements>(xdrs, object);
 }
 
-// corners.x:76
+// corners.x:77
 int XdrelementsOfALongNamedAlias(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<elementsOfALongNamedAlias>(xdrs, object);
     return obj && XdrElement(xdrs, obj);
 }
 
-// corners.x:77
+// corners.x:78
 int XdrRows(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<Rows>(xdrs, object);
     return obj && quorva::walk::vector(quorva::walk::untagged, *obj, quorva::coder::Place).call(xdrs);
 }
 
-// Words that other XDR compilers keep for themselves.   corners.x:80
+// Words that other XDR compilers keep for themselves.   corners.x:81
 int XdrWords(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Words>(xdrs, object);
 }
 
-// Words of the generated code as names of types.   corners.x:89
+// Words of the generated code as names of types.   corners.x:90
 int XdrCalls(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Calls>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:90
+// corners.x:91
 int XdrDecimal(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Decimal>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:91
+// corners.x:92
 int XdrDecoding(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Decoding>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:92
+// corners.x:93
 int XdrEncoding(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Encoding>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:93
+// corners.x:94
 int XdrField(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Field>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:94
+// corners.x:95
 int XdrList(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::List>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:95
+// corners.x:96
 int XdrName(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Name>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:96
+// corners.x:97
 int XdrOptional(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Optional>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:97
+// corners.x:98
 int XdrReleasing(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Releasing>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:98
+// corners.x:99
 int XdrText(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Text>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:99
+// corners.x:100
 int XdrTracing(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Tracing>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:100
+// corners.x:101
 int Xdrbytes(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::bytes>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:101
+// corners.x:102
 int Xdrclose(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::close>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:102
+// corners.x:103
 int Xdrenumeration(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::enumeration>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:103
+// corners.x:104
 int Xdrfield(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::field>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:104
+// corners.x:105
 int Xdrlist(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::list>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:105
+// corners.x:106
 int XdrobjectAt(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::objectAt>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:106
+// corners.x:107
 int Xdropen(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::open>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:107
+// corners.x:108
 int Xdroptional(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::optional>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:108
+// corners.x:109
 int Xdrparts(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::parts>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:109
+// corners.x:110
 int Xdrrefuse(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::refuse>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:110
+// corners.x:111
 int Xdrrun(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::run>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:111
+// corners.x:112
 int Xdrtext(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::text>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:112
+// corners.x:113
 int Xdruntagged(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::untagged>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:113
+// corners.x:114
 int Xdrvector(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::vector>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:114
+// corners.x:115
 int XdrPass(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Pass>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:115
+// corners.x:116
 int Xdrobj(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::obj>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:116
+// corners.x:117
 int Xdrobject(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::object>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:117
+// corners.x:118
 int Xdrpass(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::pass>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:118
+// corners.x:119
 int Xdrxdrs(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::xdrs>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// Comments of all sorts.   corners.x:127
+// Comments of all sorts.   corners.x:128
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarks& obj)
 {
@@ -587,7 +602,7 @@ int XdrRemarks(Xdr* xdrs, void* object)
     return quorva::walk::run<Remarks>(xdrs, object);
 }
 
-// Comments within a union.   corners.x:149
+// Comments within a union.   corners.x:150
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarked& obj)
 {
@@ -615,7 +630,7 @@ int XdrRemarked(Xdr* xdrs, void* object)
     return quorva::walk::run<Remarked>(xdrs, object);
 }
 
-// What is longer than a message is no run of units.   corners.x:159
+// What is longer than a message is no run of units.   corners.x:160
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Vast& obj)
 {
@@ -630,7 +645,7 @@ int XdrVast(Xdr* xdrs, void* object)
     return quorva::walk::run<Vast>(xdrs, object);
 }
 
-// corners.x:163
+// corners.x:164
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Vaster& obj)
 {
@@ -644,13 +659,13 @@ int XdrVaster(Xdr* xdrs, void* object)
     return quorva::walk::run<Vaster>(xdrs, object);
 }
 
-// corners.x:164
+// corners.x:165
 int XdrLargest(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Largest>(xdrs, object);
 }
 
-// A remark that must be broken.   corners.x:167
+// A remark that must be broken.   corners.x:168
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Silent& obj)
 {
@@ -676,7 +691,7 @@ int XdrSilent(Xdr* xdrs, void* object)
     return quorva::walk::run<Silent>(xdrs, object);
 }
 
-// Lines as wide as can be, and one column wider.   corners.x:173
+// Lines as wide as can be, and one column wider.   corners.x:174
 int XdrColumn(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<Column>(xdrs, object);
@@ -684,58 +699,58 @@ int XdrColumn(Xdr* xdrs, void* object)
 }
 
 // 102 columns, to the very last column of the line that it just about fills and not one sign more than z
-// corners.x:181
+// corners.x:182
 int XdrWidths(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Widths>(xdrs, object);
 }
 
 // 105 in a literal, to the very last column of the line that it just about fills and not one sign more th z
-// corners.x:208
+// corners.x:209
 int XdrFits(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Fits>(xdrs, object);
 }
 
 // 106 in two, to the very last column of the line that it just about fills and not one sign more than that z
-// corners.x:211
+// corners.x:212
 int XdrSpills(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Spills>(xdrs, object);
 }
 
-// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:214
+// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:215
 int XdrHeads(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Heads>(xdrs, object);
 }
 
 // 118 with its place, to the very last column of the line that it just about fills and not one sign mo z
-// corners.x:217
+// corners.x:218
 int XdrTails(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Tails>(xdrs, object);
 }
 
-// corners.x:219
+// corners.x:220
 int XdrFilllllllll(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Filllllllll>(xdrs, object);
 }
 
-// corners.x:220
+// corners.x:221
 int XdrWiderrrrrrr(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Widerrrrrrr>(xdrs, object);
 }
 
-// corners.x:221
+// corners.x:222
 int XdrLonggggggggggggggggggggg(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Longgggggggggggggggggggg>(xdrs, object);
 }
 
-// corners.x:223
+// corners.x:224
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Lines& obj)
 {

@@ -56,14 +56,20 @@ struct Element {
     };
 };
 
+struct Tie;
 struct Loop;
 
-// Two that lead to each other.
+// Types that lead to each other.
 struct Knot {
+    Tie* tie;    // null when absent
     Loop* loop;  // null when absent
 };
 
 struct Loop {
+    Knot* knot;  // null when absent
+};
+
+struct Tie {
     Knot* knot;  // null when absent
 };
 
@@ -341,6 +347,7 @@ QUORVA_EXPORT int XdrAt(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrElement(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrKnot(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrLoop(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrTie(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrOuter(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrInner(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrOuterSeq(Xdr* xdrs, void* object);
@@ -418,6 +425,7 @@ inline constexpr quorva::Shaped<::At, quorva::shape::Body<true>> At = {{XdrAt, "
 inline constexpr quorva::Shaped<::Element, quorva::shape::Body<true>> Element = {{XdrElement, "Element"}};
 inline constexpr quorva::Shaped<::Knot, quorva::shape::Body<true>> Knot = {{XdrKnot, "Knot"}};
 inline constexpr quorva::Shaped<::Loop, quorva::shape::Body<true>> Loop = {{XdrLoop, "Loop"}};
+inline constexpr quorva::Shaped<::Tie, quorva::shape::Body<true>> Tie = {{XdrTie, "Tie"}};
 inline constexpr quorva::Shaped<::Outer, quorva::shape::Body<true>> Outer = {{XdrOuter, "Outer"}};
 inline constexpr quorva::Shaped<::Inner, quorva::shape::Body<true>> Inner = {{XdrInner, "Inner"}};
 inline constexpr quorva::Shaped<::OuterSeq, quorva::shape::Body<true>> OuterSeq = {{XdrOuterSeq, "OuterSeq"}};
@@ -505,6 +513,8 @@ template <>
 inline constexpr Coder<::Knot> coderOf<::Knot> = coder::Knot;
 template <>
 inline constexpr Coder<::Loop> coderOf<::Loop> = coder::Loop;
+template <>
+inline constexpr Coder<::Tie> coderOf<::Tie> = coder::Tie;
 template <>
 inline constexpr Coder<::Outer> coderOf<::Outer> = coder::Outer;
 template <>
