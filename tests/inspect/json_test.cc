@@ -109,7 +109,8 @@ TEST(Json, other_spellings_are_read)
 TEST(Json, faults_tell_place_and_expectation)
 {
     const std::string longText(41, 'x');
-    const char* const floatWanted = R"(expected a number or {"bits": "7fc00001"} with eight hexadecimal digits, found an object)";
+    const char* const floatWanted =
+        R"(expected a number or {"bits": "7fc00001"} with eight hexadecimal digits, found an object)";
     const struct {
         const schema::Type& type;
         std::string json, fault;
@@ -122,7 +123,8 @@ TEST(Json, faults_tell_place_and_expectation)
         {types::Float, "1e39", "the number 1e+39 is beyond the largest single float"},
         {types::Float, R"({"bits":"7fc0"})", floatWanted},
         {types::Float, R"({"bits":7})", floatWanted}, {types::Float, R"({"bits":"7fc0000g"})", floatWanted},
-        {types::Float, R"({"bits":"7fc00001","x":0})", floatWanted}, {types::Float, R"({"sign":"7fc00001"})", floatWanted},
+        {types::Float, R"({"bits":"7fc00001","x":0})", floatWanted},
+        {types::Float, R"({"sign":"7fc00001"})", floatWanted},
         {types::DoorState, "\"DSjamed\"", "\"DSjamed\" is no enumerator of DoorState; did you mean DSjammed?"},
         {types::DoorState, "null", "expected an enumerator of DoorState or its number, found null"},
         {types::LockerIdSeq, "[1, 2, -3]", "/2: expected a whole number from 0 to 4294967295, found -3"},
@@ -132,8 +134,10 @@ TEST(Json, faults_tell_place_and_expectation)
         {types::Picture, R"({"hex":"abc"})", R"(expected {"hex": "..."} or {"text": "..."}, found an object)"},
         {types::Picture, R"({"oct":"abc"})", R"(expected {"hex": "..."} or {"text": "..."}, found an object)"},
         {types::Picture, R"({"hex":7})", R"(expected {"hex": "..."} or {"text": "..."}, found an object)"},
-        {types::StationUnion, R"({"attribute":40,"counters":[1,2]})", "/counters: expected an array of exactly 3 UINT, found 2"},
-        {types::StationUnion, R"({"attribute":40,"counters":1})", "/counters: expected an array of exactly 3 UINT, found 1"},
+        {types::StationUnion, R"({"attribute":40,"counters":[1,2]})",
+         "/counters: expected an array of exactly 3 UINT, found 2"},
+        {types::StationUnion, R"({"attribute":40,"counters":1})",
+         "/counters: expected an array of exactly 3 UINT, found 1"},
         {types::Picture, R"("abc")", R"(expected {"hex": "..."} or {"text": "..."}, found "abc")"},
         {types::AccessUnion, R"({"kind":"AKowner"})", "the field \"owner\" of AccessUnion is missing"},
         {types::AccessUnion, R"({"kind":9})", "/kind: kind 9 has no arm in AccessUnion"},

@@ -101,7 +101,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
             quorva::walk::field("restrict", obj.restrict, quorva::coder::Distance));
 }
 
-// corners.x:165
+// corners.x:168
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Largest& obj)
 {
@@ -111,7 +111,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Largest& obj)
 }
 
 // 102 columns, to the very last column of the line that it just about fills and not one sign more than z
-// corners.x:182
+// corners.x:185
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Widths& obj)
 {
@@ -134,7 +134,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Widths& obj)
 }
 
 // 105 in a literal, to the very last column of the line that it just about fills and not one sign more th z
-// corners.x:209
+// corners.x:212
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Fits& obj)
 {
@@ -144,7 +144,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Fits& obj)
 }
 
 // 106 in two, to the very last column of the line that it just about fills and not one sign more than that z
-// corners.x:212
+// corners.x:215
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Spills& obj)
 {
@@ -153,7 +153,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Spills& obj)
             quorva::walk::field("widths", obj.widths, quorva::coder::Widths));
 }
 
-// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:215
+// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:218
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Heads& obj)
 {
@@ -163,7 +163,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Heads& obj)
 }
 
 // 118 with its place, to the very last column of the line that it just about fills and not one sign mo z
-// corners.x:218
+// corners.x:221
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Tails& obj)
 {
@@ -172,7 +172,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Tails& obj)
             quorva::walk::field("fits", obj.fits, quorva::coder::Fits));
 }
 
-// corners.x:220
+// corners.x:223
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Filllllllll& obj)
 {
@@ -181,7 +181,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Filllllllll& obj)
             opaque("map", obj.map));
 }
 
-// corners.x:221
+// corners.x:224
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Widerrrrrrr& obj)
 {
@@ -190,7 +190,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Widerrrrrrr& obj)
             opaque("map", obj.map));
 }
 
-// corners.x:222
+// corners.x:225
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Longgggggggggggggggggggg& obj)
 {

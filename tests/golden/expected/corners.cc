@@ -630,7 +630,7 @@ int XdrRemarked(Xdr* xdrs, void* object)
     return quorva::walk::run<Remarked>(xdrs, object);
 }
 
-// What is longer than a message is no run of units.   corners.x:160
+// What is longer than a message is no run of units.   corners.x:163
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Vast& obj)
 {
@@ -645,7 +645,7 @@ int XdrVast(Xdr* xdrs, void* object)
     return quorva::walk::run<Vast>(xdrs, object);
 }
 
-// corners.x:164
+// corners.x:167
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Vaster& obj)
 {
@@ -659,13 +659,13 @@ int XdrVaster(Xdr* xdrs, void* object)
     return quorva::walk::run<Vaster>(xdrs, object);
 }
 
-// corners.x:165
+// corners.x:168
 int XdrLargest(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Largest>(xdrs, object);
 }
 
-// A remark that must be broken.   corners.x:168
+// A remark that must be broken.   corners.x:171
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Silent& obj)
 {
@@ -691,7 +691,7 @@ int XdrSilent(Xdr* xdrs, void* object)
     return quorva::walk::run<Silent>(xdrs, object);
 }
 
-// Lines as wide as can be, and one column wider.   corners.x:174
+// Lines as wide as can be, and one column wider.   corners.x:177
 int XdrColumn(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<Column>(xdrs, object);
@@ -699,58 +699,58 @@ int XdrColumn(Xdr* xdrs, void* object)
 }
 
 // 102 columns, to the very last column of the line that it just about fills and not one sign more than z
-// corners.x:182
+// corners.x:185
 int XdrWidths(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Widths>(xdrs, object);
 }
 
 // 105 in a literal, to the very last column of the line that it just about fills and not one sign more th z
-// corners.x:209
+// corners.x:212
 int XdrFits(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Fits>(xdrs, object);
 }
 
 // 106 in two, to the very last column of the line that it just about fills and not one sign more than that z
-// corners.x:212
+// corners.x:215
 int XdrSpills(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Spills>(xdrs, object);
 }
 
-// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:215
+// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:218
 int XdrHeads(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Heads>(xdrs, object);
 }
 
 // 118 with its place, to the very last column of the line that it just about fills and not one sign mo z
-// corners.x:218
+// corners.x:221
 int XdrTails(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Tails>(xdrs, object);
 }
 
-// corners.x:220
+// corners.x:223
 int XdrFilllllllll(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Filllllllll>(xdrs, object);
 }
 
-// corners.x:221
+// corners.x:224
 int XdrWiderrrrrrr(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Widerrrrrrr>(xdrs, object);
 }
 
-// corners.x:222
+// corners.x:225
 int XdrLonggggggggggggggggggggg(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Longgggggggggggggggggggg>(xdrs, object);
 }
 
-// corners.x:224
+// corners.x:227
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Lines& obj)
 {
