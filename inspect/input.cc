@@ -163,7 +163,7 @@ private:
 
     void fillUpTo(std::uint64_t offset, std::size_t at)
     {
-        if (offset < *origin || offset - *origin > longestMessage) tooLong(at);
+        if (offset - *origin > longestMessage) tooLong(at);  // also where it goes back
         while (bytes.size() < offset - *origin) bytes.push_back(bytes[bytes.size() - rowBytes]);
         repeatAt = none;
     }

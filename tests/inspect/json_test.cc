@@ -180,4 +180,10 @@ TEST(Json, nesting_is_bounded)
     EXPECT_EQ(faultsOf(types::LockerIdSeq, open + closed), "values are nested too deeply");
 }
 
+TEST(Json, twenty_faults_are_enough)
+{
+    const std::string faults = faultsOf(types::Neighbour, R"({"nested":[{},{},{}]})");
+    EXPECT_EQ(std::ranges::count(faults, '\n'), 19) << faults;
+}
+
 }  // namespace
