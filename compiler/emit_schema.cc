@@ -94,8 +94,7 @@ std::string enumeratorArray(const Definition& definition)
 {
     std::vector<const Enumerator*> byValue;
     for (const Enumerator& enumerator : definition.enumerators) byValue.push_back(&enumerator);
-    std::stable_sort(byValue.begin(), byValue.end(),
-                     [](const auto* a, const auto* b) { return a->value.number < b->value.number; });
+    std::ranges::sort(byValue, {}, [](const Enumerator* each) { return each->value.number; });
 
     std::string out = "constexpr Enumerator " + definition.name + "Enumerators[] = {\n";
     for (const Enumerator* each : byValue)

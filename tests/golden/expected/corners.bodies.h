@@ -54,6 +54,16 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Vaster& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Silent& obj);
 template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Widths& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Fits& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Spills& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Heads& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Tails& obj);
+template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Lines& obj);
 
 // Where a door stands. Always as long on the wire.   corners.x:9
@@ -110,69 +120,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Largest& obj)
             opaque("map", obj.map));
 }
 
-// 102 columns, to the very last column of the line that it just about fills and not one sign more than z
-// corners.x:185
-template <class Pass>
-quorva::walk::At code(Pass& pass, quorva::walk::At at, Widths& obj)
-{
-    using namespace quorva::walk;
-    return quorva::walk::parts(pass, at,
-            quorva::walk::field("a", obj.a, quorva::coder::Natural),
-            quorva::walk::field("b", obj.b, quorva::coder::Natural),
-            quorva::walk::field("c", obj.c, quorva::coder::Natural),
-            quorva::walk::field("ccccccccccccccccccccccccccccccccccccccccccccccccccc",
-                                obj.ccccccccccccccccccccccccccccccccccccccccccccccccccc, quorva::coder::Natural),
-            quorva::walk::field("d", obj.d, quorva::coder::Natural),
-            quorva::walk::field("e", obj.e, quorva::coder::Natural),
-            quorva::walk::field("eeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeee",
-                                obj.eeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeee, quorva::coder::Natural),
-            quorva::walk::field("f", obj.f, quorva::coder::Natural),
-            quorva::walk::field("g", obj.g, quorva::coder::Natural),
-            quorva::walk::field("h", obj.h, quorva::coder::Natural),
-            quorva::walk::field("i", obj.i, quorva::coder::Natural),
-            quorva::walk::field("j", obj.j, quorva::coder::Natural));
-}
-
-// 105 in a literal, to the very last column of the line that it just about fills and not one sign more th z
-// corners.x:212
-template <class Pass>
-quorva::walk::At code(Pass& pass, quorva::walk::At at, Fits& obj)
-{
-    using namespace quorva::walk;
-    return quorva::walk::parts(pass, at,
-            quorva::walk::field("widths", obj.widths, quorva::coder::Widths));
-}
-
-// 106 in two, to the very last column of the line that it just about fills and not one sign more than that z
-// corners.x:215
-template <class Pass>
-quorva::walk::At code(Pass& pass, quorva::walk::At at, Spills& obj)
-{
-    using namespace quorva::walk;
-    return quorva::walk::parts(pass, at,
-            quorva::walk::field("widths", obj.widths, quorva::coder::Widths));
-}
-
-// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:218
-template <class Pass>
-quorva::walk::At code(Pass& pass, quorva::walk::At at, Heads& obj)
-{
-    using namespace quorva::walk;
-    return quorva::walk::parts(pass, at,
-            quorva::walk::field("fits", obj.fits, quorva::coder::Fits));
-}
-
-// 118 with its place, to the very last column of the line that it just about fills and not one sign mo z
-// corners.x:221
-template <class Pass>
-quorva::walk::At code(Pass& pass, quorva::walk::At at, Tails& obj)
-{
-    using namespace quorva::walk;
-    return quorva::walk::parts(pass, at,
-            quorva::walk::field("fits", obj.fits, quorva::coder::Fits));
-}
-
-// corners.x:223
+// corners.x:227
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Filllllllll& obj)
 {
@@ -181,7 +129,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Filllllllll& obj)
             opaque("map", obj.map));
 }
 
-// corners.x:224
+// corners.x:228
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Widerrrrrrr& obj)
 {
@@ -190,7 +138,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Widerrrrrrr& obj)
             opaque("map", obj.map));
 }
 
-// corners.x:225
+// corners.x:229
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Longgggggggggggggggggggg& obj)
 {

@@ -700,57 +700,129 @@ int XdrColumn(Xdr* xdrs, void* object)
 
 // 102 columns, to the very last column of the line that it just about fills and not one sign more than z
 // corners.x:185
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Widths& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("a", obj.a, quorva::coder::Natural),
+            quorva::walk::field("b", obj.b, quorva::coder::Natural),
+            quorva::walk::field("c", obj.c, quorva::coder::Natural),
+            quorva::walk::field("ccccccccccccccccccccccccccccccccccccccccccccccccccc",
+                                obj.ccccccccccccccccccccccccccccccccccccccccccccccccccc, quorva::coder::Natural),
+            quorva::walk::field("d", obj.d, quorva::coder::Natural),
+            quorva::walk::field("e", obj.e, quorva::coder::Natural),
+            quorva::walk::field("eeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeee",
+                                obj.eeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeee, quorva::coder::Natural),
+            quorva::walk::field("f", obj.f, quorva::coder::Natural),
+            quorva::walk::field("g", obj.g, quorva::coder::Natural),
+            quorva::walk::field("h", obj.h, quorva::coder::Natural),
+            quorva::walk::field("i", obj.i, quorva::coder::Natural),
+            quorva::walk::field("j", obj.j, quorva::coder::Natural),
+            quorva::walk::optional("kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk",
+                                   obj.kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk,
+                                   quorva::coder::Natural));
+}
+QUORVA_BODY(Widths)
+
 int XdrWidths(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Widths>(xdrs, object);
 }
 
+// Not in the order of their values.   corners.x:213
+const char* OrderString(int value)
+{
+    switch (value) {
+    case 3: return "ORthird";
+    case 1: return "ORfirst";
+    case 2: return "ORsecond";
+    default: return "Error_in_Function";
+    }
+}
+
+int XdrOrder(Xdr* xdrs, void* object)
+{
+    return quorva::walk::enumeration<Order>(xdrs, object, OrderString);
+}
+
 // 105 in a literal, to the very last column of the line that it just about fills and not one sign more th z
-// corners.x:212
+// corners.x:216
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Fits& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("widths", obj.widths, quorva::coder::Widths));
+}
+QUORVA_BODY(Fits)
+
 int XdrFits(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Fits>(xdrs, object);
 }
 
 // 106 in two, to the very last column of the line that it just about fills and not one sign more than that z
-// corners.x:215
+// corners.x:219
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Spills& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("widths", obj.widths, quorva::coder::Widths));
+}
+QUORVA_BODY(Spills)
+
 int XdrSpills(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Spills>(xdrs, object);
 }
 
-// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:218
+// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:222
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Heads& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("fits", obj.fits, quorva::coder::Fits));
+}
+QUORVA_BODY(Heads)
+
 int XdrHeads(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Heads>(xdrs, object);
 }
 
 // 118 with its place, to the very last column of the line that it just about fills and not one sign mo z
-// corners.x:221
+// corners.x:225
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Tails& obj)
+{
+    return quorva::walk::parts(pass, at,
+            quorva::walk::field("fits", obj.fits, quorva::coder::Fits));
+}
+QUORVA_BODY(Tails)
+
 int XdrTails(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Tails>(xdrs, object);
 }
 
-// corners.x:223
+// corners.x:227
 int XdrFilllllllll(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Filllllllll>(xdrs, object);
 }
 
-// corners.x:224
+// corners.x:228
 int XdrWiderrrrrrr(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Widerrrrrrr>(xdrs, object);
 }
 
-// corners.x:225
+// corners.x:229
 int XdrLonggggggggggggggggggggg(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Longgggggggggggggggggggg>(xdrs, object);
 }
 
-// corners.x:227
+// corners.x:231
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Lines& obj)
 {

@@ -296,6 +296,15 @@ struct Widths {
     Natural i;  // a row of 121, to the very last column of the line z
     // 110 in plain, to the very last column of the line that it just about fills and not one sign more than that s z
     Natural j;
+    // null when absent
+    Natural* kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk;
+};
+
+// Not in the order of their values.
+enum class Order : std::int32_t {
+    ORthird = 3,
+    ORfirst = 1,
+    ORsecond = 2,
 };
 
 // 105 in a literal, to the very last column of the line that it just about fills and not one sign more th z
@@ -336,6 +345,9 @@ struct Lines {
     char* s1mmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm;  // at most 1 characters
     char* s2xmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmmm;  // at most 10 characters
 };
+
+// The name of the enumerator that has the value, else "Error_in_Function".
+QUORVA_EXPORT const char* OrderString(int value);
 
 extern "C" {
 
@@ -406,6 +418,7 @@ QUORVA_EXPORT int XdrLargest(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrSilent(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrColumn(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrWidths(Xdr* xdrs, void* object);
+QUORVA_EXPORT int XdrOrder(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrFits(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrSpills(Xdr* xdrs, void* object);
 QUORVA_EXPORT int XdrHeads(Xdr* xdrs, void* object);
@@ -485,11 +498,12 @@ inline constexpr quorva::Shaped<::Vaster, quorva::shape::Body<false>> Vaster = {
 inline constexpr quorva::Shaped<::Largest, quorva::shape::Fixed<16383>> Largest = {{XdrLargest, "Largest"}};
 inline constexpr quorva::Shaped<::Silent, quorva::shape::Body<true>> Silent = {{XdrSilent, "Silent"}};
 inline constexpr quorva::Shaped<::Column, decltype(Natural)::Shape> Column = {{XdrColumn, "Column"}};
-inline constexpr quorva::Shaped<::Widths, quorva::shape::Fixed<12>> Widths = {{XdrWidths, "Widths"}};
-inline constexpr quorva::Shaped<::Fits, quorva::shape::Fixed<12>> Fits = {{XdrFits, "Fits"}};
-inline constexpr quorva::Shaped<::Spills, quorva::shape::Fixed<12>> Spills = {{XdrSpills, "Spills"}};
-inline constexpr quorva::Shaped<::Heads, quorva::shape::Fixed<12>> Heads = {{XdrHeads, "Heads"}};
-inline constexpr quorva::Shaped<::Tails, quorva::shape::Fixed<12>> Tails = {{XdrTails, "Tails"}};
+inline constexpr quorva::Shaped<::Widths, quorva::shape::Body<true>> Widths = {{XdrWidths, "Widths"}};
+inline constexpr quorva::Shaped<::Order, quorva::shape::Enumeration<OrderString>> Order = {{XdrOrder, "Order"}};
+inline constexpr quorva::Shaped<::Fits, quorva::shape::Body<true>> Fits = {{XdrFits, "Fits"}};
+inline constexpr quorva::Shaped<::Spills, quorva::shape::Body<true>> Spills = {{XdrSpills, "Spills"}};
+inline constexpr quorva::Shaped<::Heads, quorva::shape::Body<true>> Heads = {{XdrHeads, "Heads"}};
+inline constexpr quorva::Shaped<::Tails, quorva::shape::Body<true>> Tails = {{XdrTails, "Tails"}};
 inline constexpr quorva::Shaped<::Filllllllll, quorva::shape::Fixed<1>> Filllllllll = {{XdrFilllllllll, "Filllllllll"}};
 inline constexpr quorva::Shaped<::Widerrrrrrr, quorva::shape::Fixed<16>>
     Widerrrrrrr = {{XdrWiderrrrrrr, "Widerrrrrrr"}};
@@ -557,6 +571,8 @@ template <>
 inline constexpr Coder<::Silent> coderOf<::Silent> = coder::Silent;
 template <>
 inline constexpr Coder<::Widths> coderOf<::Widths> = coder::Widths;
+template <>
+inline constexpr Coder<::Order> coderOf<::Order> = coder::Order;
 template <>
 inline constexpr Coder<::Fits> coderOf<::Fits> = coder::Fits;
 template <>

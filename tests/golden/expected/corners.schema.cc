@@ -13,7 +13,7 @@ extern const schema::Type Place, Span, Numbers, At, Element, Knot, Loop, Tie, Ou
                           elementsOfALongNamedAlias, Rows, Words, Calls, Decimal, Decoding, Encoding, Field, List, Name,
                           Optional, Releasing, Text, Tracing, bytes, close, enumeration, field, list, objectAt, open,
                           optional, parts, refuse, run, text, untagged, vector, Pass, obj, object, pass, xdrs, Remarks,
-                          Remarked, Vast, Vaster, Largest, Silent, Column, Widths, Fits, Spills, Heads, Tails,
+                          Remarked, Vast, Vaster, Largest, Silent, Column, Widths, Order, Fits, Spills, Heads, Tails,
                           Filllllllll, Widerrrrrrr, Longgggggggggggggggggggg, Lines;
 
 // Of other modules.
@@ -1017,6 +1017,9 @@ constexpr Member WidthsFields[] = {
      "a row of 121, to the very last column of the line z"},
     {"j", {Form::single, &types::Natural}, offsetof(::Widths, j),
      "110 in plain, to the very last column of the line that it just about fills and not one sign more than that s z"},
+    {"kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk",
+     {Form::optional, &types::Natural},
+     offsetof(::Widths, kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk)},
 };
 
 constinit const Type types::Widths = {
@@ -1042,6 +1045,26 @@ constinit const Type types::Widths = {
     .fields = WidthsFields,
 };
 
+constexpr Enumerator OrderEnumerators[] = {
+    {"ORfirst", 1},
+    {"ORsecond", 2},
+    {"ORthird", 3},
+};
+
+constinit const Type types::Order = {
+    .name = "Order",
+    .kind = Kind::enumeration,
+    .module = "corners",
+    .file = "corners.x",
+    .line = 213,
+    .doc = "Not in the order of their values.",
+    .routine = XdrOrder,
+    .nameOf = OrderString,
+    .size = sizeof(::Order),
+    .alignment = alignof(::Order),
+    .enumerators = OrderEnumerators,
+};
+
 constexpr Member FitsFields[] = {
     {"widths", {Form::single, &types::Widths}, offsetof(::Fits, widths)},
 };
@@ -1051,7 +1074,7 @@ constinit const Type types::Fits = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 212,
+    .line = 216,
     .doc = "105 in a literal, to the very last column of the line that it just about fills and not one sign more th z",
     .routine = XdrFits,
     .size = sizeof(::Fits),
@@ -1068,7 +1091,7 @@ constinit const Type types::Spills = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 215,
+    .line = 219,
     .doc = "106 in two, to the very last column of the line that it just about fills and not one sign more than "
            "that z",
     .routine = XdrSpills,
@@ -1086,7 +1109,7 @@ constinit const Type types::Heads = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 218,
+    .line = 222,
     .doc = "117 with its place, to the very last column of the line that it just about fills and not one sign m z",
     .routine = XdrHeads,
     .size = sizeof(::Heads),
@@ -1103,7 +1126,7 @@ constinit const Type types::Tails = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 221,
+    .line = 225,
     .doc = "118 with its place, to the very last column of the line that it just about fills and not one sign mo z",
     .routine = XdrTails,
     .size = sizeof(::Tails),
@@ -1120,7 +1143,7 @@ constinit const Type types::Filllllllll = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 223,
+    .line = 227,
     .routine = XdrFilllllllll,
     .size = sizeof(::Filllllllll),
     .alignment = alignof(::Filllllllll),
@@ -1136,7 +1159,7 @@ constinit const Type types::Widerrrrrrr = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 224,
+    .line = 228,
     .routine = XdrWiderrrrrrr,
     .size = sizeof(::Widerrrrrrr),
     .alignment = alignof(::Widerrrrrrr),
@@ -1152,7 +1175,7 @@ constinit const Type types::Longgggggggggggggggggggg = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 225,
+    .line = 229,
     .routine = XdrLonggggggggggggggggggggg,
     .size = sizeof(::Longgggggggggggggggggggg),
     .alignment = alignof(::Longgggggggggggggggggggg),
@@ -1173,7 +1196,7 @@ constinit const Type types::Lines = {
     .kind = Kind::record,
     .module = "corners",
     .file = "corners.x",
-    .line = 227,
+    .line = 231,
     .routine = XdrLines,
     .size = sizeof(::Lines),
     .alignment = alignof(::Lines),
@@ -1251,6 +1274,7 @@ constexpr const Type* definitions[] = {
     &types::Silent,
     &types::Column,
     &types::Widths,
+    &types::Order,
     &types::Fits,
     &types::Spills,
     &types::Heads,
