@@ -163,7 +163,6 @@ bool Parser::expectName(const std::string& what, std::string& name, Span& at)
 
 void Parser::skipOne()
 {
-    if (atEnd()) return;
     if (token().kind == TokenKind::name) module_.skipped.emplace(token().text);
     ++pos_;
 }
