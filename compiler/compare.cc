@@ -71,9 +71,9 @@ std::string typeText(const Declaration& declaration)
     case Form::string: return "string" + maximum;
     case Form::bytes: return "opaque" + maximum;
     case Form::opaque: return "opaque[" + number + "]";
-    case Form::nothing: return "void";
+    case Form::nothing: break;
     }
-    return "";
+    return "void";
 }
 
 std::string list(const std::vector<std::string_view>& names)

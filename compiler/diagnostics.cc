@@ -45,7 +45,7 @@ void printExcerpt(std::ostream& out, const Span& span)
     const std::size_t caret = span.column > 0 ? span.column - 1 : 0;
     std::size_t first = 0;
     if (line.size() > longestExcerpt && caret > excerptLead) first = std::min(caret, line.size()) - excerptLead;
-    while (first > 0 && first < line.size() && continuesCharacter(line[first])) --first;
+    while (first > 0 && continuesCharacter(line[first])) --first;
     std::size_t last = std::min(line.size(), first + longestExcerpt);
     while (last < line.size() && last > first && continuesCharacter(line[last])) --last;
 

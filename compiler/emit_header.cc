@@ -83,10 +83,10 @@ std::string memberOf(const Declaration& declaration, const MemberNames& members)
     case Form::optional: return typeName(declaration, members) + "* " + name + ";";
     case Form::string: return "char* " + name + ";";
     case Form::bytes: return "quorva::Counted<unsigned char> " + name + ";";
-    case Form::opaque: return "unsigned char " + name + "[" + bound(declaration, members) + "];";
-    case Form::nothing: return "";
+    case Form::opaque:
+    case Form::nothing: break;  // which is no member
     }
-    return "";
+    return "unsigned char " + name + "[" + bound(declaration, members) + "];";
 }
 
 // The type of a typedef that is another name.
@@ -97,8 +97,7 @@ std::string typeOf(const Declaration& declaration)
     case Form::vector: return declaration.type.name + "[" + bound(declaration) + "]";
     case Form::optional: return declaration.type.name + "*";
     case Form::string: return "char*";
-    case Form::opaque: return "unsigned char[" + bound(declaration) + "]";
-    default: return "";
+    default: return "unsigned char[" + bound(declaration) + "]";  // the others are types of their own
     }
 }
 
@@ -266,9 +265,9 @@ std::string shapeOf(const Definition& definition, WireShapes& shapes)
     case WireShape::Kind::text: return "quorva::shape::Text<" + std::to_string(definition.target.bound) + ">";
     case WireShape::Kind::fixed: return "quorva::shape::Fixed<" + std::to_string(shape.units) + ">";
     case WireShape::Kind::body: return std::string("quorva::shape::Body<") + (shape.owns ? "true" : "false") + ">";
-    case WireShape::Kind::routine: return "quorva::shape::Routine";
+    case WireShape::Kind::routine: break;
     }
-    return "";
+    return "quorva::shape::Routine";
 }
 
 // A definition that goes on in a second line where one is too short.

@@ -11,11 +11,6 @@ namespace quorva::compiler {
 
 namespace {
 
-bool isSameDeclaration(const Declaration& a, const Declaration& b)
-{
-    return a.name == b.name && a.form == b.form && a.type.name == b.type.name && a.bound == b.bound;
-}
-
 bool isByValue(Form form)
 {
     return form == Form::single || form == Form::vector;
@@ -33,19 +28,19 @@ private:
     static constexpr std::size_t unseen = std::numeric_limits<std::size_t>::max();
 
     struct Use {
-        std::size_t node = 0;
-        bool byValue = false;
+        std::size_t node;
+        bool byValue;
     };
     struct Node {
         const Definition* definition = nullptr;
         std::vector<Use> uses;
         std::size_t number = unseen;
         std::size_t lowest = unseen;
-        std::size_t group = unseen;
+        bool isClosed = false;  // its group is known
     };
     struct Step {
-        std::size_t node = 0;
-        std::size_t nextUse = 0;
+        std::size_t node;
+        std::size_t nextUse;
     };
 
     void visit(std::size_t start);
@@ -61,7 +56,6 @@ private:
     std::vector<Step> path_;
     std::vector<std::size_t> open_;  // entered, group not known yet
     std::size_t numbered_ = 0;
-    std::size_t groups_ = 0;
     std::vector<bool> completed_;
     std::vector<bool> named_;
     std::vector<bool> printed_;
@@ -103,7 +97,7 @@ void Order::visit(std::size_t start)
         const std::size_t used = nodes_[node].uses[path_.back().nextUse++].node;
         if (nodes_[used].number == unseen)
             enter(used);
-        else if (nodes_[used].group == unseen)
+        else if (!nodes_[used].isClosed)
             nodes_[node].lowest = std::min(nodes_[node].lowest, nodes_[used].number);
     }
 }
@@ -130,21 +124,18 @@ void Order::closeGroup(std::size_t node)
     const auto first = std::find(open_.begin(), open_.end(), node);
     std::vector<std::size_t> group(first, open_.end());
     open_.erase(first, open_.end());
-    for (const std::size_t member : group) nodes_[member].group = groups_;
-    ++groups_;
+    for (const std::size_t member : group) nodes_[member].isClosed = true;
 
     std::sort(group.begin(), group.end());
     for (const std::size_t member : group) complete(member);
 }
 
-// Within a group: what the definition holds by value stands before it, and so do the typedefs that it names.
+// What the definition holds by value stands before it, and so do the typedefs that it names. Other groups are out.
 void Order::complete(std::size_t node)
 {
     if (completed_[node]) return;
     completed_[node] = true;
-    name(node);
     for (const auto& [used, byValue] : nodes_[node].uses) {
-        if (nodes_[used].group != nodes_[node].group) continue;
         if (byValue)
             complete(used);
         else
@@ -159,8 +150,7 @@ void Order::name(std::size_t node)
 {
     if (nodes_[node].definition->kind != Kind::definedAs || named_[node]) return;
     named_[node] = true;
-    for (const auto& [used, byValue] : nodes_[node].uses)
-        if (nodes_[used].group == nodes_[node].group) name(used);
+    for (const auto& [used, byValue] : nodes_[node].uses) name(used);
     print(node);
 }
 
@@ -241,10 +231,7 @@ std::vector<ArmMember> armMembersOf(const Definition& discriminated)
         if (declaration.form == Form::nothing) continue;
 
         const auto [place, isNew] = places.emplace(declaration.name, out.size());
-        if (isNew || !isSameDeclaration(*out[place->second].declaration, declaration)) {
-            place->second = out.size();
-            out.push_back({&declaration, {}, ""});
-        }
+        if (isNew) out.push_back({&declaration, {}, ""});  // otherwise it has the same type, which was checked
         ArmMember& member = out[place->second];
         for (const Value& value : arm.cases) member.cases.push_back(&value);
         if (member.doc.empty())
@@ -286,7 +273,7 @@ WireShape WireShapes::of(const Definition& definition)
 WireShape WireShapes::of(const TypeRef& type)
 {
     if (type.definition) return of(*type.definition);
-    return {WireShape::Kind::number, 1, type.builtin == Builtin::Float};  // a float prints in every pass
+    return {WireShape::Kind::number, type.builtin == Builtin::Float, 1};  // a float prints in every pass
 }
 
 // A part of an object: its units where they never vary.
@@ -299,9 +286,8 @@ WireShape WireShapes::part(const Declaration& declaration)
         shape.units *= declaration.bound;
         return shape;
     }
-    case Form::opaque: return {WireShape::Kind::fixed, (std::uint64_t{declaration.bound} + 3) / 4, false};
-    case Form::nothing: return {WireShape::Kind::fixed, 0, false};
-    default: return {WireShape::Kind::body, 0, true};
+    case Form::opaque: return {WireShape::Kind::fixed, false, (std::uint64_t{declaration.bound} + 3) / 4};
+    default: return {};
     }
 }
 
@@ -309,28 +295,26 @@ WireShape WireShapes::find(const Definition& definition)
 {
     constexpr std::uint64_t mostUnits = 16383;  // of a message; what is larger is never one run
     switch (definition.kind) {
-    case Kind::enumeration: return {WireShape::Kind::number, 1, false};
+    case Kind::enumeration: return {WireShape::Kind::number, false, 1};
     case Kind::definedAs:
         switch (definition.target.form) {
         case Form::single: return of(definition.target.type);
-        case Form::string: return {WireShape::Kind::text, 0, true};
+        case Form::string: return {WireShape::Kind::text};
         case Form::list:
-        case Form::bytes: return {WireShape::Kind::body, 0, true};
+        case Form::bytes: return {WireShape::Kind::body};
         default: return {};
         }
     case Kind::record: {
-        WireShape all = {WireShape::Kind::fixed, 0, false};
+        WireShape all = {WireShape::Kind::fixed, false};
         for (const Declaration& field : definition.fields) {
             const WireShape each = part(field);
-            if (each.units == 0 || each.owns) all.kind = WireShape::Kind::body;
-            all.units += each.units;
-            if (all.units > mostUnits) all.kind = WireShape::Kind::body;
+            all.units = std::min(all.units + each.units, mostUnits + 1);
             all.owns = all.owns || each.owns;
         }
-        if (all.kind == WireShape::Kind::body) all.units = 0;
+        if (all.owns || all.units > mostUnits) all.kind = WireShape::Kind::body;
         return all;
     }
-    default: return {WireShape::Kind::body, 0, true};
+    default: return {WireShape::Kind::body};
     }
 }
 

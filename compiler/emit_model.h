@@ -56,8 +56,8 @@ std::vector<const Definition*> declarationOrder(const std::vector<const Definiti
 struct WireShape {
     enum class Kind { number, text, fixed, body, routine };
     Kind kind = Kind::routine;
-    std::uint64_t units = 0;  // of a number or a fixed type; never 0 there
     bool owns = true;         // whether a release pass has anything to do, or to refuse
+    std::uint64_t units = 0;  // of what owns nothing; never 0 there
 };
 
 // The shapes of the definitions of a program. Each is found once, so that types that hold each other in many ways cost

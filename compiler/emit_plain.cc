@@ -33,10 +33,10 @@ std::string wireType(Builtin builtin)
     case Builtin::ShortNatural:
     case Builtin::UINT: return "unsigned int";
     case Builtin::Boolean: return "bool";
-    case Builtin::Float: return "float";
-    case Builtin::none: return "";
+    case Builtin::Float:
+    case Builtin::none: break;
     }
-    return "";
+    return "float";
 }
 
 // Prints definitions and keeps in mind which of them are out already.
@@ -103,9 +103,9 @@ std::string Printer::declaration(const Declaration& declaration, const std::stri
     case Form::string: return "string " + name + "<" + bound(declaration) + ">;";
     case Form::bytes: return "opaque " + name + "<" + bound(declaration) + ">;";
     case Form::opaque: return "opaque " + name + "[" + bound(declaration) + "];";
-    case Form::nothing: return "void;";
+    case Form::nothing: break;
     }
-    return "";
+    return "void;";
 }
 
 std::string Printer::constant(const Definition& definition) const
@@ -167,9 +167,9 @@ std::string Printer::definition(const Definition& definition) const
     case Kind::enumeration: return comment + enumeration(definition);
     case Kind::record: return comment + record(definition);
     case Kind::discriminated: return comment + discriminated(definition);
-    case Kind::definedAs: return comment + definedAs(definition);
+    case Kind::definedAs: break;
     }
-    return "";
+    return comment + definedAs(definition);
 }
 
 std::string Printer::module(const Module& module)

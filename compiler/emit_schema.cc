@@ -43,10 +43,10 @@ std::string formOf(Form form)
     case Form::optional: return "Form::optional";
     case Form::string: return "Form::string";
     case Form::bytes: return "Form::bytes";
-    case Form::opaque: return "Form::opaque";
-    case Form::nothing: return "Form::nothing";
+    case Form::opaque:
+    case Form::nothing: break;  // which needs no words
     }
-    return "";
+    return "Form::opaque";
 }
 
 std::string kindOf(Kind kind)
@@ -55,10 +55,10 @@ std::string kindOf(Kind kind)
     case Kind::enumeration: return "Kind::enumeration";
     case Kind::record: return "Kind::record";
     case Kind::discriminated: return "Kind::discriminated";
-    case Kind::definedAs: return "Kind::definedAs";
-    case Kind::constant: return "";
+    case Kind::definedAs:
+    case Kind::constant: break;  // which has no entry
     }
-    return "";
+    return "Kind::definedAs";
 }
 
 std::string useOf(const Declaration& declaration)
@@ -94,8 +94,7 @@ std::string enumeratorArray(const Definition& definition)
 {
     std::vector<const Enumerator*> byValue;
     for (const Enumerator& enumerator : definition.enumerators) byValue.push_back(&enumerator);
-    std::stable_sort(byValue.begin(), byValue.end(),
-                     [](const auto* a, const auto* b) { return a->value.number < b->value.number; });
+    std::ranges::sort(byValue, {}, [](const Enumerator* each) { return each->value.number; });
 
     std::string out = "constexpr Enumerator " + definition.name + "Enumerators[] = {\n";
     for (const Enumerator* each : byValue)
@@ -140,7 +139,7 @@ std::string arrays(const Definition& definition)
     case Kind::record: return fieldArray(definition);
     case Kind::discriminated: return fieldArray(definition) + "\n" + armArray(definition);
     case Kind::definedAs:
-    case Kind::constant: return "";
+    case Kind::constant: break;
     }
     return "";
 }
@@ -167,10 +166,10 @@ std::string itemsOfKind(const Definition& definition)
     case Kind::discriminated:
         return item("fields", name + "Fields") + item("arms", name + "Arms") +
                (definition.defaultArm ? item("hasDefault", "true") : "");
-    case Kind::definedAs: return item("target", useOf(definition.target));
-    case Kind::constant: return "";
+    case Kind::definedAs:
+    case Kind::constant: break;
     }
-    return "";
+    return item("target", useOf(definition.target));
 }
 
 std::string entry(const Definition& definition, const Module& module)
@@ -271,15 +270,12 @@ std::string emitModuleList(const std::vector<const Module*>& modules)
         names.push_back(entryOf(*module));
         addresses += "        &tables::" + names.back() + ",\n";
     }
-    const std::string list =
-        names.empty() ? "    return {};\n"
-                      : "    static constexpr const Module* all[] = {\n" + addresses + "    };\n    return all;\n";
     return sections({
         "// The modules of the schema table, listed by quorvaxdrc.\n#include <quorvapixdr/schema.h>\n",
         "namespace quorva::schema {\n",
-        names.empty() ? ""
-                      : "namespace tables {\n" + argumentList(0, "extern const schema::Module ", names, ";") + "\n}\n",
-        "std::span<const Module* const> modules()\n{\n" + list + "}\n",
+        "namespace tables {\n" + argumentList(0, "extern const schema::Module ", names, ";") + "\n}\n",
+        "std::span<const Module* const> modules()\n{\n    static constexpr const Module* all[] = {\n" + addresses +
+            "    };\n    return all;\n}\n",
         "}  // namespace quorva::schema\n",
     });
 }

@@ -61,18 +61,15 @@ std::string safeInBlock(std::string text)
     return text;
 }
 
+// Documentation has no other control characters.
 std::string escaped(std::string_view text)
 {
     std::string out;
     for (const char c : text) {
-        const auto code = static_cast<unsigned char>(c);
-        if (c == '"' || c == '\\')
+        if (c == '"' || c == '\\' || (c == '?' && out.ends_with('?')))  // two '?' may begin a trigraph
             (out += '\\') += c;
         else if (c == '\n')
             out += "\\n";
-        else if (code < 0x20 || code == 0x7F)
-            for (out += '\\'; const unsigned shift : {6u, 3u, 0u})
-                out += static_cast<char>('0' + ((code >> shift) & 7u));
         else
             out += c;
     }

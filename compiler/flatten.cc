@@ -34,9 +34,9 @@ std::string text(const Declaration& declaration)
     case Form::string: return "string " + name + "<" + bound(declaration) + ">;\n";
     case Form::bytes: return "opaque " + name + "<" + bound(declaration) + ">;\n";
     case Form::opaque: return "opaque " + name + "[" + bound(declaration) + "];\n";
-    case Form::nothing: return "void;\n";
+    case Form::nothing: break;
     }
-    return "";
+    return "void;\n";
 }
 
 std::string arm(const Arm& arm)
@@ -51,7 +51,6 @@ std::string body(const Definition& definition)
     std::string out;
     switch (definition.kind) {
     case Kind::constant: return "const " + definition.name + " = " + number(definition.constant) + ";\n";
-    case Kind::definedAs: return "typedef " + text(definition.target);
     case Kind::enumeration:
         for (const Enumerator& each : definition.enumerators) {
             out += (out.empty() ? "    " : ",\n    ") + each.name + " = " + number(each.value);
@@ -65,8 +64,9 @@ std::string body(const Definition& definition)
         if (definition.defaultArm) out += "    default: " + text(definition.defaultArm->declaration);
         return "union " + definition.name + " switch (" + definition.discriminant.type.name + " " +
                definition.discriminant.name + ") {\n" + out + "};\n";
+    case Kind::definedAs: break;
     }
-    return "";
+    return "typedef " + text(definition.target);
 }
 
 // The modules of a flattened file and the lines at which they begin.

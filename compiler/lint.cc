@@ -105,7 +105,7 @@ Layout Layouts::of(const Definition& definition) const
 {
     Layout layout;
     switch (definition.kind) {
-    case Kind::constant: return layout;
+    case Kind::constant: break;
     case Kind::enumeration: return {4, 4};
     case Kind::definedAs: return of(definition.target);
     case Kind::record:

@@ -163,7 +163,6 @@ bool Parser::expectName(const std::string& what, std::string& name, Span& at)
 
 void Parser::skipOne()
 {
-    if (atEnd()) return;
     if (token().kind == TokenKind::name) module_.skipped.emplace(token().text);
     ++pos_;
 }
@@ -527,19 +526,12 @@ bool Parser::body(Definition& definition)
     if (token().at.line > previous().at.line) addDocBehind(bodyDoc_, pos_ - 1);
 
     while (bodyGoesOn(opened, called(definition))) {
-        bool complete = false;
-        switch (definition.kind) {
-            case Kind::enumeration: complete = enumeration(definition); break;
-            case Kind::record: complete = record(definition); break;
-            case Kind::discriminated: complete = arm(definition); break;
-            case Kind::constant:
-            case Kind::definedAs: break;
-        }
+        const bool complete = definition.kind == Kind::enumeration ? enumeration(definition)
+                              : definition.kind == Kind::record    ? record(definition)
+                                                                   : arm(definition);
         if (!complete) skipInBody(definition.kind == Kind::enumeration ? "," : ";");
     }
-    // Where the '}' is missing, bodyGoesOn() has said so.
-    if (!accept("}")) return false;
-    return true;
+    return accept("}");  // where it is missing, bodyGoesOn() has said so
 }
 
 // One enumerator and the ',' behind it.
@@ -727,7 +719,7 @@ bool Parser::bound(Declaration& declaration, std::string_view close)
 {
     if (!at(close)) {
         Value written;
-        if (!value(written, "a number")) return false;
+        if (!value(written, "the number of " + inQuotes(declaration.name))) return false;
         declaration.written = written;
     }
     return expect(close, "behind the number of " + inQuotes(declaration.name));

@@ -53,11 +53,11 @@ bool isEnumeration(const TypeRef& type)
 std::string_view described(Kind kind)
 {
     switch (kind) {
-        case Kind::constant: return "a constant";
         case Kind::enumeration: return "an enumeration";
         case Kind::record: return "a struct";
         case Kind::discriminated: return "a union";
-        case Kind::definedAs: break;
+        case Kind::definedAs:
+        case Kind::constant: break;  // which is no type
     }
     return "a typedef";
 }

@@ -144,7 +144,7 @@ private:
     {
         const std::string_view line = text.substr(begin, end - begin);
         if (line == "*") {
-            if (bytes.size() < rowBytes || rowBytes == 0) fail(begin, "\"*\" without a line of bytes before it");
+            if (rowBytes == 0) fail(begin, "\"*\" without a line of bytes before it");
             repeatAt = begin;
             return;
         }
@@ -163,7 +163,7 @@ private:
 
     void fillUpTo(std::uint64_t offset, std::size_t at)
     {
-        if (offset < *origin || offset - *origin > longestMessage) tooLong(at);
+        if (offset - *origin > longestMessage) tooLong(at);  // also where it goes back
         while (bytes.size() < offset - *origin) bytes.push_back(bytes[bytes.size() - rowBytes]);
         repeatAt = none;
     }

@@ -119,9 +119,9 @@ public:
             if (arm && arm->member.use.form != Form::nothing) add(object, arm->member, at);
             return object;
         }
-        case Kind::definedAs: return held(type.target, at);
+        case Kind::definedAs: break;
         }
-        return nullptr;
+        return held(type.target, at);
     }
 
 private:

@@ -346,9 +346,9 @@ int run(int count, char** words)
     } catch (const CLI::ParseError& error) {
         throw Stop{misused, error.what()};
     }
-    for (std::size_t i = 0; i < std::size(verbs); ++i)
-        if (app.got_subcommand(verbs[i].name)) return verbs[i].run(options[i]);
-    return misused;
+    std::size_t chosen = 0;
+    while (!app.got_subcommand(verbs[chosen].name)) ++chosen;
+    return verbs[chosen].run(options[chosen]);
 }
 
 }  // namespace

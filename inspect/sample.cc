@@ -190,8 +190,7 @@ Bytes Sampler::sample(const Type& type, const Recipe& recipe)
     Path path;
     Inventor inventor(*this, type, recipe, path);
     if (const auto failure = Traversal(inventor, path).run(type))
-        throw std::logic_error(std::string("no sample of ") + type.name + " at " + failure->path + ": " +
-                               failure->reason);
+        throw std::logic_error(std::string(type.name) + ": " + failure->reason);
     return std::move(inventor.bytes);
 }
 

@@ -60,6 +60,11 @@ struct Refusal {
     std::string reason;
 };
 
+inline std::string beyond(const char* what, std::uint32_t number, std::uint32_t maximum)
+{
+    return std::string(what) + ' ' + std::to_string(number) + " is beyond the maximum " + std::to_string(maximum);
+}
+
 // A `Source` has, with `at` the address of the part in question (null where the source has no object):
 //   std::size_t offset()                                   bytes of the message so far
 //   std::int64_t number(const Type& scalar, at)            the next number
@@ -179,11 +184,6 @@ private:
         std::string reason = beyond("count", held, use.bound);
         if (held != raw) reason += " (" + std::to_string(raw) + ", of which 16 bits hold)";
         throw Refusal{std::move(reason)};
-    }
-
-    static std::string beyond(const char* what, std::uint32_t number, std::uint32_t maximum)
-    {
-        return std::string(what) + ' ' + std::to_string(number) + " is beyond the maximum " + std::to_string(maximum);
     }
 
     Source& source;

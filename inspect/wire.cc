@@ -4,6 +4,8 @@
 
 #include "input.h"
 
+#include <algorithm>
+
 namespace quorva::inspect {
 
 using schema::Form;
@@ -116,14 +118,13 @@ public:
 
     std::int64_t discriminant(const Type& type, const std::byte* at) { return number(discriminantOf(type), at); }
 
-    std::uint32_t length(const Use& use, const std::byte* at)
+    std::uint32_t length(const Use&, const std::byte* at)
     {
         const auto* text = load<const char*>(at);
         if (!text) throw Refusal{"there is no text (a null pointer)"};
         const std::size_t size = std::strlen(text);
         fill(4);
-        // Any length beyond the maximum is refused, so what the narrower type cuts off is never missed.
-        return static_cast<std::uint32_t>(size > use.bound && size > UINT32_MAX ? UINT32_MAX : size);
+        return static_cast<std::uint32_t>(std::min<std::size_t>(size, UINT32_MAX));  // beyond any maximum as well
     }
 
     std::uint32_t count(const Use&, const std::byte* at)

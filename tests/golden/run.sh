@@ -17,9 +17,10 @@ trap 'rm -rf "$made"' EXIT
 
 mkdir "$made/expected"
 "$compiler" generate --out "$made/out" -I "$here" "$here/locker.x" "$here/corners.x" "$here/colours.x" \
-    "$here/far_off/corner_9.x"
+    "$here/far_off/corner_9.x" "$here/steps.x" \
+    "$here/stair.x"
 mv "$made/out/schema/modules.cc" "$made/expected/modules.cc"
-for module in locker corners; do
+for module in locker corners steps stair; do
     mv "$made/out/include/quorvapixdr/$module.h" "$made/expected/$module.h"
     mv "$made/out/include/quorvapixdr/$module.bodies.h" "$made/expected/$module.bodies.h"
     mv "$made/out/src/$module.cc" "$made/expected/$module.cc"

@@ -26,7 +26,7 @@ TEST(Hex, dresses)
         {"{ 0x00, 0x01,\n 0xfF };", "0001ff"},
         {"\\x00\\x41", "0041"},
         {"00000000: 0000 0003 4142 4300 0a               ....ABC..\n", "00000003414243000a"},
-        {"00000000: 41                  0\n", "41"},
+        {"  00000000: 41                  0\n", "41"},
         {"0x0000:  4500 0003\n0x0004:  41\n", "4500000341"},
         {"00000100: 01\n00000101: 02\n", "0102"},
         {"00000000  00 00 00 03 41 42 43 00  de ad                    |....ABC...|\n0000000a\n",
@@ -36,6 +36,8 @@ TEST(Hex, dresses)
          "000000034142430001010101010101010a"},
         {"0000   00 03 41   ..A\n", "000341"},
         {"000000 03", "00000003"},
+        {"0000 03\n0000 04\n", "000003000004"},
+        {"00000000 03\n00000001 04\n", "0304"},
         {"00000000 0000\n", "000000000000"},
     };
     for (const auto& [text, digits] : dresses) EXPECT_EQ(hexDigits(parseHex(text)), digits) << text;
@@ -56,6 +58,8 @@ TEST(Hex, faults_tell_line_and_column)
         {"00000000: 00\nzz\n", "2:1: a dump's line begins with its offset, and this one does not"},
         {"00000000: 0g\n", "1:12: 'g' is no hexadecimal digit"},
         {"00000000  00\n*\n", "2:1: no line follows the \"*\" to tell how far it reaches"},
+        {"00000000:  |..|\n*\n", "2:1: \"*\" without a line of bytes before it"},
+        {"00000100: 00\n*\n00000000:\n", "3:1: here the message grows beyond 65535 bytes, the longest there is"},
         {"00000000  00\n*\n10000000\n", "3:1: here the message grows beyond 65535 bytes, the longest there is"},
         {std::string(131072, '0'), "1:1: here the message grows beyond 65535 bytes, the longest there is"},
     };

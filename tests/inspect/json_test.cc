@@ -66,6 +66,11 @@ const Form forms[] = {
     {types::AccessUnion, "0000000100000002c3a40000", R"({"kind":"AKowner","owner":"ä"})"},
     {types::AccessUnion, "0000000100000001e4000000", R"({"kind":"AKowner","owner":{"hex":"e4"}})"},
     {types::AccessUnion, "0000000100000003eda08000", R"({"kind":"AKowner","owner":{"hex":"eda080"}})"},
+    {types::AccessUnion, "0000000100000003ee808000", "{\"kind\":\"AKowner\",\"owner\":\"\xee\x80\x80\"}"},
+    {types::AccessUnion, "0000000100000003e0808000", R"({"kind":"AKowner","owner":{"hex":"e08080"}})"},
+    {types::AccessUnion, "0000000100000004f0908080", "{\"kind\":\"AKowner\",\"owner\":\"\xf0\x90\x80\x80\"}"},
+    {types::AccessUnion, "0000000100000004f08fbfbf", R"({"kind":"AKowner","owner":{"hex":"f08fbfbf"}})"},
+    {types::AccessUnion, "0000000100000004f4908080", R"({"kind":"AKowner","owner":{"hex":"f4908080"}})"},
     {types::AccessUnion, "00000003000000010000000a", R"({"kind":"AKshift","members":[10]})"},
     {types::Drive, "00000001000003e8", R"({"powered":true,"openingTime":1000})"},
     {types::EventUnion, "00000005", R"({"number":5})"},
@@ -104,6 +109,8 @@ TEST(Json, other_spellings_are_read)
 TEST(Json, faults_tell_place_and_expectation)
 {
     const std::string longText(41, 'x');
+    const char* const floatWanted =
+        R"(expected a number or {"bits": "7fc00001"} with eight hexadecimal digits, found an object)";
     const struct {
         const schema::Type& type;
         std::string json, fault;
@@ -114,8 +121,10 @@ TEST(Json, faults_tell_place_and_expectation)
          "expected a whole number from -2147483648 to 2147483647, found 18446744073709551615"},
         {types::Boolean, "256", "expected true, false or a number from 0 to 255, found 256"},
         {types::Float, "1e39", "the number 1e+39 is beyond the largest single float"},
-        {types::Float, R"({"bits":"7fc0"})",
-         R"(expected a number or {"bits": "7fc00001"} with eight hexadecimal digits, found an object)"},
+        {types::Float, R"({"bits":"7fc0"})", floatWanted},
+        {types::Float, R"({"bits":7})", floatWanted}, {types::Float, R"({"bits":"7fc0000g"})", floatWanted},
+        {types::Float, R"({"bits":"7fc00001","x":0})", floatWanted},
+        {types::Float, R"({"sign":"7fc00001"})", floatWanted},
         {types::DoorState, "\"DSjamed\"", "\"DSjamed\" is no enumerator of DoorState; did you mean DSjammed?"},
         {types::DoorState, "null", "expected an enumerator of DoorState or its number, found null"},
         {types::LockerIdSeq, "[1, 2, -3]", "/2: expected a whole number from 0 to 4294967295, found -3"},
@@ -123,6 +132,12 @@ TEST(Json, faults_tell_place_and_expectation)
         {types::LockerIdSeq, "{}", "expected an array of at most 6 LockerId, found an object"},
         {types::Key, R"({"text":"ABC"})", "expected exactly 16 bytes, found 3"},
         {types::Picture, R"({"hex":"abc"})", R"(expected {"hex": "..."} or {"text": "..."}, found an object)"},
+        {types::Picture, R"({"oct":"abc"})", R"(expected {"hex": "..."} or {"text": "..."}, found an object)"},
+        {types::Picture, R"({"hex":7})", R"(expected {"hex": "..."} or {"text": "..."}, found an object)"},
+        {types::StationUnion, R"({"attribute":40,"counters":[1,2]})",
+         "/counters: expected an array of exactly 3 UINT, found 2"},
+        {types::StationUnion, R"({"attribute":40,"counters":1})",
+         "/counters: expected an array of exactly 3 UINT, found 1"},
         {types::Picture, R"("abc")", R"(expected {"hex": "..."} or {"text": "..."}, found "abc")"},
         {types::AccessUnion, R"({"kind":"AKowner"})", "the field \"owner\" of AccessUnion is missing"},
         {types::AccessUnion, R"({"kind":9})", "/kind: kind 9 has no arm in AccessUnion"},
@@ -163,6 +178,12 @@ TEST(Json, nesting_is_bounded)
 {
     const std::string open(5000, '['), closed(5000, ']');
     EXPECT_EQ(faultsOf(types::LockerIdSeq, open + closed), "values are nested too deeply");
+}
+
+TEST(Json, twenty_faults_are_enough)
+{
+    const std::string faults = faultsOf(types::Neighbour, R"({"nested":[{},{},{}]})");
+    EXPECT_EQ(std::ranges::count(faults, '\n'), 19) << faults;
 }
 
 }  // namespace

@@ -4,6 +4,6 @@
 #include <quorvapixdr/schema.h>
 
 namespace quorva::schema::types {
-extern const Type AccessUnion, DoorState, Drive, EventUnion, Key, Locker, LockerIdSeq, Neighbour, Picture, SignUnion,
-    StationUnion, Visit;
+extern const Type AccessUnion, DoorState, Drive, EventUnion, Key, Locker, LockerIdSeq, Neighbour, Picture, Row,
+    SignUnion, StationUnion, Visit;
 }

@@ -155,11 +155,28 @@ TEST(Wire, nesting_is_bounded)
         if (leaf.path.text() == "nested") countAt = leaf.offset;
     });
     door[countAt + 3] = 1;
-    for (int i = 0; i < 400; ++i)
+    for (int i = 0; i < 300; ++i)
         message.insert(message.end(), door.begin(), door.begin() + static_cast<std::ptrdiff_t>(countAt) + 4);
     const Reading reading = readMessage(types::Locker, message);
     EXPECT_TRUE(reading.nestsTooDeeply);
     EXPECT_EQ(reading.failure->reason, "elements are nested deeper than 512 levels");
+
+    door[countAt + 3] = 0;
+    message.insert(message.end(), door.begin(), door.end());
+    for (int i = 0; i < 300; ++i)
+        message.insert(message.end(), door.begin() + static_cast<std::ptrdiff_t>(countAt) + 4, door.end());
+    Object deep(types::Locker), shallow(types::Locker);
+    ASSERT_TRUE(runPass(Xdr::decode, types::Locker.routine, deep.data(), message).succeeded);
+    EXPECT_THROW(toJson(types::Locker, deep.data()), Refusal);
+    ASSERT_TRUE(runPass(Xdr::decode, types::Locker.routine, shallow.data(), door).succeeded);
+    const Json one = toJson(types::Locker, shallow.data());
+    Json many = one;
+    for (int i = 0; i < 300; ++i) {
+        Json outer = one;
+        outer["nested"].push_back(std::exchange(many, nullptr));
+        many = std::move(outer);
+    }
+    EXPECT_THROW(fromJson(types::Locker, many), JsonError);
 }
 
 TEST(Sample, is_as_promised)

@@ -4,7 +4,7 @@
 namespace quorva::schema {
 
 namespace tables {
-extern const schema::Module of_colours, of_corners, of_far_0off_corner_09, of_locker;
+extern const schema::Module of_colours, of_corners, of_far_0off_corner_09, of_locker, of_stair, of_steps;
 }
 
 std::span<const Module* const> modules()
@@ -14,6 +14,8 @@ std::span<const Module* const> modules()
         &tables::of_corners,
         &tables::of_far_0off_corner_09,
         &tables::of_locker,
+        &tables::of_stair,
+        &tables::of_steps,
     };
     return all;
 }
