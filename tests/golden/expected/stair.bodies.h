@@ -6,7 +6,12 @@
 #include <quorvapixdr/steps.bodies.h>
 #include <quorvapixdr/walk.h>
 
-// A body in place, where nothing is named like a scope of the generated code.   stair.x:4
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Upper& obj);
+template <class Pass>
+quorva::walk::At code(Pass& pass, quorva::walk::At at, Lower& obj);
+
+// A body in place, where nothing is named like a scope of the generated code.   stair.x:8
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Stair& obj)
 {

@@ -8,8 +8,41 @@
 namespace quorva::schema {
 
 namespace types {
-extern const schema::Type Stair;
+extern const schema::Type Upper, Lower, Stair;
 }  // namespace types
+
+constexpr Member UpperFields[] = {
+    {"below", {Form::optional, &types::Lower}, offsetof(::Upper, below)},
+};
+
+constinit const Type types::Upper = {
+    .name = "Upper",
+    .kind = Kind::record,
+    .module = "stair",
+    .file = "stair.x",
+    .line = 4,
+    .doc = "The first of a file, and one that leads back to it.",
+    .routine = XdrUpper,
+    .size = sizeof(::Upper),
+    .alignment = alignof(::Upper),
+    .fields = UpperFields,
+};
+
+constexpr Member LowerFields[] = {
+    {"above", {Form::optional, &types::Upper}, offsetof(::Lower, above)},
+};
+
+constinit const Type types::Lower = {
+    .name = "Lower",
+    .kind = Kind::record,
+    .module = "stair",
+    .file = "stair.x",
+    .line = 5,
+    .routine = XdrLower,
+    .size = sizeof(::Lower),
+    .alignment = alignof(::Lower),
+    .fields = LowerFields,
+};
 
 constexpr Member StairFields[] = {
     {"height", {Form::single, &types::Natural}, offsetof(::Stair, height)},
@@ -21,7 +54,7 @@ constinit const Type types::Stair = {
     .kind = Kind::record,
     .module = "stair",
     .file = "stair.x",
-    .line = 4,
+    .line = 8,
     .doc = "A body in place, where nothing is named like a scope of the generated code.",
     .routine = XdrStair,
     .size = sizeof(::Stair),
@@ -34,6 +67,8 @@ extern const schema::Module of_stair;
 }
 
 constexpr const Type* definitions[] = {
+    &types::Upper,
+    &types::Lower,
     &types::Stair,
 };
 
