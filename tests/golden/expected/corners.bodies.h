@@ -74,7 +74,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Place& obj)
     return quorva::walk::parts(pass, at,
             quorva::walk::field("row", obj.row, quorva::coder::Natural),
             quorva::walk::field("column", obj.column, quorva::coder::Natural),
-            quorva::walk::vector("lamps", obj.lamps, quorva::coder::LampColour),
+            vector("lamps", obj.lamps, quorva::coder::LampColour),
             opaque("mark", obj.mark));
 }
 
@@ -111,7 +111,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Words& obj)
             quorva::walk::field("restrict", obj.restrict, quorva::coder::Distance));
 }
 
-// corners.x:168
+// corners.x:167
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Largest& obj)
 {
@@ -120,7 +120,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Largest& obj)
             opaque("map", obj.map));
 }
 
-// corners.x:227
+// corners.x:226
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Filllllllll& obj)
 {
@@ -129,7 +129,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Filllllllll& obj)
             opaque("map", obj.map));
 }
 
-// corners.x:228
+// corners.x:227
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Widerrrrrrr& obj)
 {
@@ -138,7 +138,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Widerrrrrrr& obj)
             opaque("map", obj.map));
 }
 
-// corners.x:229
+// corners.x:228
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Longgggggggggggggggggggg& obj)
 {

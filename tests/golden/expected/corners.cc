@@ -356,7 +356,7 @@ int XdrelementsOfALongNamedAlias(Xdr* xdrs, void* object)
 int XdrRows(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<Rows>(xdrs, object);
-    return obj && quorva::walk::vector(quorva::walk::untagged, *obj, quorva::coder::Place).call(xdrs);
+    return obj && vector(quorva::walk::untagged, *obj, quorva::coder::Place).call(xdrs);
 }
 
 // Words that other XDR compilers keep for themselves.   corners.x:81
@@ -534,48 +534,41 @@ int Xdruntagged(Xdr* xdrs, void* object)
 }
 
 // corners.x:114
-int Xdrvector(Xdr* xdrs, void* object)
-{
-    auto* obj = quorva::walk::objectAt<::vector>(xdrs, object);
-    return obj && XdrNatural(xdrs, obj);
-}
-
-// corners.x:115
 int XdrPass(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::Pass>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:116
+// corners.x:115
 int Xdrobj(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::obj>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:117
+// corners.x:116
 int Xdrobject(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::object>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:118
+// corners.x:117
 int Xdrpass(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::pass>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// corners.x:119
+// corners.x:118
 int Xdrxdrs(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<::xdrs>(xdrs, object);
     return obj && XdrNatural(xdrs, obj);
 }
 
-// Comments of all sorts.   corners.x:128
+// Comments of all sorts.   corners.x:127
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarks& obj)
 {
@@ -602,7 +595,7 @@ int XdrRemarks(Xdr* xdrs, void* object)
     return quorva::walk::run<Remarks>(xdrs, object);
 }
 
-// Comments within a union.   corners.x:150
+// Comments within a union.   corners.x:149
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Remarked& obj)
 {
@@ -630,7 +623,7 @@ int XdrRemarked(Xdr* xdrs, void* object)
     return quorva::walk::run<Remarked>(xdrs, object);
 }
 
-// What is longer than a message is no run of units.   corners.x:163
+// What is longer than a message is no run of units.   corners.x:162
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Vast& obj)
 {
@@ -645,7 +638,7 @@ int XdrVast(Xdr* xdrs, void* object)
     return quorva::walk::run<Vast>(xdrs, object);
 }
 
-// corners.x:167
+// corners.x:166
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Vaster& obj)
 {
@@ -659,13 +652,13 @@ int XdrVaster(Xdr* xdrs, void* object)
     return quorva::walk::run<Vaster>(xdrs, object);
 }
 
-// corners.x:168
+// corners.x:167
 int XdrLargest(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Largest>(xdrs, object);
 }
 
-// A remark that must be broken.   corners.x:171
+// A remark that must be broken.   corners.x:170
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Silent& obj)
 {
@@ -691,7 +684,7 @@ int XdrSilent(Xdr* xdrs, void* object)
     return quorva::walk::run<Silent>(xdrs, object);
 }
 
-// Lines as wide as can be, and one column wider.   corners.x:177
+// Lines as wide as can be, and one column wider.   corners.x:176
 int XdrColumn(Xdr* xdrs, void* object)
 {
     auto* obj = quorva::walk::objectAt<Column>(xdrs, object);
@@ -699,7 +692,7 @@ int XdrColumn(Xdr* xdrs, void* object)
 }
 
 // 102 columns, to the very last column of the line that it just about fills and not one sign more than z
-// corners.x:185
+// corners.x:184
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Widths& obj)
 {
@@ -729,7 +722,7 @@ int XdrWidths(Xdr* xdrs, void* object)
     return quorva::walk::run<Widths>(xdrs, object);
 }
 
-// Not in the order of their values.   corners.x:213
+// Not in the order of their values.   corners.x:212
 const char* OrderString(int value)
 {
     switch (value) {
@@ -746,7 +739,7 @@ int XdrOrder(Xdr* xdrs, void* object)
 }
 
 // 105 in a literal, to the very last column of the line that it just about fills and not one sign more th z
-// corners.x:216
+// corners.x:215
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Fits& obj)
 {
@@ -761,7 +754,7 @@ int XdrFits(Xdr* xdrs, void* object)
 }
 
 // 106 in two, to the very last column of the line that it just about fills and not one sign more than that z
-// corners.x:219
+// corners.x:218
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Spills& obj)
 {
@@ -775,7 +768,7 @@ int XdrSpills(Xdr* xdrs, void* object)
     return quorva::walk::run<Spills>(xdrs, object);
 }
 
-// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:222
+// 117 with its place, to the very last column of the line that it just about fills and not one sign m z   corners.x:221
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Heads& obj)
 {
@@ -790,7 +783,7 @@ int XdrHeads(Xdr* xdrs, void* object)
 }
 
 // 118 with its place, to the very last column of the line that it just about fills and not one sign mo z
-// corners.x:225
+// corners.x:224
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Tails& obj)
 {
@@ -804,25 +797,25 @@ int XdrTails(Xdr* xdrs, void* object)
     return quorva::walk::run<Tails>(xdrs, object);
 }
 
-// corners.x:227
+// corners.x:226
 int XdrFilllllllll(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Filllllllll>(xdrs, object);
 }
 
-// corners.x:228
+// corners.x:227
 int XdrWiderrrrrrr(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Widerrrrrrr>(xdrs, object);
 }
 
-// corners.x:229
+// corners.x:228
 int XdrLonggggggggggggggggggggg(Xdr* xdrs, void* object)
 {
     return quorva::walk::run<Longgggggggggggggggggggg>(xdrs, object);
 }
 
-// corners.x:231
+// corners.x:230
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Lines& obj)
 {

@@ -11,7 +11,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Upper& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Lower& obj);
 
-// A body in place, where nothing is named like a scope of the generated code.   stair.x:8
+// A body in place, where nothing is named like a scope of the generated code.   stair.x:9
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Stair& obj)
 {
@@ -19,5 +19,5 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Stair& obj)
     namespace coder = quorva::coder;
     return parts(pass, at,
             field("height", obj.height, coder::Natural),
-            vector("widths", obj.widths, coder::Natural));
+            quorva::walk::vector("widths", obj.widths, coder::Natural));
 }

@@ -18,6 +18,8 @@ struct Lower {
 };
 
 // A body in place, where nothing is named like a scope of the generated code.
+//   steepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteep
+// and high
 struct Stair {
     Natural height;
     Natural widths[Steps];

@@ -54,8 +54,10 @@ constinit const Type types::Stair = {
     .kind = Kind::record,
     .module = "stair",
     .file = "stair.x",
-    .line = 8,
-    .doc = "A body in place, where nothing is named like a scope of the generated code.",
+    .line = 9,
+    .doc = "A body in place, where nothing is named like a scope of the generated code.\n"
+           "  steepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteepsteep "
+           "and high",
     .routine = XdrStair,
     .size = sizeof(::Stair),
     .alignment = alignof(::Stair),

@@ -7,3 +7,4 @@
 
 inline constexpr std::int32_t Steps = 4;
 inline constexpr std::int32_t MostSteps = 0x7FFFFFFF;
+inline constexpr std::int32_t vector = 2;  // named like a word of the generated code
