@@ -11,7 +11,7 @@ quorva::walk::At code(Pass& pass, quorva::walk::At at, Upper& obj);
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Lower& obj);
 
-// A body in place, where nothing is named like a scope of the generated code.   stair.x:9
+// A body in place, where nothing is named like a scope of the generated code.    stair.x:9
 template <class Pass>
 quorva::walk::At code(Pass& pass, quorva::walk::At at, Stair& obj)
 {

@@ -32,7 +32,7 @@ int XdrLower(Xdr* xdrs, void* object)
     return run<Lower>(xdrs, object);
 }
 
-// A body in place, where nothing is named like a scope of the generated code.   stair.x:9
+// A body in place, where nothing is named like a scope of the generated code.    stair.x:9
 int XdrStair(Xdr* xdrs, void* object)
 {
     return run<Stair>(xdrs, object);
