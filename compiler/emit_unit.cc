@@ -67,7 +67,7 @@ std::string wordOf(Form form)
     case Form::string: return "text";
     case Form::bytes: return "bytes";
     case Form::opaque: return "opaque";
-    case Form::nothing: return "";
+    case Form::nothing: break;
     }
     return "";
 }
