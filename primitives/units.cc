@@ -6,7 +6,9 @@
 
 #if defined(__x86_64__) && __has_include(<sys/platform/x86.h>)
 #include <immintrin.h>
+#define _Bool bool  // the header's word, which not every compiler of C++ knows
 #include <sys/platform/x86.h>
+#undef _Bool
 #define QUORVA_AVX2
 #endif
 
