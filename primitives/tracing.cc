@@ -7,7 +7,6 @@
 
 #ifdef QUORVA_TRACING
 
-#include <cstdio>
 #include <utility>
 
 namespace quorva::walk {
@@ -43,8 +42,20 @@ public:
 private:
     [[gnu::cold, gnu::noinline]] Name made(const char* name, std::int32_t number)
     {
-        const int length = std::snprintf(text, sizeof text, "<%s>%d</%s>", name, static_cast<int>(number), name);
-        return {text, static_cast<std::size_t>(length)};
+        const Decimal digits(number);
+        char* at = text;
+        const auto add = [&at](const char* piece) {
+            const std::size_t length = std::strlen(piece);
+            at = static_cast<char*>(std::memcpy(at, piece, length)) + length;
+        };
+        add("<");
+        add(name);
+        add(">");
+        add(digits.text());
+        add("</");
+        add(name);
+        add(">");
+        return {text, static_cast<std::size_t>(at - text)};
     }
 
     char text[2 * 255 + 17];  // of a name of any length
