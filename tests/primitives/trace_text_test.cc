@@ -65,6 +65,9 @@ TEST(TraceText, layoutAndPath)
         {"less indented than not at all",
          [](TraceText& t) { t.open("a"); t.outdent(); t.open("b"); t.indent(); t.indent(); t.endLine(); t.open("c"); },
          "<a>\n  <b>\n      <c>", "a/b/c"},
+        {"more ends than beginnings",
+         [](TraceText& t) { t.open("a"); t.close("a"); t.close("a"); t.endValue(); t.open("b"); t.endValue(); },
+         "<a></a></a></value>\n<b></value>", "b"},
         {"nothing is open behind a name", [](TraceText& t) { t.open("a"); t.close("a"); t.open("b"); }, nullptr, "b"},
     };
     for (const auto& expected : cases) {
@@ -197,28 +200,51 @@ TEST(TraceText, wholeElements)
     }
 }
 
+TEST(TraceText, framesOfAnyDepth)
+{
+    TraceText whole, calls;
+    for (int depth = 0; depth < 40; ++depth) {
+        whole.beginValue();
+        calls.marker("<value>"); calls.indent();
+        EXPECT_EQ(whole.path(), calls.path());
+    }
+    for (int depth = 0; depth < 40; ++depth) {
+        whole.endValue();
+        calls.outdent(); calls.marker("</value>");
+    }
+    EXPECT_EQ(whole.text(), calls.text());
+    EXPECT_EQ(whole.path(), "");
+}
+
 TEST(TraceText, runningOutOfMemoryEndsTheCollectingOnly)
 {
-    for (long first = 0; first < 12; ++first) {
-        auto trace = std::make_unique<TraceText>();
-        std::uint32_t value = 7;
-        unsigned char buffer[4] = {};
-        bool succeeded;
-        {
-            const Watch watch(first);
-            succeeded = quorva::runPass(encoding, XdrLongNatural, &value, buffer, [&](Xdr& xdrs) {
-                xdrs.setTrace(trace.get());
-                for (int i = 0; i < 20; ++i) xdrs.addOpenTag("anElementWithALongName");
-            }).succeeded;
+    void (*const ways[])(Xdr&) = {
+        [](Xdr& xdrs) { xdrs.addOpenTag("anElementWithALongName"); },
+        [](Xdr& xdrs) { xdrs.addString("<value>"); },
+        [](Xdr& xdrs) { xdrs.sink()->beginValue(); },
+    };
+    for (const auto begin : ways) {
+        for (long first = 0; first < 12; ++first) {
+            auto trace = std::make_unique<TraceText>();
+            std::uint32_t value = 7;
+            unsigned char buffer[4] = {};
+            bool succeeded;
+            {
+                const Watch watch(first);
+                succeeded = quorva::runPass(encoding, XdrLongNatural, &value, buffer, [&](Xdr& xdrs) {
+                    xdrs.setTrace(trace.get());
+                    for (int i = 0; i < 20; ++i) begin(xdrs);
+                }).succeeded;
+            }
+            EXPECT_TRUE(succeeded);
+            EXPECT_FALSE(first == 0 && trace->complete());
+            trace->clear();
+            EXPECT_TRUE(trace->complete()) << "a new text may find memory";
+            trace->open("a");
+            EXPECT_EQ(trace->text(), "<a>");
+            trace.reset();
+            EXPECT_EQ(liveBlocks(), 0);
         }
-        EXPECT_TRUE(succeeded);
-        EXPECT_FALSE(first == 0 && trace->complete());
-        trace->clear();
-        EXPECT_TRUE(trace->complete()) << "a new text may find memory";
-        trace->open("a");
-        EXPECT_EQ(trace->text(), "<a>");
-        trace.reset();
-        EXPECT_EQ(liveBlocks(), 0);
     }
 }
 
