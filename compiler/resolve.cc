@@ -324,8 +324,10 @@ void Resolver::type(TypeRef& type)
     if (type.builtin != Builtin::none || type.name.empty()) return;
     const auto builtin =
         std::find_if(builtins.begin(), builtins.end(), [&](const auto& pair) { return pair.first == type.name; });
-    if (builtin != builtins.end() && !type.keyword) {
+    if (builtin != builtins.end()) {
         type.builtin = builtin->second;
+        if (type.keyword)
+            faults_.error(type.at, inQuotes(type.name) + " is a built-in type, not " + std::string(described(*type.keyword)));
         return;
     }
     if (const auto found = types_.find(type.name); found != types_.end()) {
