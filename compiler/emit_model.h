@@ -65,9 +65,9 @@ struct WireShape {
 class WireShapes {
 public:
     WireShape of(const Definition& definition);
+    WireShape of(const TypeRef& type);
 
 private:
-    WireShape of(const TypeRef& type);
     WireShape part(const Declaration& declaration);
     WireShape find(const Definition& definition);
 

@@ -2,6 +2,7 @@
 #include "emit.h"
 #include "emit_model.h"
 #include "emit_text.h"
+#include "emit_words.h"
 #include "resolve.h"
 
 #include <algorithm>
@@ -12,85 +13,6 @@
 namespace quorva::compiler {
 
 namespace {
-
-// How names are written inside a routine. The words of <quorvapixdr/walk.h> and the interface's names stand plainly
-// there unless they are spelled alike.
-class Spelling {
-public:
-    explicit Spelling(const Module& module) : visible_(module) {}
-
-    std::string word(const std::string& name) const
-    {
-        return visible_.contains(name) ? "quorva::walk::" + name : name;
-    }
-
-    std::string type(const std::string& name) const { return isTaken(name) ? "::" + name : name; }
-
-    std::string coder(const std::string& name) const
-    {
-        return (visible_.contains("coder") ? "quorva::coder::" : "coder::") + name;
-    }
-
-    bool needsCoderAlias() const { return !visible_.contains("coder"); }
-
-private:
-    // Words of the bodies and routines. A few more are refused as names of types.
-    static bool isTaken(const std::string& name)
-    {
-        static constexpr const char* words[] = {
-            "At", "Calls", "Decimal", "Decoding", "Element", "Elements", "Encoding", "Field", "List", "Name",
-            "Optional", "Pass", "Releasing", "Text", "Tracing", "armOf", "at", "bytes", "close", "enumeration", "field",
-            "list", "obj", "object", "objectAt", "open", "optional", "parts", "pass", "refuse", "run", "text",
-            "untagged", "vector", "xdrs",
-        };
-        return std::find(std::begin(words), std::end(words), name) != std::end(words);
-    }
-
-    VisibleNames visible_;
-};
-
-std::string bound(const Declaration& declaration, const Spelling& spelling)
-{
-    const auto& written = declaration.written;
-    if (written && written->owner && written->owner->kind == Kind::constant) return spelling.type(written->text);
-    return std::to_string(declaration.bound);
-}
-
-// The word for a part of this form.
-std::string wordOf(Form form)
-{
-    switch (form) {
-    case Form::single: return "field";
-    case Form::vector: return "vector";
-    case Form::list: return "list";
-    case Form::optional: return "optional";
-    case Form::string: return "text";
-    case Form::bytes: return "bytes";
-    case Form::opaque: return "opaque";
-    case Form::nothing: break;
-    }
-    return "";
-}
-
-bool takesBound(Form form)
-{
-    return form == Form::list || form == Form::string || form == Form::bytes;
-}
-
-bool takesCoder(Form form)
-{
-    return form == Form::single || form == Form::vector || form == Form::list || form == Form::optional;
-}
-
-// The object's part `place`, with `tag` as it stands in C++.
-std::string part(std::size_t indent, const std::string& before, const Declaration& declaration, const std::string& tag,
-                 const std::string& place, const std::string& after, const Spelling& spelling)
-{
-    std::vector<std::string> arguments = {tag, place};
-    if (takesBound(declaration.form)) arguments.push_back(bound(declaration, spelling));
-    if (takesCoder(declaration.form)) arguments.push_back(spelling.coder(declaration.type.name));
-    return argumentList(indent, before + spelling.word(wordOf(declaration.form)) + "(", arguments, ")" + after);
-}
 
 std::string memberPart(std::size_t indent, const std::string& before, const Declaration& declaration,
                        const std::string& after, const Spelling& spelling)
@@ -107,41 +29,23 @@ std::string signature(const Definition& definition)
 
 std::string objectLine(const Definition& definition, const Spelling& spelling)
 {
-    return "    auto* obj = " + spelling.word("objectAt") + "<" + spelling.type(definition.name) + ">(xdrs, object);\n";
+    return "    auto* obj = " + spelling.word("objectAt") + "<" + spelling.global(definition.name) + ">(xdrs, object);\n";
 }
 
-std::string octal(std::size_t byte)
+std::string nameFunction(const Definition& definition, const Spelling& spelling)
 {
-    const auto digit = [byte](std::size_t weight) { return static_cast<char>('0' + byte / weight % 8); };
-    return {'\\', digit(64), digit(8), digit(1)};
-}
-
-// The case of an enumerator's name, with what <quorvapixdr/primitives.h> wants to stand around it.
-std::string nameCase(const std::string& label, const std::string& name, const std::string& element)
-{
-    const std::size_t length = element.size() < 256 ? element.size() : 0;
-    const std::string line =
-        "    " + label + ": return &\"" + octal(name.size()) + octal(length) + "\" \"" + name + "\\0\"";
-    const std::string end = element.empty() ? "[2];\n" : literal(element) + "[2];\n";
-    const bool fits = line.size() + 1 + end.size() <= lineWidth;
-    return line + (element.empty() ? "" : fits ? " " : "\n" + std::string(3 * indentWidth, ' ')) + end;
-}
-
-std::string nameFunction(const Definition& definition)
-{
-    std::string out = "const char* " + definition.name + "String(int value)\n{\n    switch (value) {\n";
-    for (const Enumerator& enumerator : definition.enumerators) {
-        const std::string number = std::to_string(enumerator.value.number);
-        out += nameCase("case " + number, enumerator.name, "<" + enumerator.name + ">" + number + "</" + enumerator.name + ">");
-    }
-    return out + nameCase("default", "Error_in_Function", "") + "    }\n}\n";
+    std::string out = "const char* " + definition.name + "String(int value)\n{\n    static constexpr " +
+                      spelling.word("NamedValue") + " values[] = {\n";
+    for (const Enumerator& enumerator : definition.enumerators)
+        out += "        {" + std::to_string(enumerator.value.number) + ", " + literal(enumerator.name) + "},\n";
+    return out + "    };\n    return " + spelling.word("nameAmong") + "<values>(value);\n}\n";
 }
 
 std::string enumerationRoutine(const Definition& definition, const Spelling& spelling)
 {
     return signature(definition) + "{\n" +
            argumentList(indentWidth,
-                        "return " + spelling.word("enumeration") + "<" + spelling.type(definition.name) + ">(",
+                        "return " + spelling.word("enumeration") + "<" + spelling.global(definition.name) + ">(",
                         {"xdrs", "object", definition.name + "String"}, ");") +
            "\n}\n";
 }
@@ -157,7 +61,7 @@ std::string bodySignature(const Definition& definition, const Spelling& spelling
 {
     const std::string at = scope.empty() ? spelling.word("At") : scope + "At";
     const std::string name = place == Place::untraced ? "QUORVA_INLINE " + at + " inPlace" : at + " code";
-    return "template <class Pass>\n" + name + "(Pass& pass, " + at + " at, " + spelling.type(definition.name) + "& obj)";
+    return "template <class Pass>\n" + name + "(Pass& pass, " + at + " at, " + spelling.global(definition.name) + "& obj)";
 }
 
 std::string recordBody(const Definition& definition, const Spelling& spelling)
@@ -169,34 +73,6 @@ std::string recordBody(const Definition& definition, const Spelling& spelling)
     }
     return out + "}\n";
 }
-
-// The labels of a union's switch: enumerators where the discriminant is an enumeration, else numbers.
-class Labels {
-public:
-    Labels(const Definition& definition, const Spelling& spelling)
-        : enumeration_(discriminantOf(definition).enumeration), spelling_(spelling)
-    {
-    }
-
-    std::string of(const Value& value) const
-    {
-        const std::string label = enumeration_ ? spelling_.type(enumeration_->name) + "::" + enumerator(value.number)
-                                               : std::to_string(value.number);
-        return "    case " + label + ":\n";
-    }
-
-private:
-    std::string enumerator(std::int64_t number) const
-    {
-        const auto& all = enumeration_->enumerators;
-        const auto found =
-            std::find_if(all.begin(), all.end(), [number](const auto& each) { return each.value.number == number; });
-        return found == all.end() ? "" : found->name;
-    }
-
-    const Definition* enumeration_;
-    const Spelling& spelling_;
-};
 
 std::string arm(const Arm& arm, const Labels& labels, const Spelling& spelling)
 {
@@ -252,7 +128,7 @@ std::string bodyOf(const Definition& definition, const Spelling& spelling)
 
 std::string bodyRoutine(const Definition& definition, const Spelling& spelling)
 {
-    return signature(definition) + "{\n    return " + spelling.word("run") + "<" + spelling.type(definition.name) +
+    return signature(definition) + "{\n    return " + spelling.word("run") + "<" + spelling.global(definition.name) +
            ">(xdrs, object);\n}\n";
 }
 
@@ -279,11 +155,6 @@ std::string heading(const Definition& definition, const Module& module)
     if (doc.empty()) return lineComment(place);
     const std::string together = doc + "   " + place;
     return lineComment(wrapped(together, lineWidth - 3).size() == 1 ? together : doc + "\n" + place);
-}
-
-bool hasBody(const Definition& definition)
-{
-    return definition.kind == Kind::record || definition.kind == Kind::discriminated || isCounted(definition);
 }
 
 // Decides where bodies are written. In place, those of small types cost little more space than calls of them, and less time.
@@ -356,7 +227,7 @@ std::string definitionText(const Definition& definition, const Module& module, c
 {
     const std::string comment = heading(definition, module);
     if (definition.kind == Kind::enumeration)
-        return comment + nameFunction(definition) + "\n" + enumerationRoutine(definition, spelling);
+        return comment + nameFunction(definition, spelling) + "\n" + enumerationRoutine(definition, spelling);
     if (!hasBody(definition))
         return comment + (definition.target.form == Form::single ? aliasRoutine(definition, spelling)
                                                                  : formRoutine(definition, spelling));
@@ -400,9 +271,16 @@ std::string emitUnit(const Module& module)
 {
     const Spelling spelling(module);
     Places places;
+    TraceLines lines(spelling.amongWords());
     std::vector<std::string> parts = {opening(module, spelling)};
-    for (const Definition* definition : typesOf(module))
+    std::vector<std::string> shown;
+    for (const Definition* definition : typesOf(module)) {
         parts.push_back(definitionText(*definition, module, spelling, places));
+        shown.push_back(lines.of(*definition));
+    }
+    if (const std::string all = sections(shown); !all.empty())
+        parts.insert(parts.end(),
+                     {"#ifdef QUORVA_TRACING\n\nnamespace quorva::walk {\n", all, "}  // namespace quorva::walk\n\n#endif\n"});
     return sections(parts);
 }
 
@@ -416,6 +294,8 @@ std::string emitBodies(const Module& module)
     std::vector<std::string> inPlace;
     for (const Definition* definition : declarationOrder(typesOf(module))) {
         if (!hasBody(*definition)) continue;
+        declared += "QUORVA_SHOWS(" + definition->name + ")\n";
+        if (definition->kind == Kind::discriminated) declared += "QUORVA_SHOWS_ARMS(" + definition->name + ")\n";
         const Place place = places.of(*definition);
         if (place != Place::everywhere) declared += bodySignature(*definition, spelling, "quorva::walk::") + ";\n";
         if (place == Place::function) continue;

@@ -47,7 +47,6 @@ char* TraceText::grow(std::size_t size) noexcept
     first = larger;
     at = larger + now;
     limit = larger + wanted;
-    usualEnd = now > 0 ? reinterpret_cast<std::uintptr_t>(limit) : 0;
     return at;
 }
 
@@ -55,28 +54,17 @@ void TraceText::exhaust() noexcept
 {
     exhausted = true;
     limit = at;
-    usualEnd = 0;
 }
 
-char* TraceText::startLine(char* to) noexcept
+void TraceText::makeRoom(std::size_t size) noexcept
 {
-    if (to != first) *to++ = '\n';
-    usualEnd = reinterpret_cast<std::uintptr_t>(limit);
-    std::memset(to, ' ', blanks);
-    afterValue = false;
-    hasLine = true;
-    return to + blanks;
+    if (room(size)) roomToPush(Lines::mostPushed);
 }
 
-char* TraceText::lineSlowly(std::size_t size) noexcept
+// At most as many as there are open elements, or `mostPushed`.
+bool TraceText::roomToPush(std::ptrdiff_t count) noexcept
 {
-    char* const to = room(size);
-    return to ? startLine(to) : nullptr;
-}
-
-bool TraceText::roomToPush() noexcept
-{
-    if (top != topLimit) return true;
+    if (topLimit - top >= count) return true;
     const auto depth = static_cast<std::size_t>(top - elements);
     const std::size_t wanted = depth == 0 ? 16 : 2 * depth;
     auto* const larger = static_cast<Element*>(::operator new[](wanted * sizeof(Element), std::nothrow));
@@ -111,7 +99,7 @@ void TraceText::openSlowly(Name name) noexcept
     to = put(to, name);
     *to = '>';
     written(to + 1);
-    if (!roomToPush()) return;
+    if (!roomToPush(1)) return;
     push(name, false);
     blanks += 2;
 }
@@ -141,7 +129,7 @@ void TraceText::beginMarker(Name markup) noexcept
     char* to = lineSlowly(markup.length);
     if (!to) return;
     written(put(to, markup));
-    if (roomToPush()) push(markup, true);
+    if (roomToPush(1)) push(markup, true);
 }
 
 void TraceText::endMarker(Name markup) noexcept
@@ -185,6 +173,15 @@ void TraceText::hexDump(const unsigned char* data, std::size_t size) noexcept
     }
 }
 
+char* TraceText::enumerator(char* to, const char* name, std::int32_t number) noexcept
+{
+    const Name inner = {name, std::strlen(name)};
+    *to++ = '<';
+    to = put(to, inner);
+    *to++ = '>';
+    return endTag(decimal(to, number), inner);
+}
+
 void TraceText::dumpElement(Name name, const unsigned char* data, std::size_t size) noexcept
 {
     open(name);
@@ -221,12 +218,9 @@ std::string TraceText::path() const
     std::string path;
     for (const Element* element = elements; element != top; ++element) {
         if (!path.empty()) path += '/';
-        if (!element->isMarker) {
-            path += element->name;
-        } else {
-            path.append(element->name + 1, std::strcspn(element->name + 1, ">"));
-            path += '[' + std::to_string(element->index) + ']';
-        }
+        const char* const name = element->name + element->isMarker;
+        path.append(name, std::strcspn(name, ">"));
+        if (element->isMarker) path += '[' + std::to_string(element->index) + ']';
     }
     return path;
 }
@@ -238,7 +232,6 @@ void TraceText::clear() noexcept
         first = limit = nullptr;
     }
     at = first;
-    usualEnd = 0;
     blanks = 0;
     top = elements;
     tabs = 0;

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 // Collects the trace of one pass or of several in a row. After a successful pass every element is closed; after a failed
 // one the open elements are the path to the place where it stopped. Contents are escaped, so that no string or byte of a
@@ -16,10 +17,18 @@
 // Running out of memory ends the collecting, never the pass: `complete()` is then false.
 class TraceText {
 public:
-    // A name and its length. The characters are kept by address until the element is closed.
+    // A name and its length. The characters are kept by address until the element is closed, and end with a zero or a '>'.
     struct Name {
         const char* text;
         std::size_t length;
+    };
+
+    // `<name></name>`, with the length of the name. These characters are kept by address, too.
+    struct Tags {
+        const char* text;
+        std::size_t length;
+
+        Name name() const noexcept { return {text + 1, length}; }
     };
 
     TraceText() noexcept = default;
@@ -69,30 +78,6 @@ public:
 
     // ---- Whole elements, for those who have much to say: the same text as from the calls above, at once ---------------
 
-    // Whether what comes next begins a line as most do, and there is room for the line, `size` characters and a tag's
-    // brackets: then everything below is short.
-    bool takesLine(std::size_t size) const noexcept
-    {
-        return lineFeed && !afterValue && blanks <= usualBlanks && reinterpret_cast<std::uintptr_t>(at) + size + slack <= usualEnd;
-    }
-    // And an element with that name and a number.
-    bool takesNumber(Name name) const noexcept { return takesLine(2 * name.length + mostDigits); }
-    // And one with markup.
-    bool takes(Name name, Name markup) const noexcept { return takesLine(2 * name.length + markup.length); }
-
-    // <name>number</name>
-    template <class Number>
-    void element(Name name, Number number) noexcept
-    {
-        leaf(name, mostDigits, [number](char* to) { return decimal(to, number); });
-    }
-
-    // <name>text</name>, where the text is markup already
-    void element(Name name, Name markup) noexcept
-    {
-        leaf(name, markup.length, [markup](char* to) { return put(to, markup); });
-    }
-
     // <name>text</name>; `size` is at least the text's length.
     void element(Name name, const char* text, std::size_t size) noexcept
     {
@@ -138,10 +123,13 @@ public:
                 if (!room(markup.length)) continue;
                 to = at;
             }
-            to = put(to, markup);
+            to = putLong(to, markup);
         }
         written(to);
     }
+
+    // <name>number</name>, written to `to`, and its end.
+    static char* enumerator(char* to, const char* name, std::int32_t number) noexcept;
 
     // What an element of an array is framed with: marker("<value>") and indent(), outdent() and marker("</value>").
     void beginValue() noexcept
@@ -158,19 +146,140 @@ public:
         at = put(pop() ? nextLine() : at, frameEnd());
     }
 
-    // Such a frame around a number, or around markup, on a line.
-    template <class Number>
-    void framed(Number number) noexcept
+    // `count` such frames, each on a line around a number or markup, which next() returns.
+    template <class Next>
+    void framed(std::size_t count, Next next) noexcept
     {
-        framedLine(mostDigits, [number](char* to) { return decimal(to, number); });
-    }
-    void framed(Name markup) noexcept
-    {
-        framedLine(markup.length, [markup](char* to) { return put(to, markup); });
+        constexpr std::size_t most = 16;  // in one piece
+        constexpr std::size_t mostContents = std::is_same_v<decltype(next()), Name> ? mostMarkup : mostDigits;
+        constexpr std::size_t size = 1 + usualBlanks + 2 * 8 + mostContents;
+        while (count > 0) {
+            const std::size_t piece = count < most ? count : most;
+            count -= piece;
+            const bool isTaken = takesLine(piece * size) || (room(piece * size) && takesLine(piece * size));
+            char* to = at;
+            for (std::size_t i = 0; i < piece; ++i) {
+                const auto shown = next();
+                if (isTaken)
+                    to = put(contents(put(beginLine(to) + blanks, frame()), shown), frameEnd());
+                else
+                    framedSlowly(shown);
+            }
+            if (!isTaken) continue;
+            *markers() += static_cast<std::uint32_t>(piece);
+            hasLine = true;
+            written(to);
+        }
     }
 
+    // Lines one after the other, for those who have most to say: the end of the text is theirs meanwhile, to be in
+    // registers. Each name has at most `longestName` characters, and `beyond` more can be read behind its tags.
+    class Lines {
+    public:
+        static constexpr std::size_t longestName = 29;
+        static constexpr std::size_t beyond = 32;
+        static constexpr std::size_t mostBlanks = 31;
+        static constexpr std::ptrdiff_t mostPushed = 8;
+        static constexpr std::size_t mostDigits = 11;
+        // What a line takes at most beside its name, twice, and its contents; what any number of lines takes beside that.
+        static constexpr std::size_t most = 1 + mostBlanks + 5;
+        static constexpr std::size_t mostOnce = 64 + mostBlanks;
+
+        explicit Lines(TraceText& of) noexcept : text(of) {}
+
+        // Whether there is room for lines of `size` characters, counted as above, of which the first begins behind at most
+        // `before` blanks, and whether it begins as most lines do. Then all is short that comes before leave().
+        bool take(std::size_t size, std::size_t before) noexcept
+        {
+            if (!to) {
+                if (!text.lineFeed || text.afterValue) return false;
+                to = text.at;
+                blanks = text.blanks;
+            }
+            return blanks <= before && static_cast<std::size_t>(text.limit - to) >= size &&
+                   text.topLimit - text.top >= mostPushed;
+        }
+        // Gives the end back, where others are going to write, or none of these is.
+        void leave() noexcept
+        {
+            if (!to) return;
+            text.at = to;
+            text.blanks = blanks;
+            to = nullptr;
+        }
+
+        // <name>number</name>
+        template <class Number>
+        void element(Tags tags, Number number) noexcept
+        {
+            finish(decimal(start(tags), number), tags);
+        }
+        // <name>text</name>, where the text is markup already
+        void element(Tags tags, Name markup) noexcept { finish(putLong(start(tags), markup), tags); }
+        // <name><inner>number</inner></name>
+        void element(Tags tags, const char* inner, std::int32_t number) noexcept
+        {
+            finish(enumerator(start(tags), inner, number), tags);
+        }
+
+        // <name> and </name> around some lines that are taken together with them
+        void open(Tags tags) noexcept
+        {
+            to = start(tags);
+            blanks += 2;
+        }
+        void close(Tags tags) noexcept
+        {
+            blanks -= 2;
+            finish(next(), tags);
+        }
+        // and around whatever else; at most `mostPushed` of those that begin are taken together
+        void push(Tags tags) noexcept
+        {
+            open(tags);
+            *text.top++ = {tags.name().text, 0, 0, false, true};
+            text.hasLine = false;
+        }
+        void pop(Tags tags) noexcept
+        {
+            blanks -= 2;
+            finish(text.hasLine ? next() : to, tags);
+            --text.top;
+            text.hasLine = true;
+        }
+
+    private:
+        char* next() noexcept
+        {
+            text.hasLine = true;
+            return beginLine(to) + blanks;
+        }
+        char* start(Tags tags) noexcept
+        {
+            char* const from = next();
+            copy<beyond>(from, tags.text);
+            return from + tags.length + 2;
+        }
+        void finish(char* from, Tags tags) noexcept
+        {
+            copy<beyond>(from, tags.text + tags.length + 2);
+            to = from + tags.length + 3;
+        }
+
+        TraceText& text;
+        char* to = nullptr;
+        std::size_t blanks = 0;
+    };
+
+    // Room for lines of so many characters, if there is memory.
+    void makeRoom(std::size_t size) noexcept;
+
     // The text so far, its lines separated by '\n', without one at the end. Valid until something is added.
-    std::string_view text() const noexcept { return {first, used()}; }
+    std::string_view text() const noexcept
+    {
+        const std::size_t lineEnd = used() > 0 && *first == '\n';
+        return {first + lineEnd, used() - lineEnd};
+    }
 
     // The open elements from the outermost in, separated by '/'; an element of an array shows its index: "ids/value[2]".
     std::string path() const;
@@ -183,32 +292,43 @@ public:
 private:
     struct Element {
         const char* name;
-        unsigned index;    // of a marker among its siblings
-        unsigned markers;  // opened in it so far
-        bool isMarker;
-        bool hadLine;      // of what it stands in: whether a line began there
+        std::uint32_t index;    // of a marker among its siblings
+        std::uint32_t markers;  // opened in it so far
+        std::uint16_t isMarker;
+        std::uint16_t hadLine;  // of what it stands in: whether a line began there
     };
 
     // Functions, as an object would hold an address that is relocated when the library is loaded.
     static constexpr Name frame() noexcept { return {"<value>", 7}; }
     static constexpr Name frameEnd() noexcept { return {"</value>", 8}; }
     static constexpr std::size_t row = 16;  // bytes of a dump on a line
-    static constexpr std::size_t mostDigits = 11;
+    static constexpr std::size_t mostDigits = Lines::mostDigits;
+    static constexpr std::size_t usualBlanks = Lines::mostBlanks;
+    static constexpr std::size_t slack = Lines::mostOnce;  // what is written beyond the text in steps of fixed size
+    static constexpr std::size_t mostMarkup = 2 * 255 + 17;  // that is shown as one: an enumerator and its number
     static constexpr std::size_t mostEscaped = 5;  // characters that one character becomes
-    static constexpr std::size_t usualBlanks = 32;
-    static constexpr std::size_t slack = 64 + usualBlanks;  // what is written beyond the text in steps of fixed size, brackets
 
+    // Whether what comes next begins a line as most do, and there is room for the line, `size` characters and a tag's
+    // brackets.
+    bool takesLine(std::size_t size) const noexcept
+    {
+        return lineFeed && !afterValue && blanks <= usualBlanks && static_cast<std::size_t>(limit - at) >= size + slack;
+    }
     std::size_t used() const noexcept { return static_cast<std::size_t>(at - first); }
-    unsigned* markers() noexcept { return top == elements ? &rootMarkers : &top[-1].markers; }
+    std::uint32_t* markers() noexcept { return top == elements ? &rootMarkers : &top[-1].markers; }
 
     // Begins a line where takesLine().
     char* nextLine() noexcept
     {
         char* const to = at;
         hasLine = true;
-        to[0] = '\n';
-        std::memset(to + 1, ' ', usualBlanks);
-        return to + 1 + blanks;
+        return beginLine(to) + blanks;
+    }
+    // The end of a line and the usual blanks, in steps of fixed size.
+    static char* beginLine(char* to) noexcept
+    {
+        copy<1 + usualBlanks>(to, "\n                               ");
+        return to + 1;
     }
     // Where to write a line's beginning, `size` characters and a tag's brackets; null when there is no memory for them.
     char* room(std::size_t size) noexcept
@@ -222,7 +342,19 @@ private:
         lineFeed = true;
         afterValue = false;
     }
-    char* startLine(char* to) noexcept;
+    char* startLine(char* to) noexcept
+    {
+        *to++ = '\n';
+        std::memset(to, ' ', blanks);
+        afterValue = false;
+        hasLine = true;
+        return to + blanks;
+    }
+    char* lineSlowly(std::size_t size) noexcept
+    {
+        char* const to = room(size);
+        return to ? startLine(to) : nullptr;
+    }
     // What an element contains has begun no line yet.
     void push(Name name, bool isMarker) noexcept
     {
@@ -267,13 +399,19 @@ private:
         return endTag(contents(to + 1), name);
     }
     template <class Contents>
-    void framedLine(std::size_t size, Contents contents) noexcept
+    [[gnu::cold, gnu::noinline]] void framedSlowly(Contents shown) noexcept
     {
-        char* to = takesLine(2 * frame().length + size) ? nextLine() : lineSlowly(2 * frame().length + size);
+        char* to = lineSlowly(2 * frame().length + mostMarkup);
         if (!to) return;
         ++*markers();
-        written(put(contents(put(to, frame())), frameEnd()));
+        written(put(contents(put(to, frame()), shown), frameEnd()));
     }
+    template <class Number>
+    static char* contents(char* to, Number number) noexcept
+    {
+        return decimal(to, number);
+    }
+    static char* contents(char* to, Name markup) noexcept { return putLong(to, markup); }
 
     // Short copies in steps of fixed size that may overlap.
     static char* put(char* to, Name name) noexcept
@@ -295,6 +433,14 @@ private:
             *to = *name.text;
         }
         return to + n;
+    }
+    // In one step up to the usual length; behind the text as much can be read.
+    static char* putLong(char* to, Name name) noexcept
+    {
+        constexpr std::size_t usual = 48;
+        copy<usual>(to, name.text);
+        if (name.length > usual) [[unlikely]] std::memcpy(to + usual, name.text + usual, name.length - usual);
+        return to + name.length;
     }
     template <std::size_t n>
     static void copy(char* to, const char* from) noexcept
@@ -354,10 +500,9 @@ private:
     static char* escape(char* to, const unsigned char*& from) noexcept;
     void openSlowly(Name name) noexcept;
     void closeSlowly(Name name) noexcept;
-    char* lineSlowly(std::size_t size) noexcept;
     void beginSlowly() noexcept;
     char* grow(std::size_t size) noexcept;
-    bool roomToPush() noexcept;
+    bool roomToPush(std::ptrdiff_t count) noexcept;
     void exhaust() noexcept;
     void beginMarker(Name markup) noexcept;
     void endMarker(Name markup) noexcept;
@@ -366,16 +511,15 @@ private:
     static const std::array<char, 200> pairs;     // 00 to 99
     static const std::array<char, 1024> hexSteps;  // 00 to ff, each with two blanks
 
-    char* first = nullptr;  // the text is [first, at)
+    char* first = nullptr;  // the text is [first, at), with a line's end before each line, even the first
     char* at = nullptr;
     char* limit = nullptr;
-    std::uintptr_t usualEnd = 0;  // the limit, once there is text that a line can be separated from
     std::size_t blanks = 0;    // at the beginning of a line
     Element* elements = nullptr;
     Element* top = nullptr;  // behind the innermost open one
     Element* topLimit = nullptr;
     int tabs = 0;
-    unsigned rootMarkers = 0;
+    std::uint32_t rootMarkers = 0;
     bool lineFeed = true;
     bool afterValue = false;
     bool hasLine = false;  // whether a line began in the innermost open element

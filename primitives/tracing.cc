@@ -13,69 +13,49 @@ namespace quorva::walk {
 
 namespace {
 
+using Kind = Step::Kind;
+
 // An element by the routine of its contents, as `Calls` does.
-At byCall(Tracing& pass, At at, Name tag, void* value, XdrRoutine routine)
+template <class Routine>
+At byCall(Tracing& pass, At at, Name name, Routine routine)
 {
+    pass.text->open(name);
     pass.leave(at);
-    return pass.resume(at, element(pass.xdrs, tag.text, value, routine));
+    at = pass.resume(at, routine(pass.xdrs));
+    if (at) pass.text->close(name);
+    return at;
 }
 
 // A part whose length was read, and for whose storage there is no memory.
-At noMemory(Tracing& pass, At at, Name tag)
+At noMemory(Tracing& pass, At at, Name name)
 {
-    if (tag.text) pass.text->open(tag);
+    if (name.text) pass.text->open(name);
     pass.leave(at + 4);
     return nullptr;
 }
 
-// The element of an enumerator. It stands behind the enumerator's name, its length before that; elements of unknown values,
-// and such as are too long for a byte, are made here.
-class Enumerator {
-public:
-    Name of(const char* (*nameOf)(int), std::int32_t number)
-    {
-        const char* const name = nameOf(number);
-        const Name known = {name + static_cast<unsigned char>(name[-2]) + 1, static_cast<unsigned char>(name[-1])};
-        return known.length != 0 ? known : made(name, number);
-    }
-
-private:
-    [[gnu::cold, gnu::noinline]] Name made(const char* name, std::int32_t number)
-    {
-        const Decimal digits(number);
-        char* at = text;
-        const auto add = [&at](const char* piece) {
-            const std::size_t length = std::strlen(piece);
-            at = static_cast<char*>(std::memcpy(at, piece, length)) + length;
-        };
-        add("<");
-        add(name);
-        add(">");
-        add(digits.text());
-        add("</");
-        add(name);
-        add(">");
-        return {text, static_cast<std::size_t>(at - text)};
-    }
-
-    char text[2 * 255 + 17];  // of a name of any length
-};
-
-// What is not shown in the short way. (A call in the last step: those who may come here save no registers for it.)
-template <class... Contents>
-[[gnu::cold, gnu::noinline]] At showSlowly(Tracing& pass, At at, Name tag, Contents... contents)
+// The element that stands before an enumerator's name; empty for unknown values, and where it is too long for a byte.
+Name elementOf(const char* name)
 {
-    pass.text->element(tag, contents...);
-    return at + 4;
+    const std::size_t length = static_cast<unsigned char>(name[-1]);
+    return {name - 1 - length, length};
+}
+
+// The element of any other.
+[[gnu::cold, gnu::noinline]] Name makeElement(char* to, const char* name, std::int32_t number)
+{
+    char* const end = TraceText::enumerator(to, name, number);
+    std::memset(end, 0, beyondNames);
+    return {to, static_cast<std::size_t>(end - to)};
 }
 
 // The unit of a value that moves at `at`, where there is room.
 template <class As>
-std::uint32_t moveUnit(const Tracing& pass, At at, void* value)
+QUORVA_INLINE std::uint32_t moveUnit(bool decoding, At at, void* value)
 {
     As held;
     std::uint32_t unit;
-    if (pass.decoding) {
+    if (decoding) {
         unit = getUnit(at);
         held = static_cast<As>(unit);
         std::memcpy(value, &held, sizeof held);
@@ -85,22 +65,6 @@ std::uint32_t moveUnit(const Tracing& pass, At at, void* value)
         putUnit(at, unit);
     }
     return unit;
-}
-
-// The primitive that codes such a value.
-template <class As, class Shown>
-constexpr XdrRoutine routineOf()
-{
-    if constexpr (std::same_as<Shown, bool>)
-        return XdrBoolean;
-    else if constexpr (sizeof(As) == 1)
-        return std::signed_integral<Shown> ? XdrShortInteger : XdrShortNatural;
-    else if constexpr (sizeof(As) == 2)
-        return std::signed_integral<As> ? XdrInteger : XdrNatural;
-    else if constexpr (std::signed_integral<As>)
-        return XdrLongInteger;
-    else
-        return std::signed_integral<Shown> ? XdrUINT : XdrLongNatural;
 }
 
 // As what the trace shows it. Of a truth value it is the low byte that counts.
@@ -113,103 +77,74 @@ Shown shown(std::uint32_t unit)
         return static_cast<Shown>(unit);
 }
 
-}  // namespace
+// Moves the numbers of a block, one by one. What it stands at is its own, to be in registers.
+template <class As, class Shown, bool decoding>
+struct Units {
+    At at;
+    unsigned char* value;
 
-At openTag(Tracing& pass, At at, Name tag)
-{
-    pass.text->open(tag);
-    return at;
-}
-
-At closeTag(Tracing& pass, At at, Name tag)
-{
-    if (at) pass.text->close(tag);
-    return at;
-}
-
-At routineElement(Tracing& pass, At at, void* value, XdrRoutine routine)
-{
-    pass.leave(at);
-    return pass.resume(at, routine(pass.xdrs, value));
-}
-
-template <class As, class Shown>
-At numberElement(Tracing& pass, At at, Name tag, void* value)
-{
-    if (!pass.room(at, 4)) return byCall(pass, at, tag, value, routineOf<As, Shown>());
-    const Shown number = shown<Shown>(moveUnit<As>(pass, at, value));
-    if (!pass.text->takesNumber(tag)) return showSlowly(pass, at, tag, number);
-    pass.text->element(tag, number);
-    return at + 4;
-}
-
-template <class As, class Shown>
-At numbers(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine)
-{
-    if (!pass.room(at, std::size_t{4} * count)) return blockOf(pass, at, first, count, sizeof(As), routineElement, routine);
-    auto* value = static_cast<unsigned char*>(first);
-    const auto next = [&] {
-        const Shown number = shown<Shown>(moveUnit<As>(pass, at, value));
+    Shown operator()()
+    {
+        const std::uint32_t unit = moveUnit<As>(decoding, at, value);
+        at += 4;
         value += sizeof(As);
-        at += 4;
-        return number;
-    };
-    if (pass.decoding)
-        for (std::uint32_t i = 0; i < count; ++i) pass.text->framed(next());
-    else
-        pass.text->numbers(count, next);
-    pass.text->endLine();
-    return at;
-}
-
-#define NUMBER(As, Shown)                                                                \
-    template At numberElement<As, Shown>(Tracing&, At, Name, void*);                  \
-    template At numbers<As, Shown>(Tracing&, At, void*, std::uint32_t, XdrRoutine);
-NUMBER(std::uint8_t, bool)
-NUMBER(std::uint8_t, std::int32_t)
-NUMBER(std::uint8_t, std::uint32_t)
-NUMBER(std::int16_t, std::int32_t)
-NUMBER(std::uint16_t, std::uint32_t)
-NUMBER(std::int32_t, std::int32_t)
-NUMBER(std::uint32_t, std::uint32_t)
-NUMBER(std::uint32_t, std::int32_t)
-#undef NUMBER
-
-At enumElement(Tracing& pass, At at, Name tag, void* value, const char* (*nameOf)(int))
-{
-    if (!pass.room(at, 4)) {
-        pass.leave(at);
-        openElement(pass.xdrs, tag.text);
-        const int result = enumeration<std::int32_t>(pass.xdrs, value, nameOf);
-        return pass.resume(at, result && closeElement(pass.xdrs, tag.text));
+        return shown<Shown>(unit);
     }
-    const auto number = static_cast<std::int32_t>(moveUnit<std::int32_t>(pass, at, value));
-    Enumerator enumerator;
-    const Name shown = enumerator.of(nameOf, number);
-    if (!pass.text->takes(tag, shown)) return showSlowly(pass, at, tag, shown);
-    pass.text->element(tag, shown);
-    return at + 4;
-}
+};
 
-At enumerators(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine, const char* (*nameOf)(int))
+// The primitive that codes a number.
+XdrRoutine routineOf(Kind kind)
 {
-    if (!pass.room(at, std::size_t{4} * count)) return blockOf(pass, at, first, count, 4, routineElement, routine);
-    auto* value = static_cast<unsigned char*>(first);
-    Enumerator enumerator;
-    const auto next = [&] {
-        const auto number = static_cast<std::int32_t>(moveUnit<std::int32_t>(pass, at, value));
-        value += 4;
-        at += 4;
-        return enumerator.of(nameOf, number);
-    };
-    if (pass.decoding)
-        for (std::uint32_t i = 0; i < count; ++i) pass.text->framed(next());
-    else
-        pass.text->inLine(count, next);
-    return at;
+    switch (kind) {
+    case Kind::boolean: return XdrBoolean;
+    case Kind::shortInteger: return XdrShortInteger;
+    case Kind::shortNatural: return XdrShortNatural;
+    case Kind::integer: return XdrInteger;
+    case Kind::natural: return XdrNatural;
+    case Kind::longInteger: return XdrLongInteger;
+    case Kind::longNatural: return XdrLongNatural;
+    default: return XdrUINT;
+    }
 }
 
-At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maximum)
+// How far the lines of an object are done: up to a step, and to a callee.
+struct Progress {
+    At at;
+    const Step* step;
+    const Callee* callee;
+};
+
+// Any run, line by line, by those who can do with any text and any end of the buffer.
+[[gnu::cold, gnu::noinline]] Progress runSlowly(Tracing& pass, Progress now, unsigned char* object)
+{
+    for (;; ++now.step) {
+        const Step& step = now.step[1];
+        unsigned char* const value = object + step.value;
+        switch (step.kind) {
+        case Kind::open:
+        case Kind::push: pass.text->open(step.name()); break;
+        case Kind::close:
+        case Kind::pop: pass.text->close(step.name()); break;
+        case Kind::enumerator:
+            now.at = byCall(pass, now.at, step.name(), [&](Xdr* xdrs) {
+                return enumeration<std::int32_t>(xdrs, value, (now.callee++)->nameOf);
+            });
+            break;
+        case Kind::run:
+        case Kind::slowRun:
+        case Kind::text:
+        case Kind::bytes:
+        case Kind::arm:
+        case Kind::call:
+        case Kind::end: return now;
+        default:
+            now.at = byCall(pass, now.at, step.name(), [&](Xdr* xdrs) { return routineOf(step.kind)(xdrs, value); });
+        }
+        if (!now.at) return now;
+    }
+}
+
+At textElement(Tracing& pass, At at, Name name, char** string, std::uint32_t maximum)
 {
     std::uint32_t length = 0;
     bool fits = false;
@@ -223,13 +158,13 @@ At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maxi
         length = static_cast<std::uint32_t>(characters);
         fits = characters <= maximum && characters <= shownCharacters && pass.room(at, 7 + characters);
     }
-    if (!fits) return callInstead(pass, at, Text{tag.text, *string, maximum});
+    if (!fits) return byCall(pass, at, name, [&](Xdr* xdrs) { return XdrString(xdrs, string, maximum); });
 
     const std::uint32_t all = padded(length);
     if (pass.decoding) {
         auto* const copy = static_cast<char*>(::operator new[](std::size_t{length} + 1, std::nothrow));
         *string = copy;
-        if (!copy) return noMemory(pass, at, tag);
+        if (!copy) return noMemory(pass, at, name);
         copyBytes(copy, at + 4, length);
         copy[length] = '\0';
     } else {
@@ -237,11 +172,11 @@ At textElement(Tracing& pass, At at, Name tag, char** string, std::uint32_t maxi
         std::memset(at + all, 0, length > 0 ? 4 : 0);
         copyBytes(at + 4, *string, length);
     }
-    pass.text->element(tag, *string, length);
+    pass.text->element(name, *string, length);
     return at + 4 + all;
 }
 
-At bytesElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t maximum)
+At bytesElement(Tracing& pass, At at, Name name, void* sequence, std::uint32_t maximum)
 {
     auto* const place = static_cast<unsigned char*>(sequence) + sizeof(void*);
     std::uint16_t count = 0;
@@ -257,12 +192,12 @@ At bytesElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t ma
         fits = count <= maximum && pass.room(at, 4 + padded(count)) && (pass.decoding || bytes || count == 0);
     }
     if (!fits) {
-        auto* held = static_cast<unsigned char*>(load(place));
-        pass.leave(at);
-        openElement(pass.xdrs, tag.text);
-        const int result = XdrBytes(pass.xdrs, &held, static_cast<std::uint16_t*>(sequence), maximum);
-        store(place, held);
-        return pass.resume(at, result && closeElement(pass.xdrs, tag.text));
+        return byCall(pass, at, name, [&](Xdr* xdrs) {
+            auto* held = static_cast<unsigned char*>(load(place));
+            const int result = XdrBytes(xdrs, &held, static_cast<std::uint16_t*>(sequence), maximum);
+            store(place, held);
+            return result;
+        });
     }
 
     const std::uint32_t all = padded(count);
@@ -271,7 +206,7 @@ At bytesElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t ma
         if (count > 0) {
             bytes = static_cast<unsigned char*>(::operator new[](count, std::nothrow));
             store(place, bytes);
-            if (!bytes) return noMemory(pass, at, tag);
+            if (!bytes) return noMemory(pass, at, name);
             copyBytes(bytes, at + 4, count);
         }
     } else {
@@ -279,8 +214,183 @@ At bytesElement(Tracing& pass, At at, Name tag, void* sequence, std::uint32_t ma
         std::memset(at + all, 0, count > 0 ? 4 : 0);
         copyBytes(at + 4, bytes, count);
     }
-    pass.text->element(tag, bytes, count);
+    pass.text->element(name, bytes, count);
     return at + 4 + all;
+}
+
+}  // namespace
+
+// ---- Lines ----------------------------------------------------------------------------------------------------------
+
+At showLines(Tracing& pass, At at, void* of, const Step* step, const Callee* callee)
+{
+    auto* object = static_cast<unsigned char*>(of);
+    TraceText::Lines lines(*pass.text);
+    // Where the lines go on behind those of an arm.
+    const Step* outerStep = nullptr;
+    const Callee* outerCallee;
+    unsigned char* outerObject;
+    Callee ofArm;
+
+    const auto refuse = [&] {
+        lines.leave();
+        pass.leave(at);
+        return nullptr;
+    };
+    // Whether the run that begins here cannot fail, and has its place in the text.
+    const auto isTaken = [&] { return pass.room(at, step->place) && lines.take(step->value, step->length); };
+
+    for (;; ++step) {
+        const auto number = [&]<class As, class Shown> {
+            lines.element(step->tags(), shown<Shown>(moveUnit<As>(pass.decoding, at, object + step->value)));
+            at += 4;
+        };
+        switch (step->kind) {
+        case Kind::boolean: number.template operator()<std::uint8_t, bool>(); break;
+        case Kind::shortInteger: number.template operator()<std::uint8_t, std::int32_t>(); break;
+        case Kind::shortNatural: number.template operator()<std::uint8_t, std::uint32_t>(); break;
+        case Kind::integer: number.template operator()<std::int16_t, std::int32_t>(); break;
+        case Kind::natural: number.template operator()<std::uint16_t, std::uint32_t>(); break;
+        case Kind::longInteger: number.template operator()<std::int32_t, std::int32_t>(); break;
+        case Kind::longNatural: number.template operator()<std::uint32_t, std::uint32_t>(); break;
+        case Kind::unsignedInteger: number.template operator()<std::uint32_t, std::int32_t>(); break;
+        case Kind::enumerator: {
+            const auto value = static_cast<std::int32_t>(moveUnit<std::int32_t>(pass.decoding, at, object + step->value));
+            const char* const name = (callee++)->nameOf(value);
+            const Name known = elementOf(name);
+            if (known.length > 0) [[likely]]
+                lines.element(step->tags(), known);
+            else
+                lines.element(step->tags(), name, value);
+            at += 4;
+            break;
+        }
+        case Kind::open: lines.open(step->tags()); break;
+        case Kind::close: lines.close(step->tags()); break;
+        case Kind::push: lines.push(step->tags()); break;
+        case Kind::pop: lines.pop(step->tags()); break;
+
+        case Kind::run:
+            if (isTaken()) break;
+            lines.leave();
+            pass.text->makeRoom(step->value);
+            if (isTaken()) break;
+            [[fallthrough]];
+        case Kind::slowRun: {
+            lines.leave();
+            const Progress now = runSlowly(pass, {at, step, callee}, object);
+            if (!now.at) return nullptr;
+            at = now.at;
+            step = now.step;
+            callee = now.callee;
+            break;
+        }
+
+        case Kind::arm: {
+            unsigned char* const discriminated = object + step->value;
+            if (outerStep) {
+                lines.leave();
+                Callee inner;
+                const Step* const program = (callee++)->arm(discriminated, inner);
+                if (!program) return refuse();
+                at = showLines(pass, at, discriminated, program, &inner);
+                if (!at) return nullptr;
+                break;
+            }
+            const Step* const program = callee->arm(discriminated, ofArm);
+            if (!program) return refuse();
+            outerStep = step;
+            outerCallee = callee + 1;
+            outerObject = object;
+            step = program - 1;
+            callee = &ofArm;
+            object = discriminated;
+            break;
+        }
+
+        case Kind::call:
+            lines.leave();
+            at = (callee++)->show(pass, at, object + step->value);
+            if (!at) return nullptr;
+            break;
+        case Kind::text:
+            lines.leave();
+            at = textElement(pass, at, step->name(), reinterpret_cast<char**>(object + step->value), step[1].value);
+            if (!at) return nullptr;
+            ++step;
+            break;
+        case Kind::bytes:
+            lines.leave();
+            at = bytesElement(pass, at, step->name(), object + step->value, step[1].value);
+            if (!at) return nullptr;
+            ++step;
+            break;
+        case Kind::end:
+            if (!outerStep) {
+                lines.leave();
+                return at;
+            }
+            step = outerStep;
+            callee = outerCallee;
+            object = outerObject;
+            outerStep = nullptr;
+            break;
+        default: __builtin_unreachable();
+        }
+    }
+}
+
+// ---- Parts that lines do not show -------------------------------------------------------------------------------------
+
+At routineElement(Tracing& pass, At at, void* value, XdrRoutine routine)
+{
+    pass.leave(at);
+    return pass.resume(at, routine(pass.xdrs, value));
+}
+
+template <class As, class Shown>
+At numbers(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine)
+{
+    if (!pass.room(at, std::size_t{4} * count)) return blockOf(pass, at, first, count, sizeof(As), routineElement, routine);
+    auto* const value = static_cast<unsigned char*>(first);
+    if (pass.decoding)
+        pass.text->framed(count, Units<As, Shown, true>{at, value});
+    else
+        pass.text->numbers(count, Units<As, Shown, false>{at, value});
+    pass.text->endLine();
+    return at + std::size_t{4} * count;
+}
+
+#define NUMBER(As, Shown)                                                                \
+    template At numbers<As, Shown>(Tracing&, At, void*, std::uint32_t, XdrRoutine);
+NUMBER(std::uint8_t, bool)
+NUMBER(std::uint8_t, std::int32_t)
+NUMBER(std::uint8_t, std::uint32_t)
+NUMBER(std::int16_t, std::int32_t)
+NUMBER(std::uint16_t, std::uint32_t)
+NUMBER(std::int32_t, std::int32_t)
+NUMBER(std::uint32_t, std::uint32_t)
+NUMBER(std::uint32_t, std::int32_t)
+#undef NUMBER
+
+At enumerators(Tracing& pass, At at, void* first, std::uint32_t count, XdrRoutine routine, NameOf nameOf)
+{
+    if (!pass.room(at, std::size_t{4} * count)) return blockOf(pass, at, first, count, 4, routineElement, routine);
+    auto* const value = static_cast<unsigned char*>(first);
+    char made[2 * 255 + 17 + beyondNames];  // an element of any length
+    const auto elements = [nameOf, &made](auto units) {
+        return [=, &made]() mutable {
+            const std::int32_t number = units();
+            const char* const name = nameOf(number);
+            const Name known = elementOf(name);
+            return known.length > 0 ? known : makeElement(made, name, number);
+        };
+    };
+    if (pass.decoding)
+        pass.text->framed(count, elements(Units<std::int32_t, std::int32_t, true>{at, value}));
+    else
+        pass.text->inLine(count, elements(Units<std::int32_t, std::int32_t, false>{at, value}));
+    return at + std::size_t{4} * count;
 }
 
 At blockOf(Tracing& pass, At at, void* first, std::uint32_t count, std::uint32_t size, Element element, XdrRoutine routine)

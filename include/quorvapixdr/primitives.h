@@ -99,9 +99,8 @@ namespace shape {
 // a `Shown`, of 32 bits; of a `bool` it shows the truth.
 template <class As, class Shown>
 struct Number {};
-// An enumeration: the name function of its values. Each name is followed by its element in the trace, and both lengths stand
-// before it, a byte each, so that those who show many names need not build them:
-// name[-2] and name[-1]: characters of the name, and of the element that stands at name + name[-2] + 1, or 0 for none.
+// An enumeration: the name function of its values. Before each name stand its element in the trace and, in name[-1], the
+// element's length, or 0 for none, so that those who show many need not build them. 48 more characters can be read.
 template <const char* (*nameOf)(int)>
 struct Enumeration : Number<std::int32_t, std::int32_t> {};
 // A float: one unit, with the platform's diagnostic print on each pass.

@@ -1,13 +1,15 @@
 // The few words that generated bodies are written in: a field, each way of holding a type, and an element of the trace.
 //
-// A body is written once and serves every pass over its type. `Calls` works with any stream class: it opens an element
-// for each part, calls the part's routine and closes the element. The direct passes (see passes.h) move bytes
-// themselves; they exist where the class in use lends its buffer, and run where nobody collects a trace.
+// A body is written once and serves several passes over its type. `Calls` works with any stream class: it opens an
+// element for each part, calls the part's routine and closes the element. The direct passes (see passes.h) move bytes
+// themselves; they exist where the class in use lends its buffer, and run where nobody collects a trace. Where the class
+// lends its trace as well, another pass collects it, by lines instead of bodies (see tracing.h).
 //
 // A field is given together with the coder of its type, so a wrong pairing does not compile. A part that fails leaves
 // its element open: what is open after a failed pass is the path to the place where it stopped.
 #pragma once
 
+#include <quorvapixdr/names.h>
 #include <quorvapixdr/primitives.h>
 
 #include <Xdr.h>
@@ -287,16 +289,12 @@ int enumeration(Xdr* xdrs, void* object, const char* (*nameOf)(int))
 #ifdef XDR_LENDS_TRACE
 #define QUORVA_TRACING
 #include <quorvapixdr/tracing.h>
-#define QUORVA_TRACING_BODY(T) template quorva::walk::At code(quorva::walk::Tracing&, quorva::walk::At, ::T&);
-#else
-#define QUORVA_TRACING_BODY(T)
 #endif
 // The body of `T`, which other modules call.
 #define QUORVA_BODY(T)                                                                                     \
     template quorva::walk::At code(quorva::walk::Encoding<Xdr>&, quorva::walk::At, ::T&);                  \
     template quorva::walk::At code(quorva::walk::Decoding<Xdr>&, quorva::walk::At, ::T&);                  \
-    template quorva::walk::At code(quorva::walk::Releasing<Xdr>&, quorva::walk::At, ::T&);                 \
-    QUORVA_TRACING_BODY(T)
+    template quorva::walk::At code(quorva::walk::Releasing<Xdr>&, quorva::walk::At, ::T&);
 #else
 #define QUORVA_BODY(T)
 #endif
@@ -308,6 +306,18 @@ int enumeration(Xdr* xdrs, void* object, const char* (*nameOf)(int))
         return inPlace(pass, at, obj);                                                                     \
     }                                                                                                      \
     QUORVA_BODY(T)
+// What `T` shows, and what the arms of a union show, which other modules show as well.
+#ifdef QUORVA_TRACING
+#define QUORVA_SHOWS(T) \
+    template <>         \
+    quorva::walk::At quorva::walk::show<::T>(quorva::walk::Tracing&, quorva::walk::At, void*);
+#define QUORVA_SHOWS_ARMS(T) \
+    template <>              \
+    const quorva::walk::Step* quorva::walk::showArm<::T>(const void*, quorva::walk::Callee&);
+#else
+#define QUORVA_SHOWS(T)
+#define QUORVA_SHOWS_ARMS(T)
+#endif
 
 namespace quorva::walk {
 
@@ -318,7 +328,7 @@ template <class T>
     const At nowhere = reinterpret_cast<At>(&value);
 #ifdef QUORVA_TRACING
     Tracing pass(xdrs, nowhere);
-    const At at = code(pass, pass.releasing ? nowhere : xdrs->cursor(), value);
+    const At at = show<T>(pass, pass.releasing ? nowhere : xdrs->cursor(), &value);
     if (at) pass.leave(at);
     return at != nullptr;
 #else

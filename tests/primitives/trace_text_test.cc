@@ -145,58 +145,91 @@ TEST(TraceText, hexDump)
     EXPECT_EQ(dumped(17), "<a>\n  " + line + "\n  ab\n</a>");
 }
 
-// Who has much to say adds elements at once: the text is the same as from the calls one by one.
+// Who has much to say adds elements and lines at once: the text is the same as from the calls one by one.
 TEST(TraceText, wholeElements)
 {
     const auto leaf = [](TraceText& t, const char* name, auto contents) {
         t.open(name); contents(); t.setLineFeed(false); t.close(name);
     };
     for (std::size_t length = 1; length < 70; ++length) {
-        const std::string name(length, 'n'), inner = name + "i", text = name + "<\n" + name, shown7 = "<" + inner + ">-7</" + inner + ">";
-        const TraceText::Name tag = {name.c_str(), length};
+        const std::string name(length, 'n'), inner = name + "i", text = name + "<\n" + name,
+                          markup = "<" + inner + ">-7</" + inner + ">" + std::string(48, '?');
+        const TraceText::Name shown = {markup.c_str(), markup.size() - 48};
         TraceText whole, calls;
-        whole.open("a");
-        calls.open("a");
-        const auto number = [&](auto value, const std::string& shown) {
-            whole.element(tag, value);
-            leaf(calls, name.c_str(), [&] { calls.value(shown.c_str()); });
-        };
-        number(true, "true");
-        number(false, "false");
-        for (const std::int32_t n : {0, 9, 10, 99, 100, 101, 999, 1000, 123456, -1, -10, INT32_MAX, INT32_MIN}) number(n, std::to_string(n));
-        for (const std::uint32_t n : {0u, 9u, 10u, 100u, 99999u, 1000000000u, UINT32_MAX}) number(n, std::to_string(n));
-        const TraceText::Name markup = {shown7.c_str(), shown7.size()};
         const auto inLine = [&] {
             calls.setLineFeed(false); calls.open(inner.c_str()); calls.value("-7"); calls.setLineFeed(false); calls.close(inner.c_str());
         };
-        whole.element(tag, markup);
-        leaf(calls, name.c_str(), inLine);
-        whole.open("b");
-        whole.inLine(40, [markup] { return markup; });
-        whole.close("b");
-        calls.open("b");
+        whole.open("a");
+        calls.open("a");
+        whole.inLine(40, [shown] { return shown; });
         for (int i = 0; i < 40; ++i) inLine();
-        calls.close("b");
-        whole.framed(markup);
-        calls.marker("<value>"); calls.indent(); inLine(); calls.outdent(); calls.marker("</value>");
-        whole.element(tag, text.c_str(), text.size());
-        leaf(calls, name.c_str(), [&] { calls.value(text.c_str()); });
-        for (int n : {3, 44}) {
-            whole.framed(n);
-            calls.marker("<value>"); calls.indent(); calls.value(std::to_string(n).c_str());
-            calls.setLineFeed(false); calls.outdent(); calls.marker("</value>");
-        }
-        for (int n : {5, 6}) {
-            whole.beginValue(); whole.element(tag, n); whole.endValue();
+        for (int depth = 0; depth < 20; ++depth) {  // deeper than lines usually are, too
+            whole.element({name.c_str(), length}, text.c_str(), text.size());
+            leaf(calls, name.c_str(), [&] { calls.value(text.c_str()); });
+            whole.framed(35, [shown] { return shown; });
+            for (int i = 0; i < 35; ++i) {
+                calls.marker("<value>"); calls.indent(); inLine(); calls.outdent(); calls.marker("</value>");
+            }
+            whole.framed(2, [n = -1]() mutable { return n += 45; });
+            for (const char* n : {"44", "89"}) {
+                calls.marker("<value>"); calls.indent(); calls.value(n);
+                calls.setLineFeed(false); calls.outdent(); calls.marker("</value>");
+            }
+            whole.beginValue();
             calls.marker("<value>"); calls.indent();
-            leaf(calls, name.c_str(), [&] { calls.value(std::to_string(n).c_str()); });
-            calls.outdent(); calls.marker("</value>");
+            EXPECT_EQ(whole.path(), calls.path());
         }
-        whole.marker("<value>");
-        calls.marker("<value>");
         EXPECT_EQ(whole.text(), calls.text());
-        EXPECT_EQ(whole.path(), "a/value[5]");
-        EXPECT_EQ(calls.path(), "a/value[5]");
+    }
+}
+
+TEST(TraceText, lines)
+{
+    using Lines = TraceText::Lines;
+    for (std::size_t length = 1; length <= Lines::longestName; ++length) {
+        const std::string name(length, 'n'), tags = "<" + name + "></" + name + ">" + std::string(Lines::beyond, '?'),
+                          markup = "<" + name + ">-7</" + name + ">" + std::string(48, '?');
+        const TraceText::Tags around = {tags.c_str(), length};
+        const std::size_t size = Lines::mostOnce + 40 * (Lines::most + 4 * length + Lines::mostDigits);
+        TraceText whole, calls;
+        Lines lines(whole);
+        EXPECT_FALSE(lines.take(size, Lines::mostBlanks)) << "without memory";
+        const auto number = [&](auto value, const std::string& shown) {
+            lines.element(around, value);
+            calls.open(name.c_str()); calls.value(shown.c_str()); calls.setLineFeed(false); calls.close(name.c_str());
+        };
+        for (std::size_t depth = 0; 2 * depth + 2 <= Lines::mostBlanks; ++depth) {
+            lines.leave();
+            whole.makeRoom(size);
+            ASSERT_TRUE(lines.take(size, Lines::mostBlanks - 2));
+            number(true, "true");
+            number(false, "false");
+            for (const std::int32_t n : {0, 9, 10, 99, 100, 101, 999, 1000, 123456, -1, -10, INT32_MAX, INT32_MIN}) number(n, std::to_string(n));
+            for (const std::uint32_t n : {0u, 9u, 10u, 100u, 99999u, 1000000000u, UINT32_MAX}) number(n, std::to_string(n));
+            lines.element(around, TraceText::Name{markup.c_str(), markup.size() - 48});
+            calls.open(name.c_str()); calls.setLineFeed(false); calls.open(name.c_str()); calls.value("-7");
+            calls.setLineFeed(false); calls.close(name.c_str()); calls.setLineFeed(false); calls.close(name.c_str());
+            lines.push(around);
+            lines.pop(around);
+            calls.open(name.c_str()); calls.close(name.c_str());
+            lines.open(around);
+            calls.open(name.c_str());
+            number(7, "7");
+            lines.close(around);
+            calls.close(name.c_str());
+            lines.push(around);
+            calls.open(name.c_str());
+        }
+        EXPECT_FALSE(lines.take(size, Lines::mostBlanks - 2)) << "too deep";
+        lines.leave();
+        EXPECT_EQ(whole.path(), calls.path());
+        whole.value("1");
+        EXPECT_FALSE(lines.take(size, Lines::mostBlanks)) << "behind a value";
+        whole.close(around.name());
+        whole.setLineFeed(false);
+        EXPECT_FALSE(lines.take(size, Lines::mostBlanks)) << "within a line";
+        calls.value("1"); calls.close(name.c_str());
+        EXPECT_EQ(whole.text(), calls.text());
     }
 }
 
