@@ -36,8 +36,11 @@ std::string nameFunction(const Definition& definition, const Spelling& spelling)
 {
     std::string out = "const char* " + definition.name + "String(int value)\n{\n    static constexpr " +
                       spelling.word("NamedValue") + " values[] = {\n";
-    for (const Enumerator& enumerator : definition.enumerators)
-        out += "        {" + std::to_string(enumerator.value.number) + ", " + literal(enumerator.name) + "},\n";
+    std::vector<Enumerator> ascending = definition.enumerators;
+    std::sort(ascending.begin(), ascending.end(),
+              [](const auto& a, const auto& b) { return a.value.number < b.value.number; });
+    for (const Enumerator& each : ascending)
+        out += "        {" + std::to_string(each.value.number) + ", " + literal(each.name) + "},\n";
     return out + "    };\n    return " + spelling.word("nameAmong") + "<values>(value);\n}\n";
 }
 

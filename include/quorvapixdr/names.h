@@ -2,8 +2,6 @@
 // library is loaded, and no value takes longer than another.
 #pragma once
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
@@ -12,8 +10,12 @@
 
 namespace quorva::walk {
 
+// Made of a literal, whose length compilers know without counting: there are thousands of these.
 struct NamedValue {
-    std::int32_t value;
+    constexpr NamedValue() = default;
+    constexpr NamedValue(std::int32_t number, const char* text) : value(number), name(text, __builtin_strlen(text)) {}
+
+    std::int32_t value = 0;
     std::string_view name;
 };
 
@@ -31,8 +33,8 @@ public:
     // Where the name of the value stands.
     constexpr std::size_t add(const NamedValue& named)
     {
-        std::array<char, 11> digits = {};
-        std::size_t from = digits.size();
+        char digits[11] = {};
+        std::size_t from = sizeof digits;
         const bool negative = named.value < 0;
         const auto value = static_cast<std::uint32_t>(named.value);
         std::uint32_t rest = negative ? 0 - value : value;
@@ -42,7 +44,7 @@ public:
 
         const std::size_t before = size;
         put("<", named.name, ">");
-        put(std::string_view(digits.data() + from, digits.size() - from), "</", named.name, ">");
+        put(std::string_view(digits + from, sizeof digits - from), "</", named.name, ">");
         return add(named.name, size - before);
     }
     // A name behind its element of that length.
@@ -55,6 +57,8 @@ public:
         return at;
     }
 
+    std::size_t size = 0;
+
 private:
     constexpr void put(char c)
     {
@@ -63,7 +67,9 @@ private:
     }
     constexpr void put(std::string_view characters)
     {
-        for (const char c : characters) put(c);
+        if (text)
+            for (std::size_t i = 0; i < characters.size(); ++i) text[size + i] = characters[i];
+        size += characters.size();
     }
     template <class... Rest>
     constexpr void put(std::string_view characters, Rest... rest)
@@ -73,27 +79,19 @@ private:
     }
 
     char* text;
-
-public:
-    std::size_t size = 0;
 };
 
 template <const auto& values>
 struct Names {
     static constexpr std::size_t count = std::size(values);
-    static constexpr std::array<NamedValue, count> ascending = [] {
-        std::array<NamedValue, count> sorted = std::to_array(values);
-        std::sort(sorted.begin(), sorted.end(), [](const auto& a, const auto& b) { return a.value < b.value; });
-        return sorted;
-    }();
-    static constexpr std::uint32_t first = static_cast<std::uint32_t>(ascending.front().value);
-    static constexpr std::uint32_t span = static_cast<std::uint32_t>(ascending.back().value) - first;
+    static constexpr std::uint32_t first = static_cast<std::uint32_t>(values[0].value);
+    static constexpr std::uint32_t span = static_cast<std::uint32_t>(values[count - 1].value) - first;
     // Whether so many of the values between the first and the last have names that each is given a place.
     static constexpr bool isDense = span < 4 * count + 16;
     static constexpr std::size_t unknown = isDense ? span + std::size_t{1} : count;
     static constexpr std::size_t characters = [] {
         NameText text(nullptr);
-        for (const NamedValue& each : ascending) text.add(each);
+        for (const NamedValue& each : values) text.add(each);
         text.add(unknownName, 0);
         return text.size;
     }();
@@ -109,7 +107,8 @@ struct Names {
         const auto place = [](std::size_t at) { return static_cast<std::decay_t<decltype(made.places[0])>>(at); };
         for (auto& each : made.places) each = place(characters - (unknownName.size() + 1));
         for (std::size_t i = 0; i < count; ++i) {
-            const NamedValue& each = ascending[i];
+            const NamedValue& each = values[i];
+            if (i > 0 && values[i - 1].value >= each.value) throw "the values are not in ascending order";
             made.places[isDense ? static_cast<std::uint32_t>(each.value) - first : i] = place(text.add(each));
             if (!isDense) made.known[i] = each.value;
         }
@@ -123,9 +122,15 @@ struct Names {
             const std::uint32_t slot = static_cast<std::uint32_t>(value) - first;
             return slot <= span ? slot : unknown;
         } else {
-            const auto* const found = std::lower_bound(std::begin(table.known), std::end(table.known), value);
-            const bool isKnown = found != std::end(table.known) && *found == value;
-            return isKnown ? static_cast<std::size_t>(found - table.known) : unknown;
+            std::size_t from = 0;
+            for (std::size_t to = count; from < to;) {
+                const std::size_t middle = from + (to - from) / 2;
+                if (table.known[middle] < value)
+                    from = middle + 1;
+                else
+                    to = middle;
+            }
+            return from < count && table.known[from] == value ? from : unknown;
         }
     }
 };

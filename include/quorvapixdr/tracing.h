@@ -8,9 +8,7 @@
 // Included by walk.h.
 #pragma once
 
-#include <algorithm>
 #include <iterator>
-#include <string_view>
 
 namespace quorva::walk {
 
@@ -118,6 +116,7 @@ struct Line {
     const char* name = "";
     std::size_t offset = 0;
     std::uint32_t maximum = 0;
+    std::size_t length = __builtin_strlen(name);
 };
 
 template <class As, class Shown>
@@ -195,7 +194,6 @@ private:
     static constexpr std::size_t mostOfEnumerator = 2 * 255 + 17;  // its name, a number and brackets
 
     constexpr bool isInRun(std::size_t i) const { return i < size && lines[i].kind < Step::Kind::run; }
-    constexpr std::size_t length(std::size_t i) const { return std::string_view(lines[i].name).size(); }
 
     constexpr std::size_t single(std::size_t i)
     {
@@ -222,12 +220,12 @@ private:
         std::size_t bytes = 0, all = InText::mostOnce, blanks = 0, deepest = 0, longest = 0;
         for (std::size_t i = first; i < end; ++i) {
             const Step::Kind kind = lines[i].kind;
-            longest = std::max(longest, length(i));
-            all += InText::most + 2 * length(i);
+            if (lines[i].length > longest) longest = lines[i].length;
+            all += InText::most + 2 * lines[i].length;
             if (kind == Step::Kind::open) {
                 add(i, isWhole(i, first, end) ? kind : Step::Kind::push);
                 blanks += 2;
-                deepest = std::max(deepest, blanks);
+                if (blanks > deepest) deepest = blanks;
             } else if (kind == Step::Kind::close) {
                 add(i, isWhole(i, first, end) ? kind : Step::Kind::pop);
                 blanks -= blanks > 0 ? 2 : 0;
@@ -269,27 +267,30 @@ private:
     constexpr void add(std::size_t i, Step::Kind kind)
     {
         const std::size_t place = tagsOf(i);
-        add({kind, static_cast<std::uint8_t>(std::min<std::size_t>(length(i), 255)),
+        add({kind, static_cast<std::uint8_t>(lines[i].length < 255 ? lines[i].length : 255),
              exactly<std::uint16_t>(made ? tagsSize + steps * sizeof(Step) - place : 0),
              exactly<std::uint32_t>(lines[i].offset)});
     }
     // Where the line's tags stand among all, in which each pair stands once.
     constexpr std::size_t tagsOf(std::size_t i)
     {
+        const Line& own = lines[i];
         for (std::size_t j = 0; j < i; ++j)
-            if (std::string_view(lines[j].name) == lines[i].name && length(i) > 0) return places[i] = places[j];
+            if (lines[j].length == own.length && __builtin_memcmp(lines[j].name, own.name, own.length) == 0 && own.length > 0)
+                return places[i] = places[j];
         places[i] = characters;
-        put("<");
-        put(lines[i].name);
-        put("></");
-        put(lines[i].name);
-        put(">");
+        put("<", 1);
+        put(own.name, own.length);
+        put("></", 3);
+        put(own.name, own.length);
+        put(">", 1);
         return places[i];
     }
-    constexpr void put(std::string_view text)
+    constexpr void put(const char* text, std::size_t count)
     {
-        if (tags) std::copy(text.begin(), text.end(), tags + characters);
-        characters += text.size();
+        if (tags)
+            for (std::size_t i = 0; i < count; ++i) tags[characters + i] = text[i];
+        characters += count;
     }
     template <class To>
     static constexpr To exactly(std::size_t number)
