@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <barrier>
+#include <sstream>
 #include <thread>
 
 using namespace quorva;
@@ -112,6 +113,31 @@ TEST_P(EveryType, findsNoMemoryForItsTrace)
                 }
                 ASSERT_TRUE(object.releasesAll());
             }
+}
+
+// How deep a value stands moves its trace to the right, and changes nothing else.
+TEST_P(EveryType, showsTheSameAtAnyDepth)
+{
+    for (const Bytes& wire : samples(handy, 2)) {
+        SCOPED_TRACE(hexOf(wire));
+        const Message message(wire);
+        const auto shownBehind = [&](std::size_t elements) {
+            Storage object(type);
+            TraceText trace;
+            for (std::size_t i = 0; i < elements; ++i) trace.open("around");
+            EXPECT_TRUE(runTraced(decoding, type.routine, type.name, object.data(), message.span(), trace).succeeded);
+            EXPECT_TRUE(object.releasesAll());
+            std::istringstream lines{std::string(trace.text())};
+            std::string line, shown;
+            for (std::size_t i = 0; std::getline(lines, line); ++i) {
+                if (i < elements) continue;
+                EXPECT_GE(line.find_first_not_of(' '), 2 * elements) << line;
+                shown += line.substr(2 * elements) + "\n";
+            }
+            return shown;
+        };
+        ASSERT_EQ(shownBehind(20), shownBehind(0));
+    }
 }
 
 // A buffer that is too short: what was written is the beginning of the message, and the object is as it was.
