@@ -338,7 +338,7 @@ QUORVA_INLINE const Step* armLines(Callee& to, Callees... callee)
 {
     static_assert(sizeof...(callee) < 2);
     ((to = Callee(callee)), ...);
-    return programOf<lines>.steps;
+    return Callee::unknown(programOf<lines>.steps);
 }
 // Those of an arm that holds nothing.
 inline constexpr Step noLines = {Step::Kind::end, 0, 0, 0};
