@@ -1,12 +1,12 @@
 // quorvaxdrc: reads interface files, reports their faults, and writes what is made from them.
-#include "check.h"
-#include "compare.h"
-#include "diagnostics.h"
-#include "emit.h"
-#include "flatten.h"
-#include "lint.h"
-#include "resolve.h"
-#include "source.h"
+#include "front/check.h"
+#include "evolve/compare.h"
+#include "front/diagnostics.h"
+#include "emit/emit.h"
+#include "evolve/flatten.h"
+#include "front/lint.h"
+#include "front/resolve.h"
+#include "front/source.h"
 
 #include <algorithm>
 #include <array>

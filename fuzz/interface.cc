@@ -1,13 +1,13 @@
 // Any text as an interface file: every stage takes it, and what has no faults can be generated from, flattens to the same
 // interface, and differs in nothing from it. What stands before a form feed is a module "part" that the rest may import.
 
-#include "compiler/check.h"
-#include "compiler/compare.h"
-#include "compiler/emit.h"
-#include "compiler/flatten.h"
-#include "compiler/lint.h"
-#include "compiler/parser.h"
-#include "compiler/resolve.h"
+#include "compiler/front/check.h"
+#include "compiler/evolve/compare.h"
+#include "compiler/emit/emit.h"
+#include "compiler/evolve/flatten.h"
+#include "compiler/front/lint.h"
+#include "compiler/front/parser.h"
+#include "compiler/front/resolve.h"
 #include "mutate.h"
 
 #include <sstream>

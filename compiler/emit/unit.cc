@@ -1,9 +1,9 @@
 // Prints the coding routines and name functions of a module.
 #include "emit.h"
-#include "emit_model.h"
-#include "emit_text.h"
-#include "emit_words.h"
-#include "resolve.h"
+#include "plan/structure.h"
+#include "text.h"
+#include "words.h"
+#include "front/resolve.h"
 
 #include <algorithm>
 #include <iterator>

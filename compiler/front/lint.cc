@@ -1,8 +1,8 @@
 // One function for each habit, over the resolved tree and, for the width of lines, over the text.
 #include "lint.h"
 
-#include "emit_model.h"
-#include "emit_text.h"
+#include "plan/structure.h"
+#include "emit/text.h"
 
 #include <algorithm>
 #include <cstdint>

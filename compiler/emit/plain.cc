@@ -1,7 +1,7 @@
 // Prints a program as one file in the XDR language of RFC 4506, in the subset that every XDR tool reads.
 #include "emit.h"
-#include "emit_model.h"
-#include "emit_text.h"
+#include "plan/structure.h"
+#include "text.h"
 
 #include <unordered_set>
 

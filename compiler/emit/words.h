@@ -1,7 +1,7 @@
 // What the codec's units are written with: names, the parts of objects, the labels of a switch, the lines of the trace.
 #pragma once
 
-#include "emit_model.h"
+#include "plan/structure.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Prints a module's part of the schema table, and the list of modules.
 #include "emit.h"
-#include "emit_model.h"
-#include "emit_text.h"
+#include "plan/structure.h"
+#include "text.h"
 
 #include <algorithm>
 #include <unordered_set>

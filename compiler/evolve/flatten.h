@@ -1,7 +1,7 @@
 // A whole program as one interface file: what its messages and headers are made of, and nothing for readers.
 #pragma once
 
-#include "model.h"
+#include "front/model.h"
 
 #include <map>
 #include <string>

@@ -1,7 +1,7 @@
 // Names, parts and labels as the codec's units spell them.
-#include "emit_words.h"
+#include "words.h"
 
-#include "emit_text.h"
+#include "text.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,5 +1,5 @@
 // Lays out what the back ends print.
-#include "emit_text.h"
+#include "text.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // Prints what types show in the trace: lines, of which <quorvapixdr/tracing.h> makes constants.
-#include "emit_text.h"
-#include "emit_words.h"
-#include "resolve.h"
+#include "text.h"
+#include "words.h"
+#include "front/resolve.h"
 
 #include <algorithm>
 

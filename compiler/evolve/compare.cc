@@ -2,8 +2,8 @@
 // reported where it is written down, not at every type that holds the changed one.
 #include "compare.h"
 
-#include "diagnostics.h"
-#include "emit_model.h"
+#include "front/diagnostics.h"
+#include "plan/structure.h"
 #include "matching.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Answers the back ends' questions about the tree.
-#include "emit_model.h"
+#include "structure.h"
 
-#include "resolve.h"
+#include "front/resolve.h"
 
 #include <algorithm>
 #include <limits>

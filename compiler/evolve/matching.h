@@ -2,7 +2,7 @@
 #pragma once
 
 #include "flatten.h"
-#include "model.h"
+#include "front/model.h"
 
 #include <cstddef>
 #include <string>

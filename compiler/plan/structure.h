@@ -2,7 +2,7 @@
 // printed, and which names would meet others.
 #pragma once
 
-#include "model.h"
+#include "front/model.h"
 
 #include <cstddef>
 #include <cstdint>

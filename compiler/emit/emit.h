@@ -5,7 +5,7 @@
 // warnings in C++20.
 #pragma once
 
-#include "model.h"
+#include "front/model.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 // Tells what a change of the interface files does to peers, to callers and to readers of the trace.
 #pragma once
 
-#include "model.h"
+#include "front/model.h"
 
 #include <cstddef>
 #include <iosfwd>

@@ -1,8 +1,8 @@
 // Prints the public header of a module.
 #include "emit.h"
-#include "emit_model.h"
-#include "emit_text.h"
-#include "resolve.h"
+#include "plan/structure.h"
+#include "text.h"
+#include "front/resolve.h"
 
 #include <cstdint>
 #include <limits>
