@@ -47,7 +47,7 @@ constexpr std::string_view usage =
 
 Compiles interface files: XDR (RFC 4506) with imports and the names of the API's own widths.
 
-  generate   write the C++ headers, coding routines and schema tables
+  generate   write C++ headers, coding routines and descriptions
   plain      print one RFC 4506 file for other XDR tools, imports included
   check      report faults and write nothing
   lint       report faults and bad habits
@@ -70,16 +70,17 @@ constexpr std::string_view generateUsage =
     R"(usage: quorvaxdrc generate --out DIR [option]... FILE.x...
 
 Writes for each FILE, which is a module named after its path below an -I folder,
-  DIR/include/quorvapixdr/MODULE.h   the public header
-  DIR/src/MODULE.cc                  the coding routines and name functions
-  DIR/schema/MODULE.cc               its part of the schema table
-  DIR/include/quorvapixdr/MODULE.bodies.h  what the units of other modules need of it
-and DIR/schema/modules.cc, the list of all these modules. A file whose content would stay the same is not touched.
+  DIR/include/quorvapixdr/types/MODULE.h    the public header
+  DIR/private/quorvapixdr/private/MODULE.h  what the units of one library need of each other
+  DIR/src/MODULE.cc                         coding routines and name functions
+  DIR/descriptions/MODULE.cc                descriptions of the types, which the library and tools link
+  DIR/documentation/MODULE.cc               documentation of the types, which tools link
+and DIR/documentation/modules.cc, the list of all these modules. A file whose content would stay the same is not touched.
 )";
 
 constexpr std::string_view generateOptions =
     R"(  --out DIR      where to write
-  --no-index     leave out DIR/schema/modules.cc
+  --index NAME   the function that returns the list of modules (default: modules)
   --list         print the paths that would be written, and neither read nor write anything
   --depfile FILE write a make rule to FILE that lists every interface file that was read
   --target NAME  the target of that rule
@@ -137,8 +138,8 @@ struct Arguments {
     std::string depfile;
     std::string target;
     std::string prefix;
+    std::string index;
     bool list = false;
-    bool noIndex = false;
 };
 
 // An option of one or all commands. One of the two places is set: for a value, or for a switch.
@@ -155,7 +156,7 @@ constexpr std::array<Option, 7> options = {{
     {"--target", Verb::generate, &Arguments::target},
     {"--prefix", Verb::plain, &Arguments::prefix},
     {"--list", Verb::generate, nullptr, &Arguments::list},
-    {"--no-index", Verb::generate, nullptr, &Arguments::noIndex},
+    {"--index", Verb::generate, &Arguments::index},
     {"--help", std::nullopt, nullptr, &Arguments::help},
 }};
 
@@ -300,17 +301,29 @@ void complain(const std::string& sentence)
 
 // Output
 
-std::vector<std::string> pathsOf(const std::string& out, const std::string& module)
+// What one module is made into: where each file is written, and how its text is made.
+struct Product {
+    const char* folder;  // below --out
+    const char* suffix;
+    std::string (*emit)(const Module&);
+};
+
+constexpr Product products[] = {
+    {"include/quorvapixdr/types", ".h", emitHeader},
+    {"private/quorvapixdr/private", ".h", emitPrivateHeader},
+    {"src", ".cc", emitUnit},
+    {"descriptions", ".cc", emitDescriptions},
+    {"documentation", ".cc", emitDocumentation},
+};
+
+std::string pathOf(const std::string& out, const Product& product, const std::string& module)
 {
-    const fs::path root(out);
-    return {(root / "include" / "quorvapixdr" / (module + ".h")).string(), (root / "src" / (module + ".cc")).string(),
-            (root / "schema" / (module + ".cc")).string(),
-            (root / "include" / "quorvapixdr" / (module + ".bodies.h")).string()};
+    return (fs::path(out) / product.folder / (module + product.suffix)).string();
 }
 
 std::string indexPath(const std::string& out)
 {
-    return (fs::path(out) / "schema" / "modules.cc").string();
+    return (fs::path(out) / "documentation" / "modules.cc").string();
 }
 
 // False with a complaint where the file cannot be written. The file is replaced as a whole or not at all.
@@ -385,14 +398,9 @@ int generate(const Arguments& arguments, const Program& program)
     const auto put = [&](const std::string& path, const std::string& text) {
         if (!isContent(path, text)) written = writeFile(path, text) && written;
     };
-    for (const Module* module : modules) {
-        const auto paths = pathsOf(arguments.out, module->source.module);
-        put(paths[0], emitHeader(*module));
-        put(paths[1], emitUnit(*module));
-        put(paths[2], emitSchema(*module));
-        put(paths[3], emitBodies(*module));
-    }
-    if (!arguments.noIndex) put(indexPath(arguments.out), emitModuleList(modules));
+    for (const Module* module : modules)
+        for (const Product& product : products) put(pathOf(arguments.out, product, module->source.module), product.emit(*module));
+    put(indexPath(arguments.out), emitModuleList(modules, arguments.index.empty() ? "modules" : arguments.index));
     if (!arguments.depfile.empty()) put(arguments.depfile, dependencies(program, arguments.target));
     return written ? success : cannotRun;
 }
@@ -400,9 +408,9 @@ int generate(const Arguments& arguments, const Program& program)
 int list(const Arguments& arguments, const SearchPath& folders)
 {
     for (const std::string& file : arguments.files) {
-        for (const std::string& path : pathsOf(arguments.out, folders.moduleOf(file))) std::cout << path << '\n';
+        for (const Product& product : products) std::cout << pathOf(arguments.out, product, folders.moduleOf(file)) << '\n';
     }
-    if (!arguments.noIndex) std::cout << indexPath(arguments.out) << '\n';
+    std::cout << indexPath(arguments.out) << '\n';
     return success;
 }
 

@@ -10,11 +10,6 @@
 #include <cstdint>
 #include <cstring>
 
-// Tells the codec at compile time that this class lends its buffer: cursor(), end(), moveTo().
-#define XDR_LENDS_BUFFER
-// And its trace: sink().
-#define XDR_LENDS_TRACE
-
 class Xdr {
 public:
     // ---- The contract -----------------------------------------------------------------------------------------------
@@ -90,14 +85,14 @@ public:
     // Collects the trace of the passes to come in `sink`, which must outlive them; null collects none.
     void setTrace(Trace* sink) noexcept { trace = sink; }
 
-    // Whether anybody collects the trace; if not, the codec formats no text.
+    // True if a trace is collected; if not, the codec formats no text.
     bool tracing() const noexcept { return trace != nullptr; }
 
-    // Who collects it: the codec adds whole elements at once.
+    // What collects it, or null: the codec hands over names with their lengths, and numbers as numbers.
     Trace* sink() const noexcept { return trace; }
 
     // The next byte to move, the end of the buffer, and the way to say that everything up to `at` was moved. The codec
-    // moves bytes itself with these when nobody collects a trace.
+    // moves bytes itself with these while no trace is collected.
     unsigned char* cursor() const noexcept { return bytes + codedLength; }
     unsigned char* end() const noexcept { return bytes + limit; }
     void moveTo(const unsigned char* at) noexcept { codedLength = static_cast<unsigned short>(at - bytes); }

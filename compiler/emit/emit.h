@@ -12,21 +12,24 @@
 
 namespace quorva::compiler {
 
-// The public header of a module, installed as <quorvapixdr/MODULE.h>: constants, types, name functions, routines and
-// coders.
+// The public header of a module, installed as <quorvapixdr/types/MODULE.h>: constants, types, name functions, routines
+// and coders.
 std::string emitHeader(const Module& module);
 
-// The routines and name functions that the header declares.
+// The routines and name functions that the header declares, and the plain functions of the module's types.
 std::string emitUnit(const Module& module);
 
-// The bodies that units of other modules code in place, and declarations of the others: <quorvapixdr/MODULE.bodies.h>.
-std::string emitBodies(const Module& module);
+// What units of one library need of each other: <quorvapixdr/private/MODULE.h>.
+std::string emitPrivateHeader(const Module& module);
 
-// The module's part of the schema table (see <quorvapixdr/schema.h>).
-std::string emitSchema(const Module& module);
+// The descriptions of the module's types (see <quorvapixdr/description.h>).
+std::string emitDescriptions(const Module& module);
 
-// The definition of quorva::schema::modules() over the given modules, whatever their order.
-std::string emitModuleList(const std::vector<const Module*>& modules);
+// Their documentation (see <quorvapixdr/documentation.h>).
+std::string emitDocumentation(const Module& module);
+
+// The definition of quorva::`function`() over the documentation of the given modules, whatever their order.
+std::string emitModuleList(const std::vector<const Module*>& modules, const std::string& function);
 
 struct PlainOptions {
     std::string prefix;  // put before the name of every type, enumerator and constant: C has one name space for all

@@ -1,8 +1,8 @@
 // Prints the public header of a module.
 #include "emit.h"
+#include "names.h"
 #include "plan/structure.h"
 #include "text.h"
-#include "front/resolve.h"
 
 #include <cstdint>
 #include <limits>
@@ -13,19 +13,8 @@ namespace quorva::compiler {
 
 namespace {
 
-// Names that are members of the structure being printed. A type or constant of the same name is written with :: there,
-// or its name would change its meaning within the structure.
-using MemberNames = std::unordered_set<std::string>;
-
-std::string inScope(const std::string& name, const MemberNames& members)
+std::string bound(const Declaration& declaration)
 {
-    return members.contains(name) ? "::" + name : name;
-}
-
-std::string bound(const Declaration& declaration, const MemberNames& members = {})
-{
-    const auto& written = declaration.written;
-    if (written && written->owner && written->owner->kind == Kind::constant) return inScope(written->text, members);
     return std::to_string(declaration.bound);
 }
 
@@ -65,47 +54,40 @@ void addRemark(std::vector<BodyLine>& lines, const std::string& remark, std::siz
     for (const std::string& line : wrapped(remark, lineWidth - indent - 3)) lines.push_back({"// " + line, "", ""});
 }
 
-// ---- Declarations ---------------------------------------------------------------------------------------------------
-
-std::string typeName(const Declaration& declaration, const MemberNames& members)
+std::string typeName(const TypeRef& type)
 {
-    return inScope(declaration.type.name, members);
+    return "::" + type.name;
 }
 
+// ---- Declarations ---------------------------------------------------------------------------------------------------
+
 // A field or an arm as a member of its structure.
-std::string memberOf(const Declaration& declaration, const MemberNames& members)
+std::string memberOf(const Declaration& declaration)
 {
     const std::string& name = declaration.name;
     switch (declaration.form) {
-    case Form::single: return typeName(declaration, members) + " " + name + ";";
-    case Form::vector: return typeName(declaration, members) + " " + name + "[" + bound(declaration, members) + "];";
-    case Form::list: return "quorva::Counted<" + typeName(declaration, members) + "> " + name + ";";
-    case Form::optional: return typeName(declaration, members) + "* " + name + ";";
+    case Form::single: return typeName(declaration.type) + " " + name + ";";
+    case Form::vector: return typeName(declaration.type) + " " + name + "[" + bound(declaration) + "];";
+    case Form::list: return "quorva::Counted<" + typeName(declaration.type) + "> " + name + ";";
+    case Form::optional: return typeName(declaration.type) + "* " + name + ";";
     case Form::string: return "char* " + name + ";";
     case Form::bytes: return "quorva::Counted<unsigned char> " + name + ";";
     case Form::opaque:
     case Form::nothing: break;  // which is no member
     }
-    return "unsigned char " + name + "[" + bound(declaration, members) + "];";
+    return "unsigned char " + name + "[" + bound(declaration) + "];";
 }
 
 // The type of a typedef that is another name.
 std::string typeOf(const Declaration& declaration)
 {
     switch (declaration.form) {
-    case Form::single: return declaration.type.name;
-    case Form::vector: return declaration.type.name + "[" + bound(declaration) + "]";
-    case Form::optional: return declaration.type.name + "*";
+    case Form::single: return typeName(declaration.type);
+    case Form::vector: return typeName(declaration.type) + "[" + bound(declaration) + "]";
+    case Form::optional: return typeName(declaration.type) + "*";
     case Form::string: return "char*";
     default: return "unsigned char[" + bound(declaration) + "]";  // the others are types of their own
     }
-}
-
-MemberNames memberNamesOf(const Definition& definition)
-{
-    MemberNames names;
-    for (const Declaration* declaration : declarationsOf(definition)) names.insert(declaration->name);
-    return names;
 }
 
 // ---- Definitions, one function for each kind ------------------------------------------------------------------------
@@ -129,10 +111,9 @@ std::string enumeration(const Definition& definition)
 
 std::string record(const Definition& definition)
 {
-    const MemberNames members = memberNamesOf(definition);
     std::vector<BodyLine> lines;
     for (const Declaration& field : definition.fields)
-        lines.push_back({memberOf(field, members), limitOf(field), field.doc});
+        lines.push_back({memberOf(field), limitOf(field), field.doc});
     return "struct " + definition.name + " {\n" + body(lines, indentWidth) + "};\n";
 }
 
@@ -145,13 +126,13 @@ void addVoidArms(std::vector<BodyLine>& lines, const Definition& definition, std
     if (definition.defaultArm) add("any other value", definition.defaultArm->declaration.doc);
 }
 
-std::string arms(const Definition& definition, const MemberNames& members)
+std::string arms(const Definition& definition)
 {
     const std::size_t indent = 2 * indentWidth;
     std::vector<BodyLine> lines;
     for (const ArmMember& arm : armMembersOf(definition)) {
         const std::string limit = limitOf(*arm.declaration);
-        lines.push_back({memberOf(*arm.declaration, members),
+        lines.push_back({memberOf(*arm.declaration),
                          casesOf(arm.cases) + (limit.empty() ? "" : ": " + limit), arm.doc});
     }
     addVoidArms(lines, definition, indent);
@@ -160,19 +141,17 @@ std::string arms(const Definition& definition, const MemberNames& members)
 
 std::string discriminated(const Definition& definition)
 {
-    const MemberNames members = memberNamesOf(definition);
     const bool hasArms = !armMembersOf(definition).empty();
-    std::vector<BodyLine> lines = {{memberOf(definition.discriminant, members), "", definition.discriminant.doc}};
+    std::vector<BodyLine> lines = {{memberOf(definition.discriminant), "", definition.discriminant.doc}};
     if (!hasArms) addVoidArms(lines, definition, indentWidth);
     return "struct " + definition.name + " {\n" + body(lines, indentWidth) +
-           (hasArms ? arms(definition, members) : "") + "};\n";
+           (hasArms ? arms(definition) : "") + "};\n";
 }
 
 std::string counted(const Definition& definition)
 {
-    const MemberNames members = {"count", "elements"};
     const std::string element =
-        definition.target.form == Form::bytes ? "unsigned char" : typeName(definition.target, members);
+        definition.target.form == Form::bytes ? "unsigned char" : typeName(definition.target.type);
     const std::string limit = definition.target.written ? "at most " + bound(definition.target) : "";
     return "struct " + definition.name + " {\n" +
            body({{"std::uint16_t count;", limit, ""}, {element + "* elements;", "", ""}}, indentWidth) + "};\n";
@@ -235,8 +214,7 @@ std::string nameFunctions(const Module& module)
 {
     std::string out;
     for (const Definition* definition : typesOf(module))
-        if (definition->kind == Kind::enumeration)
-            out += "QUORVA_EXPORT const char* " + definition->name + "String(int value);\n";
+        if (definition->kind == Kind::enumeration) out += "const char* " + definition->name + "String(int value);\n";
     if (out.empty()) return "";
     return "// The name of the enumerator that has the value, else \"Error_in_Function\".\n" + out;
 }
@@ -244,47 +222,24 @@ std::string nameFunctions(const Module& module)
 std::string routines(const Module& module)
 {
     std::string out;
-    for (const Definition* definition : typesOf(module))
-        out += "QUORVA_EXPORT int Xdr" + definition->name + "(Xdr* xdrs, void* object);\n";
+    for (const Definition* definition : typesOf(module)) out += "int Xdr" + definition->name + "(Xdr* xdrs, void* object);\n";
     if (out.empty()) return "";
-    return "extern \"C\" {\n\n// The coding routines, each over one object of its type.\n" + out +
-           "\n}  // extern \"C\"\n";
+    return "extern \"C\" {\n\n// The coding routines, each over one object of its type.\n" + out + "\n}  // extern \"C\"\n";
 }
 
-std::string shapeOf(const Definition& definition, WireShapes& shapes)
+// What a library exports, however its units are compiled.
+std::string exported(const std::string& declarations)
 {
-    const TypeRef* behind = nullptr;  // of an alias
-    if (definition.kind == Kind::definedAs && definition.target.form == Form::single)
-        behind = &behindAliases(definition.target.type);
-    if (behind && behind->definition) return shapeOf(*behind->definition, shapes);
-    if (behind) return "decltype(" + behind->name + ")::Shape";
-
-    const WireShape shape = shapes.of(definition);
-    switch (shape.kind) {
-    case WireShape::Kind::number: return "quorva::shape::Enumeration<" + definition.name + "String>";
-    case WireShape::Kind::text: return "quorva::shape::Text<" + std::to_string(definition.target.bound) + ">";
-    case WireShape::Kind::fixed: return "quorva::shape::Fixed<" + std::to_string(shape.units) + ">";
-    case WireShape::Kind::body: return std::string("quorva::shape::Body<") + (shape.owns ? "true" : "false") + ">";
-    case WireShape::Kind::routine: break;
-    }
-    return "quorva::shape::Routine";
-}
-
-// A definition that goes on in a second line where one is too short.
-std::string oneOrTwoLines(const std::string& first, const std::string& between, const std::string& second)
-{
-    const std::string line = first + between + second + "\n";
-    return line.size() <= lineWidth + 1 ? line : first + "\n    " + second + "\n";
+    if (declarations.empty()) return "";
+    return "#pragma GCC visibility push(default)\n\n" + declarations + "\n#pragma GCC visibility pop\n";
 }
 
 std::string coders(const Module& module)
 {
-    WireShapes shapes;
     std::string out;
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
-        out += oneOrTwoLines("inline constexpr quorva::Shaped<::" + name + ", " + shapeOf(*definition, shapes) + ">", " ",
-                             name + " = {{Xdr" + name + ", " + literal(name) + "}};");
+        out += "inline constexpr ::quorva::Coder<::" + name + "> " + name + " = {::Xdr" + name + ", " + literal(name) + "};\n";
     }
     return out.empty() ? "" : "namespace quorva::coder {\n" + out + "}  // namespace quorva::coder\n";
 }
@@ -295,26 +250,23 @@ std::string coderChoices(const Module& module)
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
         if (!isOwnType(*definition)) continue;
-        out += "template <>\n" + oneOrTwoLines("inline constexpr Coder<::" + name + "> coderOf<::" + name + "> =", " ",
-                                               "coder::" + name + ";");
+        out += "template <>\ninline constexpr quorva::Coder<::" + name + "> quorva::coderOf<::" + name + "> = quorva::coder::" + name + ";\n";
     }
-    return out.empty() ? "" : "namespace quorva {\n" + out + "}  // namespace quorva\n";
+    return out;
 }
 
 std::string banner(const Module& module)
 {
-    const std::string& name = module.source.module;
-    return lineComment(name + ".h: made from " + name + ".x by quorvaxdrc. Change the interface file, not this one.") +
-           (module.doc.empty() ? "" : "//\n" + lineComment(module.doc));
+    return madeFrom(module) + (module.doc.empty() ? "" : "//\n" + lineComment(module.doc));
 }
 
 std::string includes(const Module& module)
 {
-    std::set<std::string> ours = {"primitives"};
-    for (const Import& import : module.imports) ours.insert(import.name);
+    std::set<std::string> imported;
+    for (const Import& import : module.imports) imported.insert(publicHeader(import.name));
     std::string out;
-    for (const std::string& name : ours) out += "#include <quorvapixdr/" + name + ".h>\n";
-    return out + "\n#include <cstdint>\n";
+    for (const std::string& header : imported) out += "#include <" + header + ">\n";
+    return out + "#include <quorvapixdr/primitives.h>\n\n#include <cstdint>\n";
 }
 
 }  // namespace
@@ -326,8 +278,7 @@ std::string emitHeader(const Module& module)
         includes(module),
         constants(module),
         types(module),
-        nameFunctions(module),
-        routines(module),
+        exported(sections({nameFunctions(module), routines(module)})),
         coders(module),
         coderChoices(module),
     });

@@ -1,5 +1,5 @@
-// What the back ends ask of the tree: which declarations a definition consists of, in which order definitions can be
-// printed, and which names would meet others.
+// What plan and printers ask of the tree: which declarations a definition consists of, and in which order definitions can
+// be printed.
 #pragma once
 
 #include "front/model.h"
@@ -51,38 +51,5 @@ std::vector<ArmMember> voidArmsOf(const Definition& discriminated);
 // allows. In a circle of types that refer to each other, a type stands behind those that it holds by value and behind
 // the typedefs that it names; what else it names has to be declared ahead of it.
 std::vector<const Definition*> declarationOrder(const std::vector<const Definition*>& definitions);
-
-// How a type looks on the wire and to a release pass, as <quorvapixdr/primitives.h> calls it.
-struct WireShape {
-    enum class Kind { number, text, fixed, body, routine };
-    Kind kind = Kind::routine;
-    bool owns = true;         // whether a release pass has anything to do, or to refuse
-    std::uint64_t units = 0;  // of what owns nothing; never 0 there
-};
-
-// The shapes of the definitions of a program. Each is found once, so that types that hold each other in many ways cost
-// no more than their number.
-class WireShapes {
-public:
-    WireShape of(const Definition& definition);
-    WireShape of(const TypeRef& type);
-
-private:
-    WireShape part(const Declaration& declaration);
-    WireShape find(const Definition& definition);
-
-    std::unordered_map<const Definition*, WireShape> found_;
-};
-
-// Names at global scope that generated code sees: the definitions of a module and of all that it imports.
-class VisibleNames {
-public:
-    explicit VisibleNames(const Module& module);
-
-    bool contains(const std::string& name) const { return names_.contains(name); }
-
-private:
-    std::unordered_set<std::string> names_;
-};
 
 }  // namespace quorva::compiler

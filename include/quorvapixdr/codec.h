@@ -64,17 +64,17 @@ struct Pass {
 // Runs `routine` over `object` and the `buffer`. `attach` is called with the stream before the pass, to set a trace or to
 // wrap the pass in an element. Throws only what `attach` throws.
 template <class Attach>
-Pass runPass(Xdr::Request mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer, Attach attach)
+Pass runPass(Mode mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer, Attach attach)
 {
     Xdr xdrs;
     const std::size_t length = buffer.size() < longestMessage ? buffer.size() : longestMessage;
-    xdrs.Program(mode, buffer.data(), static_cast<unsigned short>(length));
+    xdrs.Program(static_cast<Xdr::Request>(mode), buffer.data(), static_cast<unsigned short>(length));
     attach(xdrs);
     const bool succeeded = routine(&xdrs, object) != 0;
     return {succeeded, xdrs.codedLength};
 }
 
-inline Pass runPass(Xdr::Request mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
+inline Pass runPass(Mode mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
 {
     return runPass(mode, routine, object, buffer, [](Xdr&) {});
 }
@@ -82,7 +82,7 @@ inline Pass runPass(Xdr::Request mode, XdrRoutine routine, void* object, std::sp
 // Releases what a decode allocated inside `object`, which itself stays its owner's.
 inline void releaseContents(XdrRoutine routine, void* object)
 {
-    runPass(static_cast<Xdr::Request>(2), routine, object, {});
+    runPass(Mode::release, routine, object, {});
 }
 
 // A class that collects a trace as the bundled one does.
@@ -95,7 +95,7 @@ concept Traceable = requires(Stream& xdrs, typename Stream::Trace& trace) {
 
 // The same with the trace in `trace`, inside an element named after the type: after a success, an XML document.
 template <Traceable Stream = Xdr>
-Pass runTraced(Xdr::Request mode, XdrRoutine routine, const char* name, void* object, std::span<unsigned char> buffer,
+Pass runTraced(Mode mode, XdrRoutine routine, const char* name, void* object, std::span<unsigned char> buffer,
                typename Stream::Trace& trace)
 {
     const Pass pass = runPass(mode, routine, object, buffer, [&](Stream& xdrs) {
@@ -138,11 +138,10 @@ template <class T>
 Bytes encode(T& value, Coder<T> coder = coderOf<T>, std::size_t limit = driverMessage)
 {
     Bytes message(limit < longestMessage ? limit : longestMessage);
-    const auto mode = static_cast<Xdr::Request>(0);
-    const Pass pass = runPass(mode, coder.routine, &value, message);
+    const Pass pass = runPass(Mode::encode, coder.routine, &value, message);
     if (!pass.succeeded) {
         const std::string path = detail::placeOf<Xdr>(
-            [&](auto attach) { runPass(mode, coder.routine, &value, message, attach); });
+            [&](auto attach) { runPass(Mode::encode, coder.routine, &value, message, attach); });
         throw detail::failure("encode", coder.name, path, pass.length, message.size());
     }
     message.resize(pass.length);
@@ -196,13 +195,12 @@ Owned<T> decode(std::span<const unsigned char> message, Coder<T> coder = coderOf
 
     // A decode only reads the buffer; the stream's interface serves both directions.
     const std::span<unsigned char> buffer(const_cast<unsigned char*>(message.data()), message.size());
-    const auto mode = static_cast<Xdr::Request>(1);
     Owned<T> value(coder);
-    const Pass pass = runPass(mode, coder.routine, &*value, buffer);
+    const Pass pass = runPass(Mode::decode, coder.routine, &*value, buffer);
     if (!pass.succeeded) {
         const std::string path = detail::placeOf<Xdr>([&](auto attach) {
             Owned<T> again(coder);
-            runPass(mode, coder.routine, &*again, buffer, attach);
+            runPass(Mode::decode, coder.routine, &*again, buffer, attach);
         });
         throw detail::failure("decode", coder.name, path, pass.length, message.size());
     }

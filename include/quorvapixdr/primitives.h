@@ -77,6 +77,10 @@ QUORVA_EXPORT int XdrPointer(Xdr* xdrs, void* pointer, std::uint32_t size, XdrRo
 
 namespace quorva {
 
+// What a pass does with an object: memory to wire, wire to memory, or release of what a decode allocated. The numbers are
+// those of the stream's mode.
+enum class Mode : std::int32_t { encode = 0, decode = 1, release = 2 };
+
 // A counted block as records and unions hold it in place: at most 65535 elements, allocated with the array
 // `operator new` when decoded, owned by the object that holds it until a release pass.
 template <class T>
@@ -92,54 +96,20 @@ struct Coder {
     const char* name;
 };
 
-// What a pass that moves bytes itself has to know of a type at compile time: how its value is made a unit or a run of
-// units, or that its routine's body has to be called.
-namespace shape {
-// A number that travels as one unit: widened, and narrowed again, as an `As` of its own width. The trace shows the unit as
-// a `Shown`, of 32 bits; of a `bool` it shows the truth.
-template <class As, class Shown>
-struct Number {};
-// An enumeration: the name function of its values. Before each name stand its element in the trace and, in name[-1], the
-// element's length, or 0 for none, so that those who show many need not build them. 48 more characters can be read.
-template <const char* (*nameOf)(int)>
-struct Enumeration : Number<std::int32_t, std::int32_t> {};
-// A float: one unit, with the platform's diagnostic print on each pass.
-struct Real {};
-// A text of at most `maximum` characters.
-template <std::uint32_t maximum>
-struct Text {};
-// A type whose body always codes the same number of units, one after the other.
-template <std::uint32_t units>
-struct Fixed {};
-// A typedef that is held like nothing above: it has its routine only.
-struct Routine {};
-// Any other type: a body of its own. `owns` tells whether a release pass has anything to do in it, or to refuse.
-template <bool owns>
-struct Body {};
-}  // namespace shape
-
-// A coder that also tells the shape.
-template <class T, class S>
-struct Shaped : Coder<T> {
-    using Value = T;
-    using Shape = S;
-};
-
 // The coder of a type that has just one: every enumeration, record, union and sequence. Specialised beside each.
 template <class T>
 inline constexpr Coder<T> coderOf = {nullptr, nullptr};
 
 namespace coder {
-inline constexpr Shaped<::Boolean, shape::Number<std::uint8_t, bool>> Boolean = {{XdrBoolean, "Boolean"}};
-// Eight bits travel without their sign: receivers have always read them so.
-inline constexpr Shaped<::ShortInteger, shape::Number<std::uint8_t, std::int32_t>> ShortInteger = {{XdrShortInteger, "ShortInteger"}};
-inline constexpr Shaped<::ShortNatural, shape::Number<std::uint8_t, std::uint32_t>> ShortNatural = {{XdrShortNatural, "ShortNatural"}};
-inline constexpr Shaped<::Integer, shape::Number<std::int16_t, std::int32_t>> Integer = {{XdrInteger, "Integer"}};
-inline constexpr Shaped<::Natural, shape::Number<std::uint16_t, std::uint32_t>> Natural = {{XdrNatural, "Natural"}};
-inline constexpr Shaped<::LongInteger, shape::Number<std::int32_t, std::int32_t>> LongInteger = {{XdrLongInteger, "LongInteger"}};
-inline constexpr Shaped<::LongNatural, shape::Number<std::uint32_t, std::uint32_t>> LongNatural = {{XdrLongNatural, "LongNatural"}};
-inline constexpr Shaped<::UINT, shape::Number<std::uint32_t, std::int32_t>> UINT = {{XdrUINT, "UINT"}};
-inline constexpr Shaped<::Float, shape::Real> Float = {{XdrFloat, "Float"}};
+inline constexpr Coder<::Boolean> Boolean = {XdrBoolean, "Boolean"};
+inline constexpr Coder<::ShortInteger> ShortInteger = {XdrShortInteger, "ShortInteger"};
+inline constexpr Coder<::ShortNatural> ShortNatural = {XdrShortNatural, "ShortNatural"};
+inline constexpr Coder<::Integer> Integer = {XdrInteger, "Integer"};
+inline constexpr Coder<::Natural> Natural = {XdrNatural, "Natural"};
+inline constexpr Coder<::LongInteger> LongInteger = {XdrLongInteger, "LongInteger"};
+inline constexpr Coder<::LongNatural> LongNatural = {XdrLongNatural, "LongNatural"};
+inline constexpr Coder<::UINT> UINT = {XdrUINT, "UINT"};
+inline constexpr Coder<::Float> Float = {XdrFloat, "Float"};
 }  // namespace coder
 
 }  // namespace quorva

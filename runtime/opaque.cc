@@ -1,26 +1,28 @@
 // Runs of bytes: opaque data, texts with a length, counted byte arrays.
 
-#include "direction.h"
-#include "shared.h"
-
-#include <quorvapixdr/walk.h>
+#include <quorvaruntime/stream.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
+#include <new>
 
 using namespace quorva;
 
 namespace {
 
+// Characters of opaque data, strings among them, that the trace shows.
+constexpr std::size_t shownCharacters = 4096;
+
 // The bytes and their padding. `show` adds them to the trace in between.
 template <class Show>
 int codeOpaque(Xdr* xdrs, unsigned char* bytes, std::uint32_t length, Show show)
 {
-    if (directionOf(xdrs) == Direction::release) return 1;
+    if (modeOf(xdrs) == Mode::release) return 1;
     const auto size = static_cast<unsigned short>(length);
     if (!xdrs->TransferWithoutSwap(bytes, size)) return 0;
 
-    if (walk::traced(xdrs)) {
+    if (isTraced(xdrs)) {
         show(size);
         xdrs->setLineFeed(false);
     }
@@ -54,11 +56,11 @@ int XdrOpaque2(Xdr* xdrs, unsigned char* bytes, std::uint32_t length)
 int XdrString(Xdr* xdrs, char** string, std::uint32_t maximum)
 {
     std::uint32_t length = 0;
-    switch (directionOf(xdrs)) {
-    case Direction::release:
+    switch (modeOf(xdrs)) {
+    case Mode::release:
         ::operator delete[](*string);
         return 1;
-    case Direction::encode: {
+    case Mode::encode: {
         if (!*string) return 0;
         const std::size_t characters = std::strlen(*string);
         if (characters > UINT32_MAX) return 0;
@@ -66,7 +68,7 @@ int XdrString(Xdr* xdrs, char** string, std::uint32_t maximum)
         if (!XdrLongNatural2(xdrs, &length) || length > maximum) return 0;
         break;
     }
-    case Direction::decode:
+    case Mode::decode:
         if (!XdrLongNatural2(xdrs, &length)) return 0;
         if (std::size_t{length} + 1 == 0) return 0;  // only where a size has 32 bits
         // The interface wants the storage before the length is judged. Only its ends are touched: an absurd length
@@ -82,7 +84,7 @@ int XdrString(Xdr* xdrs, char** string, std::uint32_t maximum)
     const auto carried = static_cast<unsigned short>(length);
     if (!XdrOpaque(xdrs, reinterpret_cast<unsigned char*>(*string), carried)) return 0;
     // A length beyond 16 bits carries only its low part; what follows was written by nobody.
-    if (carried != length && directionOf(xdrs) == Direction::decode) (*string)[carried] = '\0';
+    if (carried != length && modeOf(xdrs) == Mode::decode) (*string)[carried] = '\0';
     return 1;
 }
 
@@ -100,20 +102,20 @@ int XdrBytes(Xdr* xdrs, unsigned char** bytes, std::uint16_t* count, std::uint32
     if (*count > maximum) return 0;
     if (*count == 0) return 1;
 
-    switch (directionOf(xdrs)) {
-    case Direction::release:
+    switch (modeOf(xdrs)) {
+    case Mode::release:
         ::operator delete[](*bytes);
         return 1;
-    case Direction::encode:
+    case Mode::encode:
         if (!*bytes) return 0;
         break;
-    case Direction::decode:
+    case Mode::decode:
         *bytes = newBytes(*count);
         if (!*bytes) return 0;
         break;
     }
     if (XdrOpaque2(xdrs, *bytes, *count)) return 1;
     // What did not come was written by nobody, and the object may still be encoded or printed.
-    if (directionOf(xdrs) == Direction::decode) std::memset(*bytes, 0, *count);
+    if (modeOf(xdrs) == Mode::decode) std::memset(*bytes, 0, *count);
     return 0;
 }

@@ -1,0 +1,147 @@
+// Plans the plain functions of each type.
+#include "plan.h"
+
+#include "structure.h"
+
+#include <utility>
+
+namespace quorva::compiler {
+
+namespace {
+
+constexpr std::uint64_t unit = 4;          // bytes
+constexpr std::uint64_t mostBytes = 65535;  // of a message; a type that always takes more is never one run
+constexpr std::size_t mostInlineSteps = 3;
+constexpr std::uint64_t mostInlineBytes = 16 * unit;
+
+// What a loop over elements can code one by one, each with its own way to fail.
+bool isLoopable(const Part& element)
+{
+    switch (element.coding) {
+    case Coding::function:
+    case Coding::foreign:
+    case Coding::string: return true;
+    default: return element.size != 0;
+    }
+}
+
+}  // namespace
+
+bool hasFunctions(const Definition& definition)
+{
+    return definition.kind == Kind::record || definition.kind == Kind::discriminated || isCounted(definition);
+}
+
+Plans::Plans(const Module& module)
+{
+    std::unordered_set<const Module*> seen = {&module};
+    std::vector<const Module*> toRead = {&module};
+    while (!toRead.empty()) {
+        const Module* next = toRead.back();
+        toRead.pop_back();
+        if (next != &module && !next->requested) foreign_.insert(&next->source);
+        for (const Import& import : next->imports)
+            if (import.module && seen.insert(import.module).second) toRead.push_back(import.module);
+    }
+}
+
+TypePlan Plans::of(const Definition& definition)
+{
+    if (const auto known = plans_.find(&definition); known != plans_.end()) return known->second;
+    const TypePlan plan = make(definition);
+    plans_[&definition] = plan;
+    return plan;
+}
+
+Part Plans::part(const TypeRef& type)
+{
+    if (!type.definition) {
+        const bool isFloat = type.builtin == Builtin::Float;
+        const bool isWord = type.builtin == Builtin::LongInteger || type.builtin == Builtin::LongNatural || type.builtin == Builtin::UINT;
+        return {.coding = Coding::number, .size = unit, .owns = isFloat, .isWord = isWord, .isFloat = isFloat};
+    }
+    const Definition& definition = *type.definition;
+    if (definition.kind == Kind::enumeration) return {.coding = Coding::number, .size = unit, .isWord = true};
+    if (!hasFunctions(definition)) return part(definition.target);
+    if (isForeign(definition)) return {.coding = Coding::foreign, .type = &definition, .owns = true};
+    const TypePlan plan = of(definition);
+    return {.coding = plan.size != 0 ? Coding::fixedStruct : Coding::function,
+            .type = &definition, .size = plan.size, .owns = plan.owns};
+}
+
+Part Plans::array(Part element, std::uint32_t count) const
+{
+    if (!isLoopable(element)) return {.coding = Coding::interpreted, .owns = true};
+    Part all = {.coding = Coding::fixedArray, .size = element.size * count, .owns = element.owns, .bound = count};
+    if (all.size > mostBytes) return {.coding = Coding::interpreted, .owns = true};
+    all.element.push_back(std::move(element));
+    return all;
+}
+
+Part Plans::part(const Declaration& declaration)
+{
+    const std::uint32_t bound = declaration.bound;
+    switch (declaration.form) {
+    case Form::single: return part(declaration.type);
+    case Form::vector: return array(part(declaration.type), bound);
+    case Form::opaque: {
+        const std::uint64_t size = (std::uint64_t{bound} + 3) / unit * unit;
+        if (size > mostBytes) return {.coding = Coding::interpreted};
+        return {.coding = Coding::fixedOpaque, .size = size, .bound = bound};
+    }
+    case Form::string: return {.coding = Coding::string, .owns = true, .bound = bound};
+    case Form::bytes: return {.coding = Coding::variableOpaque, .owns = true, .bound = bound};
+    case Form::list:
+    case Form::optional: {
+        Part element = part(declaration.type);
+        if (!isLoopable(element)) return {.coding = Coding::interpreted, .owns = true};
+        const Coding coding = declaration.form == Form::list ? Coding::variableArray : Coding::optional;
+        Part all = {.coding = coding, .owns = true, .bound = bound};
+        all.element.push_back(std::move(element));
+        return all;
+    }
+    case Form::nothing: break;
+    }
+    return {};
+}
+
+TypePlan Plans::make(const Definition& definition)
+{
+    // What a type reaches through itself varies in size and owns memory, whatever else it is found to be.
+    plans_[&definition] = {.hasFunctions = true, .owns = true};
+    if (definition.kind == Kind::record) return structure(definition);
+    return {.hasFunctions = hasFunctions(definition), .owns = true, .isInline = isCounted(definition)};
+}
+
+TypePlan Plans::structure(const Definition& definition)
+{
+    TypePlan plan = {.hasFunctions = true};
+    bool varies = false;
+    for (const Declaration& field : definition.fields) {
+        const Part each = part(field);
+        plan.size += each.size;
+        plan.owns = plan.owns || each.owns;
+        varies = varies || each.size == 0;
+    }
+    if (varies || plan.size > mostBytes) plan.size = 0;
+    plan.isInline = plan.size != 0 ? plan.size <= mostInlineBytes : stepsOf(definition).size() <= mostInlineSteps;
+    return plan;
+}
+
+std::vector<Step> Plans::stepsOf(const Definition& structure)
+{
+    std::vector<Step> steps;
+    for (std::size_t at = 0; at < structure.fields.size(); ++at) {
+        const std::uint64_t size = part(structure.fields[at]).size;
+        const bool joins = size != 0 && !steps.empty() && steps.back().size != 0 && steps.back().size + size <= mostBytes;
+        if (joins) {
+            ++steps.back().count;
+            steps.back().size += size;
+        } else {
+            steps.push_back({at, 1, size});
+        }
+    }
+    return steps;
+}
+
+}  // namespace quorva::compiler

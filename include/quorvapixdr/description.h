@@ -1,0 +1,84 @@
+// Descriptions: what an interface file says of each type, as constant data.
+//
+// One `Type` describes each definition of an interface file and each built-in type. The interpreter codes by it, and the
+// inspector, the JSON conversion and the property tests read it; no field list is written a second time. All objects
+// are constants with static storage. Texts are zero-terminated and never null. Documentation, files and lines are in
+// <quorvapixdr/documentation.h>.
+#pragma once
+
+#include <quorvapixdr/primitives.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace quorva {
+
+// What a definition is. An alias, a sequence, a bounded string and every other `typedef` is a `typeDefinition`; `foreign`
+// is a type of another library, of which only the routine is known.
+enum class TypeKind : std::uint8_t { builtin, enumeration, structure, discriminatedUnion, typeDefinition, foreign };
+
+// The built-in types, in the order of their widths; `none` for everything that an interface file defines.
+enum class Builtin : std::uint8_t {
+    none, Boolean, ShortInteger, ShortNatural, Integer, Natural, LongInteger, LongNatural, UINT, Float,
+};
+
+// How a declaration holds its type.
+enum class Form : std::uint8_t {
+    single,          // T name;
+    fixedArray,      // T name[bound];       T[bound] in place
+    variableArray,   // T name<bound>;       quorva::Counted<T>, or the two members of a sequence type
+    optional,        // T *name;             T*
+    string,          // string name<bound>;  char*
+    variableOpaque,  // opaque name<bound>;  quorva::Counted<unsigned char>
+    fixedOpaque,     // opaque name[bound];  unsigned char[bound] in place
+    none,            // void;
+};
+
+struct Type;
+
+// One use of a type: by a field, an arm, a discriminant or a typedef.
+struct Use {
+    const Type* type = nullptr;  // the element type; null for string, opaque and void
+    std::uint32_t bound = 0;     // elements of a fixed form, maximum of a variable one; else 0
+    Form form = Form::none;
+};
+
+// A field of a struct, the discriminant or an arm of a union, or what a typedef names.
+struct Member {
+    const char* name = "";         // also the element in the trace; empty for a void arm and in a typedef
+    Use use;
+    std::uint32_t offset = 0;      // bytes from the start of the enclosing object
+    std::uint16_t nameLength = 0;  // characters
+};
+
+// A discriminant that selects an arm.
+struct Case {
+    std::uint32_t value = 0;   // its 32 bits: -1 is 0xFFFFFFFF
+    std::uint32_t member = 0;  // index of the arm among the union's members
+};
+
+// Functions that code one type without a trace, made by the interface compiler (see runtime/quorvaruntime/plain.h).
+struct PlainFunctions;
+
+struct Type {
+    const char* name = "";
+    TypeKind kind = TypeKind::builtin;
+    Builtin builtin = Builtin::none;
+    bool hasDefault = false;               // union: a discriminant without a case is accepted and carries nothing
+    std::uint32_t size = 0;                // sizeof the C++ type
+    std::uint32_t alignment = 0;           // alignof
+    XdrRoutine routine = nullptr;
+    const char* (*nameOf)(int) = nullptr;  // name function of an enumeration, else null
+    std::span<const Member> members = {};  // struct: its fields; union: the discriminant, then its arms in the order of the
+                                           // file; typedef: the one that it names
+    std::span<const Case> cases = {};      // union: by value, ascending
+    const char* armElement = "";           // union: the element around the arm in the trace
+};
+
+// The description of each built-in type; those of an interface's types are declared beside them.
+namespace types {
+extern const Type Boolean, ShortInteger, ShortNatural, Integer, Natural, LongInteger, LongNatural, UINT, Float;
+}
+
+}  // namespace quorva

@@ -1,0 +1,50 @@
+// Numbers on their way between an object and the wire.
+#pragma once
+
+#include <quorvaruntime/stream.h>
+
+#include <quorvapixdr/description.h>
+
+#include <cstdint>
+#include <cstring>
+
+namespace quorva {
+
+// Whether a number's unit was moved, and the number that the trace shows.
+struct MovedNumber {
+    bool moved;
+    std::int64_t shown;
+};
+
+// `Unit` is the 32-bit type that a value widens to on the wire; its sign decides how it widens. `Shown` is the type that the
+// number is shown as. The unit is stored back into the value in every mode and also after a refusal, when it still is what
+// the value was.
+template <class Value, class Unit, class Shown = Unit>
+MovedNumber moveNumber(Xdr* xdrs, void* value)
+{
+    static_assert(sizeof(Unit) == 4);
+    Value held;
+    std::memcpy(&held, value, sizeof held);
+    Unit unit = held;
+    const bool moved = xdrs->Transfer(reinterpret_cast<unsigned char*>(&unit), 4);
+    held = static_cast<Value>(unit);
+    std::memcpy(value, &held, sizeof held);
+    return {moved, static_cast<Shown>(unit)};
+}
+
+// A number of a built-in type other than Boolean and Float, which the trace does not show as numbers. Eight bits travel and
+// show without their sign: receivers have always read them so.
+inline MovedNumber moveNumber(Xdr* xdrs, Builtin type, void* value)
+{
+    switch (type) {
+    case Builtin::ShortInteger: return moveNumber<std::uint8_t, std::uint32_t, std::int32_t>(xdrs, value);
+    case Builtin::ShortNatural: return moveNumber<std::uint8_t, std::uint32_t>(xdrs, value);
+    case Builtin::Integer: return moveNumber<std::int16_t, std::int32_t>(xdrs, value);
+    case Builtin::Natural: return moveNumber<std::uint16_t, std::uint32_t>(xdrs, value);
+    case Builtin::LongNatural: return moveNumber<std::uint32_t, std::uint32_t>(xdrs, value);
+    case Builtin::UINT: return moveNumber<std::uint32_t, std::uint32_t, std::int32_t>(xdrs, value);
+    default: return moveNumber<std::int32_t, std::int32_t>(xdrs, value);
+    }
+}
+
+}  // namespace quorva

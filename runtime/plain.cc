@@ -1,0 +1,236 @@
+// What plain functions share: strings, blocks, and the ways into a pass and out of it to the interpreter.
+
+#include "collections.h"
+#include "interpreter.h"
+
+#include <quorvaruntime/plain.h>
+
+namespace quorva {
+
+namespace {
+
+// A stream that does not expose its buffer never runs a plain function.
+template <class Stream>
+unsigned char* cursorOf(Stream* xdrs)
+{
+    if constexpr (ExposesBuffer<Stream>) return xdrs->cursor();
+    return nullptr;
+}
+
+template <class Stream>
+void move([[maybe_unused]] Stream* xdrs, [[maybe_unused]] unsigned char* at)
+{
+    if constexpr (ExposesBuffer<Stream>) xdrs->moveTo(at);
+}
+
+}  // namespace
+
+// ---- Units ---------------------------------------------------------------------------------------------------------
+
+void put(unsigned char* at, float value)
+{
+    releaseFloat();
+    putUnit(at, std::bit_cast<std::uint32_t>(value));
+}
+
+void get(const unsigned char* at, float& value)
+{
+    releaseFloat();
+    value = std::bit_cast<float>(getUnit(at));
+}
+
+void releaseFloat()
+{
+    TRACE("In XdrFloat\n");
+}
+
+// ---- Encode --------------------------------------------------------------------------------------------------------
+
+namespace {
+
+// A length and the bytes; the padding is written first, so that the bytes overwrite what of it they reach.
+unsigned char* putBytes(unsigned char* at, const void* bytes, std::uint32_t length)
+{
+    putUnit(at, length);
+    at += 4;
+    if (length == 0) return at;
+    const std::size_t all = padded(length);
+    std::memset(at + all - 4, 0, 4);
+    std::memcpy(at, bytes, length);
+    return at + all;
+}
+
+}  // namespace
+
+unsigned char* Encoder::after(bool succeeded)
+{
+    return succeeded ? cursorOf(xdrs) : nullptr;
+}
+
+unsigned char* Encoder::string(unsigned char* at, char* const& text, std::uint32_t maximum)
+{
+    if (text) {
+        const std::size_t length = std::strlen(text);
+        if (length <= maximum && !lacks(at, 7 + length)) return putBytes(at, text, static_cast<std::uint32_t>(length));
+    }
+    move(xdrs, at);
+    return after(XdrString(xdrs, const_cast<char**>(&text), maximum) != 0);
+}
+
+unsigned char* Encoder::opaque(unsigned char* at, unsigned char* const& bytes, const std::uint16_t& count, std::uint32_t maximum)
+{
+    if (count <= maximum && !lacks(at, 4 + padded(count)) && (bytes || count == 0)) return putBytes(at, bytes, count);
+    move(xdrs, at);
+    return after(XdrBytes(xdrs, const_cast<unsigned char**>(&bytes), const_cast<std::uint16_t*>(&count), maximum) != 0);
+}
+
+unsigned char* Encoder::foreign(unsigned char* at, const void* value, XdrRoutine routine)
+{
+    move(xdrs, at);
+    return after(routine(xdrs, const_cast<void*>(value)) != 0);
+}
+
+unsigned char* Encoder::rest(unsigned char* at, const void* object, const Type& type, std::size_t first)
+{
+    move(xdrs, at);
+    return after(interpretFrom(xdrs, const_cast<void*>(object), type, first));
+}
+
+unsigned char* Encoder::member(unsigned char* at, const void* object, const Type& type, std::size_t index)
+{
+    move(xdrs, at);
+    return after(interpretMember(xdrs, const_cast<void*>(object), type, index));
+}
+
+unsigned char* Encoder::refuse(unsigned char* at)
+{
+    move(xdrs, at);
+    return nullptr;
+}
+
+// ---- Decode --------------------------------------------------------------------------------------------------------
+
+namespace {
+
+// Bytes of a member in memory.
+std::size_t sizeOf(const Use& use)
+{
+    switch (use.form) {
+    case Form::single: return use.type->size;
+    case Form::fixedArray: return std::size_t{use.bound} * use.type->size;
+    case Form::fixedOpaque: return use.bound;
+    case Form::optional:
+    case Form::string: return sizeof(void*);
+    case Form::variableArray:
+    case Form::variableOpaque: return sizeof(Counted<unsigned char>);
+    case Form::none: break;
+    }
+    return 0;
+}
+
+}  // namespace
+
+unsigned char* Decoder::after(bool succeeded, void* defined)
+{
+    if (succeeded) return cursorOf(xdrs);
+    stop = static_cast<unsigned char*>(defined);
+    return nullptr;
+}
+
+unsigned char* Decoder::refuse(unsigned char* at, void* defined)
+{
+    move(xdrs, at);
+    return after(false, defined);
+}
+
+void* Decoder::newElements(std::size_t count, std::size_t size)
+{
+    return newBlock(count, size);
+}
+
+unsigned char* Decoder::abandon(bool outer, void* blockEnd, void* defined)
+{
+    std::memset(stop, 0, static_cast<std::size_t>(static_cast<unsigned char*>(blockEnd) - stop));
+    fresh = outer;
+    stop = static_cast<unsigned char*>(defined);
+    return nullptr;
+}
+
+unsigned char* Decoder::string(unsigned char* at, char*& text, std::uint32_t maximum)
+{
+    if (!lacks(at, 4)) {
+        const std::uint32_t length = getUnit(at);
+        if (length <= maximum && !lacks(at + 4, padded(length))) {
+            text = static_cast<char*>(newBlock(std::size_t{length} + 1, 1));
+            if (!text) return refuse(at + 4, &text + 1);
+            if (length > 0) std::memcpy(text, at + 4, length);
+            text[length] = '\0';
+            return at + 4 + padded(length);
+        }
+    }
+    if (fresh) text = nullptr;
+    move(xdrs, at);
+    return after(XdrString(xdrs, &text, maximum) != 0, &text + 1);
+}
+
+unsigned char* Decoder::opaque(unsigned char* at, unsigned char*& bytes, std::uint16_t& count, std::uint32_t maximum)
+{
+    if (!lacksArray(at, maximum, 1) && !lacks(at + 4, padded(static_cast<std::uint16_t>(getUnit(at))))) {
+        at = block(at, count, bytes);
+        if (!at || count == 0) return at;
+        std::memcpy(bytes, at, count);
+        return at + padded(count);
+    }
+    if (fresh) {
+        count = 0;
+        bytes = nullptr;
+    }
+    move(xdrs, at);
+    return after(XdrBytes(xdrs, &bytes, &count, maximum) != 0, &bytes + 1);
+}
+
+unsigned char* Decoder::foreign(unsigned char* at, void* value, std::size_t size, XdrRoutine routine)
+{
+    if (fresh) std::memset(value, 0, size);
+    move(xdrs, at);
+    return after(routine(xdrs, value) != 0, static_cast<unsigned char*>(value) + size);
+}
+
+unsigned char* Decoder::rest(unsigned char* at, void* object, const Type& type, std::size_t first)
+{
+    auto* const bytes = static_cast<unsigned char*>(object);
+    if (fresh) {
+        const std::size_t defined = first == 0 ? 0 : type.members[first].offset;
+        std::memset(bytes + defined, 0, type.size - defined);
+    }
+    move(xdrs, at);
+    return after(interpretFrom(xdrs, object, type, first), bytes + type.size);
+}
+
+unsigned char* Decoder::member(unsigned char* at, void* object, const Type& type, std::size_t index)
+{
+    auto* const place = static_cast<unsigned char*>(object) + type.members[index].offset;
+    const std::size_t size = sizeOf(type.members[index].use);
+    if (fresh) std::memset(place, 0, size);
+    move(xdrs, at);
+    return after(interpretMember(xdrs, object, type, index), place + size);
+}
+
+// ---- Release -------------------------------------------------------------------------------------------------------
+
+void releaseBlock(void* block)
+{
+    ::operator delete[](block);
+}
+
+bool releaseForeign(Xdr* xdrs, void* value, XdrRoutine routine)
+{
+    return routine(xdrs, value) != 0;
+}
+
+bool releaseMember(Xdr* xdrs, void* object, const Type& type, std::size_t index)
+{
+    return interpretMember(xdrs, object, type, index);
+}
+
+}  // namespace quorva

@@ -1,0 +1,18 @@
+// What the runtime does with the stream in use beyond moving bytes.
+
+#include <quorvaruntime/stream.h>
+
+#include <cstring>
+#include <new>
+
+namespace quorva {
+
+void* newRoot(Xdr* xdrs, std::size_t size)
+{
+    void* const storage = ::operator new(size, std::nothrow);
+    if (!storage) return nullptr;
+    xdrs->rootAllocationSlot = std::memset(storage, 0, size);
+    return storage;
+}
+
+}  // namespace quorva
