@@ -1,7 +1,7 @@
 // Encodes a record, decodes it into another and releases that: the whole way of a message through the drivers.
 
-#include <quorvapixdr/common/event.h>
 #include <quorvapixdr/drivers.h>
+#include <quorvapixdr/types/common/event.h>
 
 #include <Xdr.h>
 

@@ -1,7 +1,7 @@
 // The same message through the C++ layer: release by the owner, failures as exceptions that say where.
 
 #include <quorvapixdr/codec.h>
-#include <quorvapixdr/common/event.h>
+#include <quorvapixdr/types/common/event.h>
 
 #include <cstdio>
 

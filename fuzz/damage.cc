@@ -46,7 +46,7 @@ std::ptrdiff_t offset(std::size_t at)
 
 }  // namespace
 
-Invented invent(inspect::Sampler& sampler, const schema::Type& type, Chance& chance)
+Invented invent(inspect::Sampler& sampler, const Type& type, Chance& chance)
 {
     constexpr std::size_t budgets[] = {60, 120, 120, 240, 240, 480, 1024};
     inspect::Recipe recipe{inspect::Extent::random, chance.next(), budgets[chance.below(std::size(budgets))]};
@@ -56,7 +56,7 @@ Invented invent(inspect::Sampler& sampler, const schema::Type& type, Chance& cha
     return invented;
 }
 
-std::vector<std::size_t> steeringUnits(const schema::Type& type, std::span<const unsigned char> message)
+std::vector<std::size_t> steeringUnits(const Type& type, std::span<const unsigned char> message)
 {
     std::vector<std::size_t> units;
     inspect::readMessage(type, message, [&](const inspect::Leaf& leaf) {

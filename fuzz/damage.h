@@ -19,10 +19,10 @@ struct Invented {
 };
 
 // A fresh message of the type, short as a rule.
-Invented invent(inspect::Sampler& sampler, const schema::Type& type, Chance& chance);
+Invented invent(inspect::Sampler& sampler, const Type& type, Chance& chance);
 
-// The steering units of a message, as far as the schema's reading gets.
-std::vector<std::size_t> steeringUnits(const schema::Type& type, std::span<const unsigned char> message);
+// The steering units of a message, as far as the inspector's reading gets.
+std::vector<std::size_t> steeringUnits(const Type& type, std::span<const unsigned char> message);
 
 // Damages a message once: a unit that says something else, mostly a steering one; units that are doubled, gone, or taken
 // over from `other`; an end that comes early or late.

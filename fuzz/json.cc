@@ -1,5 +1,5 @@
-// Any text, read as the JSON form of any type: what is accepted is an object that encodes unless the schema says why not,
-// and that comes back from the wire and from JSON.
+// Any text, read as the JSON form of any type: what is accepted is an object that encodes unless the inspector says why
+// not, and that comes back from the wire and from JSON.
 
 #include "mutate.h"
 #include "inspect/input.h"
@@ -8,17 +8,17 @@
 
 using namespace quorva;
 using namespace quorva::fuzz;
-using quorva::schema::Type;
 
 namespace {
 
 Bytes encoded(inspect::Object& object)
 {
     Bytes message(longestMessage);
-    const Pass pass = runPass(Xdr::encode, object.type().routine, object.data(), message);
+    const Pass pass = runPass(Mode::encode, object.type().routine, object.data(), message);
     message.resize(pass.length);
     if (pass.succeeded == inspect::refusalOf(object.type(), object.data(), longestMessage).has_value())
-        throw Finding{std::string(object.type().name) + ": the pass and the schema disagree whether the object encodes"};
+        throw Finding{std::string(object.type().name) +
+                      ": the pass and the inspector disagree whether the object encodes"};
     if (!pass.succeeded) message.clear();
     return message;
 }
@@ -30,7 +30,7 @@ void isReadAndComesBack(const Type& type, std::string_view text)
     if (message.empty()) return;
     const std::string json = inspect::toJson(type, object.data()).dump();
     inspect::Object decoded(type);
-    const Pass pass = runPass(Xdr::decode, type.routine, decoded.data(), message);
+    const Pass pass = runPass(Mode::decode, type.routine, decoded.data(), message);
     if (!pass.succeeded || pass.length != message.size())
         throw Finding{std::string(type.name) + ": what JSON described is not decoded"};
     if (inspect::toJson(type, decoded.data()).dump() != json)
@@ -70,7 +70,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
     const Type& type = *allTypes()[chance.below(allTypes().size())];
     Bytes message = invent(sampler, type, chance).message;
     inspect::Object object(type);
-    runPass(Xdr::decode, type.routine, object.data(), message);
+    runPass(Mode::decode, type.routine, object.data(), message);
     const std::string text = inspect::toJson(type, object.data()).dump();
     return stored(Input{&type, 0, {reinterpret_cast<const unsigned char*>(text.data()), text.size()}}.bytes(), data, most);
 }

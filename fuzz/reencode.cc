@@ -1,5 +1,5 @@
-// Any bytes, decoded as any type and encoded again: what was accepted comes back for good, also into too little room, and
-// the schema's reading of the message and of the object agrees. The variant says how many bytes are missing.
+// Any bytes, decoded as any type and encoded again: what was accepted comes back for good, also into too little room,
+// and the inspector's reading of the message and of the object agrees. The variant says how many bytes are missing.
 
 #include "mutate.h"
 
@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return judge([&] {
         const Input input = Input::of({data, size});
         Subject subject(*input.type);
-        subject.agreesWithSchema(input.contents);
+        subject.agreesWithInspector(input.contents);
         if (subject.comesBack(input.contents) && input.contents.size() > input.variant)
             subject.encodeInto(input.contents.size() - input.variant, input.contents);
     });

@@ -39,26 +39,26 @@ struct Tally {
 
 // What is being run.
 struct {
-    const schema::Type* type = nullptr;
+    const Type* type = nullptr;
     std::uint8_t variant = 0;
     Bytes message;
 } current;
 
 void leaveInput()
 {
-    const schema::Type* const type = std::exchange(current.type, nullptr);
+    const Type* const type = std::exchange(current.type, nullptr);
     if (!type) return;
     std::fprintf(stderr, "type %s, variant %u, %zu bytes\n", type->name, static_cast<unsigned>(current.variant), current.message.size());
     leave("storm-finding.bin", Input{type, current.variant, current.message}.bytes());
 }
 
 // Damaged messages grow out of one that is well-formed, and take over parts of the one before.
-Tally stormOver(const schema::Type& type, const Settings& settings)
+Tally stormOver(const Type& type, const Settings& settings)
 {
     // A list of 65535 elements costs as much as thousands of small ones: as a rule there is no memory for it.
     constexpr std::size_t usualBlock = std::size_t{256} << 10, largestBlock = std::size_t{16} << 20;
     // Executions from one that is well-formed to the next, that one included; between two that go both ways, or find
-    // little memory; between two that the schema judges, which costs as much as hundreds of passes.
+    // little memory; between two that the inspector judges, which costs as much as hundreds of passes.
     constexpr std::uint64_t fromOne = 128, rarely = 16, seldom = 256;
 
     inspect::Sampler sampler;
@@ -87,7 +87,7 @@ Tally stormOver(const schema::Type& type, const Settings& settings)
             accepted = subject.decodeBothWays(message, current.variant - 128).succeeded;
         else
             accepted = subject.comesBack(message);
-        if (i % seldom == 5) subject.agreesWithSchema(message);
+        if (i % seldom == 5) subject.agreesWithInspector(message);
         if (i % rarely == 6 && !message.empty()) subject.encodeInto(chance.below(message.size()), message);
         tally.accepted += accepted;
     }
@@ -142,7 +142,7 @@ int main(int count, char** words)
     std::uint64_t executions = 0, accepted = 0, fewest = UINT64_MAX, most = 0;
     std::size_t types = 0;
     for (std::size_t i = settings.first; i <= settings.last && i < allTypes().size(); ++i) {
-        const schema::Type& type = *allTypes()[i];
+        const Type& type = *allTypes()[i];
         try {
             const Tally tally = stormOver(type, settings);
             executions += tally.executions;

@@ -21,7 +21,6 @@ extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*call
 
 namespace quorva::fuzz {
 
-using schema::Type;
 using test::deafTrace;
 using test::Watch;
 
@@ -78,8 +77,8 @@ bool showsUnwritten(std::span<const unsigned char> out, std::span<const unsigned
 std::span<const Type* const> allTypes()
 {
     static const auto all = [] {
-        std::vector<const Type*> types(schema::builtins().begin(), schema::builtins().end());
-        for (const auto* module : test::testedModules()) types.insert(types.end(), module->types.begin(), module->types.end());
+        std::vector<const Type*> types = inspect::typesOf(test::testedModules());
+        types.insert(types.end(), builtinTypes().begin(), builtinTypes().end());
         std::ranges::sort(types, {}, [](const Type* type) { return std::string_view(type->name); });
         return types;
     }();
@@ -152,16 +151,16 @@ Subject::Subject(const Type& type)
     deafTrace();
 }
 
-Pass Subject::run(Way way, Xdr::Request mode, std::span<unsigned char> buffer, long failFrom)
+Pass Subject::run(Way way, Mode mode, std::span<unsigned char> buffer, long failFrom)
 {
-    TraceText* const sink = way == Way::traced ? &deafTrace() : nullptr;
+    TraceText* const sink = way == Way::interpreted ? &deafTrace() : nullptr;
     const Watch watch(test::Scarcity{.from = failFrom, .largest = largestBlock});
     return runPass(mode, described.routine, object.get(), buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
 }
 
 void Subject::release(Way way)
 {
-    run(way, Xdr::release, {});
+    run(way, Mode::release, {});
     if (const long left = test::liveBlocks())
         throw Finding{std::string(described.name) + ": " + std::to_string(left) + " blocks stay allocated"};
     if (test::mismatchedReleases())
@@ -178,14 +177,14 @@ std::span<unsigned char> Subject::placed(std::span<const unsigned char> message)
 
 const Outcome& Subject::decode(Way way, std::span<const unsigned char> message, long failFrom)
 {
-    Outcome& outcome = outcomes[way == Way::traced];
+    Outcome& outcome = outcomes[way == Way::interpreted];
     std::memset(object.get(), 0, described.size);
     const auto buffer = placed(message);
-    const Pass pass = run(way, Xdr::decode, buffer, failFrom);
+    const Pass pass = run(way, Mode::decode, buffer, failFrom);
     outcome.succeeded = pass.succeeded;
     outcome.length = pass.length;
     outcome.allocated = test::allocations();
-    const Pass written = run(way, Xdr::encode, buffer);
+    const Pass written = run(way, Mode::encode, buffer);
     if (pass.length > buffer.size() || written.length > buffer.size())
         throw Finding{std::string(described.name) + ": the length is beyond the buffer's"};
     outcome.encodes = written.succeeded;
@@ -198,22 +197,22 @@ const Outcome& Subject::decode(Way way, std::span<const unsigned char> message, 
 
 const Outcome& Subject::decodeBothWays(std::span<const unsigned char> message, long failFrom)
 {
-    const Outcome& direct = decode(Way::direct, message, failFrom);
-    const Outcome& traced = decode(Way::traced, message, failFrom);
-    if (direct != traced)
-        throw Finding{std::string(described.name) + ": the ways differ\n  direct: " + fuzz::described(direct) +
-                      "\n  traced: " + fuzz::described(traced)};
-    return direct;
+    const Outcome& plain = decode(Way::plain, message, failFrom);
+    const Outcome& interpreted = decode(Way::interpreted, message, failFrom);
+    if (plain != interpreted)
+        throw Finding{std::string(described.name) + ": the ways differ\n  plain:       " + fuzz::described(plain) +
+                      "\n  interpreted: " + fuzz::described(interpreted)};
+    return plain;
 }
 
 bool Subject::comesBack(std::span<const unsigned char> message)
 {
-    const Outcome& outcome = decode(Way::direct, message);
+    const Outcome& outcome = decode(Way::plain, message);
     if (!outcome.succeeded) return false;
     Outcome& first = outcomes[2];
     first = outcome;
     if (!first.encodes) throw Finding{std::string(described.name) + ": accepted, but does not encode: " + fuzz::described(first)};
-    const Outcome& again = decode(Way::direct, first.left);
+    const Outcome& again = decode(Way::plain, first.left);
     if (!again.succeeded || again.length != first.left.size() || again.left != first.left)
         throw Finding{std::string(described.name) + ": comes back changed\n  first: " + fuzz::described(first) +
                       "\n  again: " + fuzz::described(again)};
@@ -222,12 +221,12 @@ bool Subject::comesBack(std::span<const unsigned char> message)
 
 void Subject::encodeInto(std::size_t size, std::span<const unsigned char> message)
 {
-    const Bytes whole = decode(Way::direct, message).left;
-    for (const Way way : {Way::direct, Way::traced}) {
+    const Bytes whole = decode(Way::plain, message).left;
+    for (const Way way : {Way::plain, Way::interpreted}) {
         std::memset(object.get(), 0, described.size);
-        const Pass read = run(way, Xdr::decode, placed(message));
+        const Pass read = run(way, Mode::decode, placed(message));
         const auto buffer = room(std::min(size, whole.size()));
-        const Pass pass = run(way, Xdr::encode, buffer);
+        const Pass pass = run(way, Mode::encode, buffer);
         const bool same = pass.length <= buffer.size() &&
                           std::equal(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(pass.length), whole.begin());
         release(way);
@@ -236,7 +235,7 @@ void Subject::encodeInto(std::size_t size, std::span<const unsigned char> messag
     }
 }
 
-void Subject::agreesWithSchema(std::span<const unsigned char> message)
+void Subject::agreesWithInspector(std::span<const unsigned char> message)
 {
     std::memset(object.get(), 0, described.size);
     const auto buffer = placed(message);
@@ -247,7 +246,8 @@ void Subject::agreesWithSchema(std::span<const unsigned char> message)
         TraceText trace;  // allocates under the same watch as the pass, and is gone before anybody counts
         {
             const Watch watch(test::Scarcity{.largest = largestBlock});
-            pass = runPass(Xdr::decode, described.routine, object.get(), buffer, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
+            pass = runPass(Mode::decode, described.routine, object.get(), buffer,
+                           [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
             outOfMemory = test::largestAllocation() > largestBlock;
         }
         path = trace.path();
@@ -258,7 +258,8 @@ void Subject::agreesWithSchema(std::span<const unsigned char> message)
     if (!outOfMemory && !reading.nestsTooDeeply) {
         const std::string expected = reading.failure ? reading.failure->path : "";
         if (pass.succeeded == reading.failure.has_value())
-            different = reading.failure ? "refused by the schema's reading alone: " + reading.failure->reason : "refused by the pass alone";
+            different = reading.failure ? "refused by the inspector's reading alone: " + reading.failure->reason
+                                        : "refused by the pass alone";
         else if (pass.succeeded && pass.length != reading.length)
             different = "lengths " + std::to_string(pass.length) + " and " + std::to_string(reading.length);
         else if (path != expected)
@@ -267,13 +268,14 @@ void Subject::agreesWithSchema(std::span<const unsigned char> message)
     try {
         inspect::toJson(described, object.get());
         const auto refusal = inspect::refusalOf(described, object.get(), buffer.size());
-        const Pass written = run(Way::direct, Xdr::encode, buffer);
+        const Pass written = run(Way::plain, Mode::encode, buffer);
         if (written.succeeded == refusal.has_value())
-            different += refusal ? "; only the schema refuses to encode: " + refusal->reason : "; encoding is refused";
+            different +=
+                refusal ? "; only the inspector refuses to encode: " + refusal->reason : "; encoding is refused";
     } catch (const inspect::Refusal&) {
         // Nested deeper than anything that is shown.
     }
-    release(Way::direct);
+    release(Way::plain);
     if (!different.empty()) throw Finding{std::string(described.name) + ": " + different};
 }
 

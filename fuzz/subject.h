@@ -5,7 +5,7 @@
 #include "ways.h"
 
 #include <quorvapixdr/codec.h>
-#include <quorvapixdr/schema.h>
+#include <quorvapixdr/description.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -24,18 +24,18 @@ struct Finding {
 // ---- Inputs --------------------------------------------------------------------------------------------------------
 
 // All types of the library and of the teaching module, by name.
-std::span<const schema::Type* const> allTypes();
+std::span<const Type* const> allTypes();
 
 // The two bytes that stand for a type. They are made of its name, so a corpus keeps its meaning when types are added.
 // Every key leads to some type: the one with the next key that is taken.
-std::uint16_t keyOf(const schema::Type& type);
-const schema::Type& typeOf(std::uint16_t key);
+std::uint16_t keyOf(const Type& type);
+const Type& typeOf(std::uint16_t key);
 
 // An input over all types: the key, high byte first, a byte for the driver to choose a variant by, and the contents.
 struct Input {
     static constexpr std::size_t headSize = 3;
 
-    const schema::Type* type;
+    const Type* type;
     std::uint8_t variant;
     std::span<const unsigned char> contents;
 
@@ -79,7 +79,7 @@ struct Outcome {
 // One type with storage of its own, used again for each message. All checks throw Finding.
 class Subject {
 public:
-    explicit Subject(const schema::Type& type);
+    explicit Subject(const Type& type);
 
     // Allocations of more than `size` bytes fail in the passes to come. To begin with, none does, but under a sanitizer
     // those above 1 MiB: a message may ask for 4 GiB that nobody touches, and the sanitizer touches an eighth of that.
@@ -98,19 +98,19 @@ public:
     // An accepted message, encoded into `room` bytes, writes the beginning of what it writes into more.
     void encodeInto(std::size_t room, std::span<const unsigned char> message);
 
-    // The schema's own reading of the message agrees with the pass about the result, the length and the place, and its
-    // reading of the object with an encode pass; the object can be shown whatever happened.
-    void agreesWithSchema(std::span<const unsigned char> message);
+    // The inspector's own reading of the message agrees with the pass about the result, the length and the place, and
+    // its reading of the object with an encode pass; the object can be shown whatever happened.
+    void agreesWithInspector(std::span<const unsigned char> message);
 
 private:
-    Pass run(Way way, Xdr::Request mode, std::span<unsigned char> buffer, long failFrom = test::Watch::never);
+    Pass run(Way way, Mode mode, std::span<unsigned char> buffer, long failFrom = test::Watch::never);
     void release(Way way);
     std::span<unsigned char> room(std::size_t size) { return {arena.get() + arenaSize - size, size}; }
     std::span<unsigned char> placed(std::span<const unsigned char> message);
 
     static constexpr std::size_t arenaSize = longestMessage;
 
-    const schema::Type& described;
+    const Type& described;
     std::size_t largestBlock = test::Scarcity{}.largest;
     std::unique_ptr<unsigned char[]> object;
     std::unique_ptr<unsigned char[]> arena;  // messages end where it ends, so that the first byte too many is seen

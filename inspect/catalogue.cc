@@ -2,17 +2,14 @@
 
 #include "catalogue.h"
 
+#include "layout.h"
+
 #include <algorithm>
 #include <numeric>
 #include <optional>
 #include <utility>
 
 namespace quorva::inspect {
-
-using schema::Form;
-using schema::Kind;
-using schema::Type;
-using schema::Use;
 
 namespace {
 
@@ -70,21 +67,22 @@ std::size_t distance(std::string_view from, std::string_view to)
 const char* kindName(const Type& type)
 {
     switch (type.kind) {
-    case Kind::builtin: return "builtin";
-    case Kind::enumeration: return "enum";
-    case Kind::record: return "record";
-    case Kind::discriminated: return "union";
-    case Kind::definedAs: break;
+    case TypeKind::builtin: return "builtin";
+    case TypeKind::enumeration: return "enum";
+    case TypeKind::structure: return "record";
+    case TypeKind::discriminatedUnion: return "union";
+    case TypeKind::foreign: return "foreign";
+    case TypeKind::typeDefinition: break;
     }
-    switch (type.target.form) {
-    case Form::list: return "sequence";
-    case Form::vector: return "vector";
+    switch (targetOf(type).form) {
+    case Form::variableArray: return "sequence";
+    case Form::fixedArray: return "vector";
     case Form::optional: return "optional";
     case Form::string: return "string";
-    case Form::bytes:
-    case Form::opaque: return "bytes";
+    case Form::variableOpaque:
+    case Form::fixedOpaque: return "bytes";
     case Form::single:
-    case Form::nothing: break;
+    case Form::none: break;
     }
     return "alias";
 }
@@ -92,19 +90,19 @@ const char* kindName(const Type& type)
 std::string declaration(const Use& use, std::string_view name)
 {
     const std::string bound = std::to_string(use.bound);
-    std::string text = use.type                    ? use.type->name
-                       : use.form == Form::string  ? "string"
-                       : use.form == Form::nothing ? "void"
-                                                   : "opaque";
+    std::string text = use.type                   ? use.type->name
+                       : use.form == Form::string ? "string"
+                       : use.form == Form::none   ? "void"
+                                                  : "opaque";
     if (!name.empty() || use.form == Form::optional) text += ' ';
     if (use.form == Form::optional) text += '*';
     text += name;
     switch (use.form) {
-    case Form::vector:
-    case Form::opaque: return text + '[' + bound + ']';
-    case Form::list:
+    case Form::fixedArray:
+    case Form::fixedOpaque: return text + '[' + bound + ']';
+    case Form::variableArray:
     case Form::string:
-    case Form::bytes: return text + '<' + bound + '>';
+    case Form::variableOpaque: return text + '<' + bound + '>';
     default: return text;
     }
 }
@@ -143,9 +141,8 @@ std::string didYouMean(std::string_view word, std::span<const std::string_view> 
 
 Catalogue::Catalogue()
 {
-    ordered.assign(schema::builtins().begin(), schema::builtins().end());
-    for (const schema::Module* module : schema::modules())
-        ordered.insert(ordered.end(), module->types.begin(), module->types.end());
+    ordered = typesOf(modules());
+    ordered.insert(ordered.end(), builtinTypes().begin(), builtinTypes().end());
     std::ranges::sort(ordered, {}, [](const Type* type) { return std::string_view(type->name); });
     for (const Type* type : ordered) byName.emplace(type->name, type);
 }
@@ -166,14 +163,12 @@ std::string Catalogue::didYouMean(std::string_view name) const
 std::vector<std::string> Catalogue::usersOf(const Type& type) const
 {
     std::vector<std::string> users;
-    const auto note = [&](const Type& user, const schema::Member& member) {
-        if (member.use.type == &type) users.push_back(std::string(user.name) + '.' + member.name);
-    };
-    for (const Type* user : ordered) {
-        if (user->target.type == &type) users.emplace_back(user->name);
-        for (const schema::Member& field : user->fields) note(*user, field);
-        for (const schema::Arm& arm : user->arms) note(*user, arm.member);
-    }
+    for (const Type* user : ordered)
+        for (const Member& member : user->members) {
+            if (member.use.type != &type) continue;
+            users.push_back(user->kind == TypeKind::typeDefinition ? user->name
+                                                                   : std::string(user->name) + '.' + member.name);
+        }
     std::ranges::sort(users);
     users.erase(std::unique(users.begin(), users.end()), users.end());  // one arm may stand under several numbers
     return users;

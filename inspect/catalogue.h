@@ -1,7 +1,7 @@
 // The types of the library by name: finding, suggesting, and saying in words what one is.
 #pragma once
 
-#include <quorvapixdr/schema.h>
+#include <quorvapixdr/description.h>
 
 #include <span>
 #include <string>
@@ -12,14 +12,14 @@
 namespace quorva::inspect {
 
 // What people call a kind of type: "enum", "record", "union", "builtin", and for typedefs by what they stand for
-// "alias", "sequence", "vector", "optional", "string" or "bytes".
-inline constexpr const char* kindNames[] = {"builtin",  "enum",   "record",   "union",  "alias",
-                                            "sequence", "vector", "optional", "string", "bytes"};
-const char* kindName(const schema::Type& type);
+// "alias", "sequence", "vector", "optional", "string" or "bytes"; "foreign" for a type of another library.
+inline constexpr const char* kindNames[] = {"builtin", "enum",     "record", "union", "alias",  "sequence",
+                                            "vector",  "optional", "string", "bytes", "foreign"};
+const char* kindName(const Type& type);
 
 // A declaration as an interface file has it: "LockerId id", "ShortNatural code[10]", "string label<40>"; with an empty
 // name just the type: "ShortNatural[10]".
-std::string declaration(const schema::Use& use, std::string_view name);
+std::string declaration(const Use& use, std::string_view name);
 
 // Whether a name fits a pattern: with `*` (any characters) or `?` (one) as a whole, otherwise anywhere within. Capitals
 // do not matter.
@@ -34,16 +34,16 @@ class Catalogue {
 public:
     Catalogue();
 
-    std::span<const schema::Type* const> types() const { return ordered; }
-    const schema::Type* find(std::string_view name) const;  // null if there is none
+    std::span<const Type* const> types() const { return ordered; }
+    const Type* find(std::string_view name) const;  // null if there is none
     std::string didYouMean(std::string_view name) const;
 
     // Where the type is used: "JobAVP.value", "JobAVPSeq"; by name.
-    std::vector<std::string> usersOf(const schema::Type& type) const;
+    std::vector<std::string> usersOf(const Type& type) const;
 
 private:
-    std::vector<const schema::Type*> ordered;
-    std::unordered_map<std::string_view, const schema::Type*> byName;
+    std::vector<const Type*> ordered;
+    std::unordered_map<std::string_view, const Type*> byName;
 };
 
 }  // namespace quorva::inspect

@@ -1,4 +1,4 @@
-// What the schema says about types, as text and as JSON.
+// What the interface files say about types, as text and as JSON.
 
 #include "describe.h"
 
@@ -10,11 +10,6 @@
 #include <map>
 
 namespace quorva::inspect {
-
-using schema::Form;
-using schema::Kind;
-using schema::Type;
-using schema::Use;
 
 namespace {
 
@@ -54,6 +49,13 @@ std::string oneLine(std::string text)
     return text;
 }
 
+// The provisional mark of a member as a cell, empty for a settled one.
+std::string markOf(const MemberDocumentation& member)
+{
+    if (!member.provisional) return "";
+    return *member.provisional ? "provisional: " + oneLine(member.provisional) : "provisional";
+}
+
 std::string indented(const std::string& text)
 {
     std::string lines = "  ";
@@ -66,41 +68,46 @@ std::string indented(const std::string& text)
 
 std::string origin(const Type& type)
 {
-    return *type.file ? std::string(type.file) + ':' + std::to_string(type.line) : "built in";
+    const Module* const module = moduleOf(type);
+    return module ? std::string(module->file) + ':' + std::to_string(documentationOf(type).line) : "built in";
 }
 
 std::string caseText(const Type& type, std::int64_t value)
 {
-    const schema::Enumerator* named = enumeratorOf(discriminantOf(type), value);
+    const Enumerator* named = enumeratorOf(discriminantOf(type), value);
     return std::to_string(value) + (named ? std::string(" ") + named->name : "");
 }
 
 std::string enumeratorsText(const Type& type)
 {
     Table table("    ");
-    for (const schema::Enumerator& e : type.enumerators)
-        table.add({std::to_string(e.value), e.name, oneLine(e.doc), ""});
+    for (const Enumerator& e : enumeratorsOf(type)) table.add({std::to_string(e.value), e.name, oneLine(e.text), ""});
     return "\n  enumerators\n" + table.text();
 }
 
 std::string fieldsText(const Type& type)
 {
     Table table("    ");
-    for (const schema::Member& field : type.fields)
-        table.add({declaration(field.use, field.name), oneLine(field.doc), "", ""});
+    for (const Member& field : type.members) {
+        const MemberDocumentation& said = documentationOf(type, field);
+        table.add({declaration(field.use, field.name), oneLine(said.text), markOf(said), ""});
+    }
     return "\n  fields\n" + table.text();
 }
 
 std::string armsText(const Type& type)
 {
     Table table("    ");
-    for (const schema::Arm& arm : type.arms)
-        for (const std::int64_t value : arm.cases)
-            table.add(
-                {caseText(type, value), declaration(arm.member.use, arm.member.name), oneLine(arm.member.doc), ""});
+    for (const Member& arm : armsOf(type)) {
+        const MemberDocumentation& said = documentationOf(type, arm);
+        for (const std::int64_t value : casesOf(type, arm))
+            table.add({caseText(type, value), declaration(arm.use, arm.name), oneLine(said.text), markOf(said)});
+    }
     if (type.hasDefault) table.add({"any other", "void", "", ""});
-    const schema::Member& discriminant = type.fields.front();
-    return "\n  arms by " + declaration(discriminant.use, discriminant.name) + '\n' + table.text();
+    const Member& discriminant = type.members.front();
+    const std::string mark = markOf(documentationOf(type, discriminant));
+    return "\n  arms by " + declaration(discriminant.use, discriminant.name) + (mark.empty() ? "" : "  " + mark) +
+           '\n' + table.text();
 }
 
 const char* formName(Form form)
@@ -113,27 +120,31 @@ Json useJson(const Use& use)
 {
     Json json = {{"form", formName(use.form)}};
     if (use.type) json["type"] = use.type->name;
-    if (use.form == Form::vector || use.form == Form::opaque) json["number"] = use.bound;
-    if (use.form == Form::list || use.form == Form::string || use.form == Form::bytes) json["maximum"] = use.bound;
+    if (use.form == Form::fixedArray || use.form == Form::fixedOpaque) json["number"] = use.bound;
+    if (use.form == Form::variableArray || use.form == Form::string || use.form == Form::variableOpaque)
+        json["maximum"] = use.bound;
     return json;
 }
 
-// The parts that only some have: documentation, name, offset.
-Json memberJson(const schema::Member& member)
+// What only some members have: documentation, a provisional mark, a name, an offset.
+Json memberJson(const Type& type, const Member& member)
 {
+    const MemberDocumentation& said = documentationOf(type, member);
     Json json = Json::object();
-    if (member.use.form != Form::nothing) json["name"] = member.name;
+    if (member.use.form != Form::none) json["name"] = member.name;
     json.update(useJson(member.use));
-    if (member.use.form != Form::nothing) json["offset"] = member.offset;
-    if (*member.doc) json["doc"] = member.doc;
+    if (member.use.form != Form::none) json["offset"] = member.offset;
+    if (*said.text) json["doc"] = said.text;
+    if (said.provisional) json["provisional"] = said.provisional;
     return json;
 }
 
 Json headJson(const Type& type)
 {
     Json json = {{"name", type.name}, {"kind", kindName(type)}};
-    if (*type.module) json["module"] = type.module;
-    if (type.provisional) json["provisional"] = type.provisional;
+    if (const Module* const module = moduleOf(type)) json["module"] = module->name;
+    if (const char* const reason = documentationOf(type).provisional) json["provisional"] = reason;
+    for (const Member* member : provisionalMembersOf(type)) json["provisionalMembers"].push_back(member->name);
     return json;
 }
 
@@ -142,8 +153,14 @@ Json headJson(const Type& type)
 std::string typesText(std::span<const Type* const> types)
 {
     Table table("");
-    for (const Type* type : types)
-        table.add({type->name, kindName(*type), type->module, type->provisional ? "provisional" : ""});
+    for (const Type* type : types) {
+        const std::size_t members = provisionalMembersOf(*type).size();
+        table.add({type->name, kindName(*type), moduleName(*type),
+                   documentationOf(*type).provisional ? "provisional"
+                   : members > 0
+                       ? std::to_string(members) + (members == 1 ? " provisional member" : " provisional members")
+                       : ""});
+    }
     return table.text();
 }
 
@@ -156,18 +173,22 @@ Json typesJson(std::span<const Type* const> types)
 
 std::string descriptionText(const Type& type, const Catalogue& catalogue)
 {
+    const Documentation& said = documentationOf(type);
     std::string text = std::string(type.name) + "  " + kindName(type) + "  " + origin(type) + '\n';
-    if (*type.doc) text += indented(type.doc);
-    if (type.provisional)
-        text += indented(std::string("Provisional: ") + (*type.provisional ? type.provisional : "no published layout"));
+    if (*said.text) text += indented(said.text);
+    if (said.provisional)
+        text += indented(std::string("Provisional: ") + (*said.provisional ? said.provisional : "no published layout"));
     text += '\n';
-    if (type.kind == Kind::definedAs) text += "  is " + declaration(type.target, "") + '\n';
+    if (type.kind == TypeKind::typeDefinition) {
+        const std::string mark = markOf(documentationOf(type, type.members.front()));
+        text += "  is " + declaration(targetOf(type), "") + (mark.empty() ? "" : "  " + mark) + '\n';
+    }
     text += "  in memory " + std::to_string(type.size) + " bytes, on the wire at least " +
             std::to_string(Sampler().leastSize(type)) + '\n';
 
-    if (type.kind == Kind::enumeration) text += enumeratorsText(type);
-    if (type.kind == Kind::record) text += fieldsText(type);
-    if (type.kind == Kind::discriminated) text += armsText(type);
+    if (type.kind == TypeKind::enumeration) text += enumeratorsText(type);
+    if (type.kind == TypeKind::structure) text += fieldsText(type);
+    if (type.kind == TypeKind::discriminatedUnion) text += armsText(type);
 
     const auto users = catalogue.usersOf(type);
     if (!users.empty()) text += "\n  used by\n";
@@ -178,57 +199,69 @@ std::string descriptionText(const Type& type, const Catalogue& catalogue)
 Json descriptionJson(const Type& type, const Catalogue& catalogue)
 {
     Json json = headJson(type);
-    if (*type.file) {
-        json["file"] = type.file;
-        json["line"] = type.line;
+    const Documentation& said = documentationOf(type);
+    if (const Module* const module = moduleOf(type)) {
+        json["file"] = module->file;
+        json["line"] = said.line;
     }
-    if (*type.doc) json["doc"] = type.doc;
+    if (*said.text) json["doc"] = said.text;
     json["size"] = type.size;
     json["leastOnWire"] = Sampler().leastSize(type);
-    if (type.kind == Kind::definedAs) json["target"] = useJson(type.target);
-    for (const schema::Enumerator& e : type.enumerators) {
+    if (type.kind == TypeKind::typeDefinition) json["target"] = useJson(targetOf(type));
+    for (const Enumerator& e : enumeratorsOf(type)) {
         Json entry = {{"name", e.name}, {"value", e.value}};
-        if (*e.doc) entry["doc"] = e.doc;
+        if (*e.text) entry["doc"] = e.text;
         json["enumerators"].push_back(std::move(entry));
     }
-    for (const schema::Member& field : type.fields)
-        json[type.kind == Kind::discriminated ? "discriminant" : "fields"].push_back(memberJson(field));
-    for (const schema::Arm& arm : type.arms) {
-        Json entry = {{"cases", std::vector<std::int64_t>(arm.cases.begin(), arm.cases.end())}};
-        entry.update(memberJson(arm.member));
-        json["arms"].push_back(std::move(entry));
-    }
-    if (type.kind == Kind::discriminated) {
-        json["discriminant"] = json["discriminant"].front();
+    if (type.kind == TypeKind::structure)
+        for (const Member& field : type.members) json["fields"].push_back(memberJson(type, field));
+    if (type.kind == TypeKind::discriminatedUnion) {
+        json["discriminant"] = memberJson(type, type.members.front());
+        for (const Member& arm : armsOf(type)) {
+            Json entry = {{"cases", casesOf(type, arm)}};
+            entry.update(memberJson(type, arm));
+            json["arms"].push_back(std::move(entry));
+        }
         json["hasDefault"] = type.hasDefault;
     }
     json["usedBy"] = catalogue.usersOf(type);
     return json;
 }
 
-std::string summaryText()
+std::span<const char* const> otherPrimitives()
+{
+    static constexpr const char* names[] = {"XdrEnum",   "XdrLongNatural2", "XdrVoid",   "XdrLongFloat",
+                                            "XdrOpaque", "XdrOpaque2",      "XdrString", "XdrWrapString",
+                                            "XdrBytes",  "XdrVector",       "XdrArray",  "XdrPointer"};
+    return names;
+}
+
+std::string summaryText(std::span<const Module* const> modules)
 {
     std::map<std::string_view, std::size_t> ofKind;
-    std::size_t types = 0, nameFunctions = 0, provisional = 0;
-    for (const schema::Module* module : schema::modules())
-        for (const schema::Type* type : module->types) {
-            ++types;
-            ++ofKind[kindName(*type)];
-            nameFunctions += type->nameOf != nullptr;
-            provisional += type->provisional != nullptr;
-        }
+    std::size_t nameFunctions = 0, provisional = 0, provisionalMembers = 0;
+    const std::vector<const Type*> types = typesOf(modules);
+    for (const Type* type : types) {
+        ++ofKind[kindName(*type)];
+        nameFunctions += type->nameOf != nullptr;
+        const bool isProvisional = documentationOf(*type).provisional != nullptr;
+        provisional += isProvisional;
+        if (!isProvisional) provisionalMembers += provisionalMembersOf(*type).size();
+    }
 
     std::string kinds;
     for (const char* kind : kindNames)
         if (const auto found = ofKind.find(kind); found != ofKind.end())
             kinds += (kinds.empty() ? "" : ", ") + std::to_string(found->second) + ' ' + kind;
-    return "modules         " + std::to_string(schema::modules().size()) + "\n" +  //
-           "types           " + std::to_string(types) + ": " + kinds + "\n" +     //
-           "routines        " + std::to_string(types) + " of these types, " +
-           std::to_string(schema::builtins().size()) + " of built-in types\n" +  //
-           "name functions  " + std::to_string(nameFunctions) + "\n" +           //
-           "layouts         " + std::to_string(types - provisional) + " settled, " + std::to_string(provisional) +
-           " provisional\n";
+    return "modules         " + std::to_string(modules.size()) + "\n" +               //
+           "types           " + std::to_string(types.size()) + ": " + kinds + "\n" +  //
+           "routines        " + std::to_string(types.size()) + " of these types, " +
+           std::to_string(builtinTypes().size()) + " of built-in types, " + std::to_string(otherPrimitives().size()) +
+           " other primitives\n" +                                      //
+           "name functions  " + std::to_string(nameFunctions) + "\n" +  //
+           "layouts         " + std::to_string(types.size() - provisional) + " settled, " +
+           std::to_string(provisional) + " provisional\n" +  //
+           "members         " + std::to_string(provisionalMembers) + " provisional in settled types\n";
 }
 
 }  // namespace quorva::inspect

@@ -17,13 +17,6 @@
 
 namespace quorva::inspect {
 
-using schema::Builtin;
-using schema::Form;
-using schema::Kind;
-using schema::Member;
-using schema::Type;
-using schema::Use;
-
 namespace {
 
 constexpr std::size_t mostFaults = 20;
@@ -95,7 +88,7 @@ Json numberJson(const Type& type, std::int64_t number)
 {
     if (type.builtin == Builtin::Float) return floatJson(static_cast<std::uint32_t>(number));
     if (type.builtin == Builtin::Boolean && number <= 1) return number == 1;
-    if (const schema::Enumerator* named = enumeratorOf(type, number)) return named->name;
+    if (const Enumerator* named = enumeratorOf(type, number)) return named->name;
     return number;
 }
 
@@ -104,24 +97,25 @@ public:
     Json value(const Type& type, const std::byte* at)
     {
         switch (type.kind) {
-        case Kind::builtin:
-        case Kind::enumeration: return numberJson(type, loadNumber(type, at));
-        case Kind::record: {
+        case TypeKind::builtin:
+        case TypeKind::enumeration: return numberJson(type, loadNumber(type, at));
+        case TypeKind::structure: {
             Json object = Json::object();
-            for (const Member& field : type.fields) add(object, field, at);
+            for (const Member& field : type.members) add(object, field, at);
             return object;
         }
-        case Kind::discriminated: {
-            const Member& discriminant = type.fields.front();
+        case TypeKind::discriminatedUnion: {
+            const Member& discriminant = type.members.front();
             Json object = Json::object();
             add(object, discriminant, at);
-            const auto* arm = armOf(type, loadNumber(discriminantOf(type), at + discriminant.offset));
-            if (arm && arm->member.use.form != Form::nothing) add(object, arm->member, at);
+            const Member* arm = armOf(type, loadNumber(discriminantOf(type), at + discriminant.offset));
+            if (arm && arm->use.form != Form::none) add(object, *arm, at);
             return object;
         }
-        case Kind::definedAs: break;
+        case TypeKind::typeDefinition: break;
+        case TypeKind::foreign: throw Refusal{foreignReason(type)};
         }
-        return held(type.target, at);
+        return held(targetOf(type), at);
     }
 
 private:
@@ -136,8 +130,8 @@ private:
     {
         switch (use.form) {
         case Form::single: return value(*use.type, at);
-        case Form::vector: return elements(*use.type, at, use.bound);
-        case Form::list: {
+        case Form::fixedArray: return elements(*use.type, at, use.bound);
+        case Form::variableArray: {
             const auto block = load<Block>(at);
             return elements(*use.type, block.elements, block.elements ? block.count : 0);
         }
@@ -147,12 +141,12 @@ private:
             break;
         }
         case Form::string: return textJson(load<const char*>(at));
-        case Form::bytes: {
+        case Form::variableOpaque: {
             const auto block = load<Block>(at);
             return bytesJson(block.elements, block.elements ? block.count : 0);
         }
-        case Form::opaque: return bytesJson(at, use.bound);
-        case Form::nothing: break;
+        case Form::fixedOpaque: return bytesJson(at, use.bound);
+        case Form::none: break;
         }
         return nullptr;
     }
@@ -187,11 +181,12 @@ public:
     void value(const Type& type, const Json& json, std::byte* at)
     {
         switch (type.kind) {
-        case Kind::builtin:
-        case Kind::enumeration: number(type, json, at); return;
-        case Kind::record: readRecord(type, json, at); return;
-        case Kind::discriminated: readUnion(type, json, at); return;
-        case Kind::definedAs: held(type.target, json, at); return;
+        case TypeKind::builtin:
+        case TypeKind::enumeration: number(type, json, at); return;
+        case TypeKind::structure: readStruct(type, json, at); return;
+        case TypeKind::discriminatedUnion: readUnion(type, json, at); return;
+        case TypeKind::typeDefinition: held(targetOf(type), json, at); return;
+        case TypeKind::foreign: fault(foreignReason(type)); return;
         }
     }
 
@@ -250,7 +245,7 @@ private:
     {
         if (type.builtin == Builtin::Float) return floatIn(json);
         if (type.builtin == Builtin::Boolean && json.is_boolean()) return json.get<bool>();
-        if (type.kind == Kind::enumeration && json.is_string())
+        if (type.kind == TypeKind::enumeration && json.is_string())
             return enumeratorIn(type, json.get_ref<const std::string&>());
         const Range range = rangeOf(type);
         if (json.is_number_integer() && !(json.is_number_unsigned() && json.get<std::uint64_t>() > INT64_MAX)) {
@@ -258,7 +253,7 @@ private:
             if (number >= range.least && number <= range.most) return number;
         }
         const std::string numbers = std::to_string(range.least) + " to " + std::to_string(range.most);
-        unexpected(type.kind == Kind::enumeration     ? std::string("an enumerator of ") + type.name + " or its number"
+        unexpected(type.kind == TypeKind::enumeration ? std::string("an enumerator of ") + type.name + " or its number"
                    : type.builtin == Builtin::Boolean ? "true, false or a number from " + numbers
                                                       : "a whole number from " + numbers,
                    json);
@@ -268,7 +263,7 @@ private:
     std::optional<std::int64_t> enumeratorIn(const Type& type, const std::string& name)
     {
         std::vector<std::string_view> names;
-        for (const schema::Enumerator& enumerator : type.enumerators) {
+        for (const Enumerator& enumerator : enumeratorsOf(type)) {
             if (enumerator.name == name) return enumerator.value;
             names.emplace_back(enumerator.name);
         }
@@ -297,14 +292,14 @@ private:
         return std::nullopt;
     }
 
-    // ---- Records and unions ----------------------------------------------------------------------------------------
+    // ---- Structs and unions ----------------------------------------------------------------------------------------
 
-    void readRecord(const Type& type, const Json& json, std::byte* at)
+    void readStruct(const Type& type, const Json& json, std::byte* at)
     {
         if (!json.is_object()) return unexpected(std::string("an object with the fields of ") + type.name, json);
-        for (const Member& field : type.fields) readMember(type, field, json, at);
+        for (const Member& field : type.members) readMember(type, field, json, at);
         std::vector<std::string_view> names;
-        for (const Member& field : type.fields) names.emplace_back(field.name);
+        for (const Member& field : type.members) names.emplace_back(field.name);
         refuseOthers(json, names, [&](std::string_view name) {
             return std::string("no such field in ") + type.name + didYouMean(name, names);
         });
@@ -312,7 +307,7 @@ private:
 
     void readUnion(const Type& type, const Json& json, std::byte* at)
     {
-        const Member& discriminant = type.fields.front();
+        const Member& discriminant = type.members.front();
         const auto wanted =
             std::string("an object with the field \"") + discriminant.name + "\" and its arm of " + type.name;
         if (!json.is_object()) return unexpected(wanted, json);
@@ -323,19 +318,18 @@ private:
         if (!chosen) return;
 
         const std::string choice = std::string(discriminant.name) + ' ' + numberText(discriminantOf(type), *chosen);
-        const schema::Arm* arm = armOf(type, *chosen);
+        const Member* arm = armOf(type, *chosen);
         if (!arm && !type.hasDefault)
             return within(discriminant.name, [&] { fault(choice + " has no arm in " + type.name); });
 
         std::vector<std::string_view> names{discriminant.name};
-        const bool holds = arm && arm->member.use.form != Form::nothing;
+        const bool holds = arm && arm->use.form != Form::none;
         if (holds) {
-            names.emplace_back(arm->member.name);
-            readMember(type, arm->member, json, at);
+            names.emplace_back(arm->name);
+            readMember(type, *arm, json, at);
         }
         refuseOthers(json, names, [&](std::string_view) {
-            return choice +
-                   (holds ? std::string(" goes with the arm \"") + arm->member.name + '"' : " has no contents");
+            return choice + (holds ? std::string(" goes with the arm \"") + arm->name + '"' : " has no contents");
         });
     }
 
@@ -367,10 +361,10 @@ private:
     {
         switch (use.form) {
         case Form::single: value(*use.type, json, at); return;
-        case Form::vector:
+        case Form::fixedArray:
             readElements(*use.type, use.bound, use.bound, json, [at](std::size_t) { return at; });
             return;
-        case Form::list:
+        case Form::variableArray:
             readElements(*use.type, 0, use.bound, json,
                          [&](std::size_t count) { return hungBlock(at, count, use.type->size); });
             return;
@@ -378,13 +372,13 @@ private:
             if (!json.is_null()) value(*use.type, json, hung(at, use.type->size));
             return;
         case Form::string: readString(use, json, at); return;
-        case Form::bytes:
+        case Form::variableOpaque:
             if (const auto bytes = bytesIn(json, 0, use.bound)) copy(*bytes, hungBlock(at, bytes->size(), 1));
             return;
-        case Form::opaque:
+        case Form::fixedOpaque:
             if (const auto bytes = bytesIn(json, use.bound, use.bound)) copy(*bytes, at);
             return;
-        case Form::nothing: return;
+        case Form::none: return;
         }
     }
 

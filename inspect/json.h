@@ -1,4 +1,4 @@
-// Objects as JSON and back, by the schema, without loss.
+// Objects as JSON and back, by their descriptions, without loss.
 //
 //   record        {"id": 7, ...} every field, in order     enumeration   "DSopen"; its number where it has no name
 //   union         {"kind": "AKowner", "owner": "Anna"}     Boolean       true, false; 2 and more as numbers
@@ -40,10 +40,10 @@ public:
 
 // The JSON form of an object that is as a decode leaves it. A list without its block counts as empty. Throws Refusal
 // when values are nested deeper than `deepestNesting`.
-Json toJson(const schema::Type& type, const void* object);
+Json toJson(const Type& type, const void* object);
 
 // The object that a JSON value describes. Throws JsonError.
-Object fromJson(const schema::Type& type, const Json& value);
+Object fromJson(const Type& type, const Json& value);
 
 // JSON text to value. Throws InputError where it is no JSON, and JsonError where an object names a field twice or
 // values are nested deeper than any object can be.

@@ -1,4 +1,4 @@
-// Objects in memory as the schema describes them.
+// Objects in memory by their descriptions.
 
 #include "layout.h"
 
@@ -9,16 +9,12 @@
 
 namespace quorva::inspect {
 
-using schema::Builtin;
-using schema::Form;
-using schema::Kind;
-using schema::Type;
-
 const Type& resolved(const Type& type)
 {
-    const Type* behind = &type;
-    while (behind->kind == Kind::definedAs && behind->target.form == Form::single) behind = behind->target.type;
-    return *behind;
+    const Type* target = &type;
+    while (target->kind == TypeKind::typeDefinition && targetOf(*target).form == Form::single)
+        target = targetOf(*target).type;
+    return *target;
 }
 
 namespace {
@@ -73,23 +69,35 @@ Range rangeOf(const Type& scalar)
     });
 }
 
-const schema::Enumerator* enumeratorOf(const Type& enumeration, std::int64_t value)
+const Enumerator* enumeratorOf(const Type& enumeration, std::int64_t value)
 {
-    const auto found = std::ranges::lower_bound(enumeration.enumerators, value, {},
-                                                [](const schema::Enumerator& e) { return std::int64_t{e.value}; });
-    return found != enumeration.enumerators.end() && found->value == value ? &*found : nullptr;
+    const auto enumerators = enumeratorsOf(enumeration);
+    const auto found =
+        std::ranges::lower_bound(enumerators, value, {}, [](const Enumerator& e) { return std::int64_t{e.value}; });
+    return found != enumerators.end() && found->value == value ? &*found : nullptr;
 }
 
-const schema::Arm* armOf(const Type& discriminated, std::int64_t value)
+const Member* armOf(const Type& discriminatedUnion, std::int64_t value)
 {
-    for (const schema::Arm& arm : discriminated.arms)
-        if (std::ranges::find(arm.cases, value) != arm.cases.end()) return &arm;
-    return nullptr;
+    const std::uint32_t unit = toUnit(discriminantOf(discriminatedUnion), value);
+    const auto found = std::ranges::lower_bound(discriminatedUnion.cases, unit, {}, &Case::value);
+    if (found == discriminatedUnion.cases.end() || found->value != unit) return nullptr;
+    return &discriminatedUnion.members[found->member];
 }
 
-const Type& discriminantOf(const Type& discriminated)
+std::vector<std::int64_t> casesOf(const Type& discriminatedUnion, const Member& arm)
 {
-    return resolved(*discriminated.fields.front().use.type);
+    const Type& discriminant = discriminantOf(discriminatedUnion);
+    std::vector<std::int64_t> values;
+    for (const Case& each : discriminatedUnion.cases)
+        if (&discriminatedUnion.members[each.member] == &arm) values.push_back(fromUnit(discriminant, each.value));
+    std::ranges::sort(values);
+    return values;
+}
+
+const Type& discriminantOf(const Type& discriminatedUnion)
+{
+    return resolved(*discriminatedUnion.members.front().use.type);
 }
 
 std::string floatText(float number)
@@ -103,7 +111,7 @@ std::string numberText(const Type& scalar, std::int64_t number)
     if (scalar.builtin == Builtin::Boolean && (number == 0 || number == 1)) return number ? "true" : "false";
     if (scalar.builtin == Builtin::Float) return floatText(std::bit_cast<float>(static_cast<std::uint32_t>(number)));
     const std::string digits = std::to_string(number);
-    const schema::Enumerator* named = enumeratorOf(scalar, number);
+    const Enumerator* named = enumeratorOf(scalar, number);
     return named ? std::string(named->name) + " (" + digits + ")" : digits;
 }
 

@@ -2,6 +2,7 @@
 
 #include "catalogue.h"
 #include "describe.h"
+#include "documentation.h"
 #include "input.h"
 #include "json.h"
 #include "wire.h"
@@ -134,9 +135,9 @@ Bytes messageFrom(const Options& options)
 
 // ---- Types ---------------------------------------------------------------------------------------------------------
 
-const schema::Type& typeNamed(const std::string& name, const Catalogue& catalogue)
+const Type& typeNamed(const std::string& name, const Catalogue& catalogue)
 {
-    if (const schema::Type* type = catalogue.find(name)) return *type;
+    if (const Type* type = catalogue.find(name)) return *type;
     throw Stop{misused, "there is no type " + name + catalogue.didYouMean(name)};
 }
 
@@ -146,7 +147,8 @@ void declareTypes(CLI::App& verb, Options& options)
     verb.add_option("--kind", options.kind, "only this kind of type")
         ->check(CLI::IsMember(std::vector<std::string>(std::begin(kindNames), std::end(kindNames))));
     verb.add_option("--module", options.module, "only of modules whose name fits this pattern, such as jobs/*");
-    verb.add_flag("--provisional", options.provisional, "only types whose layout is not published");
+    verb.add_flag("--provisional", options.provisional,
+                  "only types whose layout, or that of a member, is not published");
     auto* const json = verb.add_flag("--json", options.json, "print JSON");
     verb.add_flag("--summary", options.summary, "print only how many there are")->excludes(json);
 }
@@ -154,14 +156,14 @@ void declareTypes(CLI::App& verb, Options& options)
 int runTypes(const Options& options)
 {
     if (options.summary) {
-        print(summaryText());
+        print(summaryText(modules()));
         return fine;
     }
     const Catalogue catalogue;
-    std::vector<const schema::Type*> chosen;
-    for (const schema::Type* type : catalogue.types())
+    std::vector<const Type*> chosen;
+    for (const Type* type : catalogue.types())
         if (matches(options.pattern, type->name) && (options.kind.empty() || options.kind == kindName(*type)) &&
-            matches(options.module, type->module) && (!options.provisional || type->provisional))
+            matches(options.module, moduleName(*type)) && (!options.provisional || isProvisional(*type)))
             chosen.push_back(type);
     if (options.json)
         printJson(typesJson(chosen));
@@ -181,7 +183,7 @@ void declareDescribe(CLI::App& verb, Options& options)
 int runDescribe(const Options& options)
 {
     const Catalogue catalogue;
-    const schema::Type& type = typeNamed(options.type, catalogue);
+    const Type& type = typeNamed(options.type, catalogue);
     if (options.json)
         printJson(descriptionJson(type, catalogue));
     else
@@ -214,16 +216,15 @@ void declareDecode(CLI::App& verb, Options& options)
 template <class Stream = Xdr>
 Pass decodeInto(Object& object, Bytes& message, std::string& text)
 {
-    const schema::Type& type = object.type();
-    const auto mode = static_cast<Xdr::Request>(1);
+    const Type& type = object.type();
     if constexpr (Traceable<Stream>) {
         typename Stream::Trace trace;
-        const Pass pass = runTraced<Stream>(mode, type.routine, type.name, object.data(), message, trace);
+        const Pass pass = runTraced<Stream>(Mode::decode, type.routine, type.name, object.data(), message, trace);
         if (!trace.complete()) throw std::bad_alloc();
         text = std::string(trace.text()) + '\n';
         return pass;
     } else {
-        const Pass pass = runPass(mode, type.routine, object.data(), message);
+        const Pass pass = runPass(Mode::decode, type.routine, object.data(), message);
         text = "This platform's stream collects no trace.\n";
         return pass;
     }
@@ -232,14 +233,14 @@ Pass decodeInto(Object& object, Bytes& message, std::string& text)
 int runDecode(const Options& options)
 {
     const Catalogue catalogue;
-    const schema::Type& type = typeNamed(options.type, catalogue);
+    const Type& type = typeNamed(options.type, catalogue);
     Bytes message = messageFrom(options);
     const auto refused = [&](const Failure& failure) {
         return Stop{uncodable,
                     nameOf(options.file) + ": cannot decode " + type.name + ' ' + explained(failure, message.size())};
     };
 
-    // The schema's own reading comes first: it bounds the nesting, which the codec leaves to the stack.
+    // The inspector's own reading comes first: it bounds the nesting, which the codec leaves to the stack.
     const Reading reading = readMessage(type, message);
     if (reading.failure && reading.nestsTooDeeply) throw refused(*reading.failure);
 
@@ -270,7 +271,7 @@ void declareEncode(CLI::App& verb, Options& options)
         ->capture_default_str();
 }
 
-Object objectFrom(const schema::Type& type, const std::string& file)
+Object objectFrom(const Type& type, const std::string& file)
 {
     try {
         return fromJson(type, parseJson(contentsOf(file)));
@@ -289,10 +290,10 @@ Object objectFrom(const schema::Type& type, const std::string& file)
 int runEncode(const Options& options)
 {
     const Catalogue catalogue;
-    const schema::Type& type = typeNamed(options.type, catalogue);
+    const Type& type = typeNamed(options.type, catalogue);
     Object object = objectFrom(type, options.file);
     Bytes message(options.limit);
-    const Pass pass = runPass(static_cast<Xdr::Request>(0), type.routine, object.data(), message);
+    const Pass pass = runPass(Mode::encode, type.routine, object.data(), message);
     if (!pass.succeeded) {
         const auto failure = refusalOf(type, object.data(), options.limit);
         throw Stop{uncodable,

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <quorvapixdr/codec.h>
-#include <quorvapixdr/schema.h>
+#include <quorvapixdr/description.h>
 
 #include <cstddef>
 #include <memory>
@@ -13,7 +13,7 @@ namespace quorva::inspect {
 // be zero or as a decode leaves it.
 class Object {
 public:
-    explicit Object(const schema::Type& type) : described(&type), storage(std::make_unique<std::byte[]>(type.size)) {}
+    explicit Object(const Type& type) : described(&type), storage(std::make_unique<std::byte[]>(type.size)) {}
     ~Object()
     {
         if (storage) releaseContents(described->routine, storage.get());
@@ -21,12 +21,12 @@ public:
     Object(Object&&) noexcept = default;
     Object& operator=(Object&&) = delete;
 
-    const schema::Type& type() const { return *described; }
+    const Type& type() const { return *described; }
     std::byte* data() { return storage.get(); }
     const std::byte* data() const { return storage.get(); }
 
 private:
-    const schema::Type* described;
+    const Type* described;
     std::unique_ptr<std::byte[]> storage;  // aligned for every type that interface files can define
 };
 

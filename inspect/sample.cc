@@ -10,11 +10,6 @@
 
 namespace quorva::inspect {
 
-using schema::Form;
-using schema::Kind;
-using schema::Type;
-using schema::Use;
-
 namespace {
 
 constexpr std::size_t padded(std::size_t size)
@@ -59,7 +54,7 @@ public:
 
     std::uint32_t count(const Use& use, const std::byte*)
     {
-        return quantity(use.bound, use.form == Form::list ? sampler.leastSize(*use.type) : 1);
+        return quantity(use.bound, use.form == Form::variableArray ? sampler.leastSize(*use.type) : 1);
     }
 
     bool present(const Use& use, const std::byte*)
@@ -94,18 +89,18 @@ private:
 
     std::int64_t invented(const Type& scalar)
     {
-        const Range range = scalar.builtin == schema::Builtin::Boolean ? Range{0, 1} : rangeOf(scalar);
-        const auto& enumerators = scalar.enumerators;
+        const Range range = scalar.builtin == Builtin::Boolean ? Range{0, 1} : rangeOf(scalar);
+        const auto enumerators = enumeratorsOf(scalar);
         switch (recipe.extent) {
         case Extent::least: return enumerators.empty() ? 0 : enumerators.front().value;
         case Extent::fullest:
-            if (scalar.builtin == schema::Builtin::Float) return 0x7F7FFFFF;  // the largest finite one
+            if (scalar.builtin == Builtin::Float) return 0x7F7FFFFF;  // the largest finite one
             return enumerators.empty() ? range.most : enumerators.back().value;
         case Extent::random: break;
         }
         if (!enumerators.empty() && !chance.oneIn(16)) return enumerators[chance.below(enumerators.size())].value;
         const auto any = static_cast<std::uint32_t>(chance.next());
-        if (scalar.builtin == schema::Builtin::Boolean) return any & 1;
+        if (scalar.builtin == Builtin::Boolean) return any & 1;
         return fromUnit(scalar, chance.oneIn(2) ? any : any & 0x7F);
     }
 
@@ -128,37 +123,39 @@ private:
 
     // ---- Arms ------------------------------------------------------------------------------------------------------
 
-    std::size_t costOf(const schema::Arm& arm) { return sampler.leastSize(arm.member.use); }
+    std::size_t costOf(const Member& arm) { return sampler.leastSize(arm.use); }
 
     std::int64_t choice(const Type& type)
     {
         const std::size_t paid = sampler.leastSize(type) - 4;  // what the walk has reserved for the arm
-        const std::size_t arms = type.arms.size();
-        const std::size_t choices = arms + type.hasDefault;
+        const auto arms = armsOf(type);
+        const std::size_t choices = arms.size() + type.hasDefault;
         const std::size_t turn = recipe.extent != Extent::random ? extremeArm(type, paid)
                                  : firstUnion                    ? static_cast<std::size_t>(recipe.seed % choices)
                                                                  : chance.below(choices);
         firstUnion = false;
-        if (turn == arms)
+        if (turn == arms.size())
             if (const auto value = withoutArm(type)) return *value;
 
-        const schema::Arm* arm = &type.arms[turn % arms];
+        const Member* arm = &arms[turn % arms.size()];
         if (costOf(*arm) > paid + room())
-            arm = &*std::ranges::min_element(type.arms, {}, [&](auto& a) { return costOf(a); });
+            arm = &*std::ranges::min_element(arms, {}, [&](auto& a) { return costOf(a); });
         // A union with a default arm has nothing reserved; its arms may then cost more than there is.
         const std::size_t cost = costOf(*arm);
         if (cost > paid + spare)
             if (const auto value = withoutArm(type)) return *value;
         spare -= std::min(spare, cost - std::min(cost, paid));
-        return arm->cases[recipe.extent == Extent::random ? chance.below(arm->cases.size()) : 0];
+        const auto cases = casesOf(type, *arm);
+        return cases[recipe.extent == Extent::random ? chance.below(cases.size()) : 0];
     }
 
     // The arm with the shortest or, as far as there is room, the longest contents.
     std::size_t extremeArm(const Type& type, std::size_t paid)
     {
+        const auto arms = armsOf(type);
         std::size_t best = 0;
-        for (std::size_t i = 0; i < type.arms.size(); ++i) {
-            const std::size_t cost = costOf(type.arms[i]), record = costOf(type.arms[best]);
+        for (std::size_t i = 0; i < arms.size(); ++i) {
+            const std::size_t cost = costOf(arms[i]), record = costOf(arms[best]);
             if (recipe.extent == Extent::least ? cost < record : cost > record && cost <= paid + room()) best = i;
         }
         return best;
@@ -171,7 +168,7 @@ private:
         const Type& discriminant = discriminantOf(type);
         for (int attempt = 0; attempt < 32 && recipe.extent == Extent::random; ++attempt)
             if (const std::int64_t value = invented(discriminant); !armOf(type, value)) return value;
-        const std::int64_t candidates = discriminant.builtin == schema::Builtin::Boolean ? 2 : 1000;
+        const std::int64_t candidates = discriminant.builtin == Builtin::Boolean ? 2 : 1000;
         for (std::int64_t value = 0; value < candidates; ++value)
             if (!armOf(type, value)) return value;
         return std::nullopt;
@@ -200,20 +197,21 @@ std::size_t Sampler::leastSize(const Type& type)
     if (const auto found = known.find(&type); found != known.end()) return found->second;
     std::size_t size = 4;
     switch (type.kind) {
-    case Kind::builtin:
-    case Kind::enumeration: break;
-    case Kind::record:
+    case TypeKind::builtin:
+    case TypeKind::enumeration: break;
+    case TypeKind::structure:
         size = 0;
-        for (const schema::Member& field : type.fields) size += leastSize(field.use);
+        for (const Member& field : type.members) size += leastSize(field.use);
         break;
-    case Kind::discriminated:
+    case TypeKind::discriminatedUnion:
         if (!type.hasDefault) {
             std::size_t least = SIZE_MAX;
-            for (const schema::Arm& arm : type.arms) least = std::min(least, leastSize(arm.member.use));
+            for (const Member& arm : armsOf(type)) least = std::min(least, leastSize(arm.use));
             size += least;
         }
         break;
-    case Kind::definedAs: size = leastSize(type.target); break;
+    case TypeKind::typeDefinition: size = leastSize(targetOf(type)); break;
+    case TypeKind::foreign: size = 0; break;
     }
     return known[&type] = size;
 }
@@ -222,13 +220,13 @@ std::size_t Sampler::leastSize(const Use& use)
 {
     switch (use.form) {
     case Form::single: return leastSize(*use.type);
-    case Form::vector: return use.bound * leastSize(*use.type);
-    case Form::opaque: return padded(use.bound);
-    case Form::nothing: return 0;
-    case Form::list:
+    case Form::fixedArray: return use.bound * leastSize(*use.type);
+    case Form::fixedOpaque: return padded(use.bound);
+    case Form::none: return 0;
+    case Form::variableArray:
     case Form::optional:
     case Form::string:
-    case Form::bytes: break;
+    case Form::variableOpaque: break;
     }
     return 4;
 }

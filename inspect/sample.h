@@ -2,7 +2,7 @@
 #pragma once
 
 #include <quorvapixdr/codec.h>
-#include <quorvapixdr/schema.h>
+#include <quorvapixdr/description.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -34,15 +34,15 @@ struct Recipe {
 // The same recipe makes the same message everywhere. An object serves one thread at a time.
 class Sampler {
 public:
-    Bytes sample(const schema::Type& type, const Recipe& recipe);
+    Bytes sample(const Type& type, const Recipe& recipe);
 
     // Length of the shortest message of the type, in bytes.
-    std::size_t leastSize(const schema::Type& type);
+    std::size_t leastSize(const Type& type);
 
 private:
-    std::size_t leastSize(const schema::Use& use);
+    std::size_t leastSize(const Use& use);
 
-    std::unordered_map<const schema::Type*, std::size_t> known;
+    std::unordered_map<const Type*, std::size_t> known;
 
     friend class Inventor;
 };

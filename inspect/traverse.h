@@ -1,4 +1,4 @@
-// The walk over a type in the order of the wire, by the schema alone.
+// The walk over a type in the order of the wire, by its description alone.
 //
 // It knows arms, counts, maxima and the place where it is; where numbers and bytes come from is its source's business:
 // a message (wire.cc), an object (wire.cc) or chance (sample.cc). None of it uses the generated routines, so it can
@@ -27,9 +27,8 @@ struct Failure {
 // The open elements of a walk.
 class Path {
 public:
-    void enter(const char* element) { open.push_back({element, "", isName}); }
-    void enterArms(const char* unionName) { open.push_back({unionName, "Union", isName}); }
-    void enterElement(std::size_t index) { open.push_back({"value", "", index}); }
+    void enter(const char* element) { open.push_back({element, isName}); }
+    void enterElement(std::size_t index) { open.push_back({"value", index}); }
     void leave() { open.pop_back(); }
     std::size_t depth() const { return open.size(); }
 
@@ -38,7 +37,7 @@ public:
         std::string path;
         for (const Step& step : open) {
             if (!path.empty()) path += '/';
-            path.append(step.name).append(step.suffix);
+            path += step.name;
             if (step.index != isName) path += '[' + std::to_string(step.index) + ']';
         }
         return path;
@@ -49,7 +48,6 @@ private:
 
     struct Step {
         const char* name;
-        const char* suffix;
         std::size_t index;
     };
     std::vector<Step> open;
@@ -63,6 +61,12 @@ struct Refusal {
 inline std::string beyond(const char* what, std::uint32_t number, std::uint32_t maximum)
 {
     return std::string(what) + ' ' + std::to_string(number) + " is beyond the maximum " + std::to_string(maximum);
+}
+
+// Why nothing can be said about a value of a type of another library.
+inline std::string foreignReason(const Type& type)
+{
+    return std::string(type.name) + " is a type of another library, whose description is not here";
 }
 
 // A `Source` has, with `at` the address of the part in question (null where the source has no object):
@@ -79,7 +83,7 @@ public:
     Traversal(Source& from, Path& where) : source(from), path(where) {}
 
     // Walks over one value of the type; what stopped it, if anything did. The path then keeps the open elements.
-    std::optional<Failure> run(const schema::Type& type, const std::byte* at = nullptr)
+    std::optional<Failure> run(const Type& type, const std::byte* at = nullptr)
     {
         try {
             walk(type, at);
@@ -95,73 +99,74 @@ private:
     static At pointerAt(At at) { return at ? load<At>(at) : nullptr; }
     static At blockAt(At at) { return at ? load<Block>(at).elements : nullptr; }
 
-    void walk(const schema::Type& type, At at)
+    void walk(const Type& type, At at)
     {
         if (path.depth() > deepestNesting)
             throw Refusal{"elements are nested deeper than " + std::to_string(deepestNesting) + " levels"};
         switch (type.kind) {
-        case schema::Kind::builtin:
-        case schema::Kind::enumeration:
+        case TypeKind::builtin:
+        case TypeKind::enumeration:
             begin = source.offset();
             source.number(type, at);
             return;
-        case schema::Kind::record:
-            for (const schema::Member& field : type.fields) walkMember(field, at);
+        case TypeKind::structure:
+            for (const Member& field : type.members) walkMember(field, at);
             return;
-        case schema::Kind::discriminated: walkUnion(type, at); return;
-        case schema::Kind::definedAs: walkUse(type.target, at); return;
+        case TypeKind::discriminatedUnion: walkUnion(type, at); return;
+        case TypeKind::typeDefinition: walkUse(targetOf(type), at); return;
+        case TypeKind::foreign: throw Refusal{foreignReason(type)};
         }
     }
 
-    void walkMember(const schema::Member& member, At at)
+    void walkMember(const Member& member, At at)
     {
         path.enter(member.name);
         walkUse(member.use, shifted(at, member.offset));
         path.leave();
     }
 
-    void walkUnion(const schema::Type& type, At at)
+    void walkUnion(const Type& type, At at)
     {
-        const schema::Member& discriminant = type.fields.front();
+        const Member& discriminant = type.members.front();
         path.enter(discriminant.name);
         begin = source.offset();
         const std::int64_t value = source.discriminant(type, shifted(at, discriminant.offset));
         path.leave();
 
-        path.enterArms(type.name);
-        const schema::Arm* arm = armOf(type, value);
+        path.enter(type.armElement);
+        const Member* arm = armOf(type, value);
         if (!arm && !type.hasDefault)
             throw Refusal{std::string(discriminant.name) + ' ' + numberText(discriminantOf(type), value) +
                           " has no arm in " + type.name};
-        if (arm && arm->member.use.form != schema::Form::nothing) walkMember(arm->member, at);
+        if (arm && arm->use.form != Form::none) walkMember(*arm, at);
         path.leave();
     }
 
-    void walkUse(const schema::Use& use, At at)
+    void walkUse(const Use& use, At at)
     {
         begin = source.offset();
         switch (use.form) {
-        case schema::Form::single: walk(*use.type, at); return;
-        case schema::Form::vector: walkElements(*use.type, use.bound, at); return;
-        case schema::Form::list: walkElements(*use.type, judgedCount(use, at), blockAt(at)); return;
-        case schema::Form::optional:
+        case Form::single: walk(*use.type, at); return;
+        case Form::fixedArray: walkElements(*use.type, use.bound, at); return;
+        case Form::variableArray: walkElements(*use.type, judgedCount(use, at), blockAt(at)); return;
+        case Form::optional:
             if (source.present(use, at)) walk(*use.type, pointerAt(at));
             return;
-        case schema::Form::string: {
+        case Form::string: {
             const std::uint32_t length = source.length(use, at);
             if (length > use.bound) throw Refusal{beyond("length", length, use.bound)};
             walkContents(use, pointerAt(at), length);
             return;
         }
-        case schema::Form::bytes:
+        case Form::variableOpaque:
             if (const std::uint32_t count = judgedCount(use, at)) walkContents(use, blockAt(at), count);
             return;
-        case schema::Form::opaque: walkContents(use, at, use.bound); return;
-        case schema::Form::nothing: return;
+        case Form::fixedOpaque: walkContents(use, at, use.bound); return;
+        case Form::none: return;
         }
     }
 
-    void walkElements(const schema::Type& type, std::uint32_t count, At at)
+    void walkElements(const Type& type, std::uint32_t count, At at)
     {
         for (std::uint32_t i = 0; i < count; ++i) {
             path.enterElement(i);
@@ -170,13 +175,13 @@ private:
         }
     }
 
-    void walkContents(const schema::Use& use, At at, std::uint32_t size)
+    void walkContents(const Use& use, At at, std::uint32_t size)
     {
         begin = source.offset();
         source.contents(use, at, size);
     }
 
-    std::uint32_t judgedCount(const schema::Use& use, At at)
+    std::uint32_t judgedCount(const Use& use, At at)
     {
         const std::uint32_t raw = source.count(use, at);
         const std::uint32_t held = raw & 0xFFFF;

@@ -1,4 +1,4 @@
-// Messages and objects read by the schema alone.
+// Messages and objects read by the descriptions alone.
 
 #include "wire.h"
 
@@ -7,10 +7,6 @@
 #include <algorithm>
 
 namespace quorva::inspect {
-
-using schema::Form;
-using schema::Type;
-using schema::Use;
 
 namespace {
 

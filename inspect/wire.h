@@ -1,9 +1,9 @@
-// Messages and objects read by the schema alone: why a pass over them fails, and which bytes hold what.
+// Messages and objects read by the descriptions alone: why a pass over them fails, and which bytes hold what.
 #pragma once
 
 #include "traverse.h"
 
-#include <quorvapixdr/schema.h>
+#include <quorvapixdr/description.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -32,10 +32,10 @@ struct Reading {
 
 // Reads a message as a decode pass does, and stops where that fails, but for want of memory and with `deepestNesting`.
 // Bytes behind the value are no failure. `sink`, if any, is given each leaf in the order of the message.
-Reading readMessage(const schema::Type& type, std::span<const unsigned char> message, const LeafSink& sink = {});
+Reading readMessage(const Type& type, std::span<const unsigned char> message, const LeafSink& sink = {});
 
 // Why an encode pass over the object into a buffer of `limit` bytes fails; nothing if it does not.
-std::optional<Failure> refusalOf(const schema::Type& type, const void* object, std::size_t limit);
+std::optional<Failure> refusalOf(const Type& type, const void* object, std::size_t limit);
 
 // "at value[2]/value/JobUnionUnion, byte 24 of 61: attribute 700 has no arm in JobUnion"; at the root just "at byte
 // ...".

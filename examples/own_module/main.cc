@@ -1,7 +1,7 @@
 // Codes a record of our own module, which holds records of the library's, through the C++ layer.
 
 #include <quorvapixdr/codec.h>
-#include <quorvapixdr/station/locker.h>
+#include <quorvapixdr/types/station/locker.h>
 
 #include <cstdio>
 

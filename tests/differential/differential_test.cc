@@ -5,6 +5,7 @@
 #include "peer.h"
 #include "tested_modules.h"
 
+#include <inspect/layout.h>
 #include <inspect/object.h>
 #include <inspect/sample.h>
 
@@ -16,7 +17,6 @@
 using namespace quorva;
 using namespace quorva::test;
 using inspect::Extent;
-using schema::Type;
 
 namespace {
 
@@ -29,8 +29,7 @@ std::vector<Peer> peers()
 {
     std::vector<Peer> all;
     unsigned index = 0;
-    for (const auto* module : testedModules())
-        for (const auto* type : module->types) all.push_back({type, index++});
+    for (const Type* type : inspect::typesOf(testedModules())) all.push_back({type, index++});
     return all;
 }
 
@@ -62,10 +61,10 @@ Outcome theirs(const Peer& peer, const Bytes& message)
 Outcome ours(const Peer& peer, const Bytes& message)
 {
     inspect::Object object(*peer.type);
-    const Pass read = runPass(decoding, peer.type->routine, object.data(), Message(message).span());
+    const Pass read = runPass(Mode::decode, peer.type->routine, object.data(), Message(message).span());
     if (!read.succeeded) return {false, 0, ""};
     Bytes out(room);
-    const Pass written = runPass(encoding, peer.type->routine, object.data(), out);
+    const Pass written = runPass(Mode::encode, peer.type->routine, object.data(), out);
     return {true, read.length, written.succeeded ? hexOf(std::span(out).first(written.length)) : "refused to write"};
 }
 
@@ -90,7 +89,7 @@ bool settled(const Outcome& outcome, const Bytes& message)
 
 }  // namespace
 
-TEST(DifferentialList, tableIsThatOfTheSchema)
+TEST(DifferentialList, tableIsThatOfTheModules)
 {
     for (const Peer& peer : peers()) ASSERT_STREQ(peerTypes[peer.index], peer.type->name);
     ASSERT_EQ(peerTypes[peers().size()], nullptr);
@@ -98,7 +97,7 @@ TEST(DifferentialList, tableIsThatOfTheSchema)
 
 TEST_P(Differential, writesTheSameBytes)
 {
-    for (const Bytes& wire : samples(std::clamp<std::size_t>(type.arms.size(), 4, 300))) {
+    for (const Bytes& wire : samples(std::clamp<std::size_t>(inspect::armsOf(type).size(), 4, 300))) {
         const Outcome same = {true, wire.size(), hexOf(wire)};
         ASSERT_EQ(ours(GetParam(), wire), same);
         ASSERT_EQ(theirs(GetParam(), wire), same) << "by libtirpc";
@@ -109,7 +108,7 @@ TEST_P(Differential, writesTheSameBytes)
 // soon as one of them finds nothing beyond its ranges in it; where neither does, the listed differences are at work.
 TEST_P(Differential, refusesTheSameMessages)
 {
-    std::mt19937 random(type.line);
+    std::mt19937 random(inspect::documentationOf(type).line);
     for (const Bytes& wire : samples(2)) {
         for (std::size_t size = 0; size < wire.size(); ++size) {
             const Bytes cut(wire.begin(), wire.begin() + static_cast<std::ptrdiff_t>(size));

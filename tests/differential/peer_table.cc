@@ -6,6 +6,6 @@
 
 int main()
 {
-    for (const auto* module : quorva::test::testedModules())
-        for (const auto* type : module->types) std::printf("TYPE(%s)\n", type->name);
+    for (const auto* type : quorva::inspect::typesOf(quorva::test::testedModules()))
+        std::printf("TYPE(%s)\n", type->name);
 }

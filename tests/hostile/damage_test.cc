@@ -1,8 +1,8 @@
-// Messages of every type, damaged in every place: whatever comes of it, nothing is read that nobody wrote, nothing is left,
-// and the two ways through a generated body agree.
+// Messages of every type, damaged in every place: whatever comes of it, nothing is read that nobody wrote, nothing is
+// left, and the two ways of a routine agree.
 //
-// DAMAGE_STRIDE says how dense the tests are in the whole: 1 does everything, 29 is for every day. At the end stands how
-// many messages were decoded.
+// DAMAGE_STRIDE says how dense the tests are in the whole: 1 does everything, 29 is for every day. At the end stands
+// how many messages were decoded.
 
 #include "passes_over.h"
 
@@ -17,7 +17,6 @@
 using namespace quorva;
 using namespace quorva::test;
 using inspect::Extent;
-using schema::Type;
 
 namespace {
 
@@ -107,20 +106,21 @@ protected:
     // What holds for any message. Returns what a decode left.
     Decoded judged(const Bytes& message)
     {
-        Decoded direct = decoded(type, Way::direct, message, granted);
-        EXPECT_EQ(direct, decoded(type, Way::traced, message, granted));
-        EXPECT_LE(direct.length, message.size());
-        EXPECT_LE(direct.allocations, static_cast<long>(message.size() / 4)) << "each takes a unit of the message at least";
-        EXPECT_TRUE(!holdsUnwritten(direct.left) || holdsUnwritten(message)) << hexOf(direct.left);
+        Decoded plain = decoded(type, Way::plain, message, granted);
+        EXPECT_EQ(plain, decoded(type, Way::interpreted, message, granted));
+        EXPECT_LE(plain.length, message.size());
+        EXPECT_LE(plain.allocations, static_cast<long>(message.size() / 4))
+            << "each takes a unit of the message at least";
+        EXPECT_TRUE(!holdsUnwritten(plain.left) || holdsUnwritten(message)) << hexOf(plain.left);
         decodes += 2;
-        return direct;
+        return plain;
     }
 
     void judgeFailure(const Bytes& message)
     {
         TraceText trace;
         inspect::Object object(type);
-        runTraced(decoding, type.routine, type.name, object.data(), Message(message).span(), trace);
+        runTraced(Mode::decode, type.routine, type.name, object.data(), Message(message).span(), trace);
         EXPECT_TRUE(trace.path().starts_with(type.name)) << trace.path();
         EXPECT_TRUE(isXml(std::string(trace.text()) + closing(trace.path()))) << trace.text();
         inspect::toJson(type, object.data());
@@ -138,7 +138,8 @@ TEST_P(EveryType, isDamaged)
     for (const Extent extent : {Extent::least, Extent::random, Extent::fullest}) {
         const Bytes whole = sampler.sample(type, {extent, 0, longest});
         const Damages damages(whole);
-        for (std::size_t number = type.line % stride(); number < damages.count(); number += stride()) {
+        for (std::size_t number = inspect::documentationOf(type).line % stride(); number < damages.count();
+             number += stride()) {
             const Bytes message = damages.at(number);
             const Decoded what = judged(message);
             if (damages.isTruncation(number)) {

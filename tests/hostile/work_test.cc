@@ -1,7 +1,8 @@
 // What the worst messages of every type of the library cost, against the bounds that SECURITY.md prints.
 //
-// The messages are made from the schema: down to the innermost list that costs most, each count the largest that the list
-// takes. A decode then allocates a block at each level and fails in the last one, so that it has to empty them all.
+// The messages are made from the descriptions: down to the innermost list that costs most, each count the largest that
+// the list takes. A decode then allocates a block at each level and fails in the last one, so that it has to empty them
+// all.
 
 #include "bounds.h"
 #include "passes_over.h"
@@ -26,10 +27,6 @@
 using namespace quorva;
 using namespace quorva::test;
 using inspect::Extent;
-using schema::Form;
-using schema::Kind;
-using schema::Type;
-using schema::Use;
 
 namespace {
 
@@ -38,9 +35,7 @@ constexpr std::size_t longestText = std::size_t{1} << 32;  // with its zero
 
 std::vector<const Type*> libraryTypes()
 {
-    std::vector<const Type*> types;
-    for (const auto* module : schema::modules()) types.insert(types.end(), module->types.begin(), module->types.end());
-    return types;
+    return inspect::typesOf(modules());
 }
 
 // Adds up what a type can cost along one path through it: the costliest arm, the costliest field, an element of a list.
@@ -68,9 +63,7 @@ public:
     static std::vector<const Use*> usesOf(const Type& type)
     {
         std::vector<const Use*> uses;
-        for (const auto& field : type.fields) uses.push_back(&field.use);
-        for (const auto& arm : type.arms) uses.push_back(&arm.member.use);
-        if (type.kind == Kind::definedAs) uses.push_back(&type.target);
+        for (const Member& member : type.members) uses.push_back(&member.use);
         return uses;
     }
 
@@ -86,9 +79,9 @@ public:
     explicit Attack(bool withTexts)
         : costs([withTexts](const Use& use) -> std::size_t {
               switch (use.form) {
-              case Form::list: return std::size_t{use.bound} * use.type->size;
+              case Form::variableArray: return std::size_t{use.bound} * use.type->size;
               case Form::optional: return use.type->size;
-              case Form::bytes: return use.bound;
+              case Form::variableOpaque: return use.bound;
               case Form::string: return withTexts ? longestText : 0;
               default: return 0;
               }
@@ -115,15 +108,16 @@ private:
 
     void attack(const Type& type)
     {
-        if (type.kind == Kind::discriminated) {
-            const auto arm = std::ranges::max_element(type.arms, {}, [&](auto& a) { return costs.of(a.member.use); });
-            unit(inspect::toUnit(inspect::discriminantOf(type), arm->cases.front()));
-            attack(arm->member.use);
-        } else if (type.kind == Kind::definedAs) {
-            attack(type.target);
-        } else if (!type.fields.empty()) {
-            const auto worst = std::ranges::max_element(type.fields, {}, [&](auto& f) { return costs.of(f.use); });
-            for (auto field = type.fields.begin(); field != worst; ++field) passOver(field->use);
+        if (type.kind == TypeKind::discriminatedUnion) {
+            const auto arms = inspect::armsOf(type);
+            const auto arm = std::ranges::max_element(arms, {}, [&](auto& a) { return costs.of(a.use); });
+            unit(inspect::toUnit(inspect::discriminantOf(type), inspect::casesOf(type, *arm).front()));
+            attack(arm->use);
+        } else if (type.kind == TypeKind::typeDefinition) {
+            attack(inspect::targetOf(type));
+        } else if (!type.members.empty()) {
+            const auto worst = std::ranges::max_element(type.members, {}, [&](auto& f) { return costs.of(f.use); });
+            for (auto field = type.members.begin(); field != worst; ++field) passOver(field->use);
             attack(worst->use);
         }
     }
@@ -132,7 +126,7 @@ private:
     {
         if (costs.of(use) == 0) return;
         if (use.form == Form::string) unit(0xFFFFFFFF);
-        if (use.form == Form::list || use.form == Form::bytes) unit(use.bound);
+        if (use.form == Form::variableArray || use.form == Form::variableOpaque) unit(use.bound);
         if (use.form == Form::optional) unit(1);
         if (use.type) attack(*use.type);
     }
@@ -140,9 +134,10 @@ private:
     // The shortest that this part can be.
     void passOver(const Use& use)
     {
-        const std::size_t times = use.form == Form::vector ? use.bound : 1;
-        Bytes part(use.form == Form::nothing ? 0 : use.form == Form::opaque ? (use.bound + 3) / 4 * 4 : 4);
-        if (use.form == Form::single || use.form == Form::vector) part = sampler.sample(*use.type, {Extent::least, 0, longest});
+        const std::size_t times = use.form == Form::fixedArray ? use.bound : 1;
+        Bytes part(use.form == Form::none ? 0 : use.form == Form::fixedOpaque ? (use.bound + 3) / 4 * 4 : 4);
+        if (use.form == Form::single || use.form == Form::fixedArray)
+            part = sampler.sample(*use.type, {Extent::least, 0, longest});
         for (std::size_t i = 0; i < times; ++i) message.insert(message.end(), part.begin(), part.end());
     }
 
@@ -195,7 +190,7 @@ TEST(Work, aFailedDecodeAllocates)
             const Bytes whole = attack.on(*type);
             for (const Bytes& message : variantsOf(whole)) {
                 Storage object(*type);
-                object.run(decoding, Message(message).span());
+                object.run(Mode::decode, Message(message).span());
                 (withTexts ? text : block).meet(largestAllocation(), *type);
                 if (!withTexts) sum.meet(allocatedBytes(), *type);
                 ASSERT_LE(allocations(), static_cast<long>(message.size() / 4)) << type->name << ": each takes a unit";
@@ -211,14 +206,14 @@ TEST(Work, aFailedDecodeAllocates)
     text.expectWithin("address space of a text");
 }
 
-// By the schema: what each part takes in memory against the least that it takes on the wire, added up over the levels
-// that the same bytes of the message count for. And by the samples, which must not take more.
+// By the descriptions: what each part takes in memory against the least that it takes on the wire, added up over the
+// levels that the same bytes of the message count for. And by the samples, which must not take more.
 TEST(Work, aSuccessfulDecodeAllocates)
 {
     inspect::Sampler sampler;
     Costliest<std::function<double(const Use&)>> factors([&](const Use& use) {
-        if (use.form == Form::string || use.form == Form::bytes) return 1.0;
-        if (use.form != Form::list && use.form != Form::optional) return 0.0;
+        if (use.form == Form::string || use.form == Form::variableOpaque) return 1.0;
+        if (use.form != Form::variableArray && use.form != Form::optional) return 0.0;
         const std::size_t flag = use.form == Form::optional ? 4 : 0;
         return static_cast<double>(use.type->size) / static_cast<double>(flag + sampler.leastSize(*use.type));
     });
@@ -228,7 +223,7 @@ TEST(Work, aSuccessfulDecodeAllocates)
         for (const Extent extent : {Extent::least, Extent::random, Extent::fullest}) {
             const Bytes message = sampler.sample(*type, {extent, 0, longest});
             Storage object(*type);
-            ASSERT_TRUE(object.run(decoding, Message(message).span()).succeeded) << type->name;
+            ASSERT_TRUE(object.run(Mode::decode, Message(message).span()).succeeded) << type->name;
             ASSERT_LE(static_cast<double>(allocatedBytes()), factors.of(*type) * static_cast<double>(message.size())) << type->name;
             ASSERT_TRUE(object.releasesAll()) << type->name;
         }
@@ -298,7 +293,7 @@ TEST(Work, passesStandOnTheStack)
                 const Message message(bytes);
                 Storage object(*type);
                 TraceText trace;
-                const auto pass = [&](Xdr::Request mode) {
+                const auto pass = [&](Mode mode) {
                     const std::size_t start = microseconds();
                     (withTrace ? traced : untraced).meet(Stack::usedBy([&] {
                         runPass(mode, type->routine, object.data(), message.span(),
@@ -306,12 +301,12 @@ TEST(Work, passesStandOnTheStack)
                     }), *type);
                     time.meet(microseconds() - start, *type);
                 };
-                pass(decoding);
-                pass(encoding);
+                pass(Mode::decode);
+                pass(Mode::encode);
                 if (withTrace && &bytes >= &messages[2])  // the trace of a release is as long as the lists are
                     releaseContents(type->routine, object.data());
                 else
-                    pass(releasing);
+                    pass(Mode::release);
             }
     }
 #ifdef __clang__
@@ -336,7 +331,7 @@ TEST(Work, aFailedDecodeTouches)
                 const Message message(bytes);
                 Storage object(*type);
                 const std::size_t before = resident();
-                object.run(decoding, message.span());
+                object.run(Mode::decode, message.span());
                 const std::size_t after = resident();
                 touched.meet(after - std::min(before, after), *type);
                 ASSERT_TRUE(object.releasesAll()) << type->name;

@@ -8,20 +8,19 @@
 
 using namespace quorva;
 using namespace quorva::inspect;
-namespace types = quorva::schema::types;
 
 namespace {
 
 Bytes encoded(Object& object)
 {
     Bytes message(longestMessage);
-    const Pass pass = runPass(Xdr::encode, object.type().routine, object.data(), message);
+    const Pass pass = runPass(Mode::encode, object.type().routine, object.data(), message);
     EXPECT_TRUE(pass.succeeded);
     message.resize(pass.length);
     return message;
 }
 
-std::string faultsOf(const schema::Type& type, const std::string& text)
+std::string faultsOf(const Type& type, const std::string& text)
 {
     try {
         fromJson(type, parseJson(text));
@@ -34,7 +33,7 @@ std::string faultsOf(const schema::Type& type, const std::string& text)
 }
 
 struct Form {
-    const schema::Type& type;
+    const Type& type;
     const char* message;
     const char* json;
 };
@@ -83,7 +82,7 @@ TEST(Json, each_form_survives_both_ways)
         SCOPED_TRACE(std::string(form.type.name) + ' ' + form.message);
         Bytes message = *bytesOfDigits(form.message);
         Object object(form.type);
-        ASSERT_TRUE(runPass(Xdr::decode, form.type.routine, object.data(), message).succeeded);
+        ASSERT_TRUE(runPass(Mode::decode, form.type.routine, object.data(), message).succeeded);
         EXPECT_EQ(toJson(form.type, object.data()).dump(), form.json);
         Object again = fromJson(form.type, parseJson(form.json));
         EXPECT_EQ(encoded(again), message);
@@ -112,7 +111,7 @@ TEST(Json, faults_tell_place_and_expectation)
     const char* const floatWanted =
         R"(expected a number or {"bits": "7fc00001"} with eight hexadecimal digits, found an object)";
     const struct {
-        const schema::Type& type;
+        const Type& type;
         std::string json, fault;
     } wrong[] = {
         {types::Natural, "70000", "expected a whole number from 0 to 65535, found 70000"},

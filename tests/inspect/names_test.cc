@@ -8,7 +8,6 @@
 
 using namespace quorva;
 using namespace quorva::inspect;
-namespace types = quorva::schema::types;
 
 namespace {
 
@@ -38,8 +37,8 @@ TEST(Names, a_description_tells_all)
           "Provisional: numbers until the station's makers agree on them\n", "-1         string reason<65535>\n",
           "7          AccessUnion access\n", "any other  void\n"})
         EXPECT_NE(text.find(part), std::string::npos) << part << "\nis missing in\n" << text;
-    EXPECT_EQ(declaration(types::Locker.fields[1].use, "code"), "ShortNatural code[10]");
-    EXPECT_EQ(declaration(types::Neighbour.target, ""), "Locker *");
+    EXPECT_EQ(declaration(types::Locker.members[1].use, "code"), "ShortNatural code[10]");
+    EXPECT_EQ(declaration(types::Neighbour.members.front().use, ""), "Locker *");
 
     const std::string enumeration = descriptionText(types::DoorState, Catalogue());
     for (const char* part : {"enumerators\n    0    DSopen\n", "3    DSjammed   neither sensor switch is pressed\n", "255  DSunknown\n"})
@@ -49,11 +48,67 @@ TEST(Names, a_description_tells_all)
         EXPECT_NE(record.find(part), std::string::npos) << part << "\nis missing in\n" << record;
 }
 
+// A mark at a member alone: in the description, in the list of types, and counted where the type itself is settled.
+TEST(Names, provisional_members_are_marked)
+{
+    static constexpr Member fields[] = {{"id", {&types::LongNatural, 0, Form::single}, 0, 2},
+                                        {"colour", {&types::Natural, 0, Form::single}, 4, 6},
+                                        {"rest", {&types::Natural, 0, Form::single}, 6, 4}};
+    static constexpr Member arms[] = {{"kind", {&types::LongInteger, 0, Form::single}, 0, 4},
+                                      {"", {}, 0, 0},
+                                      {"number", {&types::LongNatural, 0, Form::single}, 4, 6}};
+    static constexpr Case cases[] = {{3, 1}, {7, 2}, {0xFFFFFFFE, 2}};
+    static constexpr Type structure = {
+        .name = "Panel", .kind = TypeKind::structure, .size = 8, .alignment = 4, .members = fields};
+    static constexpr Type choice = {.name = "Choice",
+                                    .kind = TypeKind::discriminatedUnion,
+                                    .size = 8,
+                                    .alignment = 4,
+                                    .members = arms,
+                                    .cases = cases,
+                                    .armElement = "ChoiceUnion"};
+    static constexpr Type draft = {
+        .name = "Draft", .kind = TypeKind::structure, .size = 8, .alignment = 4, .members = fields};
+    static constexpr MemberDocumentation ofFields[] = {{}, {"of the lamp", "until the lamp is chosen"}, {"", ""}};
+    static constexpr MemberDocumentation ofArms[] = {{}, {}, {"", "its number may change"}};
+    static constexpr Documentation documentation[] = {
+        {.type = &structure, .line = 3, .members = ofFields},
+        {.type = &choice, .line = 9, .members = ofArms},
+        {.type = &draft, .line = 20, .provisional = "", .members = ofFields}};
+    static constexpr Module panels = {"panels", "panels.x", "", documentation};
+    static constexpr const Module* known[] = {&panels};
+    addModules(known);
+
+    const std::string text = descriptionText(structure, Catalogue()) + descriptionText(choice, Catalogue());
+    for (const char* part :
+         {"    LongNatural id\n", "    Natural colour  of the lamp  provisional: until the lamp is chosen\n",
+          "    Natural rest                 provisional\n", "arms by LongInteger kind\n    3   void\n",
+          "    -2  LongNatural number  provisional: its number may change\n"})
+        EXPECT_NE(text.find(part), std::string::npos) << part << "\nis missing in\n" << text;
+
+    const std::vector<const Type*> all = typesOf(known);
+    EXPECT_EQ(typesText(all),
+              "Panel   record  panels  2 provisional members\n"
+              "Choice  union   panels  1 provisional member\n"
+              "Draft   record  panels  provisional\n");
+    EXPECT_EQ(typesJson(all)[0]["provisionalMembers"].dump(), R"(["colour","rest"])");
+    EXPECT_EQ(
+        descriptionJson(choice, Catalogue())["arms"][1].dump(),
+        R"({"cases":[-2,7],"name":"number","form":"single","type":"LongNatural","offset":4,"provisional":"its number may change"})");
+    for (const Type* type : all) EXPECT_TRUE(isProvisional(*type)) << type->name;
+    EXPECT_FALSE(isProvisional(types::Locker));
+    const std::string summary = summaryText(known);
+    EXPECT_NE(
+        summary.find("layouts         2 settled, 1 provisional\nmembers         3 provisional in settled types\n"),
+        std::string::npos)
+        << summary;
+}
+
 // The same for programs, member by member.
 TEST(Names, a_description_as_json)
 {
     const struct {
-        const schema::Type& type;
+        const Type& type;
         const char* pointer;
         const char* value;
     } cases[] = {

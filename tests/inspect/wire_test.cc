@@ -12,14 +12,13 @@
 
 using namespace quorva;
 using namespace quorva::inspect;
-namespace types = quorva::schema::types;
 
 namespace {
 
 TEST(Wire, failed_decodes_are_explained)
 {
     const struct {
-        const schema::Type& type;
+        const Type& type;
         const char* message;
         const char* explanation;
     } failures[] = {
@@ -51,7 +50,7 @@ TEST(Wire, failed_decodes_are_explained)
 TEST(Wire, failed_encodes_are_explained)
 {
     const struct {
-        const schema::Type& type;
+        const Type& type;
         const char* json;
         std::size_t limit;
         const char* explanation;
@@ -102,20 +101,20 @@ TEST(Wire, leaves_cover_the_message)
               "12+4 EventUnionUnion/access/AccessUnionUnion/owner \"A\\xe4\\x22\"\n");
 }
 
-// The schema's reading and the codec's pass are two writings of one rule: whatever the message, they have to agree.
+// The inspector's reading and the codec's pass are two writings of one rule: whatever the message, they have to agree.
 TEST(Wire, agrees_with_the_codec)
 {
-    const schema::Type* const all[] = {&types::AccessUnion, &types::Drive,   &types::EventUnion,   &types::LockerIdSeq,
-                                       &types::Neighbour,   &types::Picture, &types::StationUnion, &types::Visit};
+    const Type* const all[] = {&types::AccessUnion, &types::Drive,   &types::EventUnion,   &types::LockerIdSeq,
+                               &types::Neighbour,   &types::Picture, &types::StationUnion, &types::Visit};
     Sampler sampler;
     int failed = 0;
-    for (const schema::Type* type : all) {
+    for (const Type* type : all) {
         for (std::uint64_t seed = 0; seed < 400; ++seed) {
             Bytes message = sampler.sample(*type, {Extent::random, seed / 2, 500});
             Object whole(*type);
-            ASSERT_TRUE(runPass(Xdr::decode, type->routine, whole.data(), message).succeeded);
+            ASSERT_TRUE(runPass(Mode::decode, type->routine, whole.data(), message).succeeded);
             Bytes again(message.size());
-            EXPECT_TRUE(runPass(Xdr::encode, type->routine, whole.data(), again).succeeded);
+            EXPECT_TRUE(runPass(Mode::encode, type->routine, whole.data(), again).succeeded);
             EXPECT_EQ(again, message);
             EXPECT_FALSE(refusalOf(*type, whole.data(), message.size()));
             EXPECT_TRUE(refusalOf(*type, whole.data(), message.size() - 1));
@@ -131,7 +130,7 @@ TEST(Wire, agrees_with_the_codec)
             Object object(*type);
             Xdr::Trace trace;
             const Pass pass =
-                runPass(Xdr::decode, type->routine, object.data(), message, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
+                runPass(Mode::decode, type->routine, object.data(), message, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
             const Reading reading = readMessage(*type, message);
             ASSERT_EQ(!reading.failure, pass.succeeded);
             if (reading.failure) {
@@ -166,9 +165,9 @@ TEST(Wire, nesting_is_bounded)
     for (int i = 0; i < 300; ++i)
         message.insert(message.end(), door.begin() + static_cast<std::ptrdiff_t>(countAt) + 4, door.end());
     Object deep(types::Locker), shallow(types::Locker);
-    ASSERT_TRUE(runPass(Xdr::decode, types::Locker.routine, deep.data(), message).succeeded);
+    ASSERT_TRUE(runPass(Mode::decode, types::Locker.routine, deep.data(), message).succeeded);
     EXPECT_THROW(toJson(types::Locker, deep.data()), Refusal);
-    ASSERT_TRUE(runPass(Xdr::decode, types::Locker.routine, shallow.data(), door).succeeded);
+    ASSERT_TRUE(runPass(Mode::decode, types::Locker.routine, shallow.data(), door).succeeded);
     const Json one = toJson(types::Locker, shallow.data());
     Json many = one;
     for (int i = 0; i < 300; ++i) {
@@ -195,9 +194,9 @@ TEST(Sample, is_as_promised)
     EXPECT_EQ(sampler.sample(types::LockerIdSeq, {Extent::fullest, 0, 1024}).size(), 28u);
 
     std::set<unsigned char> attributes;
-    for (std::uint64_t seed = 0; seed < types::StationUnion.arms.size(); ++seed)
+    for (std::uint64_t seed = 0; seed < armsOf(types::StationUnion).size(); ++seed)
         attributes.insert(sampler.sample(types::StationUnion, {Extent::random, seed, 1024})[3]);
-    EXPECT_EQ(attributes.size(), types::StationUnion.arms.size());
+    EXPECT_EQ(attributes.size(), armsOf(types::StationUnion).size());
 }
 
 }  // namespace

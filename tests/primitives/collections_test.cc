@@ -4,8 +4,8 @@
 #include "codec_tools.h"
 #include "memory.h"
 
-#include <quorvapixdr/common/status.h>
-#include <quorvapixdr/jobs/kinds.h>
+#include <quorvapixdr/types/common/status.h>
+#include <quorvapixdr/types/jobs/kinds.h>
 
 #include <gtest/gtest.h>
 
@@ -45,13 +45,13 @@ int pairOfLabels(Xdr* xdrs, void* object)
     return XdrVector(xdrs, object, 2, sizeof(char*), label);
 }
 
-Pass pass(Xdr::Request mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
+Pass pass(Mode mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
 {
     const Watch watch;
     return runPass(mode, routine, object, buffer);
 }
 
-std::string traceOf(Xdr::Request mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
+std::string traceOf(Mode mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
 {
     TraceText trace;
     runPass(mode, routine, object, buffer, [&](Xdr& xdrs) {
@@ -92,7 +92,7 @@ TEST(Arrays, decode)
         SCOPED_TRACE(expected.why);
         const Message message(bytesOf(expected.wire));
         Counted<char*> held = {};
-        const Pass done = pass(decoding, expected.routine, &held, message.span());
+        const Pass done = pass(Mode::decode, expected.routine, &held, message.span());
         EXPECT_EQ(done.succeeded, expected.succeeded);
         EXPECT_EQ(done.length, expected.length);
         EXPECT_EQ(held.count, expected.count);
@@ -101,7 +101,7 @@ TEST(Arrays, decode)
         for (std::size_t i = 0; i < expected.left.size(); ++i) EXPECT_STREQ(held.elements[i], expected.left[i]) << i;
 
         const auto before = held;
-        pass(releasing, expected.routine, &held, {});
+        pass(Mode::release, expected.routine, &held, {});
         EXPECT_EQ(held.elements, before.elements) << "release leaves the pointer";
         EXPECT_EQ(held.count, before.count);
         EXPECT_EQ(liveBlocks(), 0);
@@ -130,7 +130,7 @@ TEST(Arrays, encode)
     for (auto expected : cases) {
         SCOPED_TRACE(expected.why);
         Bytes buffer(64);
-        const Pass done = pass(encoding, labels<3>, &expected.held, buffer);
+        const Pass done = pass(Mode::encode, labels<3>, &expected.held, buffer);
         EXPECT_EQ(done.succeeded, expected.succeeded);
         EXPECT_EQ(hexOf(std::span(buffer).first(done.length)), expected.wire);
     }
@@ -139,10 +139,10 @@ TEST(Arrays, encode)
 TEST(Arrays, release)
 {
     Counted<char*> noBlock = {2, nullptr};
-    EXPECT_TRUE(pass(releasing, labels<3>, &noBlock, {}).succeeded) << "a count without a block is nothing to free";
+    EXPECT_TRUE(pass(Mode::release, labels<3>, &noBlock, {}).succeeded) << "a count without a block is nothing to free";
     char* own = nullptr;
     Counted<char*> noCount = {0, &own};
-    EXPECT_TRUE(pass(releasing, labels<3>, &noCount, {}).succeeded) << "a count of zero leaves the block";
+    EXPECT_TRUE(pass(Mode::release, labels<3>, &noCount, {}).succeeded) << "a count of zero leaves the block";
     EXPECT_EQ(noCount.elements, &own);
 }
 
@@ -154,12 +154,12 @@ TEST(Arrays, noMemory)
         bool succeeded;
         {
             const Watch watch(first);
-            succeeded = runPass(decoding, labels<3>, &held, message.span()).succeeded;
+            succeeded = runPass(Mode::decode, labels<3>, &held, message.span()).succeeded;
         }
         EXPECT_EQ(succeeded, first == 3);
         EXPECT_EQ(held.count, 2);
         EXPECT_EQ(held.elements != nullptr, first > 0);
-        pass(releasing, labels<3>, &held, {});
+        pass(Mode::release, labels<3>, &held, {});
         EXPECT_EQ(liveBlocks(), 0);
     }
 }
@@ -171,7 +171,7 @@ TEST(Arrays, blockBeyondAllMemory)
     void* block = nullptr;
     std::uint16_t count = 0;
     Xdr xdrs;
-    xdrs.Program(decoding, message.span().data(), 8);
+    xdrs.Program(requestOf(Mode::decode), message.span().data(), 8);
     {
         const Watch watch(Scarcity{.largest = std::size_t{1} << 32});
         EXPECT_EQ(XdrArray(&xdrs, &block, &count, 65535, 0xFFFFFFFF, XdrLongNatural), 0);
@@ -186,27 +186,27 @@ TEST(Arrays, fullCount)
     Bytes wire = bytesOf("00003FFE");
     wire.resize(4 + 4 * 0x3FFE, 0);
     Counted<Natural> held = {};
-    EXPECT_TRUE(runPass(decoding, numbers, &held, wire).succeeded);
+    EXPECT_TRUE(runPass(Mode::decode, numbers, &held, wire).succeeded);
     EXPECT_EQ(held.count, 0x3FFE);
-    pass(releasing, numbers, &held, {});
+    pass(Mode::release, numbers, &held, {});
 }
 
 TEST(Vectors, bytesAndFailure)
 {
     char* pair[2] = {};
     const Message message(bytesOf("00000001 41000000 00000001 42000000"));
-    const Pass whole = pass(decoding, pairOfLabels, pair, message.span());
+    const Pass whole = pass(Mode::decode, pairOfLabels, pair, message.span());
     EXPECT_TRUE(whole.succeeded);
     EXPECT_EQ(whole.length, 16u);
     EXPECT_STREQ(pair[1], "B");
     Bytes buffer(16);
-    EXPECT_TRUE(pass(encoding, pairOfLabels, pair, buffer).succeeded);
+    EXPECT_TRUE(pass(Mode::encode, pairOfLabels, pair, buffer).succeeded);
     EXPECT_EQ(hexOf(buffer), "00000001 41000000 00000001 42000000") << "no count";
-    EXPECT_TRUE(pass(releasing, pairOfLabels, pair, {}).succeeded);
+    EXPECT_TRUE(pass(Mode::release, pairOfLabels, pair, {}).succeeded);
 
     char* cut[2] = {};
-    EXPECT_FALSE(pass(decoding, pairOfLabels, cut, message.span().first(8)).succeeded);
-    EXPECT_TRUE(pass(releasing, pairOfLabels, cut, {}).succeeded);
+    EXPECT_FALSE(pass(Mode::decode, pairOfLabels, cut, message.span().first(8)).succeeded);
+    EXPECT_TRUE(pass(Mode::release, pairOfLabels, cut, {}).succeeded);
     EXPECT_EQ(liveBlocks(), 0);
 }
 
@@ -214,8 +214,8 @@ TEST(Vectors, counts)
 {
     Xdr xdrs;
     Bytes buffer(8);
-    for (const auto mode : {encoding, decoding, releasing}) {
-        xdrs.Program(mode, buffer.data(), 8);
+    for (const auto mode : {Mode::encode, Mode::decode, Mode::release}) {
+        xdrs.Program(requestOf(mode), buffer.data(), 8);
         EXPECT_EQ(XdrVector(&xdrs, nullptr, 0, 4, XdrLongNatural), 1);
         EXPECT_EQ(xdrs.codedLength, 0);
         EXPECT_EQ(XdrVector(&xdrs, buffer.data(), 65536, 0, XdrVoid), 0) << "counts have 16 bits; a larger one is refused";
@@ -243,14 +243,14 @@ TEST(Optional, decode)
         SCOPED_TRACE(expected.why);
         const Message message(bytesOf(expected.wire));
         char** held = nullptr;
-        const Pass done = pass(decoding, optionalLabel, &held, message.span());
+        const Pass done = pass(Mode::decode, optionalLabel, &held, message.span());
         EXPECT_EQ(done.succeeded, expected.succeeded);
         EXPECT_EQ(allocations(), expected.allocated);
         ASSERT_EQ(held != nullptr, expected.allocated > 0);
         if (held) {
             EXPECT_STREQ(*held, expected.left);
         }
-        EXPECT_TRUE(pass(releasing, optionalLabel, &held, {}).succeeded);
+        EXPECT_TRUE(pass(Mode::release, optionalLabel, &held, {}).succeeded);
         EXPECT_EQ(liveBlocks(), 0);
     }
 }
@@ -260,7 +260,7 @@ TEST(Optional, absentForgetsAnOlderPointer)
     char* older = nullptr;
     char** held = &older;
     const Message message(bytesOf("00000000"));
-    EXPECT_TRUE(pass(decoding, optionalLabel, &held, message.span()).succeeded);
+    EXPECT_TRUE(pass(Mode::decode, optionalLabel, &held, message.span()).succeeded);
     EXPECT_EQ(held, nullptr);
 }
 
@@ -270,10 +270,10 @@ TEST(Optional, encode)
     char* label = text;
     char** held = &label;
     Bytes buffer(12);
-    EXPECT_TRUE(pass(encoding, optionalLabel, &held, buffer).succeeded);
+    EXPECT_TRUE(pass(Mode::encode, optionalLabel, &held, buffer).succeeded);
     EXPECT_EQ(hexOf(buffer), "00000001 00000002 41420000");
     held = nullptr;
-    EXPECT_EQ(pass(encoding, optionalLabel, &held, buffer).length, 4u);
+    EXPECT_EQ(pass(Mode::encode, optionalLabel, &held, buffer).length, 4u);
     EXPECT_EQ(hexOf(std::span(buffer).first(4)), "00000000");
 }
 
@@ -284,9 +284,9 @@ TEST(Optional, noMemory)
         char** held = nullptr;
         {
             const Watch watch(first);
-            EXPECT_FALSE(runPass(decoding, optionalLabel, &held, message.span()).succeeded);
+            EXPECT_FALSE(runPass(Mode::decode, optionalLabel, &held, message.span()).succeeded);
         }
-        EXPECT_TRUE(pass(releasing, optionalLabel, &held, {}).succeeded);
+        EXPECT_TRUE(pass(Mode::release, optionalLabel, &held, {}).succeeded);
         EXPECT_EQ(liveBlocks(), 0);
     }
 }
@@ -296,11 +296,11 @@ TEST(Collections, trace)
 {
     Counted<Natural> held = {};
     Bytes buffer = bytesOf("00000002 00000007 00000008");
-    EXPECT_EQ(traceOf(decoding, numbers, &held, buffer), "<held>\n  <value>7</value>\n  <value>8</value>\n</held>");
-    EXPECT_EQ(traceOf(encoding, numbers, &held, buffer), "<held>7 8</held>");
-    EXPECT_EQ(traceOf(releasing, numbers, &held, buffer), "<held></held>");
+    EXPECT_EQ(traceOf(Mode::decode, numbers, &held, buffer), "<held>\n  <value>7</value>\n  <value>8</value>\n</held>");
+    EXPECT_EQ(traceOf(Mode::encode, numbers, &held, buffer), "<held>7 8</held>");
+    EXPECT_EQ(traceOf(Mode::release, numbers, &held, buffer), "<held></held>");
     char** absent = nullptr;
-    EXPECT_EQ(traceOf(encoding, optionalLabel, &absent, buffer), "<held>false</held>");
+    EXPECT_EQ(traceOf(Mode::encode, optionalLabel, &absent, buffer), "<held>false</held>");
 }
 
 // Numbers and enumerators of a list: a line for each where they are decoded, all on one where they are encoded.
@@ -323,9 +323,9 @@ TEST(Lists, lookInTheTrace)
         const Message message(bytesOf("00000003 00000001 00000002 00000063"));
         Counted<std::uint32_t> held = {};
         TraceText decoded, encoded;
-        EXPECT_TRUE(runTraced(decoding, expected.routine, "l", &held, message.span(), decoded).succeeded);
+        EXPECT_TRUE(runTraced(Mode::decode, expected.routine, "l", &held, message.span(), decoded).succeeded);
         EXPECT_EQ(decoded.text(), expected.decoded);
-        EXPECT_TRUE(runTraced(encoding, expected.routine, "l", &held, message.span(), encoded).succeeded);
+        EXPECT_TRUE(runTraced(Mode::encode, expected.routine, "l", &held, message.span(), encoded).succeeded);
         EXPECT_EQ(encoded.text(), expected.encoded);
         releaseContents(expected.routine, &held);
     }
@@ -339,13 +339,13 @@ TEST(Lists, ofEveryLength)
         Bytes expected(4 * (1 + std::size_t{count}));
         for (std::uint32_t i = 0; i <= count; ++i) {
             std::uint32_t number = i == 0 ? count : numbers.emplace_back(0x01020304 * i + 0x80);
-            runPass(encoding, XdrLongNatural, &number, std::span(expected).subspan(4 * i));
+            runPass(Mode::encode, XdrLongNatural, &number, std::span(expected).subspan(4 * i));
         }
         Counted<std::uint32_t> sent = {count, numbers.data()}, received = {};
         Message message(Bytes(expected.size()));
-        EXPECT_TRUE(runPass(encoding, XdrAttributeSeq, &sent, message.span()).succeeded);
+        EXPECT_TRUE(runPass(Mode::encode, XdrAttributeSeq, &sent, message.span()).succeeded);
         EXPECT_TRUE(std::ranges::equal(message.span(), expected)) << count;
-        EXPECT_TRUE(runPass(decoding, XdrAttributeSeq, &received, message.span()).succeeded);
+        EXPECT_TRUE(runPass(Mode::decode, XdrAttributeSeq, &received, message.span()).succeeded);
         EXPECT_TRUE(std::equal(numbers.begin(), numbers.end(), received.elements, received.elements + received.count)) << count;
         releaseContents(XdrAttributeSeq, &received);
     }

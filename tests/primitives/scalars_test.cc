@@ -68,7 +68,7 @@ struct Outcome {
     std::string shown;
 };
 
-Outcome run(Xdr::Request mode, XdrRoutine routine, void* value, std::span<unsigned char> buffer)
+Outcome run(Mode mode, XdrRoutine routine, void* value, std::span<unsigned char> buffer)
 {
     TraceText trace;
     const Pass pass = runPass(mode, routine, value, buffer, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
@@ -83,7 +83,7 @@ TEST(Scalars, decode)
         SCOPED_TRACE(std::string(scalar.wire) + ": " + scalar.why);
         Bytes value(scalar.memory.size(), 0x55);
         const Message message(bytesOf(scalar.wire));
-        const Outcome outcome = run(decoding, scalar.routine, value.data(), message.span());
+        const Outcome outcome = run(Mode::decode, scalar.routine, value.data(), message.span());
         EXPECT_EQ(outcome.pass.succeeded, 1);
         EXPECT_EQ(outcome.pass.length, 4u);
         EXPECT_EQ(hexOf(value), hexOf(scalar.memory));
@@ -98,7 +98,7 @@ TEST(Scalars, encode)
         SCOPED_TRACE(std::string(scalar.wire) + ": " + scalar.why);
         Bytes value = scalar.memory;
         Bytes buffer(4, 0x55);
-        const Outcome outcome = run(encoding, scalar.routine, value.data(), buffer);
+        const Outcome outcome = run(Mode::encode, scalar.routine, value.data(), buffer);
         EXPECT_TRUE(outcome.pass.succeeded);
         EXPECT_EQ(outcome.pass.length, 4u);
         EXPECT_EQ(hexOf(buffer), scalar.wire);
@@ -112,7 +112,7 @@ TEST(Scalars, refused)
 {
     for (const Scalar& scalar : scalars) {
         if (!scalar.bothWays) continue;
-        for (const auto mode : {encoding, decoding}) {
+        for (const auto mode : {Mode::encode, Mode::decode}) {
             SCOPED_TRACE(std::string(scalar.wire) + ": " + scalar.why);
             Bytes value = scalar.memory;
             const Message message(Bytes(3, 0x11));
@@ -134,7 +134,8 @@ TEST(Scalars, null)
         for (const bool cut : {false, true}) {
             const Message message(cut ? Bytes() : bytesOf(scalar.wire));
             Xdr xdrs;
-            xdrs.Program(decoding, message.span().data(), static_cast<unsigned short>(message.span().size()));
+            xdrs.Program(requestOf(Mode::decode), message.span().data(),
+                         static_cast<unsigned short>(message.span().size()));
             {
                 const Watch watch;
                 EXPECT_EQ(scalar.routine(&xdrs, nullptr), cut ? 0 : 1);
@@ -149,12 +150,12 @@ TEST(Scalars, null)
 
         Xdr xdrs;
         unsigned char unit[4] = {};
-        xdrs.Program(decoding, unit, 4);
+        xdrs.Program(requestOf(Mode::decode), unit, 4);
         {
             const Watch watch(0);
             EXPECT_EQ(scalar.routine(&xdrs, nullptr), 0) << "no memory";
         }
-        xdrs.Program(releasing, nullptr, 0);
+        xdrs.Program(requestOf(Mode::release), nullptr, 0);
         {
             const Watch watch;
             EXPECT_EQ(scalar.routine(&xdrs, nullptr), 1) << "scalars own nothing: release allocates nothing";
@@ -168,7 +169,7 @@ TEST(Scalars, null)
 TEST(Scalars, voidAndLongFloat)
 {
     Bytes buffer(8, 0x55);
-    for (const auto mode : {encoding, decoding, releasing}) {
+    for (const auto mode : {Mode::encode, Mode::decode, Mode::release}) {
         EXPECT_TRUE(run(mode, XdrVoid, nullptr, buffer).pass.succeeded);
         EXPECT_EQ(run(mode, XdrLongFloat, nullptr, buffer).pass.succeeded, false) << "the API has no 8-byte float";
     }
@@ -186,7 +187,7 @@ TEST(Scalars, localeWithDecimalComma)
     std::snprintf(printed, sizeof printed, "%.1f", 0.5);
     float value = 1234.5f;
     Bytes buffer(4);
-    const std::string shown = run(encoding, XdrFloat, &value, buffer).shown;
+    const std::string shown = run(Mode::encode, XdrFloat, &value, buffer).shown;
     std::setlocale(LC_ALL, "C");
     ASSERT_STREQ(printed, "0,5");
     EXPECT_EQ(shown, "1234.500000");
@@ -199,9 +200,9 @@ TEST(Scalars, floatIsAnnounced)
     setDiagnosticHook([](const char* text) { heard += text; });
     float value = 1.0f;
     Bytes buffer(4);
-    for (const auto mode : {encoding, decoding, releasing}) run(mode, XdrFloat, &value, buffer);
+    for (const auto mode : {Mode::encode, Mode::decode, Mode::release}) run(mode, XdrFloat, &value, buffer);
     std::uint32_t other = 0;
-    run(encoding, XdrLongNatural, &other, buffer);
+    run(Mode::encode, XdrLongNatural, &other, buffer);
     setDiagnosticHook(nullptr);
     EXPECT_EQ(heard, "In XdrFloat\nIn XdrFloat\nIn XdrFloat\n");
 }

@@ -23,12 +23,12 @@ TEST(Stream, transfer)
         SCOPED_TRACE(std::to_string(expected.size) + " within " + std::to_string(expected.room));
         Bytes value = bytesOf("01020304 05060708"), wire(9, 0x55), back(8, 0x77);
         Xdr xdrs;
-        xdrs.Program(encoding, wire.data(), static_cast<unsigned short>(expected.room));
+        xdrs.Program(requestOf(Mode::encode), wire.data(), static_cast<unsigned short>(expected.room));
         EXPECT_EQ(xdrs.Transfer(value.data(), expected.size), expected.moved);
         EXPECT_EQ(hexOf({wire.data(), xdrs.codedLength}), expected.wire);
         EXPECT_EQ(xdrs.codedLength, expected.moved ? expected.size : 0);
         EXPECT_EQ(wire[xdrs.codedLength], 0x55);
-        xdrs.Program(decoding, wire.data(), static_cast<unsigned short>(expected.room));
+        xdrs.Program(requestOf(Mode::decode), wire.data(), static_cast<unsigned short>(expected.room));
         EXPECT_EQ(xdrs.Transfer(back.data(), expected.size), expected.moved);
         for (std::size_t i = 0; i < back.size(); ++i) EXPECT_EQ(back[i], i < xdrs.codedLength ? value[i] : 0x77);
         EXPECT_EQ(xdrs.codedLength, expected.moved ? expected.size : 0);
@@ -37,13 +37,13 @@ TEST(Stream, transfer)
 
 TEST(Stream, movesOneBehindTheOther)
 {
-    for (const auto mode : {encoding, decoding}) {
+    for (const auto mode : {Mode::encode, Mode::decode}) {
         Bytes wire = bytesOf("0102 AABBCC 00000007"), value = bytesOf("0201"), raw = bytesOf("AABBCC"), unit = bytesOf("07000000");
         const Bytes whole = wire, values[] = {value, raw, unit};
-        Bytes& cleared = mode == encoding ? wire : raw;
+        Bytes& cleared = mode == Mode::encode ? wire : raw;
         cleared.assign(cleared.size(), 0);
         Xdr xdrs;
-        xdrs.Program(mode, wire.data(), static_cast<unsigned short>(wire.size()));
+        xdrs.Program(requestOf(mode), wire.data(), static_cast<unsigned short>(wire.size()));
         EXPECT_EQ(xdrs.cursor(), wire.data());
         EXPECT_TRUE(xdrs.Transfer(value.data(), 2));
         EXPECT_TRUE(xdrs.TransferWithoutSwap(raw.data(), 3));
@@ -71,12 +71,12 @@ TEST(Stream, withoutBufferOrTrace)
     EXPECT_FALSE(xdrs.tracing());
     EXPECT_EQ(xdrs.sink(), nullptr);
     unsigned char bytes[4] = {1, 2, 3, 4};
-    for (const auto mode : {encoding, decoding, releasing}) {
+    for (const auto mode : {Mode::encode, Mode::decode, Mode::release}) {
         EXPECT_FALSE(xdrs.Transfer(bytes, 4));
         EXPECT_FALSE(xdrs.TransferWithoutSwap(bytes, 1));
         EXPECT_TRUE(xdrs.TransferWithoutSwap(bytes, 0));
-        xdrs.Program(mode, nullptr, 8);
-        EXPECT_EQ(xdrs.streamMode, mode);
+        xdrs.Program(requestOf(mode), nullptr, 8);
+        EXPECT_EQ(xdrs.streamMode, static_cast<int>(mode));
         EXPECT_EQ(xdrs.cursor(), xdrs.end());
     }
     EXPECT_FALSE(xdrs.Transfer(bytes, 4));

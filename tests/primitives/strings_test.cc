@@ -27,7 +27,7 @@ int byteArray(Xdr* xdrs, void* object)
     return XdrBytes(xdrs, &bytes->elements, &bytes->count, Maximum);
 }
 
-Pass pass(Xdr::Request mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
+Pass pass(Mode mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
 {
     const Watch watch;
     return runPass(mode, routine, object, buffer);
@@ -76,14 +76,14 @@ TEST(Strings, decode)
         SCOPED_TRACE(expected.why);
         const Message message(bytesOf(expected.wire));
         char* string = nullptr;
-        const Pass done = pass(decoding, expected.routine, &string, message.span());
+        const Pass done = pass(Mode::decode, expected.routine, &string, message.span());
         EXPECT_EQ(done.succeeded, expected.succeeded);
         EXPECT_EQ(done.length, expected.length);
         EXPECT_EQ(allocations(), expected.allocated);
         EXPECT_STREQ(string, expected.left);
 
         const char* const before = string;
-        EXPECT_TRUE(pass(releasing, expected.routine, &string, {}).succeeded);
+        EXPECT_TRUE(pass(Mode::release, expected.routine, &string, {}).succeeded);
         EXPECT_EQ(string, before) << "release leaves the pointer";
         EXPECT_EQ(liveBlocks(), 0);
         EXPECT_EQ(mismatchedReleases(), 0);
@@ -96,12 +96,12 @@ TEST(Strings, largestLength)
     for (const char* wire : {"FFFFFFFF 41414141", "80000000", "7FFFFFFC 41"}) {
         const Message message(bytesOf(wire));
         char* string = nullptr;
-        EXPECT_FALSE(pass(decoding, text<65535>, &string, message.span()).succeeded);
+        EXPECT_FALSE(pass(Mode::decode, text<65535>, &string, message.span()).succeeded);
         EXPECT_GT(largestAllocation(), 0x7FFFFFFCu) << "allocated before judged";
         if (string) {
             EXPECT_STREQ(string, "");
         }
-        EXPECT_TRUE(pass(releasing, text<65535>, &string, {}).succeeded);
+        EXPECT_TRUE(pass(Mode::release, text<65535>, &string, {}).succeeded);
         EXPECT_EQ(liveBlocks(), 0);
     }
 }
@@ -135,7 +135,7 @@ TEST(Strings, encode)
         std::string copy = expected.string;
         char* string = copy.data();
         void* const object = expected.routine == XdrWrapString ? static_cast<void*>(string) : &string;
-        const Pass done = pass(encoding, expected.routine, object, buffer);
+        const Pass done = pass(Mode::encode, expected.routine, object, buffer);
         EXPECT_EQ(done.succeeded, expected.succeeded);
         EXPECT_EQ(copy, expected.string);
         EXPECT_EQ(hexOf(std::span(buffer).first(done.length)), expected.wire);
@@ -143,7 +143,7 @@ TEST(Strings, encode)
     }
     char* none = nullptr;
     Bytes buffer(80);
-    const Pass done = pass(encoding, text<80>, &none, buffer);
+    const Pass done = pass(Mode::encode, text<80>, &none, buffer);
     EXPECT_FALSE(done.succeeded) << "a null text is no text";
     EXPECT_EQ(done.length, 0u);
 }
@@ -153,12 +153,12 @@ TEST(Strings, wrapStringLosesWhatItDecodes)
 {
     char given[] = "given";
     const Message message(bytesOf("00000003 41424300"));
-    EXPECT_TRUE(pass(decoding, XdrWrapString, given, message.span()).succeeded);
+    EXPECT_TRUE(pass(Mode::decode, XdrWrapString, given, message.span()).succeeded);
     EXPECT_STREQ(given, "given");
     ASSERT_EQ(liveBlocks(), 1);
     char* const lost = static_cast<char*>(lastBlock());
     EXPECT_STREQ(lost, "ABC");
-    EXPECT_TRUE(pass(releasing, XdrWrapString, lost, {}).succeeded);
+    EXPECT_TRUE(pass(Mode::release, XdrWrapString, lost, {}).succeeded);
     EXPECT_EQ(liveBlocks(), 0);
 }
 
@@ -168,7 +168,7 @@ TEST(ByteArrays, decode)
         SCOPED_TRACE(expected.why);
         const Message message(bytesOf(expected.wire));
         ByteArray bytes = {};
-        const Pass done = pass(decoding, expected.routine, &bytes, message.span());
+        const Pass done = pass(Mode::decode, expected.routine, &bytes, message.span());
         EXPECT_EQ(done.succeeded, expected.succeeded);
         EXPECT_EQ(done.length, expected.length);
         EXPECT_EQ(allocations(), expected.allocated);
@@ -178,7 +178,8 @@ TEST(ByteArrays, decode)
             EXPECT_EQ(hexOf({bytes.elements, bytes.count}), expected.left);
         }
         const auto before = bytes;
-        EXPECT_EQ(pass(releasing, expected.routine, &bytes, {}).succeeded, expected.allocated > 0 || bytes.count == 0);
+        EXPECT_EQ(pass(Mode::release, expected.routine, &bytes, {}).succeeded,
+                  expected.allocated > 0 || bytes.count == 0);
         EXPECT_EQ(bytes.elements, before.elements);
         EXPECT_EQ(bytes.count, before.count);
         EXPECT_EQ(liveBlocks(), 0);
@@ -189,7 +190,7 @@ TEST(ByteArrays, decode)
 TEST(ByteArrays, countOfZeroLeavesThePointer)
 {
     unsigned char own = 7;
-    for (const auto mode : {encoding, decoding, releasing}) {
+    for (const auto mode : {Mode::encode, Mode::decode, Mode::release}) {
         Bytes buffer(4);
         ByteArray bytes = {0, &own};
         EXPECT_TRUE(pass(mode, byteArray<40>, &bytes, buffer).succeeded);
@@ -202,8 +203,8 @@ TEST(ByteArrays, nullBytes)
 {
     Bytes buffer(80);
     ByteArray none = {3, nullptr};
-    EXPECT_FALSE(pass(encoding, byteArray<40>, &none, buffer).succeeded);
-    EXPECT_TRUE(pass(releasing, byteArray<40>, &none, {}).succeeded) << "left by a decode that found no memory";
+    EXPECT_FALSE(pass(Mode::encode, byteArray<40>, &none, buffer).succeeded);
+    EXPECT_TRUE(pass(Mode::release, byteArray<40>, &none, {}).succeeded) << "left by a decode that found no memory";
 }
 
 TEST(Strings, noMemory)
@@ -213,8 +214,8 @@ TEST(Strings, noMemory)
     ByteArray bytes = {};
     {
         const Watch watch(0);
-        EXPECT_FALSE(runPass(decoding, text<80>, &string, message.span()).succeeded);
-        EXPECT_FALSE(runPass(decoding, byteArray<80>, &bytes, message.span()).succeeded);
+        EXPECT_FALSE(runPass(Mode::decode, text<80>, &string, message.span()).succeeded);
+        EXPECT_FALSE(runPass(Mode::decode, byteArray<80>, &bytes, message.span()).succeeded);
     }
     EXPECT_EQ(string, nullptr);
     EXPECT_EQ(bytes.count, 3);
@@ -228,11 +229,11 @@ TEST(Opaque, traceAndLength)
         Bytes buffer(70000);
         TraceText trace;
         Xdr xdrs;
-        xdrs.Program(encoding, buffer.data(), 65535);
+        xdrs.Program(requestOf(Mode::encode), buffer.data(), 65535);
         xdrs.setTrace(&trace);
         EXPECT_EQ(routine(&xdrs, bytes.data(), length), 1);
         EXPECT_EQ(xdrs.codedLength, moved);
-        xdrs.Program(releasing, nullptr, 0);
+        xdrs.Program(requestOf(Mode::release), nullptr, 0);
         EXPECT_EQ(routine(&xdrs, nullptr, length), 1) << "opaque data is its holder's";
         return std::string(trace.text());
     };

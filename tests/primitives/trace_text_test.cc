@@ -19,56 +19,153 @@ TEST(TraceText, layoutAndPath)
         const char* path;
     } cases[] = {
         {"a leaf stands on one line",
-         [](TraceText& t) { t.open("a"); t.value("1"); t.setLineFeed(false); t.close("a"); }, "<a>1</a>", ""},
+         [](TraceText& t) {
+             t.open("a");
+             t.value("1");
+             t.setLineFeed(false);
+             t.close("a");
+         },
+         "<a>1</a>", ""},
         {"an enumerator stands inside its field's line",
-         [](TraceText& t) { t.open("a"); t.setLineFeed(false); t.open("E"); t.value("1"); t.close("E"); t.close("a"); },
+         [](TraceText& t) {
+             t.open("a");
+             t.setLineFeed(false);
+             t.open("E");
+             t.value("1");
+             t.close("E");
+             t.close("a");
+         },
          "<a><E>1</E></a>", ""},
         {"children are indented",
-         [](TraceText& t) { t.open("a"); t.open("b"); t.value("1"); t.setLineFeed(false); t.close("b"); t.close("a"); },
+         [](TraceText& t) {
+             t.open("a");
+             t.open("b");
+             t.value("1");
+             t.setLineFeed(false);
+             t.close("b");
+             t.close("a");
+         },
          "<a>\n  <b>1</b>\n</a>", ""},
         {"what is open is the path, with the index of an element",
          [](TraceText& t) {
              t.open("a");
-             for (int i = 0; i < 2; ++i) { t.marker("<value>"); t.indent(); t.outdent(); t.marker("</value>"); }
-             t.marker("<value>"); t.indent(); t.open("b");
+             for (int i = 0; i < 2; ++i) {
+                 t.marker("<value>");
+                 t.indent();
+                 t.outdent();
+                 t.marker("</value>");
+             }
+             t.marker("<value>");
+             t.indent();
+             t.open("b");
          },
          "<a>\n  <value></value>\n  <value></value>\n  <value>\n    <b>", "a/value[2]/b"},
         {"elements of elements count from 0 again",
          [](TraceText& t) {
              t.open("a");
-             t.marker("<value>"); t.marker("<value>"); t.marker("</value>"); t.marker("</value>");
-             t.marker("<value>"); t.marker("<value>");
+             t.marker("<value>");
+             t.marker("<value>");
+             t.marker("</value>");
+             t.marker("</value>");
+             t.marker("<value>");
+             t.marker("<value>");
          },
          nullptr, "a/value[1]/value[0]"},
         {"without an enclosing element the index counts as well",
-         [](TraceText& t) { t.marker("<value>"); t.marker("</value>"); t.marker("<value>"); }, nullptr, "value[1]"},
-        {"two contents are kept apart", [](TraceText& t) { t.open("a"); t.value("1"); t.value("2"); t.close("a"); },
+         [](TraceText& t) {
+             t.marker("<value>");
+             t.marker("</value>");
+             t.marker("<value>");
+         },
+         nullptr, "value[1]"},
+        {"two contents are kept apart",
+         [](TraceText& t) {
+             t.open("a");
+             t.value("1");
+             t.value("2");
+             t.close("a");
+         },
          "<a>1 2</a>", ""},
         {"a frame behind a sibling is as deep as the sibling",
          [](TraceText& t) {
-             t.open("a"); t.open("b"); t.close("b"); t.marker("<value>"); t.indent(); t.open("c");
+             t.open("a");
+             t.open("b");
+             t.close("b");
+             t.marker("<value>");
+             t.indent();
+             t.open("c");
          },
          "<a>\n  <b></b>\n  <value>\n    <c>", "a/value[0]/c"},
         {"a name ends a frame, too",
-         [](TraceText& t) { t.open("a"); t.marker("<value>"); t.close("value"); t.marker("<value>"); },
+         [](TraceText& t) {
+             t.open("a");
+             t.marker("<value>");
+             t.close("value");
+             t.marker("<value>");
+         },
          "<a>\n  <value></value>\n  <value>", "a/value[1]"},
         {"what nobody began is ended all the same, and closes nothing",
-         [](TraceText& t) { t.close("a"); t.marker("</value>"); t.open("b"); t.marker("</value>"); t.marker("<"); },
+         [](TraceText& t) {
+             t.close("a");
+             t.marker("</value>");
+             t.open("b");
+             t.marker("</value>");
+             t.marker("<");
+         },
          "</a></value>\n<b></value>\n  <", "b/[0]"},
-        {"markup that is no end", [](TraceText& t) { t.open("a"); t.marker("-/"); }, "<a>\n  -/", "a//[0]"},
+        {"markup that is no end",
+         [](TraceText& t) {
+             t.open("a");
+             t.marker("-/");
+         },
+         "<a>\n  -/", "a//[0]"},
         {"no name at all", [](TraceText& t) { t.open(""); }, "<>", ""},
         {"a dump behind a content",
-         [](TraceText& t) { t.open("a"); t.value("1"); t.hexDump(reinterpret_cast<const unsigned char*>("AB"), 2); t.value("2"); t.close("a"); },
+         [](TraceText& t) {
+             t.open("a");
+             t.value("1");
+             t.hexDump(reinterpret_cast<const unsigned char*>("AB"), 2);
+             t.value("2");
+             t.close("a");
+         },
          "<a>1 41 42 2</a>", ""},
         {"a content behind a dump",
-         [](TraceText& t) { t.open("a"); t.hexDump(reinterpret_cast<const unsigned char*>("AB"), 1); t.value("2"); }, "<a>41 2", "a"},
+         [](TraceText& t) {
+             t.open("a");
+             t.hexDump(reinterpret_cast<const unsigned char*>("AB"), 1);
+             t.value("2");
+         },
+         "<a>41 2", "a"},
         {"less indented than not at all",
-         [](TraceText& t) { t.open("a"); t.outdent(); t.open("b"); t.indent(); t.indent(); t.endLine(); t.open("c"); },
+         [](TraceText& t) {
+             t.open("a");
+             t.outdent();
+             t.open("b");
+             t.indent();
+             t.indent();
+             t.endLine();
+             t.open("c");
+         },
          "<a>\n  <b>\n      <c>", "a/b/c"},
         {"more ends than beginnings",
-         [](TraceText& t) { t.open("a"); t.close("a"); t.close("a"); t.endValue(); t.open("b"); t.endValue(); },
+         [](TraceText& t) {
+             t.open("a");
+             t.close("a");
+             t.close("a");
+             t.outdent();
+             t.marker("</value>");
+             t.open("b");
+             t.outdent();
+             t.marker("</value>");
+         },
          "<a></a></a></value>\n<b></value>", "b"},
-        {"nothing is open behind a name", [](TraceText& t) { t.open("a"); t.close("a"); t.open("b"); }, nullptr, "b"},
+        {"nothing is open behind a name",
+         [](TraceText& t) {
+             t.open("a");
+             t.close("a");
+             t.open("b");
+         },
+         nullptr, "b"},
     };
     for (const auto& expected : cases) {
         SCOPED_TRACE(expected.why);
@@ -145,108 +242,63 @@ TEST(TraceText, hexDump)
     EXPECT_EQ(dumped(17), "<a>\n  " + line + "\n  ab\n</a>");
 }
 
-// Who has much to say adds elements and lines at once: the text is the same as from the calls one by one.
-TEST(TraceText, wholeElements)
+// Names of any length, contents of any length, at any depth.
+TEST(TraceText, elementsOfAnyLength)
 {
-    const auto leaf = [](TraceText& t, const char* name, auto contents) {
-        t.open(name); contents(); t.setLineFeed(false); t.close(name);
-    };
     for (std::size_t length = 1; length < 70; ++length) {
-        const std::string name(length, 'n'), inner = name + "i", text = name + "<\n" + name,
-                          markup = "<" + inner + ">-7</" + inner + ">" + std::string(48, '?');
-        const TraceText::Name shown = {markup.c_str(), markup.size() - 48};
-        TraceText whole, calls;
-        const auto inLine = [&] {
-            calls.setLineFeed(false); calls.open(inner.c_str()); calls.value("-7"); calls.setLineFeed(false); calls.close(inner.c_str());
-        };
-        whole.open("a");
-        calls.open("a");
-        whole.inLine(40, [shown] { return shown; });
-        for (int i = 0; i < 40; ++i) inLine();
-        for (int depth = 0; depth < 20; ++depth) {  // deeper than lines usually are, too
-            whole.element({name.c_str(), length}, text.c_str(), text.size());
-            leaf(calls, name.c_str(), [&] { calls.value(text.c_str()); });
-            whole.framed(35, [shown] { return shown; });
-            for (int i = 0; i < 35; ++i) {
-                calls.marker("<value>"); calls.indent(); inLine(); calls.outdent(); calls.marker("</value>");
-            }
-            whole.framed(2, [n = -1]() mutable { return n += 45; });
-            for (const char* n : {"44", "89"}) {
-                calls.marker("<value>"); calls.indent(); calls.value(n);
-                calls.setLineFeed(false); calls.outdent(); calls.marker("</value>");
-            }
-            whole.beginValue();
-            calls.marker("<value>"); calls.indent();
-            EXPECT_EQ(whole.path(), calls.path());
+        const std::string name(length, 'n'), inner = name + "i", content = name + "<\n" + name;
+        TraceText trace;
+        trace.open("a");
+        std::string text = "<a>", path = "a";
+        for (std::size_t depth = 1; depth <= 40; ++depth) {
+            const std::string line = "\n" + std::string(2 * depth, ' ');
+            trace.open(name.c_str());
+            trace.value(content.c_str());
+            trace.setLineFeed(false);
+            trace.close(name.c_str());
+            text += line + "<" + name + ">" + name + "&lt;\\n" + name + "</" + name + ">";
+            trace.open(name.c_str());
+            trace.setLineFeed(false);
+            trace.open(inner.c_str());
+            trace.value("-7");
+            trace.setLineFeed(false);
+            trace.close(inner.c_str());
+            trace.setLineFeed(false);
+            trace.close(name.c_str());
+            text += line + "<" + name + "><" + inner + ">-7</" + inner + "></" + name + ">";
+            trace.open(inner.c_str());
+            text += line + "<" + inner + ">";
+            path += "/" + inner;
         }
-        EXPECT_EQ(whole.text(), calls.text());
+        EXPECT_EQ(trace.path(), path);
+        for (std::size_t depth = 40; depth > 0; --depth) {
+            trace.close(inner.c_str());
+            text += (depth == 40 ? "" : "\n" + std::string(2 * depth, ' ')) + "</" + inner + ">";
+        }
+        trace.close("a");
+        EXPECT_EQ(trace.text(), text + "\n</a>");
+        EXPECT_EQ(trace.path(), "");
     }
 }
 
-TEST(TraceText, lines)
+TEST(TraceText, markersOfAnyDepth)
 {
-    using Lines = TraceText::Lines;
-    for (std::size_t length = 1; length <= Lines::longestName; ++length) {
-        const std::string name(length, 'n'), tags = "<" + name + "></" + name + ">" + std::string(Lines::beyond, '?'),
-                          markup = "<" + name + ">-7</" + name + ">" + std::string(48, '?');
-        const TraceText::Tags around = {tags.c_str(), length};
-        const std::size_t size = Lines::mostOnce + 40 * (Lines::most + 4 * length + Lines::mostDigits);
-        TraceText whole, calls;
-        Lines lines(whole);
-        EXPECT_FALSE(lines.take(size, Lines::mostBlanks)) << "without memory";
-        const auto number = [&](auto value, const std::string& shown) {
-            lines.element(around, value);
-            calls.open(name.c_str()); calls.value(shown.c_str()); calls.setLineFeed(false); calls.close(name.c_str());
-        };
-        for (std::size_t depth = 0; 2 * depth + 2 <= Lines::mostBlanks; ++depth) {
-            lines.leave();
-            whole.makeRoom(size);
-            ASSERT_TRUE(lines.take(size, Lines::mostBlanks - 2));
-            number(true, "true");
-            number(false, "false");
-            for (const std::int32_t n : {0, 9, 10, 99, 100, 101, 999, 1000, 123456, -1, -10, INT32_MAX, INT32_MIN}) number(n, std::to_string(n));
-            for (const std::uint32_t n : {0u, 9u, 10u, 100u, 99999u, 1000000000u, UINT32_MAX}) number(n, std::to_string(n));
-            lines.element(around, TraceText::Name{markup.c_str(), markup.size() - 48});
-            calls.open(name.c_str()); calls.setLineFeed(false); calls.open(name.c_str()); calls.value("-7");
-            calls.setLineFeed(false); calls.close(name.c_str()); calls.setLineFeed(false); calls.close(name.c_str());
-            lines.push(around);
-            lines.pop(around);
-            calls.open(name.c_str()); calls.close(name.c_str());
-            lines.open(around);
-            calls.open(name.c_str());
-            number(7, "7");
-            lines.close(around);
-            calls.close(name.c_str());
-            lines.push(around);
-            calls.open(name.c_str());
-        }
-        EXPECT_FALSE(lines.take(size, Lines::mostBlanks - 2)) << "too deep";
-        lines.leave();
-        EXPECT_EQ(whole.path(), calls.path());
-        whole.value("1");
-        EXPECT_FALSE(lines.take(size, Lines::mostBlanks)) << "behind a value";
-        whole.close(around.name());
-        whole.setLineFeed(false);
-        EXPECT_FALSE(lines.take(size, Lines::mostBlanks)) << "within a line";
-        calls.value("1"); calls.close(name.c_str());
-        EXPECT_EQ(whole.text(), calls.text());
+    TraceText trace;
+    std::string text, path;
+    for (std::size_t depth = 0; depth < 40; ++depth) {
+        trace.marker("<value>");
+        trace.indent();
+        text += (depth == 0 ? "" : "\n" + std::string(2 * depth, ' ')) + "<value>";
+        path += depth == 0 ? "value[0]" : "/value[0]";
+        EXPECT_EQ(trace.path(), path);
     }
-}
-
-TEST(TraceText, framesOfAnyDepth)
-{
-    TraceText whole, calls;
-    for (int depth = 0; depth < 40; ++depth) {
-        whole.beginValue();
-        calls.marker("<value>"); calls.indent();
-        EXPECT_EQ(whole.path(), calls.path());
+    for (std::size_t depth = 40; depth-- > 0;) {
+        trace.outdent();
+        trace.marker("</value>");
+        text += (depth == 39 ? "" : "\n" + std::string(2 * depth, ' ')) + "</value>";
     }
-    for (int depth = 0; depth < 40; ++depth) {
-        whole.endValue();
-        calls.outdent(); calls.marker("</value>");
-    }
-    EXPECT_EQ(whole.text(), calls.text());
-    EXPECT_EQ(whole.path(), "");
+    EXPECT_EQ(trace.text(), text);
+    EXPECT_EQ(trace.path(), "");
 }
 
 TEST(TraceText, runningOutOfMemoryEndsTheCollectingOnly)
@@ -254,7 +306,10 @@ TEST(TraceText, runningOutOfMemoryEndsTheCollectingOnly)
     void (*const ways[])(Xdr&) = {
         [](Xdr& xdrs) { xdrs.addOpenTag("anElementWithALongName"); },
         [](Xdr& xdrs) { xdrs.addString("<value>"); },
-        [](Xdr& xdrs) { xdrs.sink()->beginValue(); },
+        [](Xdr& xdrs) {
+            xdrs.addString("<value>");
+            xdrs.addTab();
+        },
     };
     for (const auto begin : ways) {
         for (long first = 0; first < 12; ++first) {
@@ -264,10 +319,10 @@ TEST(TraceText, runningOutOfMemoryEndsTheCollectingOnly)
             bool succeeded;
             {
                 const Watch watch(first);
-                succeeded = quorva::runPass(encoding, XdrLongNatural, &value, buffer, [&](Xdr& xdrs) {
-                    xdrs.setTrace(trace.get());
-                    for (int i = 0; i < 20; ++i) begin(xdrs);
-                }).succeeded;
+                succeeded = quorva::runPass(quorva::Mode::encode, XdrLongNatural, &value, buffer, [&](Xdr& xdrs) {
+                                xdrs.setTrace(trace.get());
+                                for (int i = 0; i < 20; ++i) begin(xdrs);
+                            }).succeeded;
             }
             EXPECT_TRUE(succeeded);
             EXPECT_FALSE(first == 0 && trace->complete());

@@ -15,7 +15,7 @@ lacking() {
         failures=$((failures + 1))
         return
     fi
-    "$cxx" -std=c++20 -fsyntax-only -I "$folder" "$source/frame/contract.cc" >"$folder/log" 2>&1
+    "$cxx" -std=c++20 -fsyntax-only -I "$folder" "$source/runtime/contract.cc" >"$folder/log" 2>&1
     errors=$(grep -c 'error:' "$folder/log")
     if [ "$errors" -ne 1 ] || ! grep 'error:' "$folder/log" | grep -qF "$2"; then
         echo "without \"$1\": expected one error with \"$2\", got $errors:"

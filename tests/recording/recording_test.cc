@@ -3,7 +3,7 @@
 #include "codec_tools.h"
 
 #include <quorvapixdr/drivers.h>
-#include <quorvapixdr/forms.h>
+#include <quorvapixdr/types/forms.h>
 
 #include <gtest/gtest.h>
 
@@ -49,8 +49,8 @@ std::string record(const std::string& verb, const std::string& name, Bytes wire,
     for (const auto& type : types) {
         if (type.name != name) continue;
         alignas(std::max_align_t) unsigned char object[256] = {};
-        if (verb != "decode") runPass(decoding, type.routine, object, wire);
-        const auto mode = verb == "decode" ? decoding : verb == "encode" ? encoding : releasing;
+        if (verb != "decode") runPass(Mode::decode, type.routine, object, wire);
+        const auto mode = verb == "decode" ? Mode::decode : verb == "encode" ? Mode::encode : Mode::release;
         Bytes buffer(room);
         recordedCalls.clear();
         const Pass pass = runPass(mode, type.routine, object, verb == "decode" ? wire : buffer);
@@ -105,10 +105,10 @@ TEST(Recording, narrowValuesAreStoredBack)
             std::uint32_t value = 0x55555555;
             Bytes buffer = bytesOf("11223344");
             buffer.resize(room);
-            runPass(encoding, expected.routine, &value, buffer);
+            runPass(Mode::encode, expected.routine, &value, buffer);
             EXPECT_EQ(value, expected.left) << expected.name << " encoded, room " << room;
             value = 0x55555555;
-            runPass(decoding, expected.routine, &value, buffer);
+            runPass(Mode::decode, expected.routine, &value, buffer);
             EXPECT_EQ(value, expected.left) << expected.name << " decoded, room " << room;
         }
     }

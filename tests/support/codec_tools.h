@@ -14,9 +14,11 @@
 
 namespace quorva::test {
 
-inline constexpr auto encoding = static_cast<Xdr::Request>(0);
-inline constexpr auto decoding = static_cast<Xdr::Request>(1);
-inline constexpr auto releasing = static_cast<Xdr::Request>(2);
+// The mode as `Xdr::Program` takes it.
+constexpr Xdr::Request requestOf(Mode mode)
+{
+    return static_cast<Xdr::Request>(mode);
+}
 
 // "0000 0003 41424300" as bytes; blanks are read over.
 inline Bytes bytesOf(std::string_view hex)

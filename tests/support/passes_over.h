@@ -1,4 +1,4 @@
-// Passes over objects of any type of the schema table, in both of the ways that a routine has, and what they leave.
+// Passes over objects of any described type, in both of the ways that a routine has, and what they leave.
 #pragma once
 
 #include "codec_tools.h"
@@ -14,34 +14,39 @@
 
 namespace quorva::test {
 
-inline std::vector<const schema::Type*> allTypes()
+inline std::vector<const Type*> allTypes()
 {
-    std::vector<const schema::Type*> types(schema::builtins().begin(), schema::builtins().end());
-    for (const auto* module : testedModules()) types.insert(types.end(), module->types.begin(), module->types.end());
+    std::vector<const Type*> types = inspect::typesOf(testedModules());
+    types.insert(types.begin(), builtinTypes().begin(), builtinTypes().end());
     return types;
 }
 
 // Zeroed storage of just the size of one object; nobody but the test releases its contents.
 class Storage {
 public:
-    explicit Storage(const schema::Type& type, Way way = Way::direct)
+    explicit Storage(const Type& type, Way way = Way::plain)
         : described(type), along(way), bytes(new unsigned char[type.size]())
     {
     }
     Storage(const Storage&) = delete;
     ~Storage() { delete[] bytes; }
 
-    Pass run(Xdr::Request mode, std::span<unsigned char> buffer, const Scarcity& scarcity = {})
+    Pass run(Mode mode, std::span<unsigned char> buffer, const Scarcity& scarcity = {})
     {
-        TraceText* const sink = along == Way::traced ? &deafTrace() : nullptr;
+        return run(along, mode, buffer, scarcity);
+    }
+    Pass run(Way way, Mode mode, std::span<unsigned char> buffer, const Scarcity& scarcity = {})
+    {
+        TraceText* const sink = way == Way::interpreted ? &deafTrace() : nullptr;
         const Watch watch(scarcity);
         return runPass(mode, described.routine, bytes, buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
     }
 
     // Whether one release pass leaves nothing behind, and releases everything in the form that it was allocated in.
-    ::testing::AssertionResult releasesAll()
+    ::testing::AssertionResult releasesAll() { return releasesAll(along); }
+    ::testing::AssertionResult releasesAll(Way way)
     {
-        run(releasing, {});
+        run(way, Mode::release, {});
         const bool clean = liveBlocks() == 0 && mismatchedReleases() == 0;
         return clean ? ::testing::AssertionSuccess() : ::testing::AssertionFailure() << liveBlocks() << " blocks are left";
     }
@@ -50,7 +55,7 @@ public:
     Bytes written(std::size_t room)
     {
         const Message buffer{Bytes(room, 0x5A)};
-        const Pass pass = run(encoding, buffer.span());
+        const Pass pass = run(Mode::encode, buffer.span());
         for (std::size_t i = pass.length; i < room; ++i) EXPECT_EQ(buffer.span()[i], 0x5A) << "written beyond the length";
         return {buffer.span().begin(), buffer.span().begin() + static_cast<std::ptrdiff_t>(pass.length)};
     }
@@ -58,7 +63,7 @@ public:
     unsigned char* data() { return bytes; }
 
 private:
-    const schema::Type& described;
+    const Type& described;
     const Way along;
     unsigned char* bytes;
 };
@@ -80,11 +85,11 @@ inline void PrintTo(const Decoded& decoded, std::ostream* out)
 }
 
 // Decodes in one way and looks at what that left; one release pass over it must leave nothing.
-inline Decoded decoded(const schema::Type& type, Way way, std::span<const unsigned char> wire, const Scarcity& scarcity = {})
+inline Decoded decoded(const Type& type, Way way, std::span<const unsigned char> wire, const Scarcity& scarcity = {})
 {
     const Message message(wire);
     Storage object(type, way);
-    const Pass pass = object.run(decoding, message.span(), scarcity);
+    const Pass pass = object.run(Mode::decode, message.span(), scarcity);
     const long number = allocations();
     const std::size_t size = allocatedBytes();
     Bytes left = object.written(wire.size() + 256);  // more than came, to see what a failure left instead

@@ -1,22 +1,31 @@
 // The modules that properties are tested over: the library's, and the teaching module, which has every form once.
 #pragma once
 
-#include <quorvapixdr/schema.h>
+#include <inspect/documentation.h>
 
+#include <algorithm>
+#include <string_view>
 #include <vector>
 
-namespace quorva::schema::tables {
-extern const Module of_colours, of_locker;
-}
+namespace quorva {
+// Those of `every_form`: the teaching module, what it imports, and the corner cases beside it.
+std::span<const Module* const> teachingModules();
+}  // namespace quorva
 
 namespace quorva::test {
 
-inline std::vector<const schema::Module*> testedModules()
+// The inspector knows the teaching modules from then on.
+inline const std::vector<const Module*>& testedModules()
 {
-    std::vector<const schema::Module*> modules(schema::modules().begin(), schema::modules().end());
-    modules.push_back(&schema::tables::of_colours);
-    modules.push_back(&schema::tables::of_locker);
-    return modules;
+    static const std::vector<const Module*> tested = [] {
+        inspect::addModules(teachingModules());
+        std::vector<const Module*> all(modules().begin(), modules().end());
+        std::ranges::copy_if(teachingModules(), std::back_inserter(all), [](const Module* module) {
+            return std::string_view(module->name) == "colours" || std::string_view(module->name) == "locker";
+        });
+        return all;
+    }();
+    return tested;
 }
 
 }  // namespace quorva::test

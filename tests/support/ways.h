@@ -7,12 +7,12 @@
 
 namespace quorva::test {
 
-// The two ways through a generated body. Where nobody collects a trace, direct passes move the bytes; where somebody does,
-// a traced pass moves them part by part, and odd parts go through the primitives.
-enum class Way { direct, traced };
+// The plain functions of a type code it where no trace is collected; where one is, the interpreter codes it by its
+// description.
+enum class Way { plain, interpreted };
 
-// A trace that has run out of memory: it keeps a pass traced, and allocates nothing itself. Where memory
-// cannot be made scarce, under the thread sanitizer, it is an ordinary trace that nobody clears.
+// A trace that has run out of memory: with it the interpreter runs, and the trace itself allocates nothing. Where
+// memory cannot be made scarce, under the thread sanitizer, it is an ordinary trace that nobody clears.
 inline TraceText& deafTrace()
 {
     struct Deaf {

@@ -1,9 +1,10 @@
-// The promises of the codec over every type that the interface files define, with messages that the schema invents. A new
-// type is tested as soon as its interface file is there.
+// The promises of the codec over every type that the interface files define, with messages that the inspector invents.
+// A new type is tested as soon as its interface file is there.
 
 #include "passes_over.h"
 
 #include <inspect/json.h>
+#include <inspect/layout.h>
 #include <inspect/sample.h>
 #include <quorvapixdr/drivers.h>
 
@@ -17,12 +18,35 @@
 using namespace quorva;
 using namespace quorva::test;
 using inspect::Extent;
-using schema::Type;
 
 namespace {
 
 constexpr std::size_t roomy = 1000;   // bytes of a message for properties that look at a message once
 constexpr std::size_t handy = 240;    // and for those that run a pass for each of its bytes
+
+// A count that is damaged finds no memory: what it would leave takes too long to compare for every type.
+constexpr Scarcity granted{.largest = std::size_t{16} << 10};
+
+// The message; cut in places all over it; and with units all over it changed, once to the next number, once to another
+// one.
+std::vector<Bytes> variantsOf(const Bytes& wire)
+{
+    constexpr std::size_t most = 30;  // places
+    constexpr std::uint32_t values[] = {0, 1, 2, 0xFFFF, 0x10000, 0x10001, 0x80000000, 0xFFFFFFFF};
+    std::vector<Bytes> variants = {wire};
+    const std::size_t cuts = std::min(most, wire.size()), units = wire.size() / 4, changes = std::min(most, units);
+    for (std::size_t i = 0; i < cuts; ++i)
+        variants.emplace_back(wire.begin(), wire.begin() + static_cast<std::ptrdiff_t>(i * wire.size() / cuts));
+    for (std::size_t i = 0; i < changes; ++i) {
+        const std::size_t at = i * units / changes * 4;
+        for (const std::uint32_t value : {unitAt(wire, at) + 1, values[i % std::size(values)]}) {
+            variants.push_back(wire);
+            setUnit(variants.back(), at, value);
+            variants.back().resize(wire.size() + 64);  // enough for a part that is longer now
+        }
+    }
+    return variants;
+}
 
 class EveryType : public ::testing::TestWithParam<const Type*> {
 protected:
@@ -43,26 +67,65 @@ protected:
 // Wire, object, wire; object, JSON, object; and a trace that is XML.
 TEST_P(EveryType, comesBack)
 {
-    for (const Bytes& wire : samples(roomy, std::clamp<std::size_t>(type.arms.size(), 6, 300))) {
+    for (const Bytes& wire : samples(roomy, std::clamp<std::size_t>(inspect::armsOf(type).size(), 6, 300))) {
         SCOPED_TRACE(hexOf(wire));
-        const Decoded whole = decoded(type, Way::direct, wire);
+        const Decoded whole = decoded(type, Way::plain, wire);
         ASSERT_TRUE(whole.succeeded);
         ASSERT_EQ(whole.length, wire.size());
         ASSERT_EQ(hexOf(whole.left), hexOf(wire));
-        ASSERT_EQ(whole, decoded(type, Way::traced, wire));
+        ASSERT_EQ(whole, decoded(type, Way::interpreted, wire));
 
         inspect::Object object(type);
         const Message message(wire);
         TraceText trace;
-        for (const auto mode : {decoding, encoding}) {
+        for (const auto mode : {Mode::decode, Mode::encode}) {
             trace.clear();
             ASSERT_TRUE(runTraced(mode, type.routine, type.name, object.data(), message.span(), trace).succeeded);
             ASSERT_TRUE(isXml(std::string(trace.text()))) << trace.text();
         }
         auto read = inspect::fromJson(type, inspect::parseJson(inspect::toJson(type, object.data()).dump()));
         Bytes again(wire.size());
-        ASSERT_TRUE(runPass(encoding, type.routine, read.data(), again).succeeded);
+        ASSERT_TRUE(runPass(Mode::encode, type.routine, read.data(), again).succeeded);
         ASSERT_EQ(hexOf(again), hexOf(wire));
+    }
+}
+
+// The plain functions and the interpreter are two writings of one rule. Whatever the message - whole, cut or damaged -
+// they end alike: result, coded length, allocations, and the object, which either of them encodes and releases, too.
+TEST_P(EveryType, bothWaysAgree)
+{
+    constexpr Way ways[] = {Way::plain, Way::interpreted};
+    for (const Bytes& wire : samples(handy, 2)) {
+        for (const Bytes& bytes : variantsOf(wire)) {
+            SCOPED_TRACE(hexOf(bytes));
+            const Message message(bytes);
+            Storage byWay[] = {Storage(type, ways[0]), Storage(type, ways[1])};
+            std::string ends[2], shown[2];
+            for (std::size_t i = 0; i < 2; ++i) {
+                const Pass pass = byWay[i].run(Mode::decode, message.span(), granted);
+                ends[i] = std::to_string(pass.succeeded) + " after " + std::to_string(pass.length) + ", " +
+                          std::to_string(allocations()) + " allocations of " + std::to_string(allocatedBytes());
+                shown[i] = inspect::toJson(type, byWay[i].data()).dump();
+            }
+            ASSERT_EQ(ends[0], ends[1]);
+            ASSERT_EQ(shown[0], shown[1]);
+
+            // Into the room that the message had, and into too little.
+            for (const std::size_t room : {bytes.size(), bytes.size() * 2 / 3}) {
+                std::vector<std::string> written;
+                for (Storage& object : byWay)
+                    for (const Way way : ways) {
+                        const Message buffer{Bytes(room, 0x5A)};
+                        const Pass pass = object.run(way, Mode::encode, buffer.span());
+                        written.push_back(std::to_string(pass.succeeded) + " after " + std::to_string(pass.length) +
+                                          ", " + std::to_string(allocations()) +
+                                          " allocations: " + hexOf(buffer.span()));
+                    }
+                for (const std::string& each : written) ASSERT_EQ(each, written[0]);
+            }
+            byWay[0].run(ways[1], Mode::release, {});  // each releases what the other one decoded
+            ASSERT_TRUE(byWay[1].releasesAll(ways[0]));
+        }
     }
 }
 
@@ -71,14 +134,14 @@ TEST_P(EveryType, findsNoMemory)
 {
     for (const Bytes& wire : samples(handy, 3)) {
         SCOPED_TRACE(hexOf(wire));
-        const long needed = decoded(type, Way::direct, wire).allocations;
+        const long needed = decoded(type, Way::plain, wire).allocations;
         for (long number = 0; number <= needed; ++number)
             for (const Scarcity& scarcity : {Scarcity{.from = number}, Scarcity{.from = number, .until = number + 1},
                                              Scarcity{.from = number, .until = number + 1, .byException = true}}) {
                 if (number < needed) {
-                    const Decoded part = decoded(type, Way::direct, wire, scarcity);
+                    const Decoded part = decoded(type, Way::plain, wire, scarcity);
                     ASSERT_FALSE(part.succeeded) << "allocation " << number;
-                    ASSERT_EQ(part, decoded(type, Way::traced, wire, scarcity)) << "allocation " << number;
+                    ASSERT_EQ(part, decoded(type, Way::interpreted, wire, scarcity)) << "allocation " << number;
                 }
                 Storage object(type);
                 Bytes buffer = wire;
@@ -106,7 +169,7 @@ TEST_P(EveryType, findsNoMemoryForItsTrace)
                     Pass pass;
                     {
                         const Watch watch(Scarcity{.from = number, .until = number + 1, .byException = byException});
-                        pass = runTraced(decoding, type.routine, type.name, object.data(), message.span(), trace);
+                        pass = runTraced(Mode::decode, type.routine, type.name, object.data(), message.span(), trace);
                     }
                     missed = number < allocations();
                     ASSERT_EQ(pass.succeeded, !missed || !trace.complete());
@@ -125,7 +188,8 @@ TEST_P(EveryType, showsTheSameAtAnyDepth)
             Storage object(type);
             TraceText trace;
             for (std::size_t i = 0; i < elements; ++i) trace.open("around");
-            EXPECT_TRUE(runTraced(decoding, type.routine, type.name, object.data(), message.span(), trace).succeeded);
+            EXPECT_TRUE(
+                runTraced(Mode::decode, type.routine, type.name, object.data(), message.span(), trace).succeeded);
             EXPECT_TRUE(object.releasesAll());
             std::istringstream lines{std::string(trace.text())};
             std::string line, shown;
@@ -145,17 +209,18 @@ TEST_P(EveryType, findsNoRoom)
 {
     for (const Bytes& wire : samples(handy, 2)) {
         SCOPED_TRACE(hexOf(wire));
-        Storage direct(type, Way::direct);
-        Storage traced(type, Way::traced);
-        for (Storage* object : {&direct, &traced}) ASSERT_TRUE(object->run(decoding, Message(wire).span()).succeeded);
+        Storage plain(type, Way::plain);
+        Storage interpreted(type, Way::interpreted);
+        for (Storage* object : {&plain, &interpreted})
+            ASSERT_TRUE(object->run(Mode::decode, Message(wire).span()).succeeded);
         for (std::size_t room = 0; room <= wire.size(); ++room) {
             const Message buffer{Bytes(room)};
-            ASSERT_EQ(direct.run(encoding, buffer.span()).succeeded, room == wire.size()) << room;
-            const Bytes part = direct.written(room);
+            ASSERT_EQ(plain.run(Mode::encode, buffer.span()).succeeded, room == wire.size()) << room;
+            const Bytes part = plain.written(room);
             ASSERT_TRUE(std::equal(part.begin(), part.end(), wire.begin())) << room;
-            ASSERT_EQ(hexOf(part), hexOf(traced.written(room))) << room;
+            ASSERT_EQ(hexOf(part), hexOf(interpreted.written(room))) << room;
         }
-        for (Storage* object : {&direct, &traced}) object->run(releasing, {});
+        for (Storage* object : {&plain, &interpreted}) object->run(Mode::release, {});
         ASSERT_EQ(liveBlocks(), 0);
     }
 }
@@ -164,13 +229,14 @@ TEST_P(EveryType, findsNoRoom)
 TEST_P(EveryType, isAllocated)
 {
     const Bytes wire = sampler.sample(type, {Extent::fullest, 0, handy});
-    const bool isBuiltin = type.kind == schema::Kind::builtin;
+    const bool isBuiltin = type.kind == TypeKind::builtin;
     for (TraceText* const sink : {static_cast<TraceText*>(nullptr), &deafTrace()})
-        for (const auto mode : {decoding, encoding, releasing})
+        for (const auto mode : {Mode::decode, Mode::encode, Mode::release})
             for (const long failFrom : {Watch::never, 0L}) {
                 const Message message(wire);  // a copy for each pass: encoding writes into it
                 Xdr xdrs;
-                xdrs.Program(mode, message.span().data(), static_cast<unsigned short>(message.span().size()));
+                xdrs.Program(requestOf(mode), message.span().data(),
+                             static_cast<unsigned short>(message.span().size()));
                 xdrs.setTrace(sink);
                 int result;
                 {
@@ -178,14 +244,14 @@ TEST_P(EveryType, isAllocated)
                     result = type.routine(&xdrs, nullptr);
                 }
                 void* const root = xdrs.rootAllocationSlot;
-                const bool allocates = mode != releasing || !isBuiltin;  // released scalars own nothing
+                const bool allocates = mode != Mode::release || !isBuiltin;  // released scalars own nothing
                 ASSERT_EQ(root != nullptr, allocates && failFrom != 0);
                 ASSERT_FALSE(allocates && failFrom == 0 && result != 0);
                 if (!root) continue;
-                if (mode == decoding) {
+                if (mode == Mode::decode) {
                     ASSERT_EQ(result, 1);
                     Bytes again(wire.size());
-                    ASSERT_TRUE(runPass(encoding, type.routine, root, again).succeeded);
+                    ASSERT_TRUE(runPass(Mode::encode, type.routine, root, again).succeeded);
                     ASSERT_EQ(hexOf(again), hexOf(wire));
                 } else {
                     ASSERT_EQ(allocations(), 1);
@@ -214,7 +280,7 @@ TEST(Concurrency, passesShareNothing)
         wires.push_back(sampler.sample(*type, {Extent::random, 1, handy}));
         TraceText trace;
         inspect::Object object(*type);
-        runTraced(decoding, type->routine, type->name, object.data(), Message(wires.back()).span(), trace);
+        runTraced(Mode::decode, type->routine, type->name, object.data(), Message(wires.back()).span(), trace);
         traces.emplace_back(trace.text());
     }
 
@@ -227,13 +293,14 @@ TEST(Concurrency, passesShareNothing)
             for (const bool traced : {false, true}) {
                 Storage object(type);
                 TraceText trace;
-                const Pass pass = traced ? runTraced(decoding, type.routine, type.name, object.data(), message.span(), trace)
-                                         : object.run(decoding, message.span());
+                const Pass pass =
+                    traced ? runTraced(Mode::decode, type.routine, type.name, object.data(), message.span(), trace)
+                           : object.run(Mode::decode, message.span());
                 EXPECT_TRUE(pass.succeeded) << type.name;
                 EXPECT_EQ(trace.text(), traced ? traces[i] : "") << type.name;
                 EXPECT_EQ(object.written(wires[i].size()), wires[i]) << type.name;
                 trace.clear();
-                if (traced) runTraced(encoding, type.routine, type.name, object.data(), message.span(), trace);
+                if (traced) runTraced(Mode::encode, type.routine, type.name, object.data(), message.span(), trace);
                 releaseContents(type.routine, object.data());
             }
         }

@@ -12,7 +12,7 @@
 
 #include <inspect/catalogue.h>
 #include <inspect/object.h>
-#include <quorvapixdr/locker.h>
+#include <quorvapixdr/types/locker.h>
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,7 @@ using namespace quorva::test;
 
 namespace {
 
-struct Case {
+struct Example {
     int line = 0;
     std::string why;
     std::string type;
@@ -69,15 +69,15 @@ std::optional<Bytes> messageOf(const std::string& text)
 }
 
 // The cases of one file. Every line that is none of the forms above is a failure, as is a file without cases.
-std::vector<Case> read(const std::string& path)
+std::vector<Example> read(const std::string& path)
 {
-    std::vector<Case> cases;
+    std::vector<Example> cases;
     std::string why;
     std::string line;
     int number = 0;
     bool open = false;  // whether the last case may get another verdict
     const auto fault = [&](int at, const char* what) { ADD_FAILURE_AT(path.c_str(), at) << what; };
-    const auto hasVerdict = [](const Case& last) { return last.refused || !last.traced.empty(); };
+    const auto hasVerdict = [](const Example& last) { return last.refused || !last.traced.empty(); };
     const auto finish = [&] {
         if (open && !hasVerdict(cases.back())) fault(cases.back().line, "neither a trace nor '! refused' follows");
         open = false;
@@ -111,7 +111,7 @@ std::vector<Case> read(const std::string& path)
 }
 
 // What is wrong with the case; empty if nothing is.
-std::string faultOf(const Case& expected, const inspect::Catalogue& catalogue)
+std::string faultOf(const Example& expected, const inspect::Catalogue& catalogue)
 {
     const auto* type = catalogue.find(expected.type);
     if (!type) return "there is no such type";
@@ -119,7 +119,7 @@ std::string faultOf(const Case& expected, const inspect::Catalogue& catalogue)
     Bytes message = expected.message;
     if (expected.refused) message.resize(message.size() + 16384);  // so that it is not the end that is refused
     TraceText trace;
-    const Pass pass = runTraced(decoding, type->routine, type->name, object.data(), message, trace);
+    const Pass pass = runTraced(Mode::decode, type->routine, type->name, object.data(), message, trace);
     if (expected.refused) return pass.succeeded ? "taken:\n" + std::string(trace.text()) : "";
     if (!pass.succeeded) return "refused behind:\n" + std::string(trace.text());
     if (pass.length != message.size())
@@ -141,7 +141,7 @@ TEST(OddTypes, areAsTheyAre)
     ASSERT_FALSE(paths.empty()) << ODD_TYPES_DIR;
     const inspect::Catalogue catalogue;
     for (const std::string& path : paths)
-        for (const Case& expected : read(path))
+        for (const Example& expected : read(path))
             if (const std::string fault = faultOf(expected, catalogue); !fault.empty())
                 ADD_FAILURE_AT(path.c_str(), expected.line) << expected.type << " (" << expected.why << ") " << fault;
 }
@@ -161,7 +161,8 @@ TEST(TracedTexts, atTheirBounds)
         Bytes buffer(expected.room);
         TraceText trace;
         void* const object = expected.bounded ? static_cast<void*>(&access) : &event;
-        const Pass done = runTraced(encoding, expected.bounded ? XdrAccessUnion : XdrEventUnion, "T", object, buffer, trace);
+        const Pass done =
+            runTraced(Mode::encode, expected.bounded ? XdrAccessUnion : XdrEventUnion, "T", object, buffer, trace);
         EXPECT_EQ(done.length, expected.moved) << expected.characters << " within " << expected.room;
         EXPECT_EQ(done.succeeded, done.length % 4 == 0 && done.length > 8);
         const auto shown = std::ranges::count(trace.text(), '#');

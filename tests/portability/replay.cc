@@ -41,7 +41,7 @@ void judge(const char* what, const void* bytes, std::size_t size)
 }
 
 // One pass, with a trace or without.
-Pass run(Xdr::Request mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer, bool traced)
+Pass run(Mode mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer, bool traced)
 {
     if (!traced) return runPass(mode, routine, object, buffer);
     TraceText trace;
@@ -57,10 +57,10 @@ void replay(XdrRoutine routine, std::size_t size, std::span<unsigned char> messa
         void* const object = std::calloc(1, size);
         auto* const written = static_cast<unsigned char*>(std::malloc(message.size() + 256));
         if (!object || !written) std::abort();
-        run(static_cast<Xdr::Request>(1), routine, object, message, traced);
-        const Pass encode = run(static_cast<Xdr::Request>(0), routine, object, {written, message.size() + 256}, traced);
+        run(Mode::decode, routine, object, message, traced);
+        const Pass encode = run(Mode::encode, routine, object, {written, message.size() + 256}, traced);
         judge("the message", written, encode.length);
-        run(static_cast<Xdr::Request>(2), routine, object, {}, traced);
+        run(Mode::release, routine, object, {}, traced);
         std::free(written);
         std::free(object);
     }

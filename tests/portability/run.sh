@@ -17,16 +17,16 @@ digest build "" --preset default
 digest build-clang "" --preset clang
 digest build-asan "" --preset asan
 digest build-plain "" --preset default -DCMAKE_BUILD_TYPE=Debug
-digest build-calls "" --preset default -DCMAKE_BUILD_TYPE=Debug -DQUORVA_PLATFORM_DIR="$source/tests/worlds/contract"
+digest build-calls "" --preset default -DCMAKE_BUILD_TYPE=Debug -DQUORVA_PLATFORM_DIR="$source/tests/portability/contract"
 digest build-i686 "" --preset i686 -DQUORVA_COMPILER="$source/build/bin/quorvaxdrc"
 digest build-s390x "qemu-s390x -L /usr/s390x-linux-gnu" --preset s390x -DQUORVA_COMPILER="$source/build/bin/quorvaxdrc"
 
 status=0
-for world in clang asan plain calls i686 s390x; do
-    if differences=$(diff build/digest.txt "build-$world/digest.txt"); then
-        echo "$world agrees about $(wc -l <"build-$world/digest.txt") types"
+for build in clang asan plain calls i686 s390x; do
+    if differences=$(diff build/digest.txt "build-$build/digest.txt"); then
+        echo "$build agrees about $(wc -l <"build-$build/digest.txt") types"
     else
-        echo "$world differs:"
+        echo "$build differs:"
         printf '%s\n' "$differences" | grep '^>' | head -n 20
         status=1
     fi

@@ -3,6 +3,7 @@
 // machine or stream class print the same. With --messages, prints the messages instead, for those who cannot make them:
 // routine, size of the object, bytes in hexadecimal and a full stop.
 
+#include <inspect/documentation.h>
 #include <inspect/sample.h>
 
 #include <cstdio>
@@ -36,7 +37,7 @@ private:
 };
 
 // One pass with and, alike, one without a trace.
-void addPass(Digest& digest, Xdr::Request mode, const schema::Type& type, void* object, std::span<unsigned char> buffer)
+void addPass(Digest& digest, Mode mode, const Type& type, void* object, std::span<unsigned char> buffer)
 {
     TraceText trace;
     const Pass pass = runTraced(mode, type.routine, type.name, object, buffer, trace);
@@ -46,19 +47,19 @@ void addPass(Digest& digest, Xdr::Request mode, const schema::Type& type, void* 
     digest.add(std::string_view(trace.path()));
 }
 
-void addMessage(Digest& digest, const schema::Type& type, Bytes message)
+void addMessage(Digest& digest, const Type& type, Bytes message)
 {
     const auto object = std::make_unique<unsigned char[]>(type.size);
-    addPass(digest, static_cast<Xdr::Request>(1), type, object.get(), message);
+    addPass(digest, Mode::decode, type, object.get(), message);
     Bytes written(message.size() + 4);
-    addPass(digest, static_cast<Xdr::Request>(0), type, object.get(), written);
+    addPass(digest, Mode::encode, type, object.get(), written);
     digest.add(written.data(), written.size());
-    addPass(digest, static_cast<Xdr::Request>(2), type, object.get(), {});
+    addPass(digest, Mode::release, type, object.get(), {});
 }
 
 // Calls use(message) with a dozen messages of the type, each whole, damaged and cut.
 template <class Use>
-void forMessages(inspect::Sampler& sampler, const schema::Type& type, Use use)
+void forMessages(inspect::Sampler& sampler, const Type& type, Use use)
 {
     using inspect::Extent;
     for (std::size_t seed = 0; seed < 12; ++seed) {
@@ -76,7 +77,7 @@ void forMessages(inspect::Sampler& sampler, const schema::Type& type, Use use)
     }
 }
 
-void print(const schema::Type& type, const Bytes& message)
+void print(const Type& type, const Bytes& message)
 {
     std::printf("Xdr%s %u ", type.name, type.size);
     for (const unsigned char byte : message) std::printf("%02x", byte);
@@ -89,14 +90,13 @@ int main(int count, char** words)
 {
     const bool messages = count > 1 && std::string_view(words[1]) == "--messages";
     inspect::Sampler sampler;
-    for (const auto* module : schema::modules())
-        for (const auto* type : module->types) {
-            if (messages) {
-                forMessages(sampler, *type, [&](const Bytes& message) { print(*type, message); });
-                continue;
-            }
-            Digest digest;
-            forMessages(sampler, *type, [&](const Bytes& message) { addMessage(digest, *type, message); });
-            std::printf("%016llx %s\n", digest.value(), type->name);
+    for (const Type* type : inspect::typesOf(modules())) {
+        if (messages) {
+            forMessages(sampler, *type, [&](const Bytes& message) { print(*type, message); });
+            continue;
         }
+        Digest digest;
+        forMessages(sampler, *type, [&](const Bytes& message) { addMessage(digest, *type, message); });
+        std::printf("%016llx %s\n", digest.value(), type->name);
+    }
 }

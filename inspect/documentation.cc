@@ -1,0 +1,122 @@
+// Finds the documentation of types.
+
+#include "documentation.h"
+
+#include <array>
+#include <iterator>
+#include <unordered_map>
+
+namespace quorva::inspect {
+
+namespace {
+
+constexpr Documentation builtinTexts[] = {
+    {.type = &types::Boolean, .text = "Truth value, held in one byte."},
+    {.type = &types::ShortInteger, .text = "8 bits, signed. Travels and shows without its sign."},
+    {.type = &types::ShortNatural, .text = "8 bits, unsigned."},
+    {.type = &types::Integer, .text = "16 bits, signed."},
+    {.type = &types::Natural, .text = "16 bits, unsigned."},
+    {.type = &types::LongInteger, .text = "32 bits, signed."},
+    {.type = &types::LongNatural, .text = "32 bits, unsigned."},
+    {.type = &types::UINT, .text = "32 bits, unsigned. The trace shows it as if signed."},
+    {.type = &types::Float, .text = "IEEE 754 single."},
+};
+
+struct Entry {
+    const Module* module;
+    const Documentation* documentation;
+};
+using Entries = std::unordered_map<const Type*, Entry>;
+
+void add(Entries& entries, std::span<const Module* const> modules)
+{
+    for (const Module* module : modules)
+        for (const Documentation& each : module->types) entries.emplace(each.type, Entry{module, &each});
+}
+
+Entries& known()
+{
+    static Entries entries = [] {
+        Entries all;
+        for (const Documentation& each : builtinTexts) all.emplace(each.type, Entry{nullptr, &each});
+        add(all, modules());
+        return all;
+    }();
+    return entries;
+}
+
+Entry entryOf(const Type& type)
+{
+    static constexpr Documentation none;
+    const auto found = known().find(&type);
+    return found == known().end() ? Entry{nullptr, &none} : found->second;
+}
+
+}  // namespace
+
+std::vector<const Type*> typesOf(std::span<const Module* const> modules)
+{
+    std::vector<const Type*> types;
+    for (const Module* module : modules)
+        for (const Documentation& each : module->types) types.push_back(each.type);
+    return types;
+}
+
+void addModules(std::span<const Module* const> further)
+{
+    add(known(), further);
+}
+
+const Documentation& documentationOf(const Type& type)
+{
+    return *entryOf(type).documentation;
+}
+
+const Module* moduleOf(const Type& type)
+{
+    return entryOf(type).module;
+}
+
+const char* moduleName(const Type& type)
+{
+    const Module* const module = moduleOf(type);
+    return module ? module->name : "";
+}
+
+const MemberDocumentation& documentationOf(const Type& type, const Member& member)
+{
+    static constexpr MemberDocumentation none;
+    const auto members = documentationOf(type).members;
+    return members.empty() ? none : members[static_cast<std::size_t>(&member - type.members.data())];
+}
+
+std::span<const Enumerator> enumeratorsOf(const Type& type)
+{
+    if (type.kind != TypeKind::enumeration) return {};
+    return documentationOf(type).enumerators;
+}
+
+std::vector<const Member*> provisionalMembersOf(const Type& type)
+{
+    std::vector<const Member*> provisional;
+    for (const Member& member : type.members)
+        if (documentationOf(type, member).provisional) provisional.push_back(&member);
+    return provisional;
+}
+
+bool isProvisional(const Type& type)
+{
+    return documentationOf(type).provisional || !provisionalMembersOf(type).empty();
+}
+
+}  // namespace quorva::inspect
+
+std::span<const quorva::Type* const> quorva::builtinTypes()
+{
+    static constexpr auto all = [] {
+        std::array<const Type*, std::size(inspect::builtinTexts)> types{};
+        for (std::size_t i = 0; i < types.size(); ++i) types[i] = inspect::builtinTexts[i].type;
+        return types;
+    }();
+    return all;
+}
