@@ -1,17 +1,23 @@
-// Runs the library's measured passes for a tool that counts instructions.
+// Runs each measured pass for a tool that counts instructions.
 //
-//     instructions              every case a few times; what counts stands between two calls of passBoundary()
-//     instructions CASE COUNT   one case, say trace-decode/T, that many times: for profiles
+//     instructions              every case a few times; passBoundary() is called before and after what counts
+//     instructions CASE COUNT   one case, say library/trace-decode/T, that many times: for profiles
 
+#include "limit.h"
 #include "passes.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
+#include <functional>
+#include <string>
 #include <string_view>
+#include <vector>
 
+using namespace quorva;
 using namespace quorva::bench;
 
-// Where the tool takes stock: it knows the function by its name.
+// The tool knows this function by its name and takes stock at each call.
 extern "C" [[gnu::noinline]] void passBoundary()
 {
     asm volatile("");
@@ -22,82 +28,89 @@ namespace {
 constexpr unsigned long firstRuns = 3;  // they bind symbols and fill the allocator's caches
 constexpr unsigned long countedRuns = 20;
 
-enum class Pass { encode, decode, traceEncode, traceDecode, none };
+unsigned char out[longest];
+TraceText sink;
+char text[65536];
 
-Pass passOf(std::string_view name)
+struct Case {
+    std::string name;
+    std::size_t length;
+    std::function<std::size_t(unsigned long)> run;  // returns the number of bytes coded in that many passes
+};
+std::vector<Case> cases;
+
+template <class Action>
+void add(const std::string& name, std::size_t length, Action action)
 {
-    return name == "encode"         ? Pass::encode
-           : name == "decode"       ? Pass::decode
-           : name == "trace-encode" ? Pass::traceEncode
-           : name == "trace-decode" ? Pass::traceDecode
-                                    : Pass::none;
+    cases.push_back({name, length, [action](unsigned long times) {
+                         std::size_t done = 0;
+                         while (times-- > 0) done += action();
+                         return done;
+                     }});
 }
 
 template <class T>
-std::size_t once(Pass pass, T& object, XdrRoutine routine, unsigned char* wire, std::size_t length, TraceText& sink)
+void addMessage(const std::string& set, const std::string& message, T& object, XdrRoutine routine)
 {
-    switch (pass) {
-    case Pass::encode: return encodePass(routine, object, wire);
-    case Pass::decode: return decodePass<T>(routine, wire, length);
-    case Pass::traceEncode: return encodePass(routine, object, wire, &sink);
-    case Pass::traceDecode: return decodePass<T>(routine, wire, length, &sink);
-    case Pass::none: break;
-    }
-    return 0;
+    static std::deque<std::vector<unsigned char>> wires;
+    auto& wire = wires.emplace_back(out, out + encodePass(routine, object, out));
+    const auto addBoth = [&](const char* work, auto byCodec, auto byLimit) {
+        add(set + "/" + work + "/" + message, wire.size(), byCodec);
+        add(set + "/" + work + "/" + message + "/limit", wire.size(), byLimit);
+    };
+    addBoth(
+        "encode", [&object, routine] { return encodePass(routine, object, out); },
+        [&object] { return limit::encode(object, out, longest); });
+    addBoth(
+        "decode", [&wire, routine] { return decodePass<T>(routine, wire.data(), wire.size()); },
+        [&wire] { return limit::decodePass<T>(wire.data(), wire.size(), [](const T&) {}); });
+    addBoth(
+        "trace-encode", [&object, routine] { return encodePass(routine, object, out, traced(sink)); },
+        [&object] { return limit::trace(object, false, text, sizeof text) ? limit::encode(object, out, longest) : 0; });
+    addBoth(
+        "trace-decode", [&wire, routine] { return decodePass<T>(routine, wire.data(), wire.size(), traced(sink)); },
+        [&wire] {
+            return limit::decodePass<T>(wire.data(), wire.size(),
+                                        [](const T& value) { limit::trace(value, true, text, sizeof text); });
+        });
 }
 
-template <class T>
-bool run(Pass pass, T& object, XdrRoutine routine, unsigned long before, unsigned long times)
-{
-    unsigned char wire[longest];
-    const std::size_t length = encodePass(routine, object, wire);
-    TraceText sink;
-    std::size_t done = 0;
-    for (unsigned long i = 0; i < before; ++i) done += once(pass, object, routine, wire, length, sink);
-    passBoundary();
-    for (unsigned long i = 0; i < times; ++i) done += once(pass, object, routine, wire, length, sink);
-    passBoundary();
-    return length != 0 && done == (before + times) * length;
-}
-
-bool runCase(std::string_view name, unsigned long before, unsigned long times)
+template <class Messages>
+void addSet(const std::string& set)
 {
     static Messages messages;
-    const Pass pass = passOf(name.substr(0, name.find('/')));
-    switch (name.back()) {
-    case 'S': return run(pass, messages.small, XdrJobAttNotifyParams, before, times);
-    case 'T': return run(pass, messages.typical, XdrJobAVPSeq, before, times);
-    case 'L': return run(pass, messages.many, XdrJobAVPSeq, before, times);
-    case 'B': return run(pass, messages.numbers, XdrAttributeSeq, before, times);
-    default: return false;
-    }
+    messages.each(
+        [&set](const char* name, auto& object, XdrRoutine routine) { addMessage(set, name, object, routine); });
 }
 
-constexpr const char* cases[] = {"encode/S",       "encode/T",       "encode/L",       "encode/B",
-                                 "decode/S",       "decode/T",       "decode/L",       "decode/B",
-                                 "trace-encode/S", "trace-encode/T", "trace-encode/L", "trace-encode/B",
-                                 "trace-decode/S", "trace-decode/T", "trace-decode/L", "trace-decode/B"};
-
-bool good(bool ran, const char* name)
+bool run(const Case& one, unsigned long before, unsigned long times)
 {
-    if (!ran) std::fprintf(stderr, "instructions: %s did not code all bytes\n", name);
-    return ran;
+    std::size_t done = one.run(before);
+    passBoundary();
+    done += one.run(times);
+    passBoundary();
+    if (one.length != 0 && done == (before + times) * one.length) return true;
+    std::fprintf(stderr, "instructions: %s did not code all bytes\n", one.name.c_str());
+    return false;
 }
 
 }  // namespace
 
 int main(int count, char** arguments)
 {
+    addSet<library::Messages>("library");
+    addSet<own::Messages>("own");
     if (count == 1) {
         std::printf("%lu passes of each\n", countedRuns);
-        for (const char* name : cases) {
-            if (!good(runCase(name, firstRuns, countedRuns), name)) return 1;
-            std::puts(name);
+        for (const Case& one : cases) {
+            if (!run(one, firstRuns, countedRuns)) return 1;
+            std::puts(one.name.c_str());
         }
         return 0;
     }
     if (count == 3)
-        return good(runCase(arguments[1], 0, std::strtoul(arguments[2], nullptr, 10)), arguments[1]) ? 0 : 1;
+        for (const Case& one : cases)
+            if (one.name == arguments[1]) return run(one, 0, std::strtoul(arguments[2], nullptr, 10)) ? 0 : 1;
     std::fprintf(stderr, "usage: instructions [CASE COUNT]\n");
     return 2;
 }

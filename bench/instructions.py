@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""Counts the instructions of each of the library's measured passes and compares them with the committed counts.
+"""Counts the instructions of each measured pass of the codec and compares them with the committed counts.
 
-usage: instructions.py PROGRAM BASELINE [update]
+usage: instructions.py PROGRAM INSIDE BASELINE [update]
 
 PROGRAM runs under valgrind, which takes stock at each boundary that it marks, so a count is that of one pass. A count
 more than 5 % above its baseline fails; one more than 5 % below is reported, so that the baseline can be refreshed with
-`update`.
+`update`. INSIDE is the same program with the module of one's own built as a part of the library. Beside each count the
+report has its ratio to the hand-written limit and, for the module of one's own, to the same pass inside the library.
 """
 
 import glob
@@ -25,12 +26,13 @@ def fail(sentence):
 def instructions(program):
     """The instructions of one pass, by the name of the case."""
     with tempfile.TemporaryDirectory() as folder:
-        # Without an environment, so that nothing of it, such as a locale or a preloaded library, is counted, and as on a
-        # processor of the least kind, so that all processors count alike.
+        # Without an environment, so that nothing of it, such as a locale or a preloaded library, is counted, and as on
+        # a processor of the least kind, so that all processors count alike.
         done = subprocess.run(
             ["valgrind", "--tool=callgrind", f"--callgrind-out-file={folder}/out", "--dump-before=passBoundary",
              os.path.abspath(program)],
-            env={"PATH": os.environ.get("PATH", ""), "LC_ALL": "C", "GLIBC_TUNABLES": "glibc.cpu.hwcaps=-AVX2"}, capture_output=True, text=True)
+            env={"PATH": os.environ.get("PATH", ""), "LC_ALL": "C", "GLIBC_TUNABLES": "glibc.cpu.hwcaps=-AVX2"},
+            capture_output=True, text=True)
         if done.returncode != 0:
             fail(f"valgrind ended with status {done.returncode}:\n{done.stdout}{done.stderr}")
         stocks = []
@@ -46,14 +48,15 @@ def instructions(program):
 
 
 def main():
-    if len(sys.argv) not in (3, 4) or sys.argv[3:] not in ([], ["update"]):
+    if len(sys.argv) not in (4, 5) or sys.argv[4:] not in ([], ["update"]):
         sys.exit(__doc__)
-    baseline = sys.argv[2]
-    counts = instructions(sys.argv[1])
+    program, inside_program, baseline = sys.argv[1:4]
+    all_counts = instructions(program)
+    counts = {case: count for case, count in all_counts.items() if not case.endswith("/limit")}
 
-    if sys.argv[3:]:
+    if sys.argv[4:]:
         with open(baseline, "w", encoding="ascii") as out:
-            out.write("# Instructions of one pass of the library over each measured message; instructions.py rewrites it.\n")
+            out.write("# Instructions of one pass over each measured message; instructions.py rewrites them.\n")
             out.writelines(f"{case} {count}\n" for case, count in counts.items())
         print(f"{baseline} rewritten")
         return
@@ -62,6 +65,8 @@ def main():
         known = dict(line.split() for line in lines if not line.startswith("#"))
     if list(known) != list(counts):
         fail(f"{baseline} lists other cases; rewrite it with update")
+    inside = instructions(inside_program)
+    print(f"{'':24} {'baseline':>9} {'counted':>9} {'change':>7} {'to limit':>9} {'to inside':>9}")
     costlier = 0
     for case, count in counts.items():
         before = int(known[case])
@@ -72,7 +77,9 @@ def main():
             costlier += 1
         elif change < -ROOM:
             verdict = "  costs less: the baseline may be refreshed"
-        print(f"{case:15} {before:9} {count:9} {change:+7.1%}{verdict}")
+        to_limit = f"{count / all_counts[case + '/limit']:.2f}"
+        to_inside = f"{count / inside[case]:.2f}" if case.startswith("own/") else ""
+        print(f"{case:24} {before:9} {count:9} {change:+7.1%} {to_limit:>9} {to_inside:>9}{verdict}")
     print(f"{len(counts) - costlier} passed, {costlier} failed")
     sys.exit(1 if costlier else 0)
 

@@ -1,46 +1,79 @@
-// How a measurement is registered, and how the program gives up.
+// Registers measurements, and ends the program where one cannot be made.
 #pragma once
+
+#include "passes.h"
+#include "tirpc.h"
 
 #include <benchmark/benchmark.h>
 
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <initializer_list>
+#include <cstring>
+#include <deque>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace quorva::bench {
 
-[[noreturn, gnu::format(printf, 1, 2)]] inline void die(const char* format, ...)
+[[noreturn]] inline void die(const std::string& sentence)
 {
-    std::va_list arguments;
-    va_start(arguments, format);
-    std::fputs("bench: ", stderr);
-    std::vfprintf(stderr, format, arguments);
-    std::fputc('\n', stderr);
+    std::fprintf(stderr, "bench: %s\n", sentence.c_str());
     std::exit(1);
 }
 
-// Registers a measurement of `action`, which returns the bytes that it coded, after one run to see that it codes
-// `length` of them. The report gets the `counters`, by name.
+// Registers a measurement of `action`, which returns the number of bytes that it codes, after one run that has to code
+// `length` bytes.
 template <class Action>
-void measure(const std::string& name, std::size_t length, Action action,
-             std::initializer_list<std::pair<const char*, double>> counters = {})
+void measure(const std::string& name, std::size_t length, Action action)
 {
-    const std::size_t done = action();
-    if (done != length) die("%s coded %zu bytes of %zu", name.c_str(), done, length);
-    std::vector<std::pair<std::string, double>> shown(counters.begin(), counters.end());
-    shown.emplace_back("bytes", static_cast<double>(length));
-    ::benchmark::RegisterBenchmark(name.c_str(), [action, shown](::benchmark::State& state) mutable {
+    if (action() != length) die(name + " does not code all bytes");
+    ::benchmark::RegisterBenchmark(name.c_str(), [action](::benchmark::State& state) mutable {
         for (auto _ : state) ::benchmark::DoNotOptimize(action());
-        for (const auto& [counter, value] : shown) state.counters[counter] = value;
     });
 }
 
-// A thousand messages of many types; arrays of one to thousands of numbers.
-void measureMixed();
-void measureFields();
+inline unsigned char out[longest];  // every encode pass writes here
+
+// Registers a measurement of `action`, an encode pass to `out` that has to write the bytes of `wire`.
+template <class Action>
+void measureEncode(const std::string& name, const std::vector<unsigned char>& wire, Action action)
+{
+    std::memset(out, 0xA5, sizeof out);
+    measure(name, wire.size(), action);
+    if (std::memcmp(out, wire.data(), wire.size()) != 0) die(name + " writes other bytes than the codec");
+}
+
+// Measures encode and decode of `object` by the codec and by libtirpc. The names of the measurements begin with `set`.
+// Returns the message, which lives until the program ends.
+template <class T, class P>
+std::vector<unsigned char>& measureCodec(const std::string& set, const std::string& message, T& object,
+                                         XdrRoutine routine, TirpcRoutine<P> tirpc)
+{
+    static std::deque<std::vector<unsigned char>> wires;
+    static std::deque<P> peers;
+    auto& wire = wires.emplace_back(out, out + encodePass(routine, object, out));
+    auto& peer = peers.emplace_back();
+    if (tirpcDecode(tirpc, peer, wire.data(), wire.size()) != wire.size())
+        die("libtirpc does not decode " + set + " " + message);
+    std::printf("%s %s: %zu bytes\n", set.c_str(), message.c_str(), wire.size());
+
+    const std::string encode = set + "/encode/" + message;
+    const std::string decode = set + "/decode/" + message;
+    measureEncode(encode + "/codec", wire, [&object, routine] { return encodePass(routine, object, out); });
+    measureEncode(encode + "/tirpc", wire, [&peer, tirpc] { return tirpcEncode(tirpc, peer, out, longest); });
+    measure(decode + "/codec", wire.size(),
+            [&wire, routine] { return decodePass<T>(routine, wire.data(), wire.size()); });
+    measure(decode + "/tirpc", wire.size(), [&wire, tirpc] { return tirpcDecode(tirpc, wire.data(), wire.size()); });
+    return wire;
+}
+
+// Runs what is registered, as the arguments of the program say. Returns its status.
+inline int run(int count, char** arguments)
+{
+    ::benchmark::Initialize(&count, arguments);
+    if (::benchmark::ReportUnrecognizedArguments(count, arguments)) return 1;
+    ::benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
 
 }  // namespace quorva::bench

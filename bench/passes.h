@@ -1,7 +1,8 @@
-// The library's passes as a caller makes them who holds the routine: a stream on the stack, one call.
+// Passes of the codec over an object, run as a caller runs them: a stream on the stack, one call of the exported
+// routine.
 #pragma once
 
-#include "messages.h"
+#include <quorvapixdr/primitives.h>
 
 #include <Xdr.h>
 
@@ -9,40 +10,43 @@
 
 namespace quorva::bench {
 
-// Bytes written to `buffer`, which has room for `longest`; 0 after a failure. The trace goes to `sink`, if any, which
-// is cleared first.
-inline std::size_t encodePass(XdrRoutine routine, void* object, unsigned char* buffer, TraceText* sink)
+inline constexpr std::size_t longest = 1024;  // bytes of any measured message
+
+// What a pass attaches to its stream: nothing, or the sink of its trace, which is cleared first.
+struct NoTrace {
+    void operator()(Xdr&) const {}
+};
+template <class Sink>
+auto traced(Sink& sink)
+{
+    return [&sink](auto& xdrs) {
+        sink.clear();
+        xdrs.setTrace(&sink);
+    };
+}
+
+// Returns the number of bytes written to `buffer`, which has room for `longest`; 0 after an error.
+template <class T, class Attach = NoTrace>
+std::size_t encodePass(XdrRoutine routine, T& object, unsigned char* buffer, Attach attach = {})
 {
     Xdr xdrs;
-    if (sink) {
-        sink->clear();
-        xdrs.setTrace(sink);
-    }
-    xdrs.Program(Xdr::encode, buffer, longest);
-    return routine(&xdrs, object) ? xdrs.codedLength : 0;
+    attach(xdrs);
+    xdrs.Program(static_cast<Xdr::Request>(0), buffer, longest);
+    return routine(&xdrs, &object) ? xdrs.codedLength : 0;
 }
 
-template <class T>
-std::size_t encodePass(XdrRoutine routine, T& object, unsigned char* buffer, TraceText* sink = nullptr)
-{
-    return encodePass(routine, static_cast<void*>(&object), buffer, sink);
-}
-
-// Decodes and frees. Bytes read; 0 after a failure.
-template <class T>
-std::size_t decodePass(XdrRoutine routine, unsigned char* message, std::size_t length, TraceText* sink = nullptr)
+// Decodes into a zeroed object and releases it. Returns the number of bytes read; 0 after an error.
+template <class T, class Attach = NoTrace>
+std::size_t decodePass(XdrRoutine routine, unsigned char* message, std::size_t length, Attach attach = {})
 {
     T value = {};
     Xdr xdrs;
-    if (sink) {
-        sink->clear();
-        xdrs.setTrace(sink);
-    }
-    xdrs.Program(Xdr::decode, message, static_cast<unsigned short>(length));
+    attach(xdrs);
+    xdrs.Program(static_cast<Xdr::Request>(1), message, static_cast<unsigned short>(length));
     const std::size_t consumed = routine(&xdrs, &value) ? xdrs.codedLength : 0;
-    Xdr freeing;
-    freeing.Program(Xdr::release, nullptr, 0);
-    routine(&freeing, &value);
+    Xdr releasing;
+    releasing.Program(static_cast<Xdr::Request>(2), nullptr, 0);
+    routine(&releasing, &value);
     return consumed;
 }
 

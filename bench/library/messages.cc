@@ -1,12 +1,10 @@
-// Makes the measured messages: what a print job looks like to a client that asks for it, in four sizes.
-
 #include "messages.h"
 
-#include <quorvapixdr/codec.h>
+#include "../passes.h"
 
 #include <cstring>
 
-namespace quorva::bench {
+namespace quorva::bench::library {
 
 Counted<unsigned char> Messages::text(std::string contents)
 {
@@ -78,7 +76,7 @@ Messages::Messages()
     std::size_t size = 4;
     for (std::size_t i = 0;; ++i) {
         JobAVP next = attribute(cycle[i % std::size(cycle)]);
-        size += runPass(Xdr::encode, XdrJobAVP, &next, buffer).length;
+        size += encodePass(XdrJobAVP, next, buffer);
         if (size > 1000) break;
         manyAttributes.push_back(next);
     }
@@ -87,4 +85,4 @@ Messages::Messages()
     numbers = {static_cast<std::uint16_t>(attributeNumbers.size()), attributeNumbers.data()};
 }
 
-}  // namespace quorva::bench
+}  // namespace quorva::bench::library

@@ -1,4 +1,4 @@
-// The messages that everything here is measured with. What they are is decided in messages.cc and nowhere else.
+// The measured messages of the library's own types: what a print job looks like to a client, in four sizes.
 #pragma once
 
 #include <quorvapixdr/common/status.h>
@@ -9,9 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace quorva::bench {
-
-inline constexpr std::size_t longest = 1024;  // bytes of any of the messages
+namespace quorva::bench::library {
 
 // The objects, and all storage that they point to. They are encoded, never released.
 class Messages {
@@ -20,10 +18,20 @@ public:
     Messages(const Messages&) = delete;
     Messages& operator=(const Messages&) = delete;
 
-    JobAttNotifyParams small;  // S: a job's two numbers and an empty list
     JobAVPSeq typical;         // T: twelve attributes of a job, one of them an array of 58 numbers
     JobAVPSeq many;            // L: as many attributes as fit in 1000 bytes, most of them short texts
     AttributeSeq numbers;      // B: an array of 240 numbers
+    JobAttNotifyParams small;  // S: a job's two numbers and an empty list
+
+    // Calls visit(letter, object, routine) for each.
+    template <class Visit>
+    void each(Visit visit)
+    {
+        visit("T", typical, XdrJobAVPSeq);
+        visit("L", many, XdrJobAVPSeq);
+        visit("B", numbers, XdrAttributeSeq);
+        visit("S", small, XdrJobAttNotifyParams);
+    }
 
 private:
     Counted<unsigned char> text(std::string contents);
@@ -38,4 +46,4 @@ private:
     std::vector<AttributeId> attributeNumbers;
 };
 
-}  // namespace quorva::bench
+}  // namespace quorva::bench::library

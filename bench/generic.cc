@@ -1,0 +1,15 @@
+// Measures the codec with a stream class that offers the contract and nothing beyond it, beside libtirpc.
+
+#include "measure.h"
+#include "own/tirpc.h"
+
+using namespace quorva::bench;
+
+int main(int count, char** arguments)
+{
+    static own::Messages messages;
+    messages.each([](const char* name, auto& object, XdrRoutine routine) {
+        measureCodec("generic", name, object, routine, tirpcOf(object));
+    });
+    return run(count, arguments);
+}
