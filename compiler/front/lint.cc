@@ -1,15 +1,18 @@
 // One function for each habit, over the resolved tree and, for the width of lines, over the text.
 #include "lint.h"
 
-#include "plan/structure.h"
 #include "emit/text.h"
+#include "plan/structure.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
+#include <vector>
 
 namespace quorva::compiler {
 
@@ -21,6 +24,25 @@ constexpr std::uint64_t largeArm = 128;  // bytes
 bool isCapital(char c)
 {
     return c >= 'A' && c <= 'Z';
+}
+
+// Enumerations whose prefix a settled enumerator fixes.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 2> settledPrefixes = {{
+    {"EPCBasicRecoveryAction", "BRA"},
+    {"NVMReadWriteStatus", "NRS"},
+}};
+
+// The capitals and digits of an enumeration's name, with which its enumerators begin.
+std::string initialsOf(std::string_view name)
+{
+    for (const auto& [enumeration, prefix] : settledPrefixes) {
+        if (enumeration == name) return std::string(prefix);
+    }
+    std::string initials;
+    for (const char c : name) {
+        if (isCapital(c) || (c >= '0' && c <= '9')) initials += c;
+    }
+    return initials;
 }
 
 // What a type takes in memory on a machine with 64-bit addresses, where it takes most.
@@ -242,6 +264,16 @@ void Linter::documentation(const Definition& definition)
         warn(definition.at,
              inQuotes(definition.name) + " is provisional without a reason; say behind the mark what it follows");
     }
+    for (const Declaration* member : declarationsOf(definition)) {
+        if (!member->provisional) continue;
+        if (definition.provisional) {
+            warn(member->at, inQuotes(member->name) + " is marked '@provisional', and so is the whole of " +
+                                 inQuotes(definition.name) + "; keep one of the marks");
+        } else if (member->provisional->empty()) {
+            warn(member->at,
+                 inQuotes(member->name) + " is provisional without a reason; say behind the mark what is assumed");
+        }
+    }
 }
 
 // Names
@@ -262,19 +294,29 @@ void Linter::memberName(const Declaration& member, std::string_view what)
                         " is not written as members are: in capitalised words but for the first, without '_'");
 }
 
-// A provisional enumeration may hold a few enumerators that are known, and named by habits of their own.
+// A provisional enumeration may hold a few enumerators that are settled, and named by habits of their own. A name of
+// one word has no initials: there, two letters in common will do.
 void Linter::enumerators(const Definition& definition)
 {
-    constexpr std::size_t prefix = 2;
+    const std::vector<Enumerator>& all = definition.enumerators;
+    const auto most = [&](std::size_t count) { return 2 * count >= all.size(); };
+    const std::string prefix = initialsOf(definition.name);
+    if (prefix.size() > 1) {
+        const auto fits = [&](const Enumerator& each) {
+            return each.name.starts_with(prefix) && each.name.size() > prefix.size();
+        };
+        if (most(static_cast<std::size_t>(std::count_if(all.begin(), all.end(), fits)))) return;
+        warn(definition.at, "the enumerators of " + inQuotes(definition.name) + " do not begin with " +
+                                inQuotes(prefix) + ", its initials, and all enumerators share one scope");
+        return;
+    }
     std::unordered_map<std::string_view, std::size_t> groups;
     std::size_t largest = 0;
-    for (const Enumerator& each : definition.enumerators) {
-        largest = std::max(largest, ++groups[std::string_view(each.name).substr(0, prefix)]);
-    }
-    if (definition.kind != Kind::enumeration || 2 * largest > definition.enumerators.size()) return;
+    for (const Enumerator& each : all) largest = std::max(largest, ++groups[std::string_view(each.name).substr(0, 2)]);
+    if (most(largest)) return;
     warn(definition.at, "the enumerators of " + inQuotes(definition.name) +
-                            " have no prefix in common, and all enumerators share one scope; begin each with the "
-                            "initials of the enumeration");
+                            " have no prefix in common, and all enumerators share one scope; begin each with the name "
+                            "of the enumeration");
 }
 
 void Linter::sequence(const Definition& definition)
@@ -352,7 +394,7 @@ void Linter::definition(const Definition& definition)
     if (!definition.provisional) return;
 
     typeName(definition);
-    enumerators(definition);
+    if (definition.kind == Kind::enumeration) enumerators(definition);
     sequence(definition);
     for (const Declaration& field : definition.fields) memberName(field, "field");
     // Attributes bear the names that their numbers have everywhere.

@@ -9,9 +9,8 @@ namespace quorva::compiler {
 // More warnings than this are a list that nobody works off in one go.
 inline constexpr std::size_t mostWarnings = 1000;
 
-// Looks at the requested modules of a program without faults. Names that a published layout fixes cannot be changed by
-// whoever reads the warning, so habits of naming are asked of provisional types and their members alone, and habits of
-// layout where the layout is still open.
+// Looks at the requested modules of a program without faults. Settled names cannot be changed, so habits of naming are
+// asked of provisional types and their members alone, and habits of layout where the layout is still open.
 void lint(const Program& program, Diagnostics& warnings);
 
 }  // namespace quorva::compiler

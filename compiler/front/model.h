@@ -63,7 +63,8 @@ struct Declaration {
     Span at;                       // of the name, or of "void"
     std::optional<Value> written;  // the bound as written, if any
     std::uint32_t bound = 0;       // resolved: elements, or the maximum (65535 where none is written)
-    std::string doc;               // comment text, lines joined by '\n', without comment marks
+    std::string doc;               // comment text, lines joined by '\n', without comment marks and provisional line
+    std::optional<std::string> provisional;  // the text behind the mark, possibly empty
 };
 
 struct Enumerator {

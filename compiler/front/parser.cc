@@ -52,9 +52,10 @@ private:
     std::vector<DocLine> docAbove(std::size_t first);
     void addDocBehind(std::vector<DocLine>& doc, std::size_t last);
     void addDocInside(std::vector<DocLine>& doc, std::size_t first, std::size_t last);
-    std::string memberDoc(const std::vector<DocLine>& lines);
+    std::string unmarkedDoc(const std::vector<DocLine>& lines);
     void moduleDoc();
-    void document(Definition& definition, const std::vector<DocLine>& lines);
+    template <typename Marked>
+    void document(Marked& marked, const std::vector<DocLine>& lines);
 
     // Grammar
     bool definition();
@@ -304,25 +305,28 @@ std::string_view markOf(const DocLine& line)
     return text.substr(0, text.find_first_of(" \t:,"));
 }
 
-std::string Parser::memberDoc(const std::vector<DocLine>& lines)
+// For modules and enumerators, which are never marked.
+std::string Parser::unmarkedDoc(const std::vector<DocLine>& lines)
 {
     for (const DocLine& line : lines) {
         if (markOf(line) == provisionalMark) {
-            fault(line.at, "'@provisional' marks a whole type; put it above the definition");
+            fault(line.at, "'@provisional' marks a type, a field or an arm; put it above one of those");
         }
     }
     return joined(lines);
 }
 
-void Parser::document(Definition& definition, const std::vector<DocLine>& lines)
+// For definitions and declarations: separates the mark from the documentation.
+template <typename Marked>
+void Parser::document(Marked& marked, const std::vector<DocLine>& lines)
 {
     std::vector<DocLine> rest;
     for (const DocLine& line : lines) {
         const auto mark = markOf(line);
         if (mark == provisionalMark) {
             const auto start = line.text.find_first_not_of(" \t:", provisionalMark.size());
-            if (definition.provisional) { fault(line.at, "'" + definition.name + "' is marked '@provisional' twice"); }
-            definition.provisional = start == std::string::npos ? "" : line.text.substr(start);
+            if (marked.provisional) fault(line.at, inQuotes(marked.name) + " is marked '@provisional' twice");
+            marked.provisional = start == std::string::npos ? "" : line.text.substr(start);
             continue;
         }
         if (mark.starts_with("@prov")) {
@@ -330,7 +334,7 @@ void Parser::document(Definition& definition, const std::vector<DocLine>& lines)
         }
         rest.push_back(line);
     }
-    definition.doc = joined(rest);
+    marked.doc = joined(rest);
 }
 
 // The first comments of the file, unless they stand directly above a definition.
@@ -347,7 +351,7 @@ void Parser::moduleDoc()
         used_[i] = true;
         appendDoc(lines, lexed_.comments[i]);
     }
-    module_.doc = memberDoc(lines);
+    module_.doc = unmarkedDoc(lines);
 }
 
 // Grammar
@@ -519,7 +523,7 @@ bool Parser::body(Definition& definition)
         }
         std::vector<DocLine> doc;
         addDocInside(doc, open, pos_ - 1);
-        discriminant.doc = memberDoc(doc);
+        document(discriminant, doc);
     }
     const Span opened = token().at;
     if (!expect("{", "behind " + called(definition))) return false;
@@ -557,7 +561,7 @@ bool Parser::enumeration(Definition& definition)
         unexpected("',' or '}' behind enumerator " + inQuotes(made.name));
         return false;
     }
-    made.doc = memberDoc(doc);
+    made.doc = unmarkedDoc(doc);
     definition.enumerators.push_back(std::move(made));
     return true;
 }
@@ -571,7 +575,7 @@ bool Parser::record(Definition& definition)
     if (!complete && field.name.empty()) return false;
     const bool ended = complete && endOfDeclaration("field " + inQuotes(field.name));
     if (ended) addDocBehind(doc, pos_ - 1);
-    field.doc = memberDoc(doc);
+    document(field, doc);
     definition.fields.push_back(std::move(field));
     return ended;
 }
@@ -613,7 +617,7 @@ bool Parser::arm(Definition& definition)
         addDocInside(doc, first, pos_ - 1);
         addDocBehind(doc, pos_ - 1);
     }
-    arm.declaration.doc = memberDoc(doc);
+    document(arm.declaration, doc);
     if (!isDefault) {
         definition.arms.push_back(std::move(arm));
     } else if (definition.defaultArm) {
