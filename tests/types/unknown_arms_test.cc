@@ -1,0 +1,65 @@
+// A union whose discriminant has no arm fails in every mode, a release included, and moves the discriminant alone.
+
+#include "codec_tools.h"
+#include "tested_modules.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <set>
+#include <vector>
+
+using namespace quorva;
+using namespace quorva::test;
+using schema::Type;
+
+namespace {
+
+// Discriminants without an arm: the neighbours of those with one, and the ends of the range. `all` has every bit of
+// one.
+std::set<std::uint32_t> withoutArm(const Type& type, std::uint32_t all)
+{
+    std::set<std::uint32_t> cases, found = {all, all / 2, all / 2 + 1};
+    for (const auto& arm : type.arms)
+        for (const std::int64_t value : arm.cases) cases.insert(static_cast<std::uint32_t>(value) & all);
+    for (const std::uint32_t value : cases) found.insert({(value - 1) & all, (value + 1) & all});
+    std::erase_if(found, [&](std::uint32_t value) { return cases.contains(value); });
+    return found;
+}
+
+void setDiscriminant(void* object, std::size_t width, std::uint32_t value)
+{
+    if (width == sizeof value)
+        std::memcpy(object, &value, sizeof value);
+    else
+        *static_cast<unsigned char*>(object) = static_cast<unsigned char>(value);
+}
+
+}  // namespace
+
+TEST(UnknownArms, failInEveryMode)
+{
+    int unions = 0;
+    for (const auto* module : testedModules())
+        for (const auto* type : module->types) {
+            if (type->kind != schema::Kind::discriminated || type->hasDefault) continue;
+            const std::size_t width = type->fields[0].use.type->size;
+            ASSERT_TRUE(width == 4 || width == 1) << type->name;
+            ++unions;
+            for (const std::uint32_t value : withoutArm(*type, width == 1 ? 0xFF : 0xFFFFFFFF))
+                for (const auto mode : {encoding, decoding, releasing}) {
+                    SCOPED_TRACE(std::string(type->name) + " " + std::to_string(value) + ", mode " +
+                                 std::to_string(static_cast<int>(mode)));
+                    std::vector<std::uint64_t> object((type->size + 7) / 8);
+                    if (mode != decoding) setDiscriminant(object.data(), width, value);
+                    Bytes buffer(16384);
+                    if (mode == decoding) setUnit(buffer, 0, value);
+                    const Pass pass = runPass(mode, type->routine, object.data(), buffer);
+                    EXPECT_FALSE(pass.succeeded);
+                    EXPECT_EQ(pass.length, mode == releasing ? 0u : 4u);
+                    EXPECT_EQ(unitAt(buffer, 0), mode == releasing ? 0u : value);
+                }
+        }
+    EXPECT_GT(unions, 0);
+}
