@@ -51,10 +51,10 @@ void isWorkedOn(const Program& program)
     std::vector<const Module*> modules;
     for (const auto& module : program.modules) {
         modules.push_back(module.get());
-        for (const auto emit : {emitHeader, emitUnit, emitBodies, emitSchema})
+        for (const auto emit : {emitHeader, emitPrivateHeader, emitUnit, emitDescriptions, emitDocumentation})
             if (emit(*module).empty()) throw Finding{"nothing is generated"};
     }
-    emitModuleList(modules);
+    emitModuleList(modules, "modules");
     emitPlain(program, {"plain_"});
     Diagnostics warnings("warning", mostWarnings);
     lint(program, warnings);

@@ -2,26 +2,16 @@
 
 #include <quorvapixdr/description.h>
 
-namespace quorva {
+namespace quorva::types {
 
-namespace {
+constinit const Type Boolean = leaf<::Boolean>(TypeKind::builtin, "Boolean", XdrBoolean, Builtin::Boolean);
+constinit const Type ShortInteger = leaf<::ShortInteger>(TypeKind::builtin, "ShortInteger", XdrShortInteger, Builtin::ShortInteger);
+constinit const Type ShortNatural = leaf<::ShortNatural>(TypeKind::builtin, "ShortNatural", XdrShortNatural, Builtin::ShortNatural);
+constinit const Type Integer = leaf<::Integer>(TypeKind::builtin, "Integer", XdrInteger, Builtin::Integer);
+constinit const Type Natural = leaf<::Natural>(TypeKind::builtin, "Natural", XdrNatural, Builtin::Natural);
+constinit const Type LongInteger = leaf<::LongInteger>(TypeKind::builtin, "LongInteger", XdrLongInteger, Builtin::LongInteger);
+constinit const Type LongNatural = leaf<::LongNatural>(TypeKind::builtin, "LongNatural", XdrLongNatural, Builtin::LongNatural);
+constinit const Type UINT = leaf<::UINT>(TypeKind::builtin, "UINT", XdrUINT, Builtin::UINT);
+constinit const Type Float = leaf<::Float>(TypeKind::builtin, "Float", XdrFloat, Builtin::Float);
 
-template <class T>
-constexpr Type builtin(const char* name, Builtin which, XdrRoutine routine)
-{
-    return {.name = name, .builtin = which, .size = sizeof(T), .alignment = alignof(T), .routine = routine};
-}
-
-}  // namespace
-
-constinit const Type types::Boolean = builtin<::Boolean>("Boolean", Builtin::Boolean, XdrBoolean);
-constinit const Type types::ShortInteger = builtin<::ShortInteger>("ShortInteger", Builtin::ShortInteger, XdrShortInteger);
-constinit const Type types::ShortNatural = builtin<::ShortNatural>("ShortNatural", Builtin::ShortNatural, XdrShortNatural);
-constinit const Type types::Integer = builtin<::Integer>("Integer", Builtin::Integer, XdrInteger);
-constinit const Type types::Natural = builtin<::Natural>("Natural", Builtin::Natural, XdrNatural);
-constinit const Type types::LongInteger = builtin<::LongInteger>("LongInteger", Builtin::LongInteger, XdrLongInteger);
-constinit const Type types::LongNatural = builtin<::LongNatural>("LongNatural", Builtin::LongNatural, XdrLongNatural);
-constinit const Type types::UINT = builtin<::UINT>("UINT", Builtin::UINT, XdrUINT);
-constinit const Type types::Float = builtin<::Float>("Float", Builtin::Float, XdrFloat);
-
-}  // namespace quorva
+}  // namespace quorva::types

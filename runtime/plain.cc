@@ -176,8 +176,14 @@ unsigned char* Decoder::string(unsigned char* at, char*& text, std::uint32_t max
 unsigned char* Decoder::opaque(unsigned char* at, unsigned char*& bytes, std::uint16_t& count, std::uint32_t maximum)
 {
     if (!lacksArray(at, maximum, 1) && !lacks(at + 4, padded(static_cast<std::uint16_t>(getUnit(at))))) {
-        at = block(at, count, bytes);
-        if (!at || count == 0) return at;
+        count = static_cast<std::uint16_t>(getUnit(at));
+        at += 4;
+        if (count == 0) {
+            if (fresh) bytes = nullptr;  // else a count of 0 leaves the pointer as it is
+            return at;
+        }
+        bytes = static_cast<unsigned char*>(newBlock(count, 1));
+        if (!bytes) return refuse(at, &bytes + 1);
         std::memcpy(bytes, at, count);
         return at + padded(count);
     }
@@ -221,11 +227,6 @@ unsigned char* Decoder::member(unsigned char* at, void* object, const Type& type
 void releaseBlock(void* block)
 {
     ::operator delete[](block);
-}
-
-bool releaseForeign(Xdr* xdrs, void* value, XdrRoutine routine)
-{
-    return routine(xdrs, value) != 0;
 }
 
 bool releaseMember(Xdr* xdrs, void* object, const Type& type, std::size_t index)

@@ -1,9 +1,9 @@
 // The measured messages of the library's own types: what a print job looks like to a client, in four sizes.
 #pragma once
 
-#include <quorvapixdr/common/status.h>
-#include <quorvapixdr/jobs/job.h>
-#include <quorvapixdr/jobs/requests.h>
+#include <quorvapixdr/types/common/status.h>
+#include <quorvapixdr/types/jobs/job.h>
+#include <quorvapixdr/types/jobs/requests.h>
 
 #include <deque>
 #include <string>

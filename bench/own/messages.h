@@ -1,7 +1,7 @@
 // The measured messages of network.x: the same four sizes and shapes as the library's.
 #pragma once
 
-#include <quorvapixdr/network.h>
+#include <quorvapixdr/types/network.h>
 
 #include <deque>
 #include <string>

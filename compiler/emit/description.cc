@@ -30,26 +30,26 @@ std::string formOf(Form form)
     return "none";
 }
 
-std::string kindOf(Kind kind)
+std::string joinedLines(const std::vector<std::string>& all)
 {
-    switch (kind) {
-    case Kind::enumeration: return "enumeration";
-    case Kind::record: return "structure";
-    case Kind::discriminated: return "discriminatedUnion";
-    case Kind::definedAs:
-    case Kind::constant: break;  // which has no description
-    }
-    return "typeDefinition";
+    std::string out;
+    for (const std::string& each : all) out += each;
+    return out;
 }
 
-std::string arrayOf(const std::string& type, const std::string& space, const std::string& name, const std::string& rows)
+// Arrays in a namespace where only such arrays are; empty where there are none.
+std::string arrays(const std::string& space, const std::vector<std::string>& all)
 {
-    return rows.empty() ? "" : "namespace quorva::" + space + " {\nconstexpr ::quorva::" + type + " " + name + "[] = {\n" + rows + "};\n}\n";
+    return all.empty() ? "" : "namespace quorva::" + space + " {\n\n" + joinedLines(all) + "\n}  // namespace quorva::" + space + "\n";
 }
 
-std::string item(const std::string& name, const std::string& value)
+std::string arrayOf(const std::string& type, const std::string& name, const std::string& rows)
 {
-    return "    ." + name + " = " + value + ",\n";
+    const std::string head = "constexpr ::quorva::" + type + " " + name + "[] = {";
+    const bool isOne = std::ranges::count(rows, '\n') == 1;
+    const std::string row = rows.substr(0, rows.size() - 1);
+    if (isOne && head.size() + row.size() < lineWidth) return head + row.substr(indentWidth, row.size() - indentWidth - 1) + "};\n";
+    return head + "\n" + rows + "};\n";
 }
 
 class DescriptionPrinter {
@@ -63,54 +63,58 @@ public:
         return "::quorva::types::" + type.name;
     }
 
-    std::string memberRow(const Definition& owner, const Declaration& declaration, bool isNamed)
+    // The rows of the type's members.
+    std::string membersOf(const Definition& definition)
     {
-        const std::string use = "{" + (declaration.type.name.empty() ? "nullptr" : "&" + typeOf(declaration.type)) + ", " +
-                                std::to_string(hasBound(declaration.form) ? declaration.bound : 0) + ", ::quorva::Form::" +
-                                formOf(declaration.form) + "}";
-        if (!isNamed || declaration.form == Form::nothing) return "    {\"\", " + use + ", 0, 0},\n";
-        return "    {" + literal(declaration.name) + ", " + use + ", offsetof(::" + owner.name + ", " + declaration.name + "), " +
-               std::to_string(declaration.name.size()) + "},\n";
+        std::string rows;
+        for (const Declaration* each : declarationsOf(definition)) rows += memberRow(definition, *each);
+        return rows;
     }
 
-    std::string of(const Definition& definition)
+    // By value, for a binary search.
+    static std::string casesOf(const Definition& definition)
     {
-        std::string members, cases;
-        switch (definition.kind) {
-        case Kind::record:
-            for (const Declaration& field : definition.fields) members += memberRow(definition, field, true);
-            break;
-        case Kind::discriminated:
-            members += memberRow(definition, definition.discriminant, true);
-            for (const Arm& arm : definition.arms) members += memberRow(definition, arm.declaration, true);
-            cases = caseRows(definition);
-            break;
-        case Kind::definedAs: members = memberRow(definition, definition.target, false); break;
-        case Kind::enumeration:
-        case Kind::constant: break;
+        std::vector<std::pair<std::uint32_t, std::size_t>> cases;
+        for (std::size_t arm = 0; arm < definition.arms.size(); ++arm)
+            for (const Value& value : definition.arms[arm].cases)
+                cases.emplace_back(static_cast<std::uint32_t>(value.number), arm + 1);
+        std::ranges::sort(cases);
+        std::string rows, line;
+        for (const auto& [value, member] : cases) {
+            const std::string next = "{" + std::to_string(value) + "U, " + std::to_string(member) + "},";
+            if (indentWidth + line.size() + next.size() > lineWidth) {
+                rows += std::string(indentWidth, ' ') + line + "\n";
+                line.clear();
+            }
+            line += (line.empty() ? "" : " ") + next;
         }
+        return line.empty() ? rows : rows + std::string(indentWidth, ' ') + line + "\n";
+    }
+
+    std::string of(const Definition& definition) const
+    {
         const std::string& name = definition.name;
-        return arrayOf("Member", "members", name, members) + arrayOf("Case", "cases", name, cases) +
-               "constinit const ::quorva::Type quorva::types::" + name + " = {\n" + item("name", literal(name)) +
-               item("kind", "::quorva::TypeKind::" + kindOf(definition.kind)) +
-               (definition.defaultArm ? item("hasDefault", "true") : "") + item("size", "sizeof(::" + name + ")") +
-               item("alignment", "alignof(::" + name + ")") + item("routine", "::Xdr" + name) +
-               (definition.kind == Kind::enumeration ? item("nameOf", "::" + name + "String") : "") +
-               (members.empty() ? "" : item("members", "::quorva::members::" + name)) +
-               (cases.empty() ? "" : item("cases", "::quorva::cases::" + name)) +
-               (definition.kind == Kind::discriminated ? item("armElement", literal(name + "Union")) : "") + "};\n";
+        const std::string members = "::quorva::members::" + name;
+        const std::string head = "constinit const ::quorva::Type quorva::types::" + name + " = ::quorva::";
+        const std::string first = "<::" + name + ">(" + literal(name) + ", ::Xdr" + name + ", ";
+        switch (definition.kind) {
+        case Kind::enumeration: return head + "enumeration" + first + "::" + name + "String);\n";
+        case Kind::record: return head + "structure" + first + members + ");\n";
+        case Kind::discriminated:
+            return head + "discriminatedUnion" + first + members + ", ::quorva::cases::" + name + ", " + literal(name + "Union") +
+                   ", " + (definition.defaultArm ? "true" : "false") + ");\n";
+        case Kind::definedAs: break;
+        case Kind::constant: return "";
+        }
+        return head + "typeDefinition" + first + members + ");\n";
     }
 
     // What is known of another library's type: how long it is, and its routine.
-    std::string stub(const Definition& definition)
+    static std::string stub(const Definition& definition)
     {
         const std::string& name = definition.name;
-        const Builtin builtin = builtinOf(definition);
-        return "namespace quorva::foreign {\nconstexpr ::quorva::Type " + name + " = {\n" + item("name", literal(name)) +
-               item("kind", "::quorva::TypeKind::foreign") +
-               (builtin == Builtin::none ? "" : item("builtin", "::quorva::Builtin::" + nameOf(builtin))) +
-               item("size", "sizeof(::" + name + ")") + item("alignment", "alignof(::" + name + ")") +
-               item("routine", "::Xdr" + name) + "};\n}\n";
+        return "constexpr ::quorva::Type " + name + " = ::quorva::leaf<::" + name + ">(::quorva::TypeKind::foreign, " + literal(name) +
+               ", ::Xdr" + name + ", ::quorva::Builtin::" + builtinOf(definition) + ");\n";
     }
 
     // Definitions of other libraries that the module's declarations name.
@@ -126,32 +130,24 @@ public:
     }
 
 private:
-    static bool hasBound(Form form) { return form != Form::single && form != Form::optional && form != Form::nothing; }
-
-    static Builtin builtinOf(const Definition& definition)
+    std::string memberRow(const Definition& owner, const Declaration& declaration)
     {
-        if (definition.kind != Kind::definedAs || definition.target.form != Form::single) return Builtin::none;
-        return behindAliases(definition.target.type).builtin;
+        const Form form = declaration.form;
+        const bool hasBound = form != Form::single && form != Form::optional && form != Form::nothing;
+        const std::string use = "{" + (declaration.type.name.empty() ? "nullptr" : "&" + typeOf(declaration.type)) + ", " +
+                                std::to_string(hasBound ? declaration.bound : 0) + ", ::quorva::Form::" + formOf(form) + "}";
+        const bool isNamed = owner.kind != Kind::definedAs && form != Form::nothing;
+        return "    {" + literal(isNamed ? declaration.name : "") + ", " + use + ", " +
+               (isNamed ? "offsetof(::" + owner.name + ", " + declaration.name + ")" : "0") + "},\n";
     }
-    static std::string nameOf(Builtin builtin)
+
+    // The built-in type that an alias names.
+    static std::string builtinOf(const Definition& definition)
     {
         static constexpr const char* names[] = {"none", "Boolean", "ShortInteger", "ShortNatural", "Integer",
                                                 "Natural", "LongInteger", "LongNatural", "UINT", "Float"};
-        return names[static_cast<int>(builtin)];
-    }
-
-    // By value, for a binary search.
-    static std::string caseRows(const Definition& definition)
-    {
-        std::vector<std::pair<std::uint32_t, std::size_t>> rows;
-        for (std::size_t arm = 0; arm < definition.arms.size(); ++arm)
-            for (const Value& value : definition.arms[arm].cases)
-                rows.emplace_back(static_cast<std::uint32_t>(value.number), arm + 1);
-        std::ranges::sort(rows);
-        std::string out;
-        for (const auto& [value, member] : rows)
-            out += "    {" + std::to_string(value) + "U, " + std::to_string(member) + "},\n";
-        return out;
+        if (definition.kind != Kind::definedAs || definition.target.form != Form::single) return names[0];
+        return names[static_cast<int>(behindAliases(definition.target.type).builtin)];
     }
 
     Plans plans_;
@@ -169,21 +165,28 @@ std::string provisional(const std::optional<std::string>& reason)
     return reason ? text(*reason) : "nullptr";
 }
 
-std::string documentationRows(const Definition& definition, std::string& enumerators)
+// By value, ascending.
+std::string enumeratorRows(const Definition& definition)
 {
     std::vector<const Enumerator*> byValue;
     for (const Enumerator& enumerator : definition.enumerators) byValue.push_back(&enumerator);
     std::ranges::sort(byValue, {}, [](const Enumerator* each) { return each->value.number; });
+    std::string rows;
     for (const Enumerator* each : byValue)
-        enumerators += "    {" + literal(each->name) + ", " + std::to_string(each->value.number) + ", " + text(each->doc) + "},\n";
+        rows += "    {" + literal(each->name) + ", " + std::to_string(each->value.number) + ", " + text(each->doc) + "},\n";
+    return rows;
+}
 
-    std::string members;
+// One for each member; none where nothing is said of any.
+std::string memberRows(const Definition& definition)
+{
+    std::string rows;
     bool says = false;
     for (const Declaration* each : declarationsOf(definition)) {
-        says = says || !each->doc.empty();
-        members += "    {" + text(each->doc) + "},\n";
+        says = says || !each->doc.empty() || each->provisional;
+        rows += "    {" + text(each->doc) + ", " + provisional(each->provisional) + "},\n";
     }
-    return says ? members : "";
+    return says ? rows : "";
 }
 
 // A name of its own for each module: letters and digits stand for themselves, '_' and '/' for two characters.
@@ -199,36 +202,44 @@ std::string identifierOf(const Module& module)
 std::string emitDescriptions(const Module& module)
 {
     DescriptionPrinter printer(module);
-    std::vector<std::string> parts = {madeFrom(module) + "#include <" + privateHeader(module.source.module) +
-                                      ">\n\n#include <cstddef>\n#include <cstdint>\n"};
-    for (const Definition* definition : printer.foreignOf(module)) parts.push_back(printer.stub(*definition));
-    for (const Definition* definition : typesOf(module)) parts.push_back(printer.of(*definition));
-    return sections(parts);
+    std::vector<std::string> members, cases;
+    std::string stubs, types;
+    for (const Definition* definition : printer.foreignOf(module)) stubs += printer.stub(*definition);
+    for (const Definition* definition : typesOf(module)) {
+        const std::string rows = printer.membersOf(*definition);
+        if (!rows.empty()) members.push_back(arrayOf("Member", definition->name, rows));
+        if (definition->kind == Kind::discriminated)
+            cases.push_back(arrayOf("Case", definition->name, DescriptionPrinter::casesOf(*definition)));
+        types += printer.of(*definition);
+    }
+    return sections({madeFrom(module) + "#include <" + privateHeader(module.source.module) + ">\n\n#include <cstddef>\n",
+                     stubs.empty() ? "" : "namespace quorva::foreign {\n" + stubs + "}  // namespace quorva::foreign\n",
+                     arrays("members", members), arrays("cases", cases), types});
 }
 
 std::string emitDocumentation(const Module& module)
 {
-    std::string arrays, rows;
+    std::vector<std::string> enumerators, members;
+    std::string rows;
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
-        std::string enumerators;
-        const std::string members = documentationRows(*definition, enumerators);
-        arrays += arrayOf("Enumerator", "enumerators", name, enumerators);
-        arrays += arrayOf("MemberDocumentation", "texts", name, members);
+        const std::string named = enumeratorRows(*definition);
+        const std::string said = memberRows(*definition);
+        if (!named.empty()) enumerators.push_back(arrayOf("Enumerator", name, named));
+        if (!said.empty()) members.push_back(arrayOf("MemberDocumentation", name, said));
         rows += "    {&::quorva::types::" + name + ", " + std::to_string(definition->at.line) + ", " + text(definition->doc) +
-                ", " + provisional(definition->provisional) + ", " + (members.empty() ? "{}" : "::quorva::texts::" + name) + ", " +
-                (enumerators.empty() ? "{}" : "::quorva::enumerators::" + name) + "},\n";
+                ", " + provisional(definition->provisional) + ", " + (said.empty() ? "{}" : "::quorva::texts::" + name) + ", " +
+                (named.empty() ? "{}" : "::quorva::enumerators::" + name) + "},\n";
     }
     const std::string identifier = identifierOf(module);
-    const std::string types = arrayOf("Documentation", "documentation", identifier + "_types", rows);
+    const std::string types = identifier + "_types";
     return sections({madeFrom(module) + "#include <" + privateHeader(module.source.module) +
                          ">\n#include <quorvapixdr/documentation.h>\n",
-                     arrays, types,
-                     "namespace quorva::documentation {\nextern const ::quorva::Module " + identifier + ";\n}\n",
-                     "constinit const ::quorva::Module quorva::documentation::" + identifier + " = {\n" +
-                         item("name", literal(module.source.module)) + item("file", literal(module.source.module + ".x")) +
-                         item("text", text(module.doc)) +
-                         item("types", rows.empty() ? "{}" : "::quorva::documentation::" + identifier + "_types") + "};\n"});
+                     arrays("enumerators", enumerators), arrays("texts", members),
+                     "namespace quorva::documentation {\n\n" + (rows.empty() ? "" : arrayOf("Documentation", types, rows) + "\n") +
+                         "extern const ::quorva::Module " + identifier + ";\nconstinit const ::quorva::Module " + identifier + " = {" +
+                         literal(module.source.module) + ", " + literal(module.source.module + ".x") + ",\n    " + text(module.doc) +
+                         ",\n    " + (rows.empty() ? "{}" : types) + "};\n\n}  // namespace quorva::documentation\n"});
 }
 
 std::string emitModuleList(const std::vector<const Module*>& modules, const std::string& function)

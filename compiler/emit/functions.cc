@@ -19,16 +19,32 @@ std::string number(std::uint64_t value)
 // Lines of a function's body, with their indentation.
 class Body {
 public:
+    explicit Body(std::size_t depth = 1) : depth_(depth) {}
+
     void line(const std::string& text) { text_ += std::string(depth_ * indentWidth, ' ') + text + "\n"; }
-    // Begins and ends a block; an empty head is a block of its own.
+    // Begins and ends a block, which has no braces around a single statement.
     void open(const std::string& head)
     {
-        line(head.empty() ? "{" : head + " {");
+        blocks_.push_back({text_.size(), head});
+        line(head + " {");
         ++depth_;
     }
     void close(const std::string& tail = "")
     {
         --depth_;
+        const auto [from, head] = blocks_.back();
+        blocks_.pop_back();
+        const std::size_t contents = text_.find('\n', from) + 1;
+        if (tail.empty() && !head.starts_with("switch") && std::count(text_.begin() + static_cast<std::ptrdiff_t>(contents), text_.end(), '\n') == 1) {
+            const std::string statement = text_.substr(contents);
+            text_.resize(from);
+            const std::size_t blanks = statement.find_first_not_of(' ');
+            if (blanks + head.size() + statement.size() - blanks <= lineWidth)
+                line(head + " " + statement.substr(blanks, statement.size() - blanks - 1));
+            else
+                text_ += std::string(depth_ * indentWidth, ' ') + head + "\n" + statement;
+            return;
+        }
         line("}" + tail);
     }
     void label(const std::string& text)
@@ -37,11 +53,30 @@ public:
         line(text);
         ++depth_;
     }
+    void add(const std::string& lines) { text_ += lines; }
     const std::string& text() const { return text_; }
+    // The statements one after the other, each after a blank.
+    std::string asLine() const
+    {
+        std::string out;
+        for (std::size_t at = 0; at < text_.size();) {
+            const std::size_t end = text_.find('\n', at);
+            at = text_.find_first_not_of(' ', at);
+            out += ' ' + text_.substr(at, end - at);
+            at = end + 1;
+        }
+        return out;
+    }
 
 private:
+    struct Block {
+        std::size_t from;  // in the text
+        std::string head;
+    };
+
     std::string text_;
-    std::size_t depth_ = 1;
+    std::size_t depth_;
+    std::vector<Block> blocks_;
 };
 
 // The place of a member: how the object's parts are spelled, and where a failure hands it over.
@@ -49,17 +84,11 @@ struct Place {
     std::string object;         // "value.id", "elements[i]"
     const Definition* owner;    // whose object `value` is
     std::size_t member = 0;     // index among the description's members
-    bool isBlock = false;       // the object itself is the counted block
 };
-
-std::string countOf(const Place& place)
-{
-    return place.object + ".count";
-}
 
 std::string elementsOf(const Place& place)
 {
-    return place.object + ".elements";
+    return "quorva::elementsOf(" + place.object + ")";
 }
 
 // What the functions of every mode have in common.
@@ -77,7 +106,11 @@ protected:
     {
         out.line("if (" + stream_ + "." + condition + ") return " + rest(place) + ";");
     }
-    void stopIfRefused(Body& out) const { out.line("if (!at) return nullptr;"); }
+    // `at` moves to what `next` returns, and the function ends where that is null.
+    static void advance(Body& out, const std::string& next, const std::string& otherwise = "nullptr")
+    {
+        out.line("if (!(at = " + next + ")) return " + otherwise + ";");
+    }
 
     static std::string offset(std::uint64_t bytes) { return bytes == 0 ? "at" : "at + " + number(bytes); }
 
@@ -119,16 +152,17 @@ protected:
         }
     }
 
-    // Elements of fixed size behind each other, `count` of them.
-    void fixedElements(Body& out, const std::string& verb, const Part& element) const
+    // The elements of a block, each of fixed size.
+    void fixedElements(Body& out, const std::string& verb, const Part& element, const Place& place) const
     {
         if (element.isWord) {
-            out.line("quorva::" + verb + "Units(at, elements, count);");
-            out.line("at += 4 * count;");
+            out.line("quorva::" + verb + "Units(at, " + place.object + ".elements, " + place.object + ".count);");
+            out.line("at += 4 * std::size_t{" + place.object + ".count};");
             return;
         }
-        out.open("for (std::size_t i = 0; i < count; ++i, at += " + number(element.size) + ")");
-        fixed(out, verb, element, "elements[i]", "at", 1);
+        out.open("for (auto& each : " + elementsOf(place) + ")");
+        fixed(out, verb, element, "each", "at", 1);
+        out.line("at += " + number(element.size) + ";");
         out.close();
     }
 
@@ -137,19 +171,12 @@ protected:
     std::string contents(Mode& mode, const Definition& definition, const std::string& verb)
     {
         Body out;
-        const TypePlan plan = plans_.of(definition);
-        if (definition.kind == Kind::discriminated) {
+        if (definition.kind == Kind::discriminated)
             unionContents(mode, out, definition, verb);
-        } else if (isCounted(definition)) {
-            mode.varying(out, plans_.part(definition.target), {"value", &definition, 0, true}, 0);
-            out.line("return at;");
-        } else if (plan.size != 0) {
-            restIf(out, "lacks(at, " + number(plan.size) + ")", {"", &definition, 0});
-            out.line("quorva::plain::" + verb + "(at, value);");
-            out.line("return at + " + number(plan.size) + ";");
-        } else {
+        else if (isCounted(definition))
+            mode.last(out, plans_.part(definition.target), {"value", &definition});
+        else
             structContents(mode, out, definition, verb);
-        }
         return out.text();
     }
 
@@ -164,37 +191,60 @@ protected:
                 continue;
             }
             const Declaration& field = definition.fields[step.first];
-            mode.varying(out, plans_.part(field), {"value." + field.name, &definition, step.first}, 0);
-            if (isLast) out.line("return at;");
+            const Place place = {"value." + field.name, &definition, step.first};
+            if (isLast)
+                mode.last(out, plans_.part(field), place);
+            else
+                mode.varying(out, plans_.part(field), place, 0);
         }
     }
 
+    // A union asks at once for the room of its discriminant and of an arm of one unit, if it has such arms: where there is
+    // less, the interpreter decides.
     template <class Mode>
     void unionContents(Mode& mode, Body& out, const Definition& definition, const std::string& verb)
     {
-        const Declaration& discriminant = definition.discriminant;
-        const std::string place = "value." + discriminant.name;
-        restIf(out, "lacks(at, 4)", {"", &definition, 0});
+        const std::vector<ArmMember> arms = armMembersOf(definition);
+        const bool hasUnits = std::any_of(arms.begin(), arms.end(), [&](const ArmMember& arm) { return plans_.part(*arm.declaration).size == 4; });
+        const std::string place = "value." + definition.discriminant.name;
+        restIf(out, std::string("lacks(at, ") + (hasUnits ? "8" : "4") + ")", {"", &definition, 0});
         out.line("quorva::" + verb + "(at, " + place + ");");
         out.line("at += 4;");
         out.open("switch (" + switchOn(definition, place) + ")");
-        for (const ArmMember& arm : armMembersOf(definition)) {
-            labels(out, arm);
+        for (const ArmMember& arm : arms) {
             const Place at = {"value." + arm.declaration->name, &definition, armIndex(definition, *arm.declaration)};
             const Part part = plans_.part(*arm.declaration);
+            Body contents(2);
             if (part.size != 0) {
-                restIf(out, "lacks(at, " + number(part.size) + ")", at);
-                fixed(out, verb, part, at.object, "at");
-                out.line("return at + " + number(part.size) + ";");
+                if (part.size != 4) restIf(contents, "lacks(at, " + number(part.size) + ")", at);
+                fixed(contents, verb, part, at.object, "at");
+                contents.line("return at + " + number(part.size) + ";");
             } else {
-                mode.arm(out, part, at);
+                mode.last(contents, part, at);
             }
+            armOf(out, arm.cases, contents);
         }
         voidArms(out, definition);
-        if (definition.defaultArm) out.label("default:");
-        if (definition.defaultArm) out.line("return at;");
+        if (definition.defaultArm) out.label("default: return at;");
         out.close();
         if (!definition.defaultArm) out.line("return " + mode.refusal(place) + ";");
+    }
+
+    // The labels of an arm and its statements, on one line where they fit.
+    static void armOf(Body& out, const std::vector<const Value*>& cases, const Body& contents)
+    {
+        for (const Value* value : cases) {
+            const std::string text = number(*value);
+            const std::string label = "case " + text + ":";
+            const std::string name = value->text == text ? "" : "  // " + value->text;
+            const std::string line = label + contents.asLine() + name;
+            if (value == cases.back() && line.size() + indentWidth <= lineWidth) {
+                out.label(line);
+                return;
+            }
+            out.label(label + name);
+        }
+        out.add(contents.text());
     }
 
     static std::string switchOn(const Definition& definition, const std::string& place)
@@ -202,24 +252,15 @@ protected:
         return discriminantOf(definition).enumeration ? "static_cast<std::int32_t>(" + place + ")" : place;
     }
 
-    static void label(Body& out, const Value& value)
+    static void voidArms(Body& out, const Definition& definition)
     {
-        const std::string text = number(value);
-        out.label("case " + text + ":" + (value.text == text ? "" : "  // " + value.text));
-    }
-    static void labels(Body& out, const ArmMember& arm)
-    {
-        for (const Value* value : arm.cases) label(out, *value);
-    }
-    void voidArms(Body& out, const Definition& definition, const std::string& result = "at") const
-    {
-        bool any = false;
-        for (const Arm& arm : definition.arms) {
-            if (arm.declaration.form != Form::nothing) continue;
-            any = any || !arm.cases.empty();
-            for (const Value& value : arm.cases) label(out, value);
-        }
-        if (any) out.line("return " + result + ";");
+        std::vector<const Value*> cases;
+        for (const Arm& arm : definition.arms)
+            if (arm.declaration.form == Form::nothing)
+                for (const Value& value : arm.cases) cases.push_back(&value);
+        Body contents(2);
+        contents.line("return at;");
+        if (!cases.empty()) armOf(out, cases, contents);
     }
 
     static std::string number(const Value& value)
@@ -253,19 +294,17 @@ public:
         switch (part.coding) {
         case Coding::foreign: return "out.foreign(at, &" + object + ", Xdr" + part.type->name + ")";
         case Coding::string: return "out.string(at, " + object + ", " + number(part.bound) + ")";
-        case Coding::variableOpaque:
-            return "out.opaque(at, " + object + ".elements, " + object + ".count, " + number(part.bound) + ")";
+        case Coding::variableOpaque: return "out.opaque(at, " + object + ", " + number(part.bound) + ")";
         default: return "quorva::plain::encode(out, at, " + object + ")";
         }
     }
 
-    void arm(Body& out, const Part& part, const Place& place)
+    // The last value of a type.
+    void last(Body& out, const Part& part, const Place& place)
     {
         if (isSimple(part)) return out.line("return " + next(part, place.object) + ";");
-        out.open("");
         varying(out, part, place, 0);
         out.line("return at;");
-        out.close();
     }
 
     static std::string refusal(const std::string&) { return "out.refuse(at)"; }
@@ -284,11 +323,9 @@ public:
         case Coding::variableArray: return array(out, part, place);
         case Coding::optional: return optional(out, part, place);
         case Coding::interpreted:
-            out.line("at = out.member(at, &value, " + description(*place.owner) + ", " + number(place.member) + ");");
-            break;
-        default: out.line("at = " + next(part, place.object) + ";");
+            return advance(out, "out.member(at, &value, " + description(*place.owner) + ", " + number(place.member) + ")");
+        default: return advance(out, next(part, place.object));
         }
-        stopIfRefused(out);
     }
 
     static bool isSimple(const Part& part)
@@ -301,19 +338,12 @@ private:
     void array(Body& out, const Part& part, const Place& place)
     {
         const Part& element = part.element[0];
-        out.open("");
-        out.line("const std::uint32_t count = " + countOf(place) + ";");
-        out.line("const auto* const elements = " + elementsOf(place) + ";");
-        restIf(out, "lacksArray(at, count, elements, " + number(part.bound) + ", " + number(element.size) + ")", place);
-        out.line("quorva::putUnit(at, " + countOf(place) + ");");
+        restIf(out, "lacksArray(at, " + place.object + ", " + number(part.bound) + ", " + number(element.size) + ")", place);
+        out.line("quorva::putUnit(at, " + place.object + ".count);");
         out.line("at += 4;");
-        if (element.size != 0) {
-            fixedElements(out, "put", element);
-        } else {
-            out.open(loop("i", "count"));
-            varying(out, element, {"elements[i]", place.owner, place.member}, 1);
-            out.close();
-        }
+        if (element.size != 0) return fixedElements(out, "put", element, place);
+        out.open("for (auto& each : " + elementsOf(place) + ")");
+        varying(out, element, {"each", place.owner, place.member}, 1);
         out.close();
     }
 
@@ -346,21 +376,19 @@ public:
     std::string next(const Part& part, const std::string& object) const
     {
         switch (part.coding) {
-        case Coding::foreign: return "in.foreign(at, &" + object + ", sizeof " + object + ", Xdr" + part.type->name + ")";
+        case Coding::foreign: return "in.foreign(at, " + object + ", Xdr" + part.type->name + ")";
         case Coding::string: return "in.string(at, " + object + ", " + number(part.bound) + ")";
-        case Coding::variableOpaque:
-            return "in.opaque(at, " + object + ".elements, " + object + ".count, " + number(part.bound) + ")";
+        case Coding::variableOpaque: return "in.opaque(at, " + object + ", " + number(part.bound) + ")";
         default: return "quorva::plain::decode(in, at, " + object + ")";
         }
     }
 
-    void arm(Body& out, const Part& part, const Place& place)
+    // The last value of a type.
+    void last(Body& out, const Part& part, const Place& place)
     {
         if (EncodePrinter::isSimple(part)) return out.line("return " + next(part, place.object) + ";");
-        out.open("");
         varying(out, part, place, 0);
         out.line("return at;");
-        out.close();
     }
 
     static std::string refusal(const std::string& discriminant) { return "in.refuse(at, &" + discriminant + " + 1)"; }
@@ -378,11 +406,9 @@ public:
         case Coding::variableArray: return array(out, part, place);
         case Coding::optional: return optional(out, part, place);
         case Coding::interpreted:
-            out.line("at = in.member(at, &value, " + description(*place.owner) + ", " + number(place.member) + ");");
-            break;
-        default: out.line("at = " + next(part, place.object) + ";");
+            return advance(out, "in.member(at, &value, " + description(*place.owner) + ", " + number(place.member) + ")");
+        default: return advance(out, next(part, place.object));
         }
-        stopIfRefused(out);
     }
 
 private:
@@ -390,20 +416,14 @@ private:
     {
         const Part& element = part.element[0];
         restIf(out, "lacksArray(at, " + number(part.bound) + ", " + number(element.size) + ")", place);
-        out.line("at = in.block(at, " + countOf(place) + ", " + elementsOf(place) + ");");
-        stopIfRefused(out);
-        out.open("");
-        out.line("const std::uint32_t count = " + countOf(place) + ";");
-        out.line("auto* const elements = " + elementsOf(place) + ";");
-        if (element.size != 0) {
-            fixedElements(out, "get", element);
-        } else {
-            out.line("const bool outer = in.enter();");
-            out.open(loop("i", "count"));
-            within(out, element, "elements[i]", "elements + count", place, 1);
-            out.close();
-            out.line("in.leave(outer);");
-        }
+        advance(out, "in.allocate(at, " + place.object + ")");
+        if (element.size != 0) return fixedElements(out, "get", element, place);
+        out.open("if (" + place.object + ".count != 0)");
+        out.line("const bool outer = in.enter();");
+        out.open("for (auto& each : " + elementsOf(place) + ")");
+        within(out, element, "each", place, 1);
+        out.close();
+        out.line("in.leave(outer);");
         out.close();
     }
 
@@ -411,33 +431,30 @@ private:
     {
         const Part& held = part.element[0];
         restIf(out, "lacksOptional(at, " + number(held.size) + ")", place);
-        out.line("at = in.optional(at, " + place.object + ");");
-        stopIfRefused(out);
+        advance(out, "in.optional(at, " + place.object + ")");
         out.open("if (" + place.object + ")");
         if (held.size != 0) {
             fixed(out, "get", held, "(*" + place.object + ")", "at");
             out.line("at += " + number(held.size) + ";");
         } else {
             out.line("const bool outer = in.enter();");
-            within(out, held, "(*" + place.object + ")", place.object + " + 1", place, 0);
+            within(out, held, "(*" + place.object + ")", place, 0);
             out.line("in.leave(outer);");
         }
         out.close();
     }
 
     // A value inside of a block that this pass allocated.
-    void within(Body& out, const Part& part, const std::string& object, const std::string& blockEnd, const Place& place,
-                std::size_t depth)
+    void within(Body& out, const Part& part, const std::string& object, const Place& place, std::size_t depth)
     {
         if (part.coding == Coding::fixedArray) {
             const std::string i = index(depth);
             out.open(loop(i, number(part.bound)));
-            within(out, part.element[0], object + "[" + i + "]", blockEnd, place, depth + 1);
+            within(out, part.element[0], object + "[" + i + "]", place, depth + 1);
             out.close();
             return;
         }
-        out.line("at = " + next(part, object) + ";");
-        out.line("if (!at) return in.abandon(outer, " + blockEnd + ", &" + place.object + " + 1);");
+        advance(out, next(part, object), "in.abandon(outer, " + place.object + ")");
     }
 };
 
@@ -454,7 +471,7 @@ public:
             arms(out, definition);
         } else {
             if (isCounted(definition)) {
-                release(out, plans_.part(definition.target), {"value", &definition, 0, true}, 0);
+                release(out, plans_.part(definition.target), {"value", &definition, 0}, 0);
             } else {
                 for (std::size_t i = 0; i < definition.fields.size(); ++i)
                     release(out, plans_.part(definition.fields[i]), {"value." + definition.fields[i].name, &definition, i}, 0);
@@ -473,7 +490,7 @@ private:
         case Coding::string: return out.line("quorva::releaseBlock(" + place.object + ");");
         case Coding::variableOpaque:
             refuseCount(out, part, place);
-            return out.line("if (" + countOf(place) + " != 0) quorva::releaseBlock(" + elementsOf(place) + ");");
+            return releaseBlock(out, place);
         case Coding::fixedArray: {
             const std::string i = index(depth);
             out.open(loop(i, number(part.bound)));
@@ -491,7 +508,7 @@ private:
     std::string released(const Part& part, const Place& place) const
     {
         switch (part.coding) {
-        case Coding::foreign: return "quorva::releaseForeign(xdrs, &" + place.object + ", Xdr" + part.type->name + ")";
+        case Coding::foreign: return "quorva::releaseForeign(xdrs, " + place.object + ", Xdr" + part.type->name + ")";
         case Coding::interpreted:
             return "quorva::releaseMember(xdrs, &value, " + description(*place.owner) + ", " + number(place.member) + ")";
         default: return "quorva::plain::release(xdrs, " + place.object + ")";
@@ -500,81 +517,84 @@ private:
 
     static void refuseCount(Body& out, const Part& part, const Place& place)
     {
-        if (part.bound < mostElements) out.line("if (" + countOf(place) + " > " + number(part.bound) + ") return false;");
+        if (part.bound < mostElements) out.line("if (" + place.object + ".count > " + number(part.bound) + ") return false;");
+    }
+    static void releaseBlock(Body& out, const Place& place)
+    {
+        out.line("if (" + place.object + ".count != 0) quorva::releaseBlock(" + place.object + ".elements);");
     }
 
-    // A block goes whether its elements could be released or not.
     void array(Body& out, const Part& part, const Place& place)
     {
         refuseCount(out, part, place);
-        if (!part.element[0].owns)
-            return out.line("if (" + countOf(place) + " != 0) quorva::releaseBlock(" + elementsOf(place) + ");");
-        out.open("if (" + countOf(place) + " != 0 && " + elementsOf(place) + ")");
-        out.line("const std::uint32_t count = " + countOf(place) + ";");
-        out.line("auto* const elements = " + elementsOf(place) + ";");
-        block(out, part.element[0], "count", "elements", place);
-        out.close();
+        if (!part.element[0].owns) return releaseBlock(out, place);
+        elements(out, part.element[0], elementsOf(place), place);
     }
 
     void optional(Body& out, const Part& part, const Place& place)
     {
         if (!part.element[0].owns) return out.line("quorva::releaseBlock(" + place.object + ");");
-        out.open("if (" + place.object + ")");
-        block(out, part.element[0], "", place.object, place);
-        out.close();
+        elements(out, part.element[0], "std::span(" + place.object + ", " + place.object + " ? 1 : 0)", place);
     }
 
-    // The elements of a block, then the block.
-    void block(Body& out, const Part& element, const std::string& count, const std::string& elements, const Place& place)
+    // The elements of a block, then the block, whether its elements could be released or not.
+    void elements(Body& out, const Part& element, const std::string& all, const Place& place)
     {
-        const std::string object = count.empty() ? "(*" + elements + ")" : elements + "[i]";
-        out.open("const auto releaseElements = [&]");
-        if (!count.empty()) out.open(loop("i", count));
-        release(out, element, {object, place.owner, place.member}, 1);
-        if (!count.empty()) out.close();
-        out.line("return true;");
-        out.close(";");
-        out.line("const bool released = releaseElements();");
-        out.line("quorva::releaseBlock(" + elements + ");");
-        out.line("if (!released) return false;");
+        const std::string head = "if (!quorva::releaseElements(" + all + ", [&](auto& each) ";
+        out.open(head.substr(0, head.size() - 1));
+        if (element.coding == Coding::function || element.coding == Coding::fixedStruct || element.coding == Coding::foreign) {
+            out.line("return " + released(element, {"each", place.owner, place.member}) + ";");
+        } else {
+            release(out, element, {"each", place.owner, place.member}, 1);
+            out.line("return true;");
+        }
+        out.close(")) return false;");
     }
 
     void arms(Body& out, const Definition& definition)
     {
         const std::string place = "value." + definition.discriminant.name;
         out.open("switch (" + switchOn(definition, place) + ")");
-        std::vector<const ArmMember*> unowned;
-        const std::vector<ArmMember> members = armMembersOf(definition);
-        for (const ArmMember& arm : members) {
+        std::vector<const Value*> unowned;
+        for (const ArmMember& arm : armMembersOf(definition)) {
             const Part part = plans_.part(*arm.declaration);
             if (!part.owns) {
-                unowned.push_back(&arm);
+                unowned.insert(unowned.end(), arm.cases.begin(), arm.cases.end());
                 continue;
             }
-            labels(out, arm);
             const Place at = {"value." + arm.declaration->name, &definition, armIndex(definition, *arm.declaration)};
+            Body contents(2);
             if (part.coding == Coding::function || part.coding == Coding::fixedStruct || part.coding == Coding::foreign ||
                 part.coding == Coding::interpreted) {
-                out.line("return " + released(part, at) + ";");
+                contents.line("return " + released(part, at) + ";");
             } else {
-                out.open("");
-                release(out, part, at, 0);
-                out.line("return true;");
-                out.close();
+                release(contents, part, at, 0);
+                contents.line("return true;");
             }
+            armOf(out, arm.cases, contents);
         }
-        for (const ArmMember* arm : unowned) labels(out, *arm);
-        bool anyVoid = false;
-        for (const Arm& arm : definition.arms) {
-            if (arm.declaration.form != Form::nothing) continue;
-            for (const Value& value : arm.cases) label(out, value);
-            anyVoid = true;
-        }
-        if (!unowned.empty() || anyVoid) out.line("return true;");
-        if (definition.defaultArm) out.label("default:");
-        if (definition.defaultArm) out.line("return true;");
+        for (const Arm& arm : definition.arms)
+            if (arm.declaration.form == Form::nothing)
+                for (const Value& value : arm.cases) unowned.push_back(&value);
+        if (!unowned.empty()) out.add(wrappedCases(unowned) + std::string(2 * indentWidth, ' ') + "return true;\n");
+        if (definition.defaultArm) out.label("default: return true;");
         out.close();
         if (!definition.defaultArm) out.line("return false;");
+    }
+
+    // Labels of arms that own nothing, many a line.
+    static std::string wrappedCases(const std::vector<const Value*>& cases)
+    {
+        std::string out, line;
+        for (const Value* value : cases) {
+            const std::string next = "case " + number(*value) + ":";
+            if (indentWidth + line.size() + 1 + next.size() > lineWidth) {
+                out += std::string(indentWidth, ' ') + line + "\n";
+                line.clear();
+            }
+            line += (line.empty() ? "" : " ") + next;
+        }
+        return out + std::string(indentWidth, ' ') + line + "\n";
     }
 
     static constexpr std::uint32_t mostElements = 65535;
@@ -609,35 +629,48 @@ std::string getHead(const Definition& definition)
     return "void quorva::plain::get(const unsigned char* at, " + typeName(definition) + "& value)";
 }
 
+// On one line where it fits.
+std::string specialisation(bool isInline, const std::string& head, const std::string& tail = "")
+{
+    const std::string rest = (isInline ? "inline " : "") + head + tail;
+    const std::string line = "template <> " + rest;
+    return (line.size() <= lineWidth ? line : "template <>\n" + rest) + "\n";
+}
+
 std::string function(const std::string& comment, bool isInline, const std::string& head, const std::string& contents)
 {
-    return comment + "template <>\n" + (isInline ? "inline " : "") + head + "\n{\n" + contents + "}\n";
+    return comment + specialisation(isInline, head) + "{\n" + contents + "}\n";
 }
 
 class FunctionPrinter : Printer {
 public:
     explicit FunctionPrinter(Plans& plans) : Printer(plans, ""), encode_(plans), decode_(plans), release_(plans) {}
 
-    std::vector<std::string> of(const Definition& definition, const std::string& comment)
+    // All functions of a type, with a comment above the first.
+    std::string of(const Definition& definition, const std::string& comment)
     {
         const TypePlan plan = plans_.of(definition);
-        std::vector<std::string> out;
-        const bool isFixed = plan.size != 0;
-        const bool isInline = plan.isInline && !isFixed;
-        out.push_back(function(comment, isInline, encodeHead(definition), encode_.contents(definition)));
-        out.push_back(function("", isInline, decodeHead(definition), decode_.contents(definition)));
+        std::string out;
+        if (plan.size != 0) {
+            out = function(comment, plan.isInline, putHead(definition), fields(definition, "put")) + "\n" +
+                  function("", plan.isInline, getHead(definition), fields(definition, "get"));
+        } else {
+            out = function(comment, plan.isInline, encodeHead(definition), encode_.contents(definition)) + "\n" +
+                  function("", plan.isInline, decodeHead(definition), decode_.contents(definition));
+        }
         if (!plan.owns) return out;
         const std::string contents = release_.contents(definition);
-        out.push_back(function("", isInline, releaseHead(definition, contents), contents));
-        return out;
+        return out + "\n" + function("", plan.isInline, releaseHead(definition, contents), contents);
     }
 
-    // put() and get() of a type of fixed size.
-    std::vector<std::string> fixedOf(const Definition& definition, const std::string& comment)
+    // Their declarations.
+    std::string declared(const Definition& definition)
     {
-        const bool isInline = plans_.of(definition).isInline;
-        return {function(comment, isInline, putHead(definition), fields(definition, "put")),
-                function("", isInline, getHead(definition), fields(definition, "get"))};
+        const TypePlan plan = plans_.of(definition);
+        const auto declare = [&](const std::string& head) { return specialisation(plan.isInline, head, ";"); };
+        return (plan.size != 0 ? declare(putHead(definition)) + declare(getHead(definition))
+                               : declare(encodeHead(definition)) + declare(decodeHead(definition))) +
+               (plan.owns ? declare(releaseHead(definition, "xdrs value")) : "");
     }
 
 private:
@@ -681,10 +714,15 @@ std::string nameFunction(const Definition& definition)
 
 std::string routine(const Definition& definition, Plans& plans)
 {
-    const std::string head = "int Xdr" + definition.name + "(Xdr* xdrs, void* object)\n{\n    return quorva::";
-    const std::string tail = "(xdrs, object, " + description(definition) + ");\n}\n";
-    if (!hasFunctions(definition)) return head + "interpret" + tail;
-    return head + "code<" + typeName(definition) + ", " + (plans.of(definition).owns ? "true" : "false") + ">" + tail;
+    const TypePlan plan = hasFunctions(definition) ? plans.of(definition) : TypePlan{};
+    const std::string owns = plan.owns ? "true" : "false";
+    const std::string body = !plan.hasFunctions ? "interpret"
+                             : plan.size != 0   ? "codeFixed<" + typeName(definition) + ", " + number(plan.size) + ", " + owns + ">"
+                                                : "code<" + typeName(definition) + ", " + owns + ">";
+    const std::string head = "int Xdr" + definition.name + "(Xdr* xdrs, void* object)";
+    const std::string call = "return quorva::" + body + "(xdrs, object, " + description(definition) + ");";
+    const std::string line = head + " { " + call + " }\n";
+    return line.size() <= lineWidth + 1 ? line : head + "\n{\n    " + call + "\n}\n";
 }
 
 }  // namespace
@@ -694,22 +732,14 @@ std::string emitUnit(const Module& module)
     Plans plans(module);
     FunctionPrinter printer(plans);
     std::vector<std::string> parts = {madeFrom(module) + "#include <" + privateHeader(module.source.module) + ">\n"};
+    std::string routines;
     for (const Definition* definition : typesOf(module)) {
-        std::string comment = heading(*definition, module);
-        if (definition->kind == Kind::enumeration) parts.push_back(comment + nameFunction(*definition));
-        if (hasFunctions(*definition)) {
-            const TypePlan plan = plans.of(*definition);
-            std::vector<std::string> functions;
-            if (plan.size != 0 && !plan.isInline) functions = printer.fixedOf(*definition, comment);
-            if (plan.size != 0 || !plan.isInline) {
-                const auto more = printer.of(*definition, functions.empty() ? comment : "");
-                functions.insert(functions.end(), more.begin(), more.end());
-            }
-            if (!functions.empty()) comment.clear();
-            parts.insert(parts.end(), functions.begin(), functions.end());
-        }
-        parts.push_back((definition->kind == Kind::enumeration || comment.empty() ? "" : comment) + routine(*definition, plans));
+        if (definition->kind == Kind::enumeration) parts.push_back(heading(*definition, module) + nameFunction(*definition));
+        if (hasFunctions(*definition) && !plans.of(*definition).isInline)
+            parts.push_back(printer.of(*definition, heading(*definition, module)));
+        routines += routine(*definition, plans);
     }
+    parts.push_back(routines.empty() ? "" : "// The coding routines.\n" + routines);
     return sections(parts);
 }
 
@@ -722,34 +752,17 @@ std::string emitPrivateHeader(const Module& module)
         const bool isForeign = import.module && !import.module->requested;
         if (!isForeign) includes += "#include <" + privateHeader(import.name) + ">\n";
     }
-    std::string declared;
+    std::string declared, descriptions;
     std::vector<std::string> inlined;
     for (const Definition* definition : declarationOrder(typesOf(module))) {
         if (!hasFunctions(*definition)) continue;
-        const TypePlan plan = plans.of(*definition);
-        const auto declare = [&](const std::string& head) {
-            declared += "template <>\n" + std::string(plan.isInline ? "inline " : "") + head + ";\n";
-        };
-        if (plan.size != 0) {
-            declare(putHead(*definition));
-            declare(getHead(*definition));
-        }
-        const auto declareFunction = [&](const std::string& head) {
-            declared += "template <>\n" + std::string(plan.isInline && plan.size == 0 ? "inline " : "") + head + ";\n";
-        };
-        declareFunction(encodeHead(*definition));
-        declareFunction(decodeHead(*definition));
-        if (plan.owns) declareFunction(releaseHead(*definition, "xdrs value"));
-        if (!plan.isInline) continue;
-        const auto functions = plan.size != 0 ? printer.fixedOf(*definition, heading(*definition, module))
-                                              : printer.of(*definition, heading(*definition, module));
-        inlined.insert(inlined.end(), functions.begin(), functions.end());
+        declared += printer.declared(*definition);
+        if (plans.of(*definition).isInline) inlined.push_back(printer.of(*definition, heading(*definition, module)));
     }
-    std::string descriptions;
     for (const Definition* definition : typesOf(module)) descriptions += "extern const ::quorva::Type " + definition->name + ";\n";
     std::vector<std::string> parts = {
         madeFrom(module) + "// What the units of one library need of each other; no part of its interface.\n#pragma once\n",
-        includes + "\n#include <quorvaruntime/plain.h>\n\n#include <cstddef>\n#include <cstdint>\n",
+        includes + "\n#include <quorvaruntime/plain.h>\n\n#include <cstddef>\n#include <cstdint>\n#include <span>\n",
         descriptions.empty() ? "" : "namespace quorva::types {\n" + descriptions + "}  // namespace quorva::types\n", declared};
     parts.insert(parts.end(), inlined.begin(), inlined.end());
     return sections(parts);

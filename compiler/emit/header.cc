@@ -20,15 +20,6 @@ std::string bound(const Declaration& declaration)
 
 // ---- Comments -------------------------------------------------------------------------------------------------------
 
-// The documentation of a definition and its provisional mark.
-std::string docOf(const Definition& definition)
-{
-    if (!definition.provisional) return definition.doc;
-    const std::string mark =
-        definition.provisional->empty() ? "Provisional." : "Provisional: " + *definition.provisional;
-    return definition.doc.empty() ? mark : definition.doc + "\n" + mark;
-}
-
 // What the C++ declaration does not show of the declaration.
 std::string limitOf(const Declaration& declaration)
 {
@@ -113,7 +104,7 @@ std::string record(const Definition& definition)
 {
     std::vector<BodyLine> lines;
     for (const Declaration& field : definition.fields)
-        lines.push_back({memberOf(field), limitOf(field), field.doc});
+        lines.push_back({memberOf(field), limitOf(field), docOf(field)});
     return "struct " + definition.name + " {\n" + body(lines, indentWidth) + "};\n";
 }
 
@@ -142,7 +133,7 @@ std::string arms(const Definition& definition)
 std::string discriminated(const Definition& definition)
 {
     const bool hasArms = !armMembersOf(definition).empty();
-    std::vector<BodyLine> lines = {{memberOf(definition.discriminant), "", definition.discriminant.doc}};
+    std::vector<BodyLine> lines = {{memberOf(definition.discriminant), "", docOf(definition.discriminant)}};
     if (!hasArms) addVoidArms(lines, definition, indentWidth);
     return "struct " + definition.name + " {\n" + body(lines, indentWidth) +
            (hasArms ? arms(definition) : "") + "};\n";
@@ -250,7 +241,7 @@ std::string coderChoices(const Module& module)
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
         if (!isOwnType(*definition)) continue;
-        out += "template <>\ninline constexpr quorva::Coder<::" + name + "> quorva::coderOf<::" + name + "> = quorva::coder::" + name + ";\n";
+        out += "template <> inline constexpr quorva::Coder<::" + name + "> quorva::coderOf<::" + name + "> = quorva::coder::" + name + ";\n";
     }
     return out;
 }

@@ -195,6 +195,27 @@ std::vector<const Definition*> constantsOf(const Module& module)
     return out;
 }
 
+namespace {
+
+std::string marked(const std::string& doc, const std::optional<std::string>& provisional)
+{
+    if (!provisional) return doc;
+    const std::string mark = provisional->empty() ? "Provisional." : "Provisional: " + *provisional;
+    return doc.empty() ? mark : doc + "\n" + mark;
+}
+
+}  // namespace
+
+std::string docOf(const Definition& definition)
+{
+    return marked(definition.doc, definition.provisional);
+}
+
+std::string docOf(const Declaration& declaration)
+{
+    return marked(declaration.doc, declaration.provisional);
+}
+
 std::vector<const Declaration*> declarationsOf(const Definition& definition)
 {
     std::vector<const Declaration*> out;
@@ -234,10 +255,11 @@ std::vector<ArmMember> armMembersOf(const Definition& discriminated)
         if (isNew) out.push_back({&declaration, {}, ""});  // otherwise it has the same type, which was checked
         ArmMember& member = out[place->second];
         for (const Value& value : arm.cases) member.cases.push_back(&value);
+        const std::string doc = docOf(declaration);
         if (member.doc.empty())
-            member.doc = declaration.doc;
-        else if (!declaration.doc.empty() && declaration.doc != member.doc)
-            member.doc += '\n' + declaration.doc;
+            member.doc = doc;
+        else if (!doc.empty() && doc != member.doc)
+            member.doc += '\n' + doc;
     }
     return out;
 }

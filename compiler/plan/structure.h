@@ -26,6 +26,10 @@ bool canBeForward(const Definition& definition);
 std::vector<const Definition*> typesOf(const Module& module);
 std::vector<const Definition*> constantsOf(const Module& module);
 
+// The documentation of a definition, a field or an arm, with its provisional mark.
+std::string docOf(const Definition& definition);
+std::string docOf(const Declaration& declaration);
+
 // Everything that the definition declares: fields, or discriminant and arms, or the target of a typedef.
 std::vector<const Declaration*> declarationsOf(const Definition& definition);
 

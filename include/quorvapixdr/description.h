@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 
 namespace quorva {
 
@@ -46,10 +47,17 @@ struct Use {
 
 // A field of a struct, the discriminant or an arm of a union, or what a typedef names.
 struct Member {
+    constexpr Member() = default;
+    constexpr Member(const char* memberName, Use memberUse, std::size_t memberOffset)
+        : name(memberName), use(memberUse), offset(static_cast<std::uint32_t>(memberOffset)),
+          nameLength(static_cast<std::uint32_t>(std::char_traits<char>::length(memberName)))
+    {
+    }
+
     const char* name = "";         // also the element in the trace; empty for a void arm and in a typedef
     Use use;
     std::uint32_t offset = 0;      // bytes from the start of the enclosing object
-    std::uint16_t nameLength = 0;  // characters
+    std::uint32_t nameLength = 0;  // characters
 };
 
 // A discriminant that selects an arm.
@@ -57,9 +65,6 @@ struct Case {
     std::uint32_t value = 0;   // its 32 bits: -1 is 0xFFFFFFFF
     std::uint32_t member = 0;  // index of the arm among the union's members
 };
-
-// Functions that code one type without a trace, made by the interface compiler (see runtime/quorvaruntime/plain.h).
-struct PlainFunctions;
 
 struct Type {
     const char* name = "";
@@ -75,6 +80,40 @@ struct Type {
     std::span<const Case> cases = {};      // union: by value, ascending
     const char* armElement = "";           // union: the element around the arm in the trace
 };
+
+// What generated code makes descriptions with, one for each kind; `T` is the C++ type.
+template <class T>
+constexpr Type enumeration(const char* name, XdrRoutine routine, const char* (*nameOf)(int))
+{
+    return {.name = name, .kind = TypeKind::enumeration, .size = sizeof(T), .alignment = alignof(T), .routine = routine, .nameOf = nameOf};
+}
+
+template <class T>
+constexpr Type structure(const char* name, XdrRoutine routine, std::span<const Member> fields)
+{
+    return {.name = name, .kind = TypeKind::structure, .size = sizeof(T), .alignment = alignof(T), .routine = routine, .members = fields};
+}
+
+template <class T>
+constexpr Type discriminatedUnion(const char* name, XdrRoutine routine, std::span<const Member> members,
+                                  std::span<const Case> cases, const char* armElement, bool hasDefault)
+{
+    return {.name = name, .kind = TypeKind::discriminatedUnion, .hasDefault = hasDefault, .size = sizeof(T), .alignment = alignof(T),
+            .routine = routine, .members = members, .cases = cases, .armElement = armElement};
+}
+
+template <class T>
+constexpr Type typeDefinition(const char* name, XdrRoutine routine, std::span<const Member> named)
+{
+    return {.name = name, .kind = TypeKind::typeDefinition, .size = sizeof(T), .alignment = alignof(T), .routine = routine, .members = named};
+}
+
+// A built-in type, or one of another library: an alias of a built-in type, or of `Builtin::none`.
+template <class T>
+constexpr Type leaf(TypeKind kind, const char* name, XdrRoutine routine, Builtin builtin)
+{
+    return {.name = name, .kind = kind, .builtin = builtin, .size = sizeof(T), .alignment = alignof(T), .routine = routine};
+}
 
 // The description of each built-in type; those of an interface's types are declared beside them.
 namespace types {

@@ -10,7 +10,7 @@
 // know the way of success only. Where something does not fit, they hand the object over to the interpreter from that
 // member on, which fails with the same bytes, the same coded length and the same object as if it had run from the start.
 //
-// A type that always takes the same number of bytes has `put` and `get` as well, for callers that made sure of the room.
+// A struct that always takes the same number of bytes has `put` and `get` instead, for callers that made sure of the room.
 #pragma once
 
 #include <quorvapixdr/description.h>
@@ -22,6 +22,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <type_traits>
 
 namespace quorva {
@@ -79,6 +80,13 @@ void get(const unsigned char* at, E& value)
 void putUnits(unsigned char* at, const void* values, std::size_t count);
 void getUnits(const unsigned char* at, void* values, std::size_t count);
 
+// The elements of a counted block: a `Counted<T>`, or a sequence type, which has the same two members.
+template <class Block>
+auto elementsOf(Block& block)
+{
+    return std::span(block.elements, block.count);
+}
+
 // Opaque data of a fixed length, with its padding.
 inline constexpr std::size_t padded(std::size_t length)
 {
@@ -108,15 +116,20 @@ public:
     // True if fewer than `size` bytes are left after `at`.
     bool lacks(const unsigned char* at, std::size_t size) const { return static_cast<std::size_t>(end - at) < size; }
 
-    // True if an array of `count` elements that take `size` bytes each, its count included, cannot be written at once.
-    bool lacksArray(const unsigned char* at, std::uint32_t count, const void* elements, std::uint32_t maximum, std::size_t size) const
+    // True if a block with its count, whose elements take `size` bytes each, cannot be written at once.
+    template <class Block>
+    bool lacksArray(const unsigned char* at, const Block& block, std::uint32_t maximum, std::size_t size) const
     {
-        return count > maximum || (!elements && count != 0) || lacks(at, 4 + size * count);
+        return block.count > maximum || (!block.elements && block.count != 0) || lacks(at, 4 + size * block.count);
     }
 
     // A length and the bytes. Null where the interpreter refused them.
     unsigned char* string(unsigned char* at, char* const& text, std::uint32_t maximum);
-    unsigned char* opaque(unsigned char* at, unsigned char* const& bytes, const std::uint16_t& count, std::uint32_t maximum);
+    template <class Block>
+    unsigned char* opaque(unsigned char* at, const Block& block, std::uint32_t maximum)
+    {
+        return opaque(at, block.elements, block.count, maximum);
+    }
 
     // A value of another library's type.
     unsigned char* foreign(unsigned char* at, const void* value, XdrRoutine routine);
@@ -129,6 +142,7 @@ public:
     unsigned char* refuse(unsigned char* at);
 
 private:
+    unsigned char* opaque(unsigned char* at, unsigned char* const& bytes, const std::uint16_t& count, std::uint32_t maximum);
     unsigned char* after(bool succeeded);
 
     Xdr* xdrs;
@@ -155,15 +169,15 @@ public:
     }
 
     // Reads the count and allocates the block. Null when memory is short.
-    template <class T>
-    unsigned char* block(unsigned char* at, std::uint16_t& count, T*& elements)
+    template <class Block>
+    unsigned char* allocate(unsigned char* at, Block& block)
     {
-        count = static_cast<std::uint16_t>(getUnit(at));
-        if (count != 0) {
-            elements = static_cast<T*>(newElements(count, sizeof(T)));
-            if (!elements) return refuse(at + 4, &elements + 1);
+        block.count = static_cast<std::uint16_t>(getUnit(at));
+        if (block.count != 0) {
+            block.elements = static_cast<decltype(block.elements)>(newElements(block.count, sizeof *block.elements));
+            if (!block.elements) return refuse(at + 4, &block + 1);
         } else if (fresh) {  // else a count of 0 leaves the pointer as it is
-            elements = nullptr;
+            block.elements = nullptr;
         }
         return at + 4;
     }
@@ -183,8 +197,7 @@ public:
         return present && !pointer ? refuse(at + 4, &pointer + 1) : at + 4;
     }
 
-    // Around the elements of a block: `enter` returns what `leave` wants back. `abandon` is for an element that failed;
-    // the object that holds the block is defined up to `defined`.
+    // Around the elements of a block: `enter` returns what `leave` wants back. `abandon` is for an element that failed.
     bool enter()
     {
         const bool outer = fresh;
@@ -192,14 +205,31 @@ public:
         return outer;
     }
     void leave(bool outer) { fresh = outer; }
-    unsigned char* abandon(bool outer, void* blockEnd, void* defined);
+    template <class Block>
+    unsigned char* abandon(bool outer, Block& block)
+    {
+        return abandon(outer, block.elements + block.count, &block + 1);
+    }
+    template <class T>
+    unsigned char* abandon(bool outer, T*& optional)
+    {
+        return abandon(outer, optional + 1, &optional + 1);
+    }
 
     // A length and the bytes, which are allocated. Null where the interpreter refused them or memory is short.
     unsigned char* string(unsigned char* at, char*& text, std::uint32_t maximum);
-    unsigned char* opaque(unsigned char* at, unsigned char*& bytes, std::uint16_t& count, std::uint32_t maximum);
+    template <class Block>
+    unsigned char* opaque(unsigned char* at, Block& block, std::uint32_t maximum)
+    {
+        return opaque(at, block.elements, block.count, maximum);
+    }
 
-    // A value of `size` bytes of another library's type.
-    unsigned char* foreign(unsigned char* at, void* value, std::size_t size, XdrRoutine routine);
+    // A value of another library's type.
+    template <class T>
+    unsigned char* foreign(unsigned char* at, T& value, XdrRoutine routine)
+    {
+        return foreign(at, &value, sizeof value, routine);
+    }
 
     // Hands `object` over to the interpreter: from the member `first` on, or the one member alone.
     unsigned char* rest(unsigned char* at, void* object, const Type& type, std::size_t first);
@@ -209,6 +239,10 @@ public:
     unsigned char* refuse(unsigned char* at, void* defined);
 
 private:
+    unsigned char* opaque(unsigned char* at, unsigned char*& bytes, std::uint16_t& count, std::uint32_t maximum);
+    unsigned char* foreign(unsigned char* at, void* value, std::size_t size, XdrRoutine routine);
+    unsigned char* abandon(bool outer, void* blockEnd, void* defined);
+
     // Only a low byte of 1 means present.
     static bool isPresent(const unsigned char* at) { return static_cast<std::uint8_t>(getUnit(at)) == 1; }
     static void* newElements(std::size_t count, std::size_t size);
@@ -220,11 +254,24 @@ private:
     bool fresh = false;
 };
 
-// Releases a block, whatever its elements owned.
+// Releases a block alone, or after its elements, which `releaseOne` releases one by one up to the first that it refuses.
 void releaseBlock(void* block);
 
+template <class Elements, class ReleaseOne>
+bool releaseElements(Elements elements, ReleaseOne releaseOne)
+{
+    bool released = true;
+    for (std::size_t i = 0; released && elements.data() && i < elements.size(); ++i) released = releaseOne(elements[i]);
+    if (!elements.empty()) releaseBlock(elements.data());
+    return released;
+}
+
 // A value of another library's type.
-bool releaseForeign(Xdr* xdrs, void* value, XdrRoutine routine);
+template <class T>
+bool releaseForeign(Xdr* xdrs, T& value, XdrRoutine routine)
+{
+    return routine(xdrs, &value) != 0;
+}
 
 // The member `index` of `object`, by the interpreter.
 bool releaseMember(Xdr* xdrs, void* object, const Type& type, std::size_t index);
@@ -253,35 +300,73 @@ void get(const unsigned char* at, T& value);
 int interpret(Xdr* xdrs, void* object, const Type& type);
 
 // The body of the routine of a type that has plain functions: they run where nobody collects a trace and the stream exposes
-// its buffer, and the interpreter everywhere else. `owns` tells whether a release pass has anything to do, or to refuse.
-template <class T, bool owns, class Stream>
-int code(Stream* xdrs, void* object, const Type& type)
+// its buffer, and the interpreter everywhere else. `Functions` has the mode's functions of the type under one name.
+template <class Functions, class Stream, class T>
+int run(Stream* xdrs, T* value, const Type& type)
 {
     if constexpr (ExposesBuffer<Stream>) {
-        if (!xdrs->tracing() && object) {
-            T& value = *static_cast<T*>(object);
+        if (!xdrs->tracing() && value) {
             unsigned char* at = nullptr;
             switch (modeOf(xdrs)) {
             case Mode::encode: {
                 Encoder out(xdrs, xdrs->end());
-                at = plain::encode(out, xdrs->cursor(), value);
+                at = Functions::encode(out, xdrs->cursor(), *value, type);
                 break;
             }
             case Mode::decode: {
                 Decoder in(xdrs, xdrs->end());
-                at = plain::decode(in, xdrs->cursor(), value);
+                at = Functions::decode(in, xdrs->cursor(), *value, type);
                 break;
             }
-            case Mode::release:
-                if constexpr (owns) return plain::release(xdrs, value);
-                return 1;
+            case Mode::release: return Functions::release(xdrs, *value);
             }
             if (!at) return 0;
             xdrs->moveTo(at);
             return 1;
         }
     }
-    return interpret(xdrs, object, type);
+    return interpret(xdrs, value, type);
+}
+
+template <class T, bool owns>
+struct Varying {
+    static unsigned char* encode(Encoder& out, unsigned char* at, const T& value, const Type&) { return plain::encode(out, at, value); }
+    static unsigned char* decode(Decoder& in, unsigned char* at, T& value, const Type&) { return plain::decode(in, at, value); }
+    static bool release(Xdr* xdrs, T& value)
+    {
+        if constexpr (owns) return plain::release(xdrs, value);
+        return true;
+    }
+};
+
+template <class T, std::size_t size, bool owns>
+struct Fixed : Varying<T, owns> {
+    static unsigned char* encode(Encoder& out, unsigned char* at, const T& value, const Type& type)
+    {
+        if (out.lacks(at, size)) return out.rest(at, &value, type, 0);
+        plain::put(at, value);
+        return at + size;
+    }
+    static unsigned char* decode(Decoder& in, unsigned char* at, T& value, const Type& type)
+    {
+        if (in.lacks(at, size)) return in.rest(at, &value, type, 0);
+        plain::get(at, value);
+        return at + size;
+    }
+};
+
+// The body of the routine of a type whose size varies. `owns` tells whether a release pass has anything to do, or to refuse.
+template <class T, bool owns>
+int code(Xdr* xdrs, void* object, const Type& type)
+{
+    return run<Varying<T, owns>>(xdrs, static_cast<T*>(object), type);
+}
+
+// The same of a struct that always takes `size` bytes.
+template <class T, std::size_t size, bool owns>
+int codeFixed(Xdr* xdrs, void* object, const Type& type)
+{
+    return run<Fixed<T, size, owns>>(xdrs, static_cast<T*>(object), type);
 }
 
 }  // namespace quorva

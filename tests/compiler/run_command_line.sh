@@ -34,7 +34,7 @@ done <"$cases"
 find made -type f -exec touch -d @1 {} +
 printf '// B.\n\nimport a;\n\n// Two.\nstruct B { A b; };\n' >'my $#/b.x'
 "$compiler" generate --out made -I 'my $#' -I . a.x 'my $#/b.x' || fail "a second run"
-[ "$(find made -type f -newermt @2 | sort | tr '\n' ' ')" = 'made/include/quorvapixdr/b.bodies.h made/include/quorvapixdr/b.h made/schema/b.cc made/src/b.cc ' ] ||
+[ "$(find made -type f -newermt @2 | sort | tr '\n' ' ')" = 'made/descriptions/b.cc made/include/quorvapixdr/types/b.h made/private/quorvapixdr/private/b.h ' ] ||
     fail "rewritten: $(find made -type f -newermt @2)"
 [ "$(cat made/d)" = "$(printf 'made/\\#t:%s\n  a.x%s\n  my\\ $$\\#/b.x' ' \' ' \')" ] || fail "the make rule: $(cat made/d)"
 "$compiler" plain a.x >/dev/full 2>said && fail "a full disk goes unnoticed"

@@ -51,12 +51,12 @@ TEST(Names, a_description_tells_all)
 // A mark at a member alone: in the description, in the list of types, and counted where the type itself is settled.
 TEST(Names, provisional_members_are_marked)
 {
-    static constexpr Member fields[] = {{"id", {&types::LongNatural, 0, Form::single}, 0, 2},
-                                        {"colour", {&types::Natural, 0, Form::single}, 4, 6},
-                                        {"rest", {&types::Natural, 0, Form::single}, 6, 4}};
-    static constexpr Member arms[] = {{"kind", {&types::LongInteger, 0, Form::single}, 0, 4},
-                                      {"", {}, 0, 0},
-                                      {"number", {&types::LongNatural, 0, Form::single}, 4, 6}};
+    static constexpr Member fields[] = {{"id", {&types::LongNatural, 0, Form::single}, 0},
+                                        {"colour", {&types::Natural, 0, Form::single}, 4},
+                                        {"rest", {&types::Natural, 0, Form::single}, 6}};
+    static constexpr Member arms[] = {{"kind", {&types::LongInteger, 0, Form::single}, 0},
+                                      {"", {}, 0},
+                                      {"number", {&types::LongNatural, 0, Form::single}, 4}};
     static constexpr Case cases[] = {{3, 1}, {7, 2}, {0xFFFFFFFE, 2}};
     static constexpr Type structure = {
         .name = "Panel", .kind = TypeKind::structure, .size = 8, .alignment = 4, .members = fields};

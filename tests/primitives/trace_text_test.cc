@@ -252,33 +252,64 @@ TEST(TraceText, elementsOfAnyLength)
         std::string text = "<a>", path = "a";
         for (std::size_t depth = 1; depth <= 40; ++depth) {
             const std::string line = "\n" + std::string(2 * depth, ' ');
-            trace.open(name.c_str());
-            trace.value(content.c_str());
+            trace.open(name);
+            trace.value(content);
             trace.setLineFeed(false);
-            trace.close(name.c_str());
+            trace.close(name);
             text += line + "<" + name + ">" + name + "&lt;\\n" + name + "</" + name + ">";
-            trace.open(name.c_str());
+            trace.open(name);
             trace.setLineFeed(false);
-            trace.open(inner.c_str());
+            trace.open(inner);
             trace.value("-7");
             trace.setLineFeed(false);
-            trace.close(inner.c_str());
+            trace.close(inner);
             trace.setLineFeed(false);
-            trace.close(name.c_str());
+            trace.close(name);
             text += line + "<" + name + "><" + inner + ">-7</" + inner + "></" + name + ">";
-            trace.open(inner.c_str());
+            trace.open(inner);
             text += line + "<" + inner + ">";
             path += "/" + inner;
         }
         EXPECT_EQ(trace.path(), path);
         for (std::size_t depth = 40; depth > 0; --depth) {
-            trace.close(inner.c_str());
+            trace.close(inner);
             text += (depth == 40 ? "" : "\n" + std::string(2 * depth, ' ')) + "</" + inner + ">";
         }
         trace.close("a");
         EXPECT_EQ(trace.text(), text + "\n</a>");
         EXPECT_EQ(trace.path(), "");
     }
+}
+
+// The text of a whole element is that of the calls one by one.
+TEST(TraceText, wholeElements)
+{
+    TraceText whole, calls;
+    for (std::size_t length = 1; length < 70; ++length) {
+        const std::string name(length, 'n'), inner = name + "i";
+        for (const std::int64_t number :
+             {INT64_MIN, std::int64_t{INT32_MIN}, std::int64_t{-10}, std::int64_t{0}, std::int64_t{9}, std::int64_t{10},
+              std::int64_t{99}, std::int64_t{100}, std::int64_t{UINT32_MAX}, INT64_MAX}) {
+            whole.element(name, number);
+            calls.open(name);
+            calls.value(std::to_string(number));
+            calls.setLineFeed(false);
+            calls.close(name);
+            whole.element(name, inner, number);
+            calls.open(name);
+            calls.setLineFeed(false);
+            calls.open(inner);
+            calls.value(number);
+            calls.setLineFeed(false);
+            calls.close(inner);
+            calls.setLineFeed(false);
+            calls.close(name);
+        }
+        whole.open(name);
+        calls.open(name);
+    }
+    EXPECT_EQ(whole.text(), calls.text());
+    EXPECT_EQ(whole.path(), calls.path());
 }
 
 TEST(TraceText, markersOfAnyDepth)

@@ -41,17 +41,18 @@ TEST(NameFunctions, agreeWithTheTable)
 {
     int enumerations = 0;
     for (const auto* module : testedModules())
-        for (const auto* type : module->types) {
-            if (!type->nameOf) continue;
+        for (const Documentation& documented : module->types) {
+            const Type& type = *documented.type;
+            if (!type.nameOf) continue;
             ++enumerations;
-            SCOPED_TRACE(type->name);
+            SCOPED_TRACE(type.name);
             std::map<int, std::string> names;
-            for (const auto& enumerator : type->enumerators) names.emplace(enumerator.value, enumerator.name);
-            ASSERT_EQ(names.size(), type->enumerators.size());
+            for (const auto& enumerator : documented.enumerators) names.emplace(enumerator.value, enumerator.name);
+            ASSERT_EQ(names.size(), documented.enumerators.size());
             ASSERT_FALSE(names.empty());
             for (const int value : askedOf(names)) {
                 const auto known = names.find(value);
-                ASSERT_EQ(type->nameOf(value), known == names.end() ? "Error_in_Function" : known->second) << value;
+                ASSERT_EQ(type.nameOf(value), known == names.end() ? "Error_in_Function" : known->second) << value;
             }
         }
     EXPECT_GT(enumerations, 0);

@@ -12,7 +12,6 @@
 
 using namespace quorva;
 using namespace quorva::test;
-using schema::Type;
 
 namespace {
 
@@ -21,8 +20,7 @@ namespace {
 std::set<std::uint32_t> withoutArm(const Type& type, std::uint32_t all)
 {
     std::set<std::uint32_t> cases, found = {all, all / 2, all / 2 + 1};
-    for (const auto& arm : type.arms)
-        for (const std::int64_t value : arm.cases) cases.insert(static_cast<std::uint32_t>(value) & all);
+    for (const Case& each : type.cases) cases.insert(each.value & all);
     for (const std::uint32_t value : cases) found.insert({(value - 1) & all, (value + 1) & all});
     std::erase_if(found, [&](std::uint32_t value) { return cases.contains(value); });
     return found;
@@ -42,23 +40,24 @@ TEST(UnknownArms, failInEveryMode)
 {
     int unions = 0;
     for (const auto* module : testedModules())
-        for (const auto* type : module->types) {
-            if (type->kind != schema::Kind::discriminated || type->hasDefault) continue;
-            const std::size_t width = type->fields[0].use.type->size;
+        for (const Documentation& documented : module->types) {
+            const Type* const type = documented.type;
+            if (type->kind != TypeKind::discriminatedUnion || type->hasDefault) continue;
+            const std::size_t width = type->members[0].use.type->size;
             ASSERT_TRUE(width == 4 || width == 1) << type->name;
             ++unions;
             for (const std::uint32_t value : withoutArm(*type, width == 1 ? 0xFF : 0xFFFFFFFF))
-                for (const auto mode : {encoding, decoding, releasing}) {
+                for (const auto mode : {Mode::encode, Mode::decode, Mode::release}) {
                     SCOPED_TRACE(std::string(type->name) + " " + std::to_string(value) + ", mode " +
                                  std::to_string(static_cast<int>(mode)));
                     std::vector<std::uint64_t> object((type->size + 7) / 8);
-                    if (mode != decoding) setDiscriminant(object.data(), width, value);
+                    if (mode != Mode::decode) setDiscriminant(object.data(), width, value);
                     Bytes buffer(16384);
-                    if (mode == decoding) setUnit(buffer, 0, value);
+                    if (mode == Mode::decode) setUnit(buffer, 0, value);
                     const Pass pass = runPass(mode, type->routine, object.data(), buffer);
                     EXPECT_FALSE(pass.succeeded);
-                    EXPECT_EQ(pass.length, mode == releasing ? 0u : 4u);
-                    EXPECT_EQ(unitAt(buffer, 0), mode == releasing ? 0u : value);
+                    EXPECT_EQ(pass.length, mode == Mode::release ? 0u : 4u);
+                    EXPECT_EQ(unitAt(buffer, 0), mode == Mode::release ? 0u : value);
                 }
         }
     EXPECT_GT(unions, 0);
