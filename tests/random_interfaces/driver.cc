@@ -1,0 +1,202 @@
+// Runs the routines of a random library over messages, and prints what each pass came to, for run.py to judge.
+//
+// A line of input is the type's place in the table, "v" or "d" (valid; damaged), "x" and the message in hex. A line of
+// output is "0 LENGTH" for a message that is refused; for one that is decoded
+//
+//     1 LENGTH ENCODED BYTES HALF LAST [PEER]
+//
+// with the bytes read and written, the bytes in hex, how many encoding into half the room and into one byte too few
+// comes to, and, where another implementation is linked, what that makes of a valid message. Behind tabs stand the
+// traces of decoding and encoding a valid message. A pass that is not the same with and without a trace, blocks that a
+// release leaves, and writing beyond an object or a buffer are told in words instead.
+
+#include "table.h"
+
+#include <quorvapixdr/codec.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <new>
+#include <span>
+#include <string>
+#include <vector>
+
+extern "C" __attribute__((weak)) int peerRecode(unsigned index, const unsigned char* message, unsigned length,
+                                                unsigned char* out, unsigned room, unsigned* consumed);
+
+// ---- Memory: blocks are counted, and come with something in them ----
+
+static long live = 0;
+
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    void* const block = std::malloc(size ? size : 1);
+    if (!block) return nullptr;
+    ++live;
+    return size < 1u << 20 ? std::memset(block, 0xA5, size) : block;
+}
+void* operator new(std::size_t size)
+{
+    if (void* const block = operator new(size, std::nothrow)) return block;
+    throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept
+{
+    if (block) --live;
+    std::free(block);
+}
+void* operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t& none) noexcept
+{
+    return operator new(size, none);
+}
+void operator delete[](void* block) noexcept
+{
+    operator delete(block);
+}
+void operator delete(void* block, std::size_t) noexcept
+{
+    operator delete(block);
+}
+void operator delete[](void* block, std::size_t) noexcept
+{
+    operator delete(block);
+}
+
+namespace {
+
+constexpr std::size_t margin = 16;
+
+// Storage of just the size, with a margin that nobody may write into.
+class Block {
+public:
+    explicit Block(std::size_t blockSize)
+        : size(blockSize), storage(static_cast<unsigned char*>(std::calloc(1, size + margin)))
+    {
+        std::memset(storage + size, 0x5A, margin);
+    }
+    ~Block() { std::free(storage); }
+    Block(const Block&) = delete;
+    Block& operator=(const Block&) = delete;
+
+    std::span<unsigned char> span() { return {storage, size}; }
+    bool isIntact() const
+    {
+        for (std::size_t i = 0; i < margin; ++i)
+            if (storage[size + i] != 0x5A) return false;
+        return true;
+    }
+
+    const std::size_t size;
+    unsigned char* const storage;
+};
+
+std::string hexOf(std::span<const unsigned char> bytes)
+{
+    static const char digits[] = "0123456789abcdef";
+    std::string text;
+    for (const unsigned char byte : bytes) (text += digits[byte >> 4]) += digits[byte & 15];
+    return text;
+}
+
+enum Mode { encode, decode, release };
+
+// One way to run passes: bare, or with a trace. Here and below, a string that grows has a block from the start, so that
+// it does not change the number of blocks.
+struct Way {
+    explicit Way(bool isTraced) : traced(isTraced) { traces.reserve(100); }
+
+    quorva::Pass run(Mode mode, const Entry& type, Block& object, std::span<unsigned char> buffer)
+    {
+        const auto request = static_cast<Xdr::Request>(mode);
+        if (!traced) return quorva::runPass(request, type.routine, object.storage, buffer);
+        Xdr::Trace trace;
+        const quorva::Pass pass = quorva::runTraced(request, type.routine, type.name, object.storage, buffer, trace);
+        if (pass.succeeded && mode != release) traces.append("\t").append(trace.text());
+        return pass;
+    }
+
+    const bool traced;
+    std::string traces;
+};
+
+std::string outcome(const Entry& type, const std::vector<unsigned char>& message, Way& way)
+{
+    std::string told;
+    told.reserve(100);
+    const auto tell = [&](auto number) { (told += ' ') += std::to_string(number); };
+    const long before = live;
+    Block object(type.size);
+    Block wire(message.size());
+    if (!message.empty()) std::memcpy(wire.storage, message.data(), message.size());
+
+    const quorva::Pass decoded = way.run(decode, type, object, wire.span());
+    told += decoded.succeeded ? '1' : '0';
+    tell(decoded.length);
+    if (decoded.succeeded) {
+        Block whole(quorva::longestMessage);
+        const quorva::Pass encoded = way.run(encode, type, object, whole.span());
+        tell(encoded.length);
+        (told += ' ') += hexOf(whole.span().first(encoded.length));
+        if (!encoded.succeeded) told += " (encoding fails)";
+        for (const std::size_t room : {encoded.length / 2, encoded.length - 1}) {
+            Block few(room);
+            const quorva::Pass cut = way.run(encode, type, object, few.span());
+            tell(cut.length);
+            if (cut.succeeded) told += " (encoding into too few bytes succeeds)";
+            if (!few.isIntact()) told += " (encoding writes beyond its buffer)";
+        }
+    }
+    way.run(release, type, object, {});
+    if (!object.isIntact()) told += " (something writes beyond the object)";
+    if (live != before) told += " (release leaves " + std::to_string(live - before) + " blocks)";
+    return told;
+}
+
+std::vector<unsigned char> bytesOf(const std::string& hex)
+{
+    std::vector<unsigned char> bytes;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
+        bytes.push_back(static_cast<unsigned char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+    return bytes;
+}
+
+// What the other implementation encodes after decoding the message.
+std::string peers(std::size_t index, const std::vector<unsigned char>& message)
+{
+    std::vector<unsigned char> out(quorva::longestMessage);
+    unsigned consumed = 0;
+    const int length = peerRecode(static_cast<unsigned>(index), message.data(), static_cast<unsigned>(message.size()),
+                                  out.data(), static_cast<unsigned>(out.size()), &consumed);
+    return length < 0 ? "refused" : hexOf(std::span(out).first(static_cast<std::size_t>(length)));
+}
+
+}  // namespace
+
+int main(int, char** arguments)
+{
+    std::ifstream input(arguments[1]);
+    std::size_t index;
+    std::string kind;
+    std::string hex;
+    while (input >> index >> kind >> hex) {
+        const std::vector<unsigned char> message = bytesOf(hex.substr(1));
+        Way bare(false);
+        Way traced(true);
+        std::string told = outcome(table[index], message, bare);
+        if (const std::string other = outcome(table[index], message, traced); other != told)
+            told += " with a trace: " + other;
+        if (kind == "v") {
+            if (peerRecode) told += " " + peers(index, message);
+            std::replace(traced.traces.begin(), traced.traces.end(), '\n', ' ');
+            told += traced.traces;
+        }
+        std::cout << told << std::endl;
+    }
+}

@@ -1,0 +1,344 @@
+"""Tries one random library: compiles all that the interface compiler makes of it, runs its routines over messages, and
+compares what they do with wire.py and with the routines of rpcgen."""
+
+import contextlib
+import os
+import pathlib
+import random
+import re
+import shlex
+import shutil
+import subprocess
+import xml.etree.ElementTree as xml
+
+import generate
+import wire
+
+HERE = pathlib.Path(__file__).resolve().parent
+SOURCE = HERE.parents[1]
+WARNINGS = "-std=c++20 -O0 -Wall -Wextra -Wpedantic -Wconversion -Werror".split()
+SHOWN = 4     # lines of a failing command's output
+ROUNDS = 100  # that a library is tried in
+
+# What a caller's file may include besides, in several orders.
+STANDARD = """algorithm any array atomic barrier bit bitset charconv chrono cmath compare complex concepts coroutine
+    condition_variable cstring deque exception filesystem forward_list fstream functional future initializer_list
+    iomanip iostream iterator limits list locale map memory memory_resource mutex new numbers numeric optional queue
+    random ranges ratio regex scoped_allocator set shared_mutex sstream stack stdexcept string string_view system_error
+    thread tuple typeindex unordered_map utility valarray variant vector version""".split()
+POSIX = """aio.h arpa/inet.h assert.h cpio.h ctype.h dirent.h dlfcn.h errno.h fcntl.h fenv.h float.h fnmatch.h ftw.h
+    glob.h grp.h iconv.h inttypes.h langinfo.h libgen.h limits.h locale.h math.h mqueue.h net/if.h netdb.h netinet/in.h
+    netinet/tcp.h poll.h pthread.h pwd.h regex.h sched.h semaphore.h setjmp.h signal.h spawn.h stdio.h stdlib.h string.h
+    strings.h sys/ipc.h sys/mman.h sys/resource.h sys/select.h sys/shm.h sys/socket.h sys/stat.h sys/time.h sys/times.h
+    sys/types.h sys/uio.h sys/un.h sys/utsname.h sys/wait.h syslog.h termios.h time.h unistd.h utime.h wchar.h
+    wordexp.h""".split()
+PRELUDES = [STANDARD + POSIX, POSIX + STANDARD, sorted(STANDARD + POSIX, reverse=True)]
+
+
+class Finding(Exception):
+    """What should not be: a headline, and the details."""
+
+    def __str__(self):
+        headline, details = self.args
+        lines = details.split("\n")
+        telling = [line for line in lines if re.search(r"\berror:|multiple definition|undefined", line)]
+        return "\n    ".join([headline, *(telling or lines)[:SHOWN]])
+
+    def error(self):
+        """The first that a compiler tells: file, line, column, sentence."""
+        return re.search(r"^(\S+?):(\d+):(\d+): (?:fatal )?error: (.*)$", self.args[1], re.MULTILINE)
+
+
+class Suspicion(Exception):
+    """A compiler stumbled over names, which were replaced."""
+
+
+def command(words, where=None, check=None):
+    """Runs a command. Where `check` is given, its failure is a finding of that headline."""
+    words = [str(each) for each in words]
+    done = subprocess.run(words, cwd=where, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, errors="replace")
+    if check and done.returncode != 0:
+        raise Finding(f"{check}, status {done.returncode}", done.stdout + "\n" + shlex.join(words))
+    return done
+
+
+class Generated:
+    """Where `quorvaxdrc generate --out` has put what it made of modules: all that is known here of the layout."""
+
+    def __init__(self, out, modules):
+        self.folders = [out / "include", out / "private"]
+        places = [place for place in ("quorvapixdr/types", "quorvapixdr") if (out / "include" / place).is_dir()]
+        self.headers = [f"#include <{places[0]}/{module.name}.h>" for module in modules]
+        self.units = sorted([*(out / "src").rglob("*.cc"), *(out / "descriptions").rglob("*.cc")])
+        self.ofTools = sorted([*(out / "schema").rglob("*.cc"), *(out / "documentation").rglob("*.cc")])
+
+
+class Trial:
+    def __init__(self, seed, given):
+        self.seed, self.given = seed, given
+        self.library = generate.Library(seed, given.names)
+        self.folder = given.work / str(seed)
+        self.made = self.folder / "made"  # anew in each round
+        self.prelude = given.work / f"prelude{seed % len(PRELUDES)}.h"
+        self.findings, self.suspects = [], {}  # what a compiler says of each suspect
+        self.messages = self.renamed = self.refused = 0
+        self.accepted, self.refusal = False, ""
+
+    def run(self):
+        """Tries all, and again without the names that a compiler stumbled over, so that these do not hide the rest."""
+        shutil.rmtree(self.folder, ignore_errors=True)
+        for _ in range(ROUNDS):
+            self.findings = []
+            with contextlib.suppress(Suspicion):
+                if self.accept():
+                    self.tryAll()
+                break
+        if not self.findings and not self.suspects:
+            shutil.rmtree(self.folder)
+
+    def tryAll(self):
+        compilers = self.given.compilers
+        programs = []
+        with self.collecting():
+            self.generate()
+            for compiler in compilers:
+                self.compileHeaders(compiler)
+        for at, compiler in enumerate(compilers if not self.findings else []):
+            with self.collecting():
+                programs.append(self.build(compiler, at))
+        cases = list(self.cases()) if programs else []
+        self.messages = len(cases)
+        for at, program in enumerate(programs):
+            with self.collecting():
+                self.tryOut(program, cases, hasPeer=at == 0 and self.hasPeer())
+
+    @contextlib.contextmanager
+    def collecting(self):
+        try:
+            yield
+        except Finding as finding:
+            with (self.folder / "findings.txt").open("a") as log:
+                log.write("\n".join(finding.args) + "\n\n")
+            self.suspect(finding)
+            self.findings.append(finding)
+
+    # ---- Names ----
+
+    def suspect(self, finding):
+        """Where an error points to strange names, gives others to what has them, and begins again."""
+        if not (error := finding.error()):
+            return
+        named = [each for name in self.suspected(*error.groups()) for each in self.library.named(name)]
+        if named:
+            known = " or ".join(sorted({f"{role} {each.name}" for each, role in named}))
+            self.suspects[known] = f"{finding.args[0]}: {error[4]}"
+            for each, _ in named:
+                self.rename(each)
+            raise Suspicion()
+
+    def suspected(self, file, line, column, sentence):
+        """The strange name an error points to; else those in the quotes of its sentence; else those of its line."""
+        path, at = pathlib.Path(file), int(column) - 1
+        text = path.read_text(errors="replace").split("\n")[int(line) - 1] if path.exists() else ""
+        pointed = re.search(r"\w*$", text[:at])[0] + re.match(r"\w*", text[at:])[0]
+        for words in (pointed, " ".join(re.findall(r"[‘'](.*?)[’']", sentence)), text):
+            strange = self.library.names.strange.intersection(re.findall(r"\w+", words))
+            if some := sorted(word for word in strange if self.library.named(word)):
+                return some
+        return []
+
+    def rename(self, named):
+        self.renamed += 1
+        named.name = f"renamed{self.renamed}"
+
+    def accept(self):
+        """Writes the files, and gives other names to what the compiler refuses. False where that does not help."""
+        for _ in range(200):
+            shutil.rmtree(self.made, ignore_errors=True)
+            self.printers = generate.write(self.library, self.made / "types")
+            self.inputs = ["-I", self.made / "types", *self.printers]
+            done = command([self.given.compiler, "check", *self.inputs])
+            if done.returncode == 0:
+                self.accepted = True
+                return True
+            faults = re.findall(r"^(.+?):(\d+):(\d+)[-\d]*: error: (.*)$", done.stdout, re.MULTILINE)
+            culprits = dict.fromkeys(each for fault in faults for each in self.culprits(*fault))
+            if not culprits:
+                self.refusal = done.stdout
+                return False
+            for each in culprits:
+                self.rename(each)
+                self.refused += 1
+        return False
+
+    def culprits(self, file, line, column, sentence):
+        """What is declared where the compiler finds a fault, under the name that it points to."""
+        if "module" in sentence and line == "1":
+            return [each for each in self.library.modules if file.endswith(f"/types/{each.name}.x")]
+        printer = self.printers[file]
+        behind = printer.lines[int(line) - 1].encode()[int(column) - 1:].decode(errors="replace")
+        word = re.match(r"\w*", behind)[0]
+        return [each for each in printer.declared.get(int(line), []) if each.name == word][:1]
+
+    # ---- Compilation ----
+
+    def generate(self):
+        out = self.made / "out"
+        command([self.given.compiler, "generate", "--out", out, *self.inputs], check="generate fails")
+        self.generated = Generated(out, self.library.modules)
+        self.includes = [f"-I{each}" for each in [*self.generated.folders, *self.given.include, HERE]]
+
+    def compile(self, compiler, what, flags, files, where=None):
+        command([compiler, *WARNINGS, *self.given.flags, *self.includes, *flags, *files], where,
+                f"{what} does not compile with {compiler}")
+
+    def compileHeaders(self, compiler):
+        """Every header alone, all behind the prelude and all before it, with what callers do with them."""
+        headers = self.generated.headers
+        alone = [self.write(f"alone{at}.cc", [header]) for at, header in enumerate(headers)]
+        behind = self.write("behind.cc", [*headers, *self.statements()])
+        before = self.write("before.cc", [*headers[::-1], f'#include "{self.prelude}"', *self.statements()])
+        for what, flags, files in (("a header alone", [], alone),
+                                   ("a header behind the prelude", precompiled(self.prelude, compiler), [behind]),
+                                   ("a header before the prelude", [], [before])):
+            with self.collecting():
+                self.compile(compiler, what, [*flags, "-fsyntax-only"], files)
+
+    def write(self, name, lines):
+        path = self.made / name
+        path.write_text("\n".join(lines) + "\n")
+        return path
+
+    def statements(self):
+        """That the headers say what the files say."""
+        said = []
+        for made in self.library.definitions():
+            if made.kind == "const":
+                said.append(f"static_cast<long long>(::{made.name}) == {made.value}")
+            for each in made.members if made.kind == "enum" else []:
+                said.append(f"static_cast<long long>(::{made.name}::{each.name}) == {each.value}")
+            for each in made.held():
+                said.append(f"sizeof(::{made.name}::{each.name}) > 0")
+        return [f"static_assert({each});" for each in said]
+
+    def build(self, compiler, at):
+        """A program that runs the routines. One of two compilers sees the units behind the prelude as well."""
+        folder = self.made / f"objects{at}"
+        folder.mkdir()
+        units = [folder / f"{number}.cc" for number in range(len(self.generated.units))]
+        for file, unit in zip(units, self.generated.units):
+            file.symlink_to(unit)
+        entries = [f'    {{"{each.name}", Xdr{each.name}, sizeof(::{each.name})}},' for each in self.library.types()]
+        entries = ["const Entry table[] = {", *entries, "    {nullptr, nullptr, 0},", "};"]
+        table = self.write(f"objects{at}/table.cc", [*self.generated.headers, '#include "table.h"', "", *entries])
+        with self.collecting():
+            self.compile(compiler, "a file for tools", ["-fsyntax-only"], self.generated.ofTools)
+        if (self.seed + at) % 2:
+            with self.collecting():
+                self.compile(compiler, "a unit behind the prelude",
+                             [*precompiled(self.prelude, compiler), "-fsyntax-only"], units)
+        self.compile(compiler, "a unit", ["-c", "-fvisibility=hidden"], units, folder)
+        self.compile(compiler, "the table of types", ["-c"], [table], folder)
+        objects = [*folder.glob("*.o"), self.given.work / "driver.o"]
+        libraries = [*self.given.library, *[f"-Wl,-rpath,{os.path.dirname(each)}" for each in self.given.library]]
+        if at == 0 and self.hasPeer():
+            objects += self.peer()
+            libraries.append("-ltirpc")
+        program = self.made / f"program{at}"
+        command([compiler, *self.given.flags, "-o", program, *objects, *libraries],
+                check=f"linking with {compiler} fails")
+        return program
+
+    def hasPeer(self):
+        return self.given.peer and self.library.hasPeer
+
+    def peer(self):
+        """The objects of the other implementation."""
+        folder = self.made / "peer"
+        folder.mkdir()
+        plain = command([self.given.compiler, "plain", "--prefix", "plain_", *self.inputs], check="plain fails").stdout
+        self.write("peer/plain.x", [plain])
+        table = self.write("peer/table.inc", [f"TYPE({each.name})" for each in self.library.types()])
+        command(["rpcgen", "-h", "-o", "plain.h", "plain.x"], folder, "rpcgen does not take the plain file")
+        command(["rpcgen", "-c", "-o", "plain.c", "plain.x"], folder, "rpcgen does not take the plain file")
+        differential = SOURCE / "tests/differential"
+        command(["gcc", "-w", "-Dbool=bool_t",  # which rpcgen forgets in loops over a vector
+                 "-c", "-I.", "-I/usr/include/tirpc", f"-I{differential}", f'-DPEER_TABLE="{table}"', "plain.c",
+                 differential / "peer.c"], folder, "what rpcgen makes of the plain file does not compile")
+        return [folder / "plain.o", folder / "peer.o"]
+
+    # ---- Messages ----
+
+    def cases(self):
+        """Messages of every type: its place in the table, the message, what comes of it, and a valid one's walk."""
+        for number, type in enumerate(self.library.types()):
+            rng = random.Random(self.seed * 10007 + number)
+            for _ in range(max(3, min(len(type.arms), 40))):
+                message, walk = wire.invented(type, rng.random())
+                if len(message) > wire.LONGEST_MESSAGE:
+                    continue
+                yield number, type, message, wire.expected(type, message), walk
+                for _ in range(2):
+                    other = damaged(message, rng)
+                    yield number, type, other, wire.expected(type, other), None
+
+    def tryOut(self, program, cases, hasPeer):
+        messages = self.write("messages", [f"{number} {'v' if walk else 'd'} x{message.hex()}"
+                                           for number, _, message, _, walk in cases])
+        checked = self.given.valgrind and self.seed % self.given.valgrind == 0
+        done = command([*["valgrind", "-q", "--error-exitcode=9"] * bool(checked), program, messages])
+        lines = done.stdout.split("\n")
+        for line, (_, type, message, wanted, walk) in zip(lines, cases):
+            outcome, *traces = line.split("\t")
+            place = f"{type.kind} {type.name} of {type.module.name}, message {message.hex()}"
+            peers = f" {message.hex()}" if walk and hasPeer else ""
+            if outcome != wanted + peers:
+                raise Finding(place, f"wanted {wanted}{peers}\ntold   {line}")
+            if walk:
+                judgeTraces(place, type, walk, traces)
+        if done.returncode != 0 or len(lines) != len(cases) + 1:
+            _, type, message, *_ = cases[min(len(lines), len(cases)) - 1]
+            raise Finding(f"the program ends at {type.name}, message {message.hex()}, status {done.returncode}",
+                          done.stdout[-500:])
+
+
+def judgeTraces(place, type, walk, traces):
+    decoding = [type.name] + [name for name, _ in walk.elements]
+    encoding = [type.name] + [name for name, frames in walk.elements if not frames]
+    for trace, wanted in zip(traces, (decoding, encoding), strict=True):
+        try:
+            elements = [each.tag for each in xml.fromstring(trace).iter()]
+        except xml.ParseError as error:
+            raise Finding(f"{place}: the trace is no XML", f"{error}: {trace}") from error
+        if elements != wanted:
+            raise Finding(f"{place}: elements of the trace", f"wanted {wanted}\ntold   {elements}")
+
+
+def damaged(message, rng):
+    """The message cut, or with another unit and often something behind it."""
+    if rng.random() < 0.4:
+        return message[:rng.randrange(len(message))]
+    at = rng.randrange(len(message) // 4) * 4
+    old = int.from_bytes(message[at:at + 4], "big")
+    unit = rng.choice((old + 1, old - 1, 0, 1, 2, 0x100, 0x1FF, 0x10000, 0x10001, 0x7FFF8000, 0x80000001)) & 0xFFFFFFFF
+    made = message[:at] + unit.to_bytes(4, "big") + message[at + 4:] + rng.randbytes(rng.choice((0, 64)))
+    return made[:wire.LONGEST_MESSAGE]
+
+
+# ---- What all trials share ----
+
+def precompiled(prelude, compiler):
+    return ["-include-pch", f"{prelude}.{compiler}.pch"] if "clang" in compiler else ["-include", prelude]
+
+
+def prepare(given):
+    """Compiles the preludes and the driver."""
+    flags = [*WARNINGS, *given.flags]
+    for at, headers in enumerate(PRELUDES):
+        prelude = given.work / f"prelude{at}.h"
+        prelude.write_text("".join(f"#include <{each}>\n" for each in headers))
+        for compiler in given.compilers:
+            out = f"{prelude}.{compiler}.pch" if "clang" in compiler else f"{prelude}.gch"
+            command([compiler, *flags, "-x", "c++-header", prelude, "-o", out], check="the prelude does not compile")
+    command([given.compilers[0], *flags, *[f"-I{each}" for each in given.include], "-c", HERE / "driver.cc", "-o",
+             given.work / "driver.o"], check="the driver does not compile")
