@@ -8,6 +8,6 @@ namespace quorva::compiler {
 
 // Reports everything that stands between a resolved program and its generated code. What parse() and resolve() have
 // reported already is taken as known, and nothing is reported that only follows from it.
-void check(const Program& program, Diagnostics& faults);
+void check(const Program& program, Diagnostics& errors);
 
 }  // namespace quorva::compiler

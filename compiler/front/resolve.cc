@@ -96,6 +96,7 @@ private:
     void label(Value& value, const TypeRef& discriminant);
     bool predeclared(Value& value) const;
     Named* findNumber(const std::string& name);
+    Named* findEnumerator(const Definition& enumeration, const std::string& name);
     Named* numberOrFault(const Value& value);
     bool excused(const std::string& name) const;
     const std::string& moduleName(std::size_t at) const { return program_.modules[at]->source.module; }
@@ -104,6 +105,7 @@ private:
     Diagnostics& faults_;
     std::unordered_map<std::string_view, std::vector<Typed>> types_;
     std::unordered_map<std::string_view, std::vector<std::size_t>> numbers_;  // indices into named_
+    std::unordered_map<const Definition*, std::unordered_map<std::string_view, std::size_t>> enumerators_;  // the same
     std::vector<Named> named_;
     std::vector<std::vector<bool>> visible_;  // visible_[a][b]: a sees what b defines
     std::size_t module_ = 0;                  // at hand
@@ -119,6 +121,7 @@ void Resolver::collect()
                 types_[definition->name].push_back({definition.get(), at});
             }
             for (Enumerator& enumerator : definition->enumerators) {
+                enumerators_[definition.get()].emplace(enumerator.name, named_.size());
                 named_.push_back({enumerator.name, &enumerator.value, definition.get(), at, {}});
             }
         }
@@ -252,6 +255,14 @@ void Resolver::value(Value& value)
     }
 }
 
+Resolver::Named* Resolver::findEnumerator(const Definition& enumeration, const std::string& name)
+{
+    const auto names = enumerators_.find(&enumeration);
+    if (names == enumerators_.end()) return nullptr;
+    const auto found = names->second.find(name);
+    return found == names->second.end() ? nullptr : &named_[found->second];
+}
+
 // A case is looked up in the discriminant's enumeration first, so that a wrong one is answered from there.
 void Resolver::label(Value& value, const TypeRef& discriminant)
 {
@@ -261,12 +272,7 @@ void Resolver::label(Value& value, const TypeRef& discriminant)
         return;
     }
     const Definition& enumeration = *type.definition;
-    const Named* named = nullptr;
-    if (const auto found = numbers_.find(value.text); found != numbers_.end()) {
-        for (const std::size_t i : found->second) {
-            if (named_[i].owner == &enumeration) named = &named_[i];
-        }
-    }
+    const Named* named = findEnumerator(enumeration, value.text);
     if (!named) named = findNumber(value.text);
     if (named && (named->owner == &enumeration || named->owner->kind == Kind::constant)) {
         value.owner = named->owner;
@@ -414,14 +420,17 @@ void resolve(Program& program, Diagnostics& faults)
     Resolver(program, faults).run();
 }
 
+bool isAlias(const Definition& definition)
+{
+    return definition.kind == Kind::definedAs && definition.target.form == Form::single;
+}
+
 const TypeRef& behindAliases(const TypeRef& type)
 {
-    constexpr int longestChain = 64;
     const TypeRef* at = &type;
-    for (int links = 0; links < longestChain; ++links) {
-        const Definition* const definition = at->definition;
-        if (!definition || definition->kind != Kind::definedAs || definition->target.form != Form::single) return *at;
-        at = &definition->target.type;
+    for (std::size_t links = 0; links <= deepestNesting; ++links) {
+        if (!at->definition || !isAlias(*at->definition)) return *at;
+        at = &at->definition->target.type;
     }
     return type;
 }

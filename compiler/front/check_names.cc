@@ -1,0 +1,226 @@
+// The scopes of the generated code, and the claims of definitions and members to names in them.
+#include "check_names.h"
+
+#include "reserved_names.h"
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_map>
+
+namespace quorva::compiler {
+
+namespace {
+
+std::string_view kindWord(Kind kind)
+{
+    switch (kind) {
+    case Kind::constant: return "constant";
+    case Kind::enumeration: return "enumeration";
+    case Kind::record: return "struct";
+    case Kind::discriminated: return "union";
+    case Kind::definedAs: break;
+    }
+    return "type";
+}
+
+bool isSameContent(const Declaration& a, const Declaration& b)
+{
+    return a.form == b.form && a.bound == b.bound && a.type.builtin == b.type.builtin &&
+           a.type.definition == b.type.definition;
+}
+
+class NameChecker {
+public:
+    explicit NameChecker(Diagnostics& errors) : errors_(errors) {}
+
+    std::vector<const Definition*> run(const Program& program);
+
+private:
+    enum class Role { itself, routine, nameFunction };
+
+    // Whose name it is: a definition's, or that of an enumerator in it.
+    struct Owner {
+        const Definition* definition = nullptr;
+        Role role = Role::itself;
+        Span at;
+    };
+
+    void moduleName(const Module& module);
+    void definition(const Definition& definition);
+    void claim(const std::string& name, const Owner& owner);
+    void claimDerived(const std::string& name, const Owner& owner);
+    void enumerators(const Definition& definition);
+    void fields(const Definition& definition);
+    void arms(const Definition& definition);
+    bool isFree(const std::string& name, const Span& at, NameScope scope);
+    static std::string describeOwner(const Owner& owner);
+
+    Diagnostics& errors_;
+    std::unordered_map<std::string, Owner> globals_;           // of the generated code
+    std::unordered_map<std::string_view, Owner> enumerators_;  // of all enumerations
+    std::vector<const Definition*> firsts_;
+};
+
+void NameChecker::moduleName(const Module& module)
+{
+    const std::string& name = module.source.module;
+    const bool isOdd = std::any_of(name.begin(), name.end(), [](char c) {
+        return !(c >= 'a' && c <= 'z') && !(c >= 'A' && c <= 'Z') && !(c >= '0' && c <= '9') && c != '_' && c != '/';
+    });
+    if (isOdd) {
+        errors_.error({&module.source, 1, 1, 1}, "a module's name is made of letters, digits and '_', which " +
+                                                     inQuotes(name) + " is not; rename this file");
+    }
+}
+
+bool NameChecker::isFree(const std::string& name, const Span& at, NameScope scope)
+{
+    const std::string_view reason = reservedBecause(name, scope);
+    if (reason.empty()) return true;
+    errors_.error(at, inQuotes(name) + " " + std::string(reason) + "; choose another name");
+    return false;
+}
+
+std::string NameChecker::describeOwner(const Owner& owner)
+{
+    switch (owner.role) {
+    case Role::routine: return "the routine of " + describe(*owner.definition);
+    case Role::nameFunction: return "the name function of " + describe(*owner.definition);
+    case Role::itself: break;
+    }
+    return describe(*owner.definition);
+}
+
+void NameChecker::claim(const std::string& name, const Owner& owner)
+{
+    const auto [first, isNew] = globals_.emplace(name, owner);
+    if (isNew) return;
+    errors_.error(owner.at,
+                  inQuotes(name) + " would be the name of two things, of " + describeOwner(owner) + " and of " +
+                      describeOwner(first->second) + "; rename one of them",
+                  Note{first->second.at, describeOwner(first->second) + " comes from here"});
+}
+
+void NameChecker::claimDerived(const std::string& name, const Owner& owner)
+{
+    if (const std::string_view reason = reservedBecause(name, NameScope::global); !reason.empty()) {
+        errors_.error(owner.at, describeOwner(owner) + " would be " + inQuotes(name) + ", which " +
+                                    std::string(reason) + "; choose another name");
+        return;
+    }
+    claim(name, owner);
+}
+
+void NameChecker::definition(const Definition& definition)
+{
+    const auto known = globals_.find(definition.name);
+    if (known != globals_.end() && known->second.role == Role::itself) {
+        errors_.error(definition.at,
+                      inQuotes(definition.name) + " is defined twice; remove or rename one of the definitions",
+                      Note{known->second.at, "first defined here"});
+        return;
+    }
+    firsts_.push_back(&definition);
+    claim(definition.name, {&definition, Role::itself, definition.at});
+    if (!isFree(definition.name, definition.at, NameScope::global) || definition.kind == Kind::constant) return;
+    claimDerived("Xdr" + definition.name, {&definition, Role::routine, definition.at});
+    if (definition.kind == Kind::enumeration)
+        claimDerived(definition.name + "String", {&definition, Role::nameFunction, definition.at});
+}
+
+// Enumerators are no globals of the generated code, but in the language they share one scope with constants and types.
+void NameChecker::enumerators(const Definition& enumeration)
+{
+    for (const Enumerator& enumerator : enumeration.enumerators) {
+        isFree(enumerator.name, enumerator.at, NameScope::inner);
+        const std::string name = "enumerator " + inQuotes(enumerator.name);
+        const auto [first, isNew] =
+            enumerators_.emplace(enumerator.name, Owner{&enumeration, Role::itself, enumerator.at});
+        if (!isNew) {
+            errors_.error(enumerator.at,
+                          name + " stands in " + describe(*first->second.definition) +
+                              " already; all enumerators share one scope, so rename one",
+                          Note{first->second.at, "first defined here"});
+            continue;
+        }
+        const auto global = globals_.find(enumerator.name);
+        if (global != globals_.end() && global->second.role == Role::itself) {
+            errors_.error(enumerator.at,
+                          name + " has the name of " + describe(*global->second.definition) + "; rename one",
+                          Note{global->second.at, "defined here"});
+        }
+    }
+}
+
+void NameChecker::fields(const Definition& definition)
+{
+    std::unordered_map<std::string_view, const Declaration*> names;
+    for (const Declaration& field : definition.fields) {
+        if (field.form == Form::nothing) continue;
+        isFree(field.name, field.at, NameScope::inner);
+        if (const auto [first, isNew] = names.emplace(field.name, &field); !isNew) {
+            errors_.error(field.at, describe(definition) + " has two fields " + inQuotes(field.name) + "; rename one",
+                          Note{first->second->at, "the first is here"});
+        }
+    }
+}
+
+// The arms are members of an anonymous union, which may repeat neither the discriminant nor the struct around them.
+void NameChecker::arms(const Definition& definition)
+{
+    const Declaration& discriminant = definition.discriminant;
+    isFree(discriminant.name, discriminant.at, NameScope::inner);
+    std::unordered_map<std::string_view, const Declaration*> names;
+    for (const Arm& arm : definition.arms) {
+        const Declaration& held = arm.declaration;
+        if (held.form == Form::nothing) continue;
+        isFree(held.name, held.at, NameScope::inner);
+        if (held.name == discriminant.name) {
+            errors_.error(held.at, "arm " + inQuotes(held.name) + " has the name of the discriminant; rename one",
+                          Note{discriminant.at, "the discriminant is here"});
+            continue;
+        }
+        if (held.name == definition.name) {
+            errors_.error(held.at,
+                          "arm " + inQuotes(held.name) +
+                              " has the name of its union, which C++ keeps for a constructor; rename one",
+                          Note{definition.at, "the union is here"});
+            continue;
+        }
+        const auto [first, isNew] = names.emplace(held.name, &held);
+        if (!isNew && !isSameContent(held, *first->second)) {
+            errors_.error(held.at,
+                          describe(definition) + " has two arms " + inQuotes(held.name) +
+                              " with different types; rename one, or give both the same type",
+                          Note{first->second->at, "the first is here"});
+        }
+    }
+}
+
+std::vector<const Definition*> NameChecker::run(const Program& program)
+{
+    for (const auto& module : program.modules) {
+        moduleName(*module);
+        for (const auto& each : module->definitions) definition(*each);
+    }
+    for (const Definition* definition : firsts_) {
+        enumerators(*definition);
+        fields(*definition);
+        if (definition->kind == Kind::discriminated) arms(*definition);
+    }
+    return std::move(firsts_);
+}
+
+}  // namespace
+
+std::vector<const Definition*> checkNames(const Program& program, Diagnostics& errors)
+{
+    return NameChecker(errors).run(program);
+}
+
+std::string describe(const Definition& definition)
+{
+    return std::string(kindWord(definition.kind)) + " " + inQuotes(definition.name);
+}
+
+}  // namespace quorva::compiler

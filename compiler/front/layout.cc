@@ -1,0 +1,102 @@
+// The rules of the C++ ABI for structs of numbers, pointers, arrays and unions.
+#include "layout.h"
+
+#include <algorithm>
+
+namespace quorva::compiler {
+
+namespace {
+
+std::uint64_t padded(std::uint64_t size, std::uint64_t alignment)
+{
+    return (size + alignment - 1) / alignment * alignment;
+}
+
+Layout asMember(Layout layout)
+{
+    ++layout.members;
+    return layout;
+}
+
+void append(Layout& layout, const Layout& member)
+{
+    layout.alignment = std::max(layout.alignment, member.alignment);
+    layout.size = padded(layout.size, member.alignment) + member.size;
+    layout.members += member.members;
+}
+
+}  // namespace
+
+Layout Layouts::add(const Definition& type)
+{
+    const Layout layout = of(type);
+    known_.emplace(
+        &type, Layout{std::min(layout.size, largest + 1), layout.alignment, std::min(layout.members, mostMembers + 1)});
+    return layout;
+}
+
+Layout Layouts::of(const TypeRef& type) const
+{
+    switch (type.builtin) {
+    case Builtin::Boolean:
+    case Builtin::ShortInteger:
+    case Builtin::ShortNatural: return {1, 1};
+    case Builtin::Integer:
+    case Builtin::Natural: return {2, 2};
+    case Builtin::LongInteger:
+    case Builtin::LongNatural:
+    case Builtin::UINT:
+    case Builtin::Float: return {4, 4};
+    case Builtin::none: break;
+    }
+    const auto known = known_.find(type.definition);
+    return known == known_.end() ? Layout{} : known->second;
+}
+
+Layout Layouts::of(const Declaration& declaration) const
+{
+    switch (declaration.form) {
+    case Form::single: return of(declaration.type);
+    case Form::vector: {
+        const Layout element = of(declaration.type);
+        return {element.size * declaration.bound, element.alignment, element.members};
+    }
+    case Form::list:
+    case Form::bytes: return {16, 8};
+    case Form::optional:
+    case Form::string: return {8, 8};
+    case Form::opaque: return {declaration.bound, 1};
+    case Form::nothing: break;
+    }
+    return {};
+}
+
+Layout Layouts::of(const Definition& definition) const
+{
+    Layout layout;
+    switch (definition.kind) {
+    case Kind::constant: break;
+    case Kind::enumeration: return {4, 4};
+    case Kind::definedAs: return of(definition.target);
+    case Kind::record:
+        for (const Declaration& field : definition.fields) append(layout, asMember(of(field)));
+        break;
+    case Kind::discriminated: {
+        Layout arms;
+        for (const Arm& arm : definition.arms) {
+            if (arm.declaration.form == Form::nothing) continue;
+            const Layout held = asMember(of(arm.declaration));
+            arms = {std::max(arms.size, held.size), std::max(arms.alignment, held.alignment),
+                    arms.members + held.members};
+        }
+        arms.size = padded(arms.size, arms.alignment);
+        append(layout, asMember(of(definition.discriminant)));
+        append(layout, arms);
+        break;
+    }
+    }
+    layout.size = padded(layout.size, layout.alignment);
+    return layout;
+}
+
+}  // namespace quorva::compiler

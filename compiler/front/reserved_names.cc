@@ -1,0 +1,97 @@
+// The table of reserved names. Its two long groups are in system_names.cc.
+#include "reserved_names.h"
+
+#include "system_names.h"
+
+#include <unordered_set>
+#include <vector>
+
+namespace quorva::compiler {
+
+namespace {
+
+using Names = std::unordered_set<std::string_view>;
+
+Names split(std::string_view list)
+{
+    constexpr std::string_view blanks = " \n";
+    Names names;
+    for (std::size_t from = list.find_first_not_of(blanks); from != std::string_view::npos;) {
+        const std::size_t end = list.find_first_of(blanks, from);
+        names.insert(list.substr(from, end - from));
+        from = list.find_first_not_of(blanks, end);
+    }
+    return names;
+}
+
+// Up to C++23, and `typeof` of the GNU dialect.
+constexpr std::string_view keywords = R"(
+alignas alignof asm auto bool break case catch char char8_t char16_t char32_t class co_await co_return co_yield concept
+const const_cast consteval constexpr constinit continue decltype default delete do double dynamic_cast else enum
+explicit export extern false float for friend goto if inline int long mutable namespace new noexcept nullptr operator
+private protected public register reinterpret_cast requires return short signed sizeof static static_assert static_cast
+struct switch template this thread_local throw true try typedef typeid typename typeof union unsigned using virtual
+void volatile wchar_t while
+)";
+
+constexpr std::string_view operators = "and and_eq bitand bitor compl not not_eq or or_eq xor xor_eq";
+
+// Predefined for other processors than the one for which the list of system names was made.
+constexpr std::string_view processorMacros = "PPC i386 mips powerpc sparc";
+
+// The built-in types, their routines, the routines that all types share, the drivers, and the platform.
+constexpr std::string_view libraryNames = R"(
+Boolean Float Integer LongInteger LongNatural Natural ShortInteger ShortNatural UINT
+XdrBoolean XdrFloat XdrInteger XdrLongInteger XdrLongNatural XdrNatural XdrShortInteger XdrShortNatural XdrUINT
+XdrArray XdrBytes XdrEnum XdrLongFloat XdrLongNatural2 XdrOpaque XdrOpaque2 XdrPointer XdrString XdrVector XdrVoid
+XdrWrapString
+ClientsXdrDeserialize ClientsXdrSupport DeallocateString TestDeserialize XdrDeallocate
+DiagnosticHook ScopedTrace TraceText Xdr XdrRoutine quorva setDiagnosticHook
+)";
+
+struct Group {
+    NameScope scope;  // `inner` means everywhere: what holds in a struct holds outside of it, too
+    std::string_view reason;
+    Names names;
+};
+
+const std::vector<Group>& groups()
+{
+    static const std::vector<Group> all = {
+        {NameScope::inner, "is a keyword of C++", split(keywords)},
+        {NameScope::inner, "is an operator of C++", split(operators)},
+        {NameScope::inner, "is a value of 'bool'", split("FALSE TRUE")},
+        {NameScope::inner, "is a macro of common C++ headers", split(systemMacros)},
+        {NameScope::inner, "is a macro of compilers for some processors", split(processorMacros)},
+        {NameScope::inner, "is a macro on some platforms", split("TRACE")},
+        {NameScope::global, "is a global name that C++ reserves", split("main std")},
+        {NameScope::global, "begins a directive of C++ wherever a line begins with it", split("import module")},
+        {NameScope::global, "is a global name of the C library", split(systemGlobals)},
+        {NameScope::global, "is a name of the library itself", split(libraryNames)},
+    };
+    return all;
+}
+
+std::string_view reservedBySpelling(std::string_view name, NameScope scope)
+{
+    if (name.starts_with("QUORVA_")) return "begins like the macros of the library";
+    if (name.find("__") != std::string_view::npos) return "has a double underscore, which C++ reserves";
+    if (name.size() > 1 && name[0] == '_' && name[1] >= 'A' && name[1] <= 'Z')
+        return "begins with an underscore and a capital, which C++ reserves";
+    if (scope == NameScope::global && name.starts_with('_'))
+        return "begins with an underscore, which C++ reserves for global names";
+    return {};
+}
+
+}  // namespace
+
+std::string_view reservedBecause(std::string_view name, NameScope scope)
+{
+    for (const Group& group : groups()) {
+        if ((group.scope == NameScope::inner || group.scope == scope) && group.names.contains(name))
+            return group.reason;
+    }
+    return reservedBySpelling(name, scope);
+}
+
+}  // namespace quorva::compiler
