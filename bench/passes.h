@@ -31,7 +31,7 @@ std::size_t encodePass(XdrRoutine routine, T& object, unsigned char* buffer, Att
 {
     Xdr xdrs;
     attach(xdrs);
-    xdrs.Program(static_cast<Xdr::Request>(0), buffer, longest);
+    xdrs.Program(static_cast<Xdr::Request>(Mode::encode), buffer, longest);
     return routine(&xdrs, &object) ? xdrs.codedLength : 0;
 }
 
@@ -42,10 +42,10 @@ std::size_t decodePass(XdrRoutine routine, unsigned char* message, std::size_t l
     T value = {};
     Xdr xdrs;
     attach(xdrs);
-    xdrs.Program(static_cast<Xdr::Request>(1), message, static_cast<unsigned short>(length));
+    xdrs.Program(static_cast<Xdr::Request>(Mode::decode), message, static_cast<unsigned short>(length));
     const std::size_t consumed = routine(&xdrs, &value) ? xdrs.codedLength : 0;
     Xdr releasing;
-    releasing.Program(static_cast<Xdr::Request>(2), nullptr, 0);
+    releasing.Program(static_cast<Xdr::Request>(Mode::release), nullptr, 0);
     routine(&releasing, &value);
     return consumed;
 }

@@ -75,7 +75,7 @@ Writes for each FILE, which is a module named after its path below an -I folder,
   DIR/src/MODULE.cc                         coding routines and name functions
   DIR/descriptions/MODULE.cc                descriptions of the types, which the library and tools link
   DIR/documentation/MODULE.cc               documentation of the types, which tools link
-and DIR/documentation/modules.cc, the list of all these modules. A file whose content would stay the same is not touched.
+and DIR/modules.cc, the list of all these modules. A file whose content would stay the same is not touched.
 )";
 
 constexpr std::string_view generateOptions =
@@ -323,7 +323,7 @@ std::string pathOf(const std::string& out, const Product& product, const std::st
 
 std::string indexPath(const std::string& out)
 {
-    return (fs::path(out) / "documentation" / "modules.cc").string();
+    return (fs::path(out) / "modules.cc").string();
 }
 
 // False with a complaint where the file cannot be written. The file is replaced as a whole or not at all.

@@ -90,23 +90,6 @@ bool TraceText::growStack() noexcept
     return true;
 }
 
-void TraceText::marker(std::string_view markup) noexcept
-{
-    if (markup.starts_with("</")) return closeMarker(markup);
-    char* const to = room(markup.size());
-    if (!to) return;
-    written(put(startLine(to), markup));
-    push(markup, (top == elements ? rootMarkers : top[-1].markers)++, true);
-}
-
-void TraceText::closeMarker(std::string_view markup) noexcept
-{
-    char* to = room(markup.size());
-    if (!to) return;
-    if (top != elements && top[-1].isMarker && pop()) to = startLine(to);
-    written(put(to, markup));
-}
-
 char* TraceText::escape(char* to, std::string_view& text) noexcept
 {
     const std::size_t length = wellFormed(text);

@@ -45,8 +45,28 @@ public:
     }
 
     // A line of markup of its own, "<value>" or "</value>", which counts as an element in `path()`. The characters of the
-    // first are kept by address until the second.
-    void marker(std::string_view markup) noexcept;
+    // first are kept by address until the second. `marker` takes either.
+    void openMarker(std::string_view markup) noexcept
+    {
+        char* const to = room(markup.size());
+        if (!to) return;
+        written(put(startLine(to), markup));
+        push(markup, (top == elements ? rootMarkers : top[-1].markers)++, true);
+    }
+    void closeMarker(std::string_view markup) noexcept
+    {
+        char* to = room(markup.size());
+        if (!to) return;
+        if (top != elements && top[-1].isMarker && pop()) to = startLine(to);
+        written(put(to, markup));
+    }
+    void marker(std::string_view markup) noexcept
+    {
+        if (markup.starts_with("</"))
+            closeMarker(markup);
+        else
+            openMarker(markup);
+    }
 
     // The contents of the innermost element; two in a row are separated by a blank. A number is shown in decimal.
     void value(std::string_view text) noexcept;
@@ -176,7 +196,6 @@ private:
         hasLine = had || top->parentHadLine;
         return had;
     }
-    void closeMarker(std::string_view markup) noexcept;
 
     // One character that is not plain, or the sequence of bytes that is one; takes it off `text`.
     static char* escape(char* to, std::string_view& text) noexcept;

@@ -32,6 +32,15 @@ inline void* newBlock(std::size_t count, std::size_t size)
     return size > SIZE_MAX / count ? nullptr : ::operator new[](count * size, std::nothrow);
 }
 
+// Most elements are numbers, for which a call would cost more than the work.
+inline void zero(void* at, std::size_t size)
+{
+    if (size == 4)
+        std::memset(at, 0, 4);
+    else
+        std::memset(at, 0, size);
+}
+
 // Codes `count` elements. Storage that the pass itself allocated is `fresh`: each element is zeroed just before it is
 // coded, and after a failure so are those that were not reached, so that a release pass finds nothing undefined.
 template <class Element>
@@ -41,20 +50,13 @@ bool codeElements(Xdr* xdrs, void* first, std::uint32_t count, std::size_t size,
     const bool framed = traced && modeOf(xdrs) == Mode::decode;
     auto* at = static_cast<unsigned char*>(first);
     for (std::uint32_t i = 0; i < count; ++i, at += size) {
-        if (framed) {
-            xdrs->setLineFeed(true);
-            addMarker(xdrs, "<value>");
-            xdrs->addTab();
-        }
-        if (fresh) std::memset(at, 0, size);
+        if (framed) openValue(xdrs);
+        if (fresh) zero(at, size);
         if (!element(at)) {
             if (fresh) std::memset(at + size, 0, (count - i - 1) * size);
             return false;
         }
-        if (framed) {
-            xdrs->delTab();
-            addMarker(xdrs, "</value>");
-        }
+        if (framed) closeValue(xdrs);
     }
     if (traced) xdrs->addLine();
     return true;

@@ -20,7 +20,9 @@ public:
     bool value(const Type& type, void* object)
     {
         switch (type.kind) {
-        case TypeKind::builtin: return builtin(type, object);
+        case TypeKind::builtin:
+            if (isNumber(type)) return number(type, object);
+            [[fallthrough]];
         case TypeKind::foreign: return type.routine(xdrs, object) != 0;
         case TypeKind::enumeration: return enumeration(type, object);
         case TypeKind::structure: return structure(type, object, 0);
@@ -81,9 +83,8 @@ private:
         return type.kind == TypeKind::builtin && type.builtin != Builtin::Boolean && type.builtin != Builtin::Float;
     }
 
-    bool builtin(const Type& type, void* object)
+    bool number(const Type& type, void* object)
     {
-        if (!isNumber(type)) return type.routine(xdrs, object) != 0;
         if (mode == Mode::release) return true;
         const MovedNumber number = moveNumber(xdrs, type.builtin, object);
         if (traced) {

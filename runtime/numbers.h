@@ -23,9 +23,15 @@ template <class Value, class Unit, class Shown = Unit>
 MovedNumber moveNumber(Xdr* xdrs, void* value)
 {
     static_assert(sizeof(Unit) == 4);
+    Unit unit;
+    if constexpr (sizeof(Value) == 4) {
+        const bool moved = xdrs->Transfer(static_cast<unsigned char*>(value), 4);
+        std::memcpy(&unit, value, sizeof unit);
+        return {moved, static_cast<Shown>(unit)};
+    }
     Value held;
     std::memcpy(&held, value, sizeof held);
-    Unit unit = held;
+    unit = held;
     const bool moved = xdrs->Transfer(reinterpret_cast<unsigned char*>(&unit), 4);
     held = static_cast<Value>(unit);
     std::memcpy(value, &held, sizeof held);

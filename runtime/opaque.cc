@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <string_view>
 
 using namespace quorva;
 
@@ -30,6 +31,18 @@ int codeOpaque(Xdr* xdrs, unsigned char* bytes, std::uint32_t length, Show show)
     return xdrs->TransferWithoutSwap(padding, static_cast<unsigned short>((4 - size % 4) % 4));
 }
 
+template <class Stream>
+void addText(Stream* xdrs, std::string_view shown)
+{
+    if constexpr (ExposesSink<Stream>) {
+        xdrs->sink()->value(shown);
+    } else {
+        char text[shownCharacters + 1];
+        *std::copy(shown.begin(), shown.end(), text) = '\0';
+        xdrs->addString3(text);
+    }
+}
+
 unsigned char* newBytes(std::size_t size)
 {
     return static_cast<unsigned char*>(::operator new[](size, std::nothrow));
@@ -40,11 +53,8 @@ unsigned char* newBytes(std::size_t size)
 int XdrOpaque(Xdr* xdrs, unsigned char* bytes, std::uint32_t length)
 {
     return codeOpaque(xdrs, bytes, length, [&](unsigned short size) {
-        char text[shownCharacters + 1];
-        const std::size_t shown = std::min<std::size_t>(size, shownCharacters);
-        if (shown > 0) std::memcpy(text, bytes, shown);
-        text[shown] = '\0';
-        xdrs->addString3(text);
+        const std::string_view text(reinterpret_cast<const char*>(bytes), std::min<std::size_t>(size, shownCharacters));
+        addText(xdrs, text.substr(0, text.find('\0')));
     });
 }
 

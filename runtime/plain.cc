@@ -29,17 +29,17 @@ void move([[maybe_unused]] Stream* xdrs, [[maybe_unused]] unsigned char* at)
 
 void put(unsigned char* at, float value)
 {
-    releaseFloat();
+    printFloat();
     putUnit(at, std::bit_cast<std::uint32_t>(value));
 }
 
 void get(const unsigned char* at, float& value)
 {
-    releaseFloat();
+    printFloat();
     value = std::bit_cast<float>(getUnit(at));
 }
 
-void releaseFloat()
+void printFloat()
 {
     TRACE("In XdrFloat\n");
 }
@@ -47,6 +47,27 @@ void releaseFloat()
 // ---- Encode --------------------------------------------------------------------------------------------------------
 
 namespace {
+
+// Copies bytes, most often a few: in two steps of fixed size that may overlap, which beats a call.
+void copy(void* to, const void* from, std::size_t size)
+{
+    auto* const out = static_cast<unsigned char*>(to);
+    const auto* const in = static_cast<const unsigned char*>(from);
+    if (size > 32) {
+        std::memcpy(out, in, size);
+    } else if (size >= 16) {
+        std::memcpy(out, in, 16);
+        std::memcpy(out + size - 16, in + size - 16, 16);
+    } else if (size >= 8) {
+        std::memcpy(out, in, 8);
+        std::memcpy(out + size - 8, in + size - 8, 8);
+    } else if (size >= 4) {
+        std::memcpy(out, in, 4);
+        std::memcpy(out + size - 4, in + size - 4, 4);
+    } else {
+        for (std::size_t i = 0; i < size; ++i) out[i] = in[i];
+    }
+}
 
 // A length and the bytes; the padding is written first, so that the bytes overwrite what of it they reach.
 unsigned char* putBytes(unsigned char* at, const void* bytes, std::uint32_t length)
@@ -56,7 +77,7 @@ unsigned char* putBytes(unsigned char* at, const void* bytes, std::uint32_t leng
     if (length == 0) return at;
     const std::size_t all = padded(length);
     std::memset(at + all - 4, 0, 4);
-    std::memcpy(at, bytes, length);
+    copy(at, bytes, length);
     return at + all;
 }
 
@@ -163,7 +184,7 @@ unsigned char* Decoder::string(unsigned char* at, char*& text, std::uint32_t max
         if (length <= maximum && !lacks(at + 4, padded(length))) {
             text = static_cast<char*>(newBlock(std::size_t{length} + 1, 1));
             if (!text) return refuse(at + 4, &text + 1);
-            if (length > 0) std::memcpy(text, at + 4, length);
+            copy(text, at + 4, length);
             text[length] = '\0';
             return at + 4 + padded(length);
         }
@@ -184,7 +205,7 @@ unsigned char* Decoder::opaque(unsigned char* at, unsigned char*& bytes, std::ui
         }
         bytes = static_cast<unsigned char*>(newBlock(count, 1));
         if (!bytes) return refuse(at, &bytes + 1);
-        std::memcpy(bytes, at, count);
+        copy(bytes, at, count);
         return at + padded(count);
     }
     if (fresh) {

@@ -500,7 +500,7 @@ private:
         }
         case Coding::variableArray: return array(out, part, place);
         case Coding::optional: return optional(out, part, place);
-        case Coding::number: return out.line("quorva::releaseFloat();");
+        case Coding::number: return out.line("quorva::printFloat();");
         default: return out.line("if (!" + released(part, place) + ") return false;");
         }
     }

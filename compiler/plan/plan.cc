@@ -1,6 +1,7 @@
 // Plans the plain functions of each type.
 #include "plan.h"
 
+#include "front/resolve.h"
 #include "structure.h"
 
 #include <utility>
@@ -34,23 +35,38 @@ bool hasFunctions(const Definition& definition)
 
 Plans::Plans(const Module& module)
 {
-    std::unordered_set<const Module*> seen = {&module};
-    std::vector<const Module*> toRead = {&module};
-    while (!toRead.empty()) {
-        const Module* next = toRead.back();
-        toRead.pop_back();
-        if (next != &module && !next->requested) foreign_.insert(&next->source);
-        for (const Import& import : next->imports)
-            if (import.module && seen.insert(import.module).second) toRead.push_back(import.module);
-    }
+    std::unordered_set<const Module*> seen;
+    add(module, module, seen);
+}
+
+void Plans::add(const Module& module, const Module& user, std::unordered_set<const Module*>& seen)
+{
+    if (!seen.insert(&module).second) return;
+    for (const Import& import : module.imports)
+        if (import.module) add(*import.module, user, seen);
+    if (&module != &user && !module.requested) foreign_.insert(&module.source);
+    for (const Definition* definition : declarationOrder(typesOf(module)))
+        if (hasFunctions(*definition)) of(*definition);
 }
 
 TypePlan Plans::of(const Definition& definition)
 {
     if (const auto known = plans_.find(&definition); known != plans_.end()) return known->second;
-    const TypePlan plan = make(definition);
-    plans_[&definition] = plan;
+    const TypePlan plan = definition.kind == Kind::record
+                              ? structure(definition)
+                              : TypePlan{.hasFunctions = true, .owns = true, .isInline = isCounted(definition)};
+    plans_.emplace(&definition, plan);
     return plan;
+}
+
+// Types are planned in an order in which each follows what it refers to. What a pointer leads to and has no plan yet refers
+// back, so its size varies and it owns memory.
+Part Plans::pointedTo(const TypeRef& type)
+{
+    const TypeRef& named = behindAliases(type);
+    if (named.definition && hasFunctions(*named.definition) && !isForeign(*named.definition) && !plans_.contains(named.definition))
+        return {.coding = Coding::function, .type = named.definition, .owns = true};
+    return part(type);
 }
 
 Part Plans::part(const TypeRef& type)
@@ -93,7 +109,7 @@ Part Plans::part(const Declaration& declaration)
     case Form::bytes: return {.coding = Coding::variableOpaque, .owns = true, .bound = bound};
     case Form::list:
     case Form::optional: {
-        Part element = part(declaration.type);
+        Part element = pointedTo(declaration.type);
         if (!isLoopable(element)) return {.coding = Coding::interpreted, .owns = true};
         const Coding coding = declaration.form == Form::list ? Coding::variableArray : Coding::optional;
         Part all = {.coding = coding, .owns = true, .bound = bound};
@@ -103,14 +119,6 @@ Part Plans::part(const Declaration& declaration)
     case Form::nothing: break;
     }
     return {};
-}
-
-TypePlan Plans::make(const Definition& definition)
-{
-    // What a type reaches through itself varies in size and owns memory, whatever else it is found to be.
-    plans_[&definition] = {.hasFunctions = true, .owns = true};
-    if (definition.kind == Kind::record) return structure(definition);
-    return {.hasFunctions = hasFunctions(definition), .owns = true, .isInline = isCounted(definition)};
 }
 
 TypePlan Plans::structure(const Definition& definition)

@@ -68,9 +68,10 @@ public:
     bool isForeign(const Definition& definition) const { return foreign_.contains(definition.at.source); }
 
 private:
+    void add(const Module& module, const Module& user, std::unordered_set<const Module*>& seen);
     Part part(const TypeRef& type);
+    Part pointedTo(const TypeRef& type);
     Part array(Part element, std::uint32_t count) const;
-    TypePlan make(const Definition& definition);
     TypePlan structure(const Definition& definition);
 
     std::unordered_set<const Source*> foreign_;

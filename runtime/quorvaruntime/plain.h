@@ -4,7 +4,7 @@
 //
 //     unsigned char* encode(Encoder& out, unsigned char* at, const T& value)    memory to wire
 //     unsigned char* decode(Decoder& in, unsigned char* at, T& value)           wire to memory
-//     bool release(T& value)                                                    what a decode allocated
+//     bool release(Xdr* xdrs, T& value)                                         what a decode allocated
 //
 // `at` is the next byte of the message. Each returns the byte after the value, and null (false) when the pass has failed. They
 // know the way of success only. Where something does not fit, they hand the object over to the interpreter from that
@@ -276,8 +276,8 @@ bool releaseForeign(Xdr* xdrs, T& value, XdrRoutine routine)
 // The member `index` of `object`, by the interpreter.
 bool releaseMember(Xdr* xdrs, void* object, const Type& type, std::size_t index);
 
-// The float's diagnostic print, which every pass over one makes.
-void releaseFloat();
+// The diagnostic print that every pass over a float makes.
+void printFloat();
 
 // ---- The functions that are generated for each type ----------------------------------------------------------------
 

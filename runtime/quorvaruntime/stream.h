@@ -32,7 +32,9 @@ template <class Stream>
 concept ExposesSink = TellsTracing<Stream> && requires(Stream& xdrs, std::string_view name, std::int64_t number) {
     xdrs.sink()->open(name);
     xdrs.sink()->close(name);
-    xdrs.sink()->marker(name);
+    xdrs.sink()->openMarker(name);
+    xdrs.sink()->closeMarker(name);
+    xdrs.sink()->value(name);
     xdrs.sink()->value(number);
     xdrs.sink()->element(name, number);
     xdrs.sink()->element(name, name, number);
@@ -86,14 +88,26 @@ void showNumber(Stream* xdrs, std::int64_t number)
     }
 }
 
-// A marker around an element of an array: "<value>" or "</value>".
+// Around an element of an array that is decoded.
 template <class Stream>
-void addMarker(Stream* xdrs, std::string_view markup)
+void openValue(Stream* xdrs)
 {
+    xdrs->setLineFeed(true);
     if constexpr (ExposesSink<Stream>)
-        xdrs->sink()->marker(markup);
+        xdrs->sink()->openMarker("<value>");
     else
-        xdrs->addString(markup.data());
+        xdrs->addString("<value>");
+    xdrs->addTab();
+}
+
+template <class Stream>
+void closeValue(Stream* xdrs)
+{
+    xdrs->delTab();
+    if constexpr (ExposesSink<Stream>)
+        xdrs->sink()->closeMarker("</value>");
+    else
+        xdrs->addString("</value>");
 }
 
 // `size` zeroed bytes for an object that the caller did not bring, left in the stream's root allocation slot; null where

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <functional>
 #include <thread>
 
@@ -285,8 +286,10 @@ TEST(TraceText, elementsOfAnyLength)
 TEST(TraceText, wholeElements)
 {
     TraceText whole, calls;
+    std::deque<std::string> names;  // which the open elements keep by address
     for (std::size_t length = 1; length < 70; ++length) {
-        const std::string name(length, 'n'), inner = name + "i";
+        const std::string& name = names.emplace_back(length, 'n');
+        const std::string inner = name + "i";
         for (const std::int64_t number :
              {INT64_MIN, std::int64_t{INT32_MIN}, std::int64_t{-10}, std::int64_t{0}, std::int64_t{9}, std::int64_t{10},
               std::int64_t{99}, std::int64_t{100}, std::int64_t{UINT32_MAX}, INT64_MAX}) {
