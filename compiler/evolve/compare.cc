@@ -102,6 +102,8 @@ public:
 private:
     void add(Weight weight, const Span& before, const Span& after, std::string sentence);
     void change(Weight weight, const Span& before, const Span& after, const std::string& what);
+    void change(Weight weight, const Declaration& before, const Span& after, const std::string& what);
+    void mark(const std::string& subject, const Declaration& before, const Declaration& after, bool isChanged);
     void modules();
     void gone(const Definition& before);
     void fresh(const Definition& after);
@@ -153,6 +155,24 @@ void Comparison::change(Weight weight, const Span& before, const Span& after, co
         if (*holders_ > 1) holders = (isMore ? " (at least " : " (") + std::to_string(*holders_) + " types hold it)";
     }
     add(was_->provisional ? Weight::provisional : weight, before, after, called(*was_) + ": " + what + holders);
+}
+
+// A change of a member: nobody relies on one that was provisional.
+void Comparison::change(Weight weight, const Declaration& before, const Span& after, const std::string& what)
+{
+    change(before.provisional ? Weight::provisional : weight, before.at, after, what);
+}
+
+// Reports that a member lost its mark and is otherwise the same, or that it got one. The marks within a type that is
+// provisional as a whole say nothing.
+void Comparison::mark(const std::string& subject, const Declaration& before, const Declaration& after, bool isChanged)
+{
+    if (was_->provisional || is_->provisional) return;
+    if (before.provisional && !after.provisional && !isChanged) {
+        change(Weight::provisional, before, after.at, subject + " is settled as it was");
+    } else if (!before.provisional && after.provisional) {
+        change(Weight::provisional, before, after.at, subject + " was settled and is marked provisional");
+    }
 }
 
 // Names
@@ -254,6 +274,7 @@ void Comparison::content(const Definition& before, const Definition& after)
 void Comparison::type(const std::string& subject, const Declaration& before, const Declaration& after)
 {
     const Difference found = types_.difference(before, after);
+    mark(subject, before, after, found.any());
     if (!found.any()) return;
     const bool onlyMaximum = before.form == after.form && hasMaximum(before.form) && before.bound != after.bound &&
                              !types_.difference(singleOf(before.type), singleOf(after.type)).any();
@@ -261,7 +282,7 @@ void Comparison::type(const std::string& subject, const Declaration& before, con
         onlyMaximum ? "the maximum" + (subject.empty() ? "" : " of " + subject) + " was " +
                           std::to_string(before.bound) + ", is " + std::to_string(after.bound)
                     : subject + (subject.empty() ? "" : " ") + "was " + typeText(before) + ", is " + typeText(after);
-    change(weightOf(found), before.at, after.at, what);
+    change(weightOf(found), before, after.at, what);
 }
 
 // Structures
@@ -296,9 +317,21 @@ void Comparison::order(const std::vector<const Declaration*>& before, const std:
         if (before[at]->name != after[at]->name) elsewhere.push_back(at);
     }
     if (elsewhere.empty()) return;
+    std::unordered_set<std::string_view> provisional;
+    for (const Declaration* field : before) {
+        if (field->provisional) provisional.insert(field->name);
+    }
+    const auto settled = [&](const std::vector<const Declaration*>& fields) {
+        std::vector<std::string_view> names;
+        for (const Declaration* field : fields) {
+            if (!provisional.contains(field->name)) names.emplace_back(field->name);
+        }
+        return names;
+    };
+    const Weight weight = settled(before) == settled(after) ? Weight::provisional : Weight::wire;
     const std::size_t first = elsewhere.front();
     if (elsewhere.size() == 2) {
-        change(Weight::wire, before[first]->at, after[first]->at,
+        change(weight, before[first]->at, after[first]->at,
                "fields " + inQuotes(before[first]->name) + " and " + inQuotes(after[first]->name) +
                    " have changed places");
         return;
@@ -307,7 +340,7 @@ void Comparison::order(const std::vector<const Declaration*>& before, const std:
     for (std::size_t at = 0; at < before.size(); ++at) {
         if (!stays[at]) moved.emplace_back(before[at]->name);
     }
-    change(Weight::wire, before[first]->at, after[first]->at, "fields have moved to another place: " + list(moved));
+    change(weight, before[first]->at, after[first]->at, "fields have moved to another place: " + list(moved));
 }
 
 // Fields that stand between the same neighbours and have no namesakes on the other side.
@@ -315,7 +348,7 @@ void Comparison::exchanged(const std::vector<const Declaration*>& before, const 
 {
     if (before.size() != after.size()) {
         for (const Declaration* field : before) {
-            change(Weight::wire, field->at, is_->at, "field " + inQuotes(field->name) + " is gone");
+            change(Weight::wire, *field, is_->at, "field " + inQuotes(field->name) + " is gone");
         }
         for (const Declaration* field : after) {
             change(Weight::wire, was_->at, field->at, "field " + inQuotes(field->name) + " is new");
@@ -327,11 +360,11 @@ void Comparison::exchanged(const std::vector<const Declaration*>& before, const 
         const Declaration& is = *after[at];
         const Difference found = types_.difference(was, is);
         if (found.wire) {
-            change(weightOf(found), was.at, is.at,
+            change(weightOf(found), was, is.at,
                    "field " + inQuotes(was.name) + " of type " + typeText(was) + " gave way to " + inQuotes(is.name) +
                        " of type " + typeText(is));
         } else {
-            change(Weight::source, was.at, is.at,
+            change(Weight::source, was, is.at,
                    "field " + inQuotes(was.name) + " is named " + inQuotes(is.name) + ", in the trace, too");
         }
     }
@@ -430,9 +463,9 @@ void Comparison::armGone(const Label& before)
 {
     const std::string what = armText(*before.value, *before.declaration) + " is gone";
     if (is_->defaultArm && before.declaration->form == Form::nothing) {
-        change(Weight::trace, before.declaration->at, is_->at, what + "; its value shows as 'default'");
+        change(Weight::trace, *before.declaration, is_->at, what + "; its value shows as 'default'");
     } else {
-        change(Weight::wire, before.declaration->at, is_->at, what);
+        change(Weight::wire, *before.declaration, is_->at, what);
     }
 }
 
@@ -442,6 +475,8 @@ void Comparison::armNew(const Label& after)
     const std::string what = armText(*after.value, *after.declaration) + " is new";
     if (!was_->defaultArm) {
         change(Weight::addition, was_->at, after.declaration->at, what);
+    } else if (was_->defaultArm->declaration.provisional) {
+        change(Weight::provisional, was_->at, after.declaration->at, what);
     } else if (after.declaration->form == Form::nothing) {
         change(Weight::trace, was_->at, after.declaration->at, what + "; its value showed as 'default'");
     } else {
@@ -460,10 +495,10 @@ void Comparison::arm(const Label& before, const Label& after)
     }
     const Difference found = types_.difference(was, is);
     if (found.wire) {
-        change(weightOf(found), was.at, is.at,
+        change(weightOf(found), was, is.at,
                what + " of type " + typeText(was) + " gave way to " + inQuotes(is.name) + " of type " + typeText(is));
     } else {
-        change(Weight::source, was.at, is.at, what + " is named " + inQuotes(is.name) + ", in the trace, too");
+        change(Weight::source, was, is.at, what + " is named " + inQuotes(is.name) + ", in the trace, too");
     }
 }
 
@@ -530,7 +565,7 @@ void Comparison::arms(const Definition& before, const Definition& after)
             otherNumber.push_back(was);
             continue;
         }
-        change(Weight::wire, was.declaration->at, moved->second.declaration->at,
+        change(Weight::wire, *was.declaration, moved->second.declaration->at,
                armText(*was.value, *was.declaration) + " is under case " + moved->second.value->text);
         left.erase(moved);
     }
@@ -551,16 +586,19 @@ void Comparison::discriminated(const Definition& before, const Definition& after
     const Declaration& selector = before.discriminant;
     type("the discriminant", selector, after.discriminant);
     if (selector.name != after.discriminant.name) {
-        change(Weight::source, selector.at, after.discriminant.at,
+        change(Weight::source, selector, after.discriminant.at,
                "the discriminant " + inQuotes(selector.name) + " is named " + inQuotes(after.discriminant.name) +
                    ", in the trace, too");
     }
 
     arms(before, after);
-    if (before.defaultArm.has_value() == after.defaultArm.has_value()) return;
-    change(Weight::wire, before.defaultArm ? before.defaultArm->declaration.at : before.at,
-           after.defaultArm ? after.defaultArm->declaration.at : after.at,
-           before.defaultArm ? "the default arm is gone" : "the default arm is new");
+    if (before.defaultArm && after.defaultArm) {
+        type("the default arm", before.defaultArm->declaration, after.defaultArm->declaration);
+    } else if (before.defaultArm) {
+        change(Weight::wire, before.defaultArm->declaration, after.at, "the default arm is gone");
+    } else if (after.defaultArm) {
+        change(Weight::wire, before.at, after.defaultArm->declaration.at, "the default arm is new");
+    }
 }
 
 void Comparison::run()

@@ -16,7 +16,7 @@ struct State {
 };
 
 // Prints what is different, under one heading for each kind of consequence, and a line that counts them. The result is
-// the number of breaks: findings other than additions and changes of provisional types.
+// the number of breaks: findings other than additions and changes of what was provisional.
 std::size_t compare(const State& before, const State& after, std::ostream& out);
 
 }  // namespace quorva::compiler

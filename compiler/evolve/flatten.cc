@@ -2,6 +2,7 @@
 #include "flatten.h"
 
 #include <iterator>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -27,23 +28,44 @@ std::string text(const Declaration& declaration)
     const std::string& type = declaration.type.name;
     const std::string& name = declaration.name;
     switch (declaration.form) {
-    case Form::single: return type + " " + name + ";\n";
-    case Form::vector: return type + " " + name + "[" + bound(declaration) + "];\n";
-    case Form::list: return type + " " + name + "<" + bound(declaration) + ">;\n";
-    case Form::optional: return type + " *" + name + ";\n";
-    case Form::string: return "string " + name + "<" + bound(declaration) + ">;\n";
-    case Form::bytes: return "opaque " + name + "<" + bound(declaration) + ">;\n";
-    case Form::opaque: return "opaque " + name + "[" + bound(declaration) + "];\n";
+    case Form::single: return type + " " + name;
+    case Form::vector: return type + " " + name + "[" + bound(declaration) + "]";
+    case Form::list: return type + " " + name + "<" + bound(declaration) + ">";
+    case Form::optional: return type + " *" + name;
+    case Form::string: return "string " + name + "<" + bound(declaration) + ">";
+    case Form::bytes: return "opaque " + name + "<" + bound(declaration) + ">";
+    case Form::opaque: return "opaque " + name + "[" + bound(declaration) + "]";
     case Form::nothing: break;
     }
-    return "void;\n";
+    return "void";
+}
+
+// The provisional mark as a comment, or nothing.
+std::string mark(const std::optional<std::string>& provisional)
+{
+    if (!provisional) return "";
+    return "// @provisional" + (provisional->empty() ? "" : " " + *provisional);
+}
+
+std::string member(const std::string& labels, const Declaration& declaration)
+{
+    const std::string space = declaration.provisional ? "  " : "";
+    return "    " + labels + text(declaration) + ";" + space + mark(declaration.provisional) + "\n";
 }
 
 std::string arm(const Arm& arm)
 {
-    std::string out = "    ";
-    for (const Value& value : arm.cases) out += "case " + number(value) + ": ";
-    return out + text(arm.declaration);
+    std::string labels;
+    for (const Value& value : arm.cases) labels += "case " + number(value) + ": ";
+    return member(labels, arm.declaration);
+}
+
+// The mark of a discriminant takes the rest of its line.
+std::string unionHead(const Definition& discriminated)
+{
+    const Declaration& discriminant = discriminated.discriminant;
+    const std::string code = "union " + discriminated.name + " switch (" + text(discriminant);
+    return code + (discriminant.provisional ? "  " + mark(discriminant.provisional) + "\n" : "") + ") {\n";
 }
 
 std::string body(const Definition& definition)
@@ -57,16 +79,15 @@ std::string body(const Definition& definition)
         }
         return "enum " + definition.name + " {\n" + out + "\n};\n";
     case Kind::record:
-        for (const Declaration& field : definition.fields) out += "    " + text(field);
+        for (const Declaration& field : definition.fields) out += member("", field);
         return "struct " + definition.name + " {\n" + out + "};\n";
     case Kind::discriminated:
         for (const Arm& each : definition.arms) out += arm(each);
-        if (definition.defaultArm) out += "    default: " + text(definition.defaultArm->declaration);
-        return "union " + definition.name + " switch (" + definition.discriminant.type.name + " " +
-               definition.discriminant.name + ") {\n" + out + "};\n";
+        if (definition.defaultArm) out += member("default: ", definition.defaultArm->declaration);
+        return unionHead(definition) + out + "};\n";
     case Kind::definedAs: break;
     }
-    return "typedef " + text(definition.target);
+    return "typedef " + text(definition.target) + ";\n";
 }
 
 // The modules of a flattened file and the lines at which they begin.
@@ -83,12 +104,6 @@ std::vector<std::pair<unsigned, std::string>> moduleLines(std::string_view text)
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
     }
     return lines;
-}
-
-std::string mark(const Definition& definition)
-{
-    if (!definition.provisional) return "";
-    return "// @provisional" + (definition.provisional->empty() ? "" : " " + *definition.provisional) + "\n";
 }
 
 }  // namespace
@@ -122,7 +137,9 @@ std::string flatten(const Program& program)
     std::string out = std::string(head) + "\n";
     for (const auto& [module, definitions] : contentsOf(program)) {
         out.append("\n").append(moduleMark).append(module).append("\n");
-        for (const Definition* definition : definitions) out += "\n" + mark(*definition) + body(*definition);
+        for (const Definition* definition : definitions) {
+            out += "\n" + mark(definition->provisional) + (definition->provisional ? "\n" : "") + body(*definition);
+        }
     }
     return out;
 }

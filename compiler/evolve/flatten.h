@@ -19,7 +19,8 @@ Contents contentsOf(const Program& program);
 bool isFlattened(const Source& source);
 
 // Every module of the program, ordered by name, each behind a line with that name. Documentation is left out; of the
-// comments only the provisional marks stay. The text is an interface file itself, and flattening it changes nothing.
+// comments only the provisional marks stay, of definitions and of members. The text is an interface file itself, and
+// flattening it changes nothing.
 std::string flatten(const Program& program);
 
 }  // namespace quorva::compiler
