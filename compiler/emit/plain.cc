@@ -3,6 +3,8 @@
 #include "plan/structure.h"
 #include "text.h"
 
+#include <cstdint>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace quorva::compiler {
@@ -52,7 +54,6 @@ private:
 
     std::string type(const Declaration& declaration, const Definition& user) const;
     std::string bound(const Declaration& declaration) const;
-    std::string label(const Value& value, const Discriminant& discriminant) const;
     std::string declaration(const Declaration& declaration, const std::string& name, const Definition& user) const;
 
     std::string constant(const Definition& definition) const;
@@ -82,15 +83,6 @@ std::string Printer::bound(const Declaration& declaration) const
     const auto& written = declaration.written;
     if (written && written->owner && written->owner->kind == Kind::constant) return global(written->text);
     return std::to_string(declaration.bound);
-}
-
-std::string Printer::label(const Value& value, const Discriminant& discriminant) const
-{
-    if (discriminant.builtin == Builtin::Boolean) return value.number ? "TRUE" : "FALSE";
-    if (discriminant.enumeration)
-        for (const Enumerator& enumerator : discriminant.enumeration->enumerators)
-            if (enumerator.value.number == value.number) return global(enumerator.name);
-    return std::to_string(value.number);
 }
 
 std::string Printer::declaration(const Declaration& declaration, const std::string& name, const Definition& user) const
@@ -126,8 +118,8 @@ std::string Printer::record(const Definition& definition) const
 {
     std::string out = "struct " + global(definition.name) + " {\n";
     for (const Declaration& field : definition.fields)
-        out += blockComment(field.doc, indentWidth) + "    " +
-               declaration(field, spelled(field.name), definition) + "\n";
+        out += blockComment(docOf(field), indentWidth) + "    " + declaration(field, spelled(field.name), definition) +
+               "\n";
     return out + "};\n";
 }
 
@@ -135,17 +127,28 @@ std::string Printer::record(const Definition& definition) const
 std::string Printer::discriminated(const Definition& definition) const
 {
     const Discriminant discriminant = discriminantOf(definition);
-    std::string out = "union " + global(definition.name) + " switch (" + type(definition.discriminant, definition) +
-                      " " + spelled(definition.discriminant.name) + ") {\n";
+    std::unordered_map<std::int64_t, std::string> names;
+    if (discriminant.enumeration)
+        for (const Enumerator& each : discriminant.enumeration->enumerators)
+            names.emplace(each.value.number, global(each.name));
+    const auto label = [&](const Value& value) -> std::string {
+        if (discriminant.builtin == Builtin::Boolean) return value.number ? "TRUE" : "FALSE";
+        const auto named = names.find(value.number);
+        return named == names.end() ? std::to_string(value.number) : named->second;
+    };
+
+    const std::string told = blockComment(docOf(definition.discriminant), indentWidth);
+    std::string out = "union " + global(definition.name) + " switch (" + (told.empty() ? "" : "\n" + told + "    ") +
+                      type(definition.discriminant, definition) + " " + spelled(definition.discriminant.name) + ") {\n";
     const auto add = [&](const std::vector<const Value*>& cases, const Declaration& arm, const std::string& doc) {
-        for (const Value* value : cases) out += "case " + label(*value, discriminant) + ":\n";
+        for (const Value* value : cases) out += "case " + label(*value) + ":\n";
         out += blockComment(doc, indentWidth) + "    " + declaration(arm, spelled(arm.name), definition) + "\n";
     };
 
     for (const ArmMember& arm : armMembersOf(definition)) add(arm.cases, *arm.declaration, arm.doc);
     for (const ArmMember& arm : voidArmsOf(definition)) add(arm.cases, *arm.declaration, arm.doc);
     if (definition.defaultArm)
-        out += "default:\n" + blockComment(definition.defaultArm->declaration.doc, indentWidth) + "    void;\n";
+        out += "default:\n" + blockComment(docOf(definition.defaultArm->declaration), indentWidth) + "    void;\n";
     return out + "};\n";
 }
 
@@ -156,12 +159,7 @@ std::string Printer::definedAs(const Definition& definition) const
 
 std::string Printer::definition(const Definition& definition) const
 {
-    std::string doc = definition.doc;
-    if (definition.provisional) {
-        if (!doc.empty()) doc += '\n';
-        doc += "@provisional" + (definition.provisional->empty() ? "" : " " + *definition.provisional);
-    }
-    const std::string comment = blockComment(doc);
+    const std::string comment = blockComment(docOf(definition));
     switch (definition.kind) {
     case Kind::constant: return comment + constant(definition);
     case Kind::enumeration: return comment + enumeration(definition);
