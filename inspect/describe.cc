@@ -177,7 +177,7 @@ std::string descriptionText(const Type& type, const Catalogue& catalogue)
     std::string text = std::string(type.name) + "  " + kindName(type) + "  " + origin(type) + '\n';
     if (*said.text) text += indented(said.text);
     if (said.provisional)
-        text += indented(std::string("Provisional: ") + (*said.provisional ? said.provisional : "no published layout"));
+        text += indented(std::string("Provisional: ") + (*said.provisional ? said.provisional : "not agreed yet"));
     text += '\n';
     if (type.kind == TypeKind::typeDefinition) {
         const std::string mark = markOf(documentationOf(type, type.members.front()));

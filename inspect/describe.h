@@ -10,8 +10,8 @@
 
 namespace quorva::inspect {
 
-// One line for each type, in columns: name, kind, module, and "provisional" for an unpublished layout, or how many of
-// its members are provisional.
+// One line for each type, in columns: name, kind, module, and "provisional" for a layout that is not agreed yet, or how
+// many of its members are provisional.
 std::string typesText(std::span<const Type* const> types);
 
 // [{"name": ..., "kind": ..., "module": ..., "provisional": <reason, if any>, "provisionalMembers": [<name>, ...]},

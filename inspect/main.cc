@@ -147,8 +147,7 @@ void declareTypes(CLI::App& verb, Options& options)
     verb.add_option("--kind", options.kind, "only this kind of type")
         ->check(CLI::IsMember(std::vector<std::string>(std::begin(kindNames), std::end(kindNames))));
     verb.add_option("--module", options.module, "only of modules whose name fits this pattern, such as jobs/*");
-    verb.add_flag("--provisional", options.provisional,
-                  "only types whose layout, or that of a member, is not published");
+    verb.add_flag("--provisional", options.provisional, "only types that are provisional, as a whole or in a member");
     auto* const json = verb.add_flag("--json", options.json, "print JSON");
     verb.add_flag("--summary", options.summary, "print only how many there are")->excludes(json);
 }
