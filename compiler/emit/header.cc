@@ -114,7 +114,7 @@ void addVoidArms(std::vector<BodyLine>& lines, const Definition& definition, std
         addRemark(lines, cases + ": nothing" + (doc.empty() ? "" : "; " + doc), indent);
     };
     for (const ArmMember& arm : voidArmsOf(definition)) add(casesOf(arm.cases), arm.doc);
-    if (definition.defaultArm) add("any other value", definition.defaultArm->declaration.doc);
+    if (definition.defaultArm) add("any other value", docOf(definition.defaultArm->declaration));
 }
 
 std::string arms(const Definition& definition)

@@ -270,9 +270,10 @@ std::vector<ArmMember> voidArmsOf(const Definition& discriminated)
     std::vector<ArmMember> documented;
     for (const Arm& arm : discriminated.arms) {
         if (arm.declaration.form != Form::nothing) continue;
-        ArmMember& place = arm.declaration.doc.empty() ? undocumented : documented.emplace_back();
+        const std::string doc = docOf(arm.declaration);
+        ArmMember& place = doc.empty() ? undocumented : documented.emplace_back();
         place.declaration = &arm.declaration;
-        place.doc = arm.declaration.doc;
+        place.doc = doc;
         for (const Value& value : arm.cases) place.cases.push_back(&value);
     }
     if (undocumented.declaration) documented.push_back(undocumented);
