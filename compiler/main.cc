@@ -1,9 +1,9 @@
 // quorvaxdrc: reads interface files, reports their faults, and writes what is made from them.
-#include "front/check.h"
-#include "evolve/compare.h"
-#include "front/diagnostics.h"
 #include "emit/emit.h"
+#include "evolve/compare.h"
 #include "evolve/flatten.h"
+#include "front/check.h"
+#include "front/diagnostics.h"
 #include "front/lint.h"
 #include "front/resolve.h"
 #include "front/source.h"
@@ -285,12 +285,12 @@ Arguments ArgumentReader::read()
 void printHelp(Verb verb)
 {
     switch (verb) {
-        case Verb::generate: std::cout << generateUsage << searching << generateOptions; break;
-        case Verb::plain: std::cout << plainUsage << searching << plainOptions; break;
-        case Verb::check: std::cout << checkUsage << searching; break;
-        case Verb::lint: std::cout << lintUsage << searching; break;
-        case Verb::flatten: std::cout << flattenUsage << searching; break;
-        case Verb::compare: std::cout << compareUsage << searching; break;
+    case Verb::generate: std::cout << generateUsage << searching << generateOptions; break;
+    case Verb::plain: std::cout << plainUsage << searching << plainOptions; break;
+    case Verb::check: std::cout << checkUsage << searching; break;
+    case Verb::lint: std::cout << lintUsage << searching; break;
+    case Verb::flatten: std::cout << flattenUsage << searching; break;
+    case Verb::compare: std::cout << compareUsage << searching; break;
     }
 }
 
@@ -399,7 +399,8 @@ int generate(const Arguments& arguments, const Program& program)
         if (!isContent(path, text)) written = writeFile(path, text) && written;
     };
     for (const Module* module : modules)
-        for (const Product& product : products) put(pathOf(arguments.out, product, module->source.module), product.emit(*module));
+        for (const Product& product : products)
+            put(pathOf(arguments.out, product, module->source.module), product.emit(*module));
     put(indexPath(arguments.out), emitModuleList(modules, arguments.index.empty() ? "modules" : arguments.index));
     if (!arguments.depfile.empty()) put(arguments.depfile, dependencies(program, arguments.target));
     return written ? success : cannotRun;
@@ -408,7 +409,8 @@ int generate(const Arguments& arguments, const Program& program)
 int list(const Arguments& arguments, const SearchPath& folders)
 {
     for (const std::string& file : arguments.files) {
-        for (const Product& product : products) std::cout << pathOf(arguments.out, product, folders.moduleOf(file)) << '\n';
+        for (const Product& product : products)
+            std::cout << pathOf(arguments.out, product, folders.moduleOf(file)) << '\n';
     }
     std::cout << indexPath(arguments.out) << '\n';
     return success;
@@ -473,12 +475,12 @@ int run(const Arguments& arguments)
     const std::optional<Program> program = readInterface(arguments.files, folders, status);
     if (!program) return status;
     switch (arguments.verb) {
-        case Verb::generate: return generate(arguments, *program);
-        case Verb::plain: std::cout << emitPlain(*program, {arguments.prefix}); break;
-        case Verb::lint: return lint(*program);
-        case Verb::flatten: std::cout << flatten(*program); break;
-        case Verb::check:
-        case Verb::compare: break;
+    case Verb::generate: return generate(arguments, *program);
+    case Verb::plain: std::cout << emitPlain(*program, {arguments.prefix}); break;
+    case Verb::lint: return lint(*program);
+    case Verb::flatten: std::cout << flatten(*program); break;
+    case Verb::check:
+    case Verb::compare: break;
     }
     return success;
 }

@@ -1,7 +1,7 @@
 // The bundled stream: one pass of one routine over a caller's buffer, with an optional trace.
 //
-// The codec asks of its stream class no more than the section "The contract" below; any class that keeps it can stand in
-// (see QUORVA_PLATFORM_DIR). What follows under "Beyond the contract" is used where the class has it.
+// The codec asks of its stream class no more than the section "The contract" below; any class that keeps it can stand
+// in (see QUORVA_PLATFORM_DIR). What follows under "Beyond the contract" is used where the class has it.
 #pragma once
 
 #include "trace_text.h"
@@ -31,7 +31,8 @@ public:
     Xdr(const Xdr&) = delete;
     Xdr& operator=(const Xdr&) = delete;
 
-    // Starts a pass over `length` bytes at `buffer`, which stay the caller's and must outlive the pass. A null has none.
+    // Starts a pass over `length` bytes at `buffer`, which stay the caller's and must outlive the pass. A null has
+    // none.
     void Program(Request mode, unsigned char* buffer, unsigned short length) noexcept
     {
         streamMode = mode;
@@ -67,16 +68,46 @@ public:
         return true;
     }
 
-    void addOpenTag(const char* name) noexcept { if (trace) trace->open(name); }
-    void addCloseTag(const char* name) noexcept { if (trace) trace->close(name); }
-    void addString(const char* text) noexcept { if (trace) trace->marker(text); }
-    void addString2(const char* text) noexcept { if (trace) trace->value(text); }
-    void addString3(const char* text) noexcept { if (trace) trace->value(text); }
-    void addHexDump(unsigned char* data, unsigned short size) noexcept { if (trace) trace->hexDump(data, size); }
-    void addTab() noexcept { if (trace) trace->indent(); }
-    void delTab() noexcept { if (trace) trace->outdent(); }
-    void addLine() noexcept { if (trace) trace->endLine(); }
-    void setLineFeed(bool on) noexcept { if (trace) trace->setLineFeed(on); }
+    void addOpenTag(const char* name) noexcept
+    {
+        if (trace) trace->open(name);
+    }
+    void addCloseTag(const char* name) noexcept
+    {
+        if (trace) trace->close(name);
+    }
+    void addString(const char* text) noexcept
+    {
+        if (trace) trace->marker(text);
+    }
+    void addString2(const char* text) noexcept
+    {
+        if (trace) trace->value(text);
+    }
+    void addString3(const char* text) noexcept
+    {
+        if (trace) trace->value(text);
+    }
+    void addHexDump(unsigned char* data, unsigned short size) noexcept
+    {
+        if (trace) trace->hexDump(data, size);
+    }
+    void addTab() noexcept
+    {
+        if (trace) trace->indent();
+    }
+    void delTab() noexcept
+    {
+        if (trace) trace->outdent();
+    }
+    void addLine() noexcept
+    {
+        if (trace) trace->endLine();
+    }
+    void setLineFeed(bool on) noexcept
+    {
+        if (trace) trace->setLineFeed(on);
+    }
 
     // ---- Beyond the contract ----------------------------------------------------------------------------------------
 

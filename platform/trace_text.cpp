@@ -148,7 +148,8 @@ std::string TraceText::path() const
     for (const Element* element = elements; element != top; ++element) {
         if (!path.empty()) path += '/';
         if (element->isMarker)
-            path.append(element->name.substr(1, element->name.find('>') - 1)).append('[' + std::to_string(element->index) + ']');
+            path.append(element->name.substr(1, element->name.find('>') - 1))
+                .append('[' + std::to_string(element->index) + ']');
         else
             path.append(element->name);
     }

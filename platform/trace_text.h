@@ -8,10 +8,10 @@
 #include <string>
 #include <string_view>
 
-// Collects the trace of one pass or of several in a row. After a successful pass every element is closed; after a failed
-// one the open elements are the path to the place where it stopped. Contents are escaped, so that no string or byte of a
-// message can end an element: markup as entities; bytes that are neither printable nor part of well-formed UTF-8 as \n,
-// \r, \t or \xHH, and the backslash itself doubled.
+// Collects the trace of one pass or of several in a row. After a successful pass every element is closed; after a
+// failed one the open elements are the path to the place where it stopped. Contents are escaped, so that no string or
+// byte of a message can end an element: markup as entities; bytes that are neither printable nor part of well-formed
+// UTF-8 as \n, \r, \t or \xHH, and the backslash itself doubled.
 //
 // Running out of memory ends the collecting, never the pass: `complete()` is then false.
 class TraceText {
@@ -21,8 +21,8 @@ public:
     TraceText(const TraceText&) = delete;
     TraceText& operator=(const TraceText&) = delete;
 
-    // Opens an element, on a line of its own unless setLineFeed(false) came before. The characters of the name are kept by
-    // address until the element is closed.
+    // Opens an element, on a line of its own unless setLineFeed(false) came before. The characters of the name are kept
+    // by address until the element is closed.
     void open(std::string_view name) noexcept
     {
         char* const to = beginElement(name.size() + brackets);
@@ -44,8 +44,8 @@ public:
         written(putEndTag(to, name));
     }
 
-    // A line of markup of its own, "<value>" or "</value>", which counts as an element in `path()`. The characters of the
-    // first are kept by address until the second. `marker` takes either.
+    // A line of markup of its own, "<value>" or "</value>", which counts as an element in `path()`. The characters of
+    // the first are kept by address until the second. `marker` takes either.
     void openMarker(std::string_view markup) noexcept
     {
         char* const to = room(markup.size());
@@ -114,7 +114,8 @@ public:
         return {first + lineEnd, used() - lineEnd};
     }
 
-    // The open elements from the outermost in, separated by '/'; an element of an array shows its index: "ids/value[2]".
+    // The open elements from the outermost in, separated by '/'; an element of an array shows its index:
+    // "ids/value[2]".
     std::string path() const;
 
     // False once memory ran out: something is missing in the text.
@@ -129,7 +130,7 @@ private:
         std::uint32_t index;    // of a marker among its siblings
         std::uint32_t markers;  // opened in it so far
         bool isMarker;
-        bool parentHadLine;     // whether a line had begun in what it stands in
+        bool parentHadLine;  // whether a line had begun in what it stands in
     };
 
     static constexpr std::size_t indentWidth = 2;
@@ -254,8 +255,8 @@ private:
     bool exhausted = false;
 };
 
-// While it exists, every stream that this thread makes has the same sink: the way to the trace of passes that go through
-// the drivers, which make their own stream. Scopes nest.
+// While it exists, every stream that this thread makes has the same sink: the way to the trace of passes that go
+// through the drivers, which make their own stream. Scopes nest.
 class ScopedTrace {
 public:
     explicit ScopedTrace(TraceText& sink) noexcept;

@@ -9,7 +9,8 @@ int XdrVector(Xdr* xdrs, void* first, std::uint32_t count, std::uint32_t size, X
     return codeVector(xdrs, first, count, size, [=](void* at) { return element(xdrs, at) != 0; });
 }
 
-int XdrArray(Xdr* xdrs, void* block, std::uint16_t* count, std::uint32_t maximum, std::uint32_t size, XdrRoutine element)
+int XdrArray(Xdr* xdrs, void* block, std::uint16_t* count, std::uint32_t maximum, std::uint32_t size,
+             XdrRoutine element)
 {
     return codeArray(xdrs, block, count, maximum, size, [=](void* at) { return element(xdrs, at) != 0; });
 }

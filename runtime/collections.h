@@ -29,7 +29,7 @@ inline void store(void* place, void* pointer)
 // `count` elements of `size` bytes, not cleared; null where memory is short or the size overflows.
 inline void* newBlock(std::size_t count, std::size_t size)
 {
-    return size > SIZE_MAX / count ? nullptr : ::operator new[](count * size, std::nothrow);
+    return size > SIZE_MAX / count ? nullptr : ::operator new[](count* size, std::nothrow);
 }
 
 // Most elements are numbers, for which a call would cost more than the work.
@@ -111,10 +111,8 @@ bool codeOptional(Xdr* xdrs, void* pointer, std::size_t size, Element value)
         held = ::operator new[](size, std::nothrow);
         store(pointer, held);
         return held && value(std::memset(held, 0, size));
-    case Mode::encode:
-        return held && value(held);
-    case Mode::release:
-        break;
+    case Mode::encode: return held && value(held);
+    case Mode::release: break;
     }
     const bool result = value(held);
     ::operator delete[](held);

@@ -97,7 +97,8 @@ private:
     // A number in an element of its own, where the stream exposes its sink: most of a trace is such elements.
     bool isAddedAtOnce(const Type& type) const
     {
-        return ExposesSink<Xdr> && traced && mode != Mode::release && (type.kind == TypeKind::enumeration || isNumber(type));
+        return ExposesSink<Xdr> && traced && mode != Mode::release &&
+               (type.kind == TypeKind::enumeration || isNumber(type));
     }
 
     template <class Stream>
@@ -148,11 +149,14 @@ private:
 
     bool held(const Use& use, void* place)
     {
-        const auto element = [this, type = use.type ? &canonical(*use.type) : nullptr](void* at) { return value(*type, at); };
+        const auto element = [this, type = use.type ? &canonical(*use.type) : nullptr](void* at) {
+            return value(*type, at);
+        };
         switch (use.form) {
         case Form::single: return value(*use.type, place);
         case Form::fixedArray: return codeVector(xdrs, place, use.bound, use.type->size, element);
-        case Form::variableArray: return codeArray(xdrs, elementsAt(place), countAt(place), use.bound, use.type->size, element);
+        case Form::variableArray:
+            return codeArray(xdrs, elementsAt(place), countAt(place), use.bound, use.type->size, element);
         case Form::optional: return codeOptional(xdrs, place, use.type->size, element);
         case Form::string: return XdrString(xdrs, static_cast<char**>(place), use.bound) != 0;
         case Form::variableOpaque:

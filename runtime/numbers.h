@@ -16,9 +16,9 @@ struct MovedNumber {
     std::int64_t shown;
 };
 
-// `Unit` is the 32-bit type that a value widens to on the wire; its sign decides how it widens. `Shown` is the type that the
-// number is shown as. The unit is stored back into the value in every mode and also after a refusal, when it still is what
-// the value was.
+// `Unit` is the 32-bit type that a value widens to on the wire; its sign decides how it widens. `Shown` is the type
+// that the number is shown as. The unit is stored back into the value in every mode and also after a refusal, when it
+// still is what the value was.
 template <class Value, class Unit, class Shown = Unit>
 MovedNumber moveNumber(Xdr* xdrs, void* value)
 {
@@ -38,8 +38,8 @@ MovedNumber moveNumber(Xdr* xdrs, void* value)
     return {moved, static_cast<Shown>(unit)};
 }
 
-// A number of a built-in type other than Boolean and Float, which the trace does not show as numbers. Eight bits travel and
-// show without their sign: receivers have always read them so.
+// A number of a built-in type other than Boolean and Float, which the trace does not show as numbers. Eight bits travel
+// and show without their sign: receivers have always read them so.
 inline MovedNumber moveNumber(Xdr* xdrs, Builtin type, void* value)
 {
     switch (type) {

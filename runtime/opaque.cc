@@ -67,9 +67,7 @@ int XdrString(Xdr* xdrs, char** string, std::uint32_t maximum)
 {
     std::uint32_t length = 0;
     switch (modeOf(xdrs)) {
-    case Mode::release:
-        ::operator delete[](*string);
-        return 1;
+    case Mode::release: ::operator delete[](*string); return 1;
     case Mode::encode: {
         if (!*string) return 0;
         const std::size_t characters = std::strlen(*string);
@@ -113,9 +111,7 @@ int XdrBytes(Xdr* xdrs, unsigned char** bytes, std::uint16_t* count, std::uint32
     if (*count == 0) return 1;
 
     switch (modeOf(xdrs)) {
-    case Mode::release:
-        ::operator delete[](*bytes);
-        return 1;
+    case Mode::release: ::operator delete[](*bytes); return 1;
     case Mode::encode:
         if (!*bytes) return 0;
         break;

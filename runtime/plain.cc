@@ -98,7 +98,8 @@ unsigned char* Encoder::string(unsigned char* at, char* const& text, std::uint32
     return after(XdrString(xdrs, const_cast<char**>(&text), maximum) != 0);
 }
 
-unsigned char* Encoder::opaque(unsigned char* at, unsigned char* const& bytes, const std::uint16_t& count, std::uint32_t maximum)
+unsigned char* Encoder::opaque(unsigned char* at, unsigned char* const& bytes, const std::uint16_t& count,
+                               std::uint32_t maximum)
 {
     if (count <= maximum && !lacks(at, 4 + padded(count)) && (bytes || count == 0)) return putBytes(at, bytes, count);
     move(xdrs, at);

@@ -35,7 +35,8 @@ public:
     explicit FloatText(float number)
     {
         if (std::isfinite(number)) {
-            *std::to_chars(digits, digits + sizeof digits - 1, static_cast<double>(number), std::chars_format::fixed, 6).ptr = '\0';
+            *std::to_chars(digits, digits + sizeof digits - 1, static_cast<double>(number), std::chars_format::fixed, 6)
+                 .ptr = '\0';
         } else {
             digits[0] = std::signbit(number) ? '-' : ' ';
             std::memcpy(digits + 1, std::isnan(number) ? "nan" : "inf", 4);
@@ -49,13 +50,34 @@ private:
 
 }  // namespace
 
-int XdrLongInteger(Xdr* xdrs, void* value) { return codeNumber(xdrs, Builtin::LongInteger, value); }
-int XdrLongNatural(Xdr* xdrs, void* value) { return codeNumber(xdrs, Builtin::LongNatural, value); }
-int XdrUINT(Xdr* xdrs, void* value) { return codeNumber(xdrs, Builtin::UINT, value); }
-int XdrInteger(Xdr* xdrs, void* value) { return codeNumber(xdrs, Builtin::Integer, value); }
-int XdrNatural(Xdr* xdrs, void* value) { return codeNumber(xdrs, Builtin::Natural, value); }
-int XdrShortInteger(Xdr* xdrs, void* value) { return codeNumber(xdrs, Builtin::ShortInteger, value); }
-int XdrShortNatural(Xdr* xdrs, void* value) { return codeNumber(xdrs, Builtin::ShortNatural, value); }
+int XdrLongInteger(Xdr* xdrs, void* value)
+{
+    return codeNumber(xdrs, Builtin::LongInteger, value);
+}
+int XdrLongNatural(Xdr* xdrs, void* value)
+{
+    return codeNumber(xdrs, Builtin::LongNatural, value);
+}
+int XdrUINT(Xdr* xdrs, void* value)
+{
+    return codeNumber(xdrs, Builtin::UINT, value);
+}
+int XdrInteger(Xdr* xdrs, void* value)
+{
+    return codeNumber(xdrs, Builtin::Integer, value);
+}
+int XdrNatural(Xdr* xdrs, void* value)
+{
+    return codeNumber(xdrs, Builtin::Natural, value);
+}
+int XdrShortInteger(Xdr* xdrs, void* value)
+{
+    return codeNumber(xdrs, Builtin::ShortInteger, value);
+}
+int XdrShortNatural(Xdr* xdrs, void* value)
+{
+    return codeNumber(xdrs, Builtin::ShortNatural, value);
+}
 
 int XdrBoolean(Xdr* xdrs, void* value)
 {

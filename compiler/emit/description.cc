@@ -1,9 +1,9 @@
 // Prints the descriptions of a module's types, and the documentation that tools link beside them.
 #include "emit.h"
+#include "front/resolve.h"
 #include "names.h"
 #include "plan/plan.h"
 #include "plan/structure.h"
-#include "front/resolve.h"
 #include "text.h"
 
 #include <algorithm>
@@ -40,7 +40,9 @@ std::string joinedLines(const std::vector<std::string>& all)
 // Arrays in a namespace where only such arrays are; empty where there are none.
 std::string arrays(const std::string& space, const std::vector<std::string>& all)
 {
-    return all.empty() ? "" : "namespace quorva::" + space + " {\n\n" + joinedLines(all) + "\n}  // namespace quorva::" + space + "\n";
+    return all.empty() ? ""
+                       : "namespace quorva::" + space + " {\n\n" + joinedLines(all) +
+                             "\n}  // namespace quorva::" + space + "\n";
 }
 
 std::string arrayOf(const std::string& type, const std::string& name, const std::string& rows)
@@ -48,7 +50,8 @@ std::string arrayOf(const std::string& type, const std::string& name, const std:
     const std::string head = "constexpr ::quorva::" + type + " " + name + "[] = {";
     const bool isOne = std::ranges::count(rows, '\n') == 1;
     const std::string row = rows.substr(0, rows.size() - 1);
-    if (isOne && head.size() + row.size() < lineWidth) return head + row.substr(indentWidth, row.size() - indentWidth - 1) + "};\n";
+    if (isOne && head.size() + row.size() < lineWidth)
+        return head + row.substr(indentWidth, row.size() - indentWidth - 1) + "};\n";
     return head + "\n" + rows + "};\n";
 }
 
@@ -101,8 +104,8 @@ public:
         case Kind::enumeration: return head + "enumeration" + first + "::" + name + "String);\n";
         case Kind::record: return head + "structure" + first + members + ");\n";
         case Kind::discriminated:
-            return head + "discriminatedUnion" + first + members + ", ::quorva::cases::" + name + ", " + literal(name + "Union") +
-                   ", " + (definition.defaultArm ? "true" : "false") + ");\n";
+            return head + "discriminatedUnion" + first + members + ", ::quorva::cases::" + name + ", " +
+                   literal(name + "Union") + ", " + (definition.defaultArm ? "true" : "false") + ");\n";
         case Kind::definedAs: break;
         case Kind::constant: return "";
         }
@@ -113,8 +116,8 @@ public:
     static std::string stub(const Definition& definition)
     {
         const std::string& name = definition.name;
-        return "constexpr ::quorva::Type " + name + " = ::quorva::leaf<::" + name + ">(::quorva::TypeKind::foreign, " + literal(name) +
-               ", ::Xdr" + name + ", ::quorva::Builtin::" + builtinOf(definition) + ");\n";
+        return "constexpr ::quorva::Type " + name + " = ::quorva::leaf<::" + name + ">(::quorva::TypeKind::foreign, " +
+               literal(name) + ", ::Xdr" + name + ", ::quorva::Builtin::" + builtinOf(definition) + ");\n";
     }
 
     // Definitions of other libraries that the module's declarations name.
@@ -134,8 +137,9 @@ private:
     {
         const Form form = declaration.form;
         const bool hasBound = form != Form::single && form != Form::optional && form != Form::nothing;
-        const std::string use = "{" + (declaration.type.name.empty() ? "nullptr" : "&" + typeOf(declaration.type)) + ", " +
-                                std::to_string(hasBound ? declaration.bound : 0) + ", ::quorva::Form::" + formOf(form) + "}";
+        const std::string use = "{" + (declaration.type.name.empty() ? "nullptr" : "&" + typeOf(declaration.type)) +
+                                ", " + std::to_string(hasBound ? declaration.bound : 0) +
+                                ", ::quorva::Form::" + formOf(form) + "}";
         const bool isNamed = owner.kind != Kind::definedAs && form != Form::nothing;
         return "    {" + literal(isNamed ? declaration.name : "") + ", " + use + ", " +
                (isNamed ? "offsetof(::" + owner.name + ", " + declaration.name + ")" : "0") + "},\n";
@@ -144,8 +148,8 @@ private:
     // The built-in type that an alias names.
     static std::string builtinOf(const Definition& definition)
     {
-        static constexpr const char* names[] = {"none", "Boolean", "ShortInteger", "ShortNatural", "Integer",
-                                                "Natural", "LongInteger", "LongNatural", "UINT", "Float"};
+        static constexpr const char* names[] = {"none",    "Boolean",     "ShortInteger", "ShortNatural", "Integer",
+                                                "Natural", "LongInteger", "LongNatural",  "UINT",         "Float"};
         if (definition.kind != Kind::definedAs || definition.target.form != Form::single) return names[0];
         return names[static_cast<int>(behindAliases(definition.target.type).builtin)];
     }
@@ -173,7 +177,8 @@ std::string enumeratorRows(const Definition& definition)
     std::ranges::sort(byValue, {}, [](const Enumerator* each) { return each->value.number; });
     std::string rows;
     for (const Enumerator* each : byValue)
-        rows += "    {" + literal(each->name) + ", " + std::to_string(each->value.number) + ", " + text(each->doc) + "},\n";
+        rows +=
+            "    {" + literal(each->name) + ", " + std::to_string(each->value.number) + ", " + text(each->doc) + "},\n";
     return rows;
 }
 
@@ -212,9 +217,10 @@ std::string emitDescriptions(const Module& module)
             cases.push_back(arrayOf("Case", definition->name, DescriptionPrinter::casesOf(*definition)));
         types += printer.of(*definition);
     }
-    return sections({madeFrom(module) + "#include <" + privateHeader(module.source.module) + ">\n\n#include <cstddef>\n",
-                     stubs.empty() ? "" : "namespace quorva::foreign {\n" + stubs + "}  // namespace quorva::foreign\n",
-                     arrays("members", members), arrays("cases", cases), types});
+    return sections(
+        {madeFrom(module) + "#include <" + privateHeader(module.source.module) + ">\n\n#include <cstddef>\n",
+         stubs.empty() ? "" : "namespace quorva::foreign {\n" + stubs + "}  // namespace quorva::foreign\n",
+         arrays("members", members), arrays("cases", cases), types});
 }
 
 std::string emitDocumentation(const Module& module)
@@ -227,8 +233,9 @@ std::string emitDocumentation(const Module& module)
         const std::string said = memberRows(*definition);
         if (!named.empty()) enumerators.push_back(arrayOf("Enumerator", name, named));
         if (!said.empty()) members.push_back(arrayOf("MemberDocumentation", name, said));
-        rows += "    {&::quorva::types::" + name + ", " + std::to_string(definition->at.line) + ", " + text(definition->doc) +
-                ", " + provisional(definition->provisional) + ", " + (said.empty() ? "{}" : "::quorva::texts::" + name) + ", " +
+        rows += "    {&::quorva::types::" + name + ", " + std::to_string(definition->at.line) + ", " +
+                text(definition->doc) + ", " + provisional(definition->provisional) + ", " +
+                (said.empty() ? "{}" : "::quorva::texts::" + name) + ", " +
                 (named.empty() ? "{}" : "::quorva::enumerators::" + name) + "},\n";
     }
     const std::string identifier = identifierOf(module);
@@ -236,10 +243,12 @@ std::string emitDocumentation(const Module& module)
     return sections({madeFrom(module) + "#include <" + privateHeader(module.source.module) +
                          ">\n#include <quorvapixdr/documentation.h>\n",
                      arrays("enumerators", enumerators), arrays("texts", members),
-                     "namespace quorva::documentation {\n\n" + (rows.empty() ? "" : arrayOf("Documentation", types, rows) + "\n") +
-                         "extern const ::quorva::Module " + identifier + ";\nconstinit const ::quorva::Module " + identifier + " = {" +
-                         literal(module.source.module) + ", " + literal(module.source.module + ".x") + ",\n    " + text(module.doc) +
-                         ",\n    " + (rows.empty() ? "{}" : types) + "};\n\n}  // namespace quorva::documentation\n"});
+                     "namespace quorva::documentation {\n\n" +
+                         (rows.empty() ? "" : arrayOf("Documentation", types, rows) + "\n") +
+                         "extern const ::quorva::Module " + identifier + ";\nconstinit const ::quorva::Module " +
+                         identifier + " = {" + literal(module.source.module) + ", " +
+                         literal(module.source.module + ".x") + ",\n    " + text(module.doc) + ",\n    " +
+                         (rows.empty() ? "{}" : types) + "};\n\n}  // namespace quorva::documentation\n"});
 }
 
 std::string emitModuleList(const std::vector<const Module*>& modules, const std::string& function)
@@ -256,8 +265,8 @@ std::string emitModuleList(const std::vector<const Module*>& modules, const std:
         "namespace quorva::documentation {\n" + declared + "}\n",
         "namespace quorva {\n",
         "std::span<const Module* const> " + function + "();\n",
-        "std::span<const Module* const> " + function + "()\n{\n    static constexpr const Module* all[] = {\n" + addresses +
-            "    };\n    return all;\n}\n",
+        "std::span<const Module* const> " + function + "()\n{\n    static constexpr const Module* all[] = {\n" +
+            addresses + "    };\n    return all;\n}\n",
         "}  // namespace quorva\n",
     });
 }

@@ -29,13 +29,14 @@ public:
         line(head + " {");
         ++depth_;
     }
-    void close(const std::string& tail = "")
+    void close()
     {
         --depth_;
         const auto [from, head] = blocks_.back();
         blocks_.pop_back();
         const std::size_t contents = text_.find('\n', from) + 1;
-        if (tail.empty() && !head.starts_with("switch") && std::count(text_.begin() + static_cast<std::ptrdiff_t>(contents), text_.end(), '\n') == 1) {
+        if (!head.starts_with("switch") &&
+            std::count(text_.begin() + static_cast<std::ptrdiff_t>(contents), text_.end(), '\n') == 1) {
             const std::string statement = text_.substr(contents);
             text_.resize(from);
             const std::size_t blanks = statement.find_first_not_of(' ');
@@ -45,7 +46,7 @@ public:
                 text_ += std::string(depth_ * indentWidth, ' ') + head + "\n" + statement;
             return;
         }
-        line("}" + tail);
+        line("}");
     }
     void label(const std::string& text)
     {
@@ -54,6 +55,7 @@ public:
         ++depth_;
     }
     void add(const std::string& lines) { text_ += lines; }
+    std::size_t depth() const { return depth_; }
     const std::string& text() const { return text_; }
     // The statements one after the other, each after a blank.
     std::string asLine() const
@@ -81,9 +83,9 @@ private:
 
 // The place of a member: how the object's parts are spelled, and where a failure hands it over.
 struct Place {
-    std::string object;         // "value.id", "elements[i]"
-    const Definition* owner;    // whose object `value` is
-    std::size_t member = 0;     // index among the description's members
+    std::string object;       // "value.id", "elements[i]"
+    const Definition* owner;  // whose object `value` is
+    std::size_t member = 0;   // index among the description's members
 };
 
 std::string elementsOf(const Place& place)
@@ -139,12 +141,12 @@ protected:
         out.close();
     }
 
-    // The members from `step.first` on that form a run.
-    void run(Body& out, const std::string& verb, const Definition& structure, const Step& step)
+    // The members from `run.first` on that form a run.
+    void fixedMembers(Body& out, const std::string& verb, const Definition& structure, const Run& run)
     {
-        restIf(out, "lacks(at, " + number(step.size) + ")", {"", &structure, step.first});
+        restIf(out, "lacks(at, " + number(run.size) + ")", {"", &structure, run.first});
         std::uint64_t at = 0;
-        for (std::size_t i = step.first; i < step.first + step.count; ++i) {
+        for (std::size_t i = run.first; i < run.first + run.count; ++i) {
             const Declaration& field = structure.fields[i];
             const Part part = plans_.part(field);
             fixed(out, verb, part, "value." + field.name, offset(at));
@@ -183,15 +185,15 @@ protected:
     template <class Mode>
     void structContents(Mode& mode, Body& out, const Definition& definition, const std::string& verb)
     {
-        for (const Step& step : plans_.stepsOf(definition)) {
-            const bool isLast = step.first + step.count == definition.fields.size();
-            if (step.size != 0) {
-                run(out, verb, definition, step);
-                out.line((isLast ? "return at + " : "at += ") + number(step.size) + ";");
+        for (const Run& run : plans_.runsOf(definition)) {
+            const bool isLast = run.first + run.count == definition.fields.size();
+            if (run.size != 0) {
+                fixedMembers(out, verb, definition, run);
+                out.line((isLast ? "return at + " : "at += ") + number(run.size) + ";");
                 continue;
             }
-            const Declaration& field = definition.fields[step.first];
-            const Place place = {"value." + field.name, &definition, step.first};
+            const Declaration& field = definition.fields[run.first];
+            const Place place = {"value." + field.name, &definition, run.first};
             if (isLast)
                 mode.last(out, plans_.part(field), place);
             else
@@ -199,13 +201,14 @@ protected:
         }
     }
 
-    // A union asks at once for the room of its discriminant and of an arm of one unit, if it has such arms: where there is
-    // less, the interpreter decides.
+    // A union asks at once for the room of its discriminant and of an arm of one unit, if it has such arms: where there
+    // is less, the interpreter decides.
     template <class Mode>
     void unionContents(Mode& mode, Body& out, const Definition& definition, const std::string& verb)
     {
         const std::vector<ArmMember> arms = armMembersOf(definition);
-        const bool hasUnits = std::any_of(arms.begin(), arms.end(), [&](const ArmMember& arm) { return plans_.part(*arm.declaration).size == 4; });
+        const bool hasUnits = std::any_of(
+            arms.begin(), arms.end(), [&](const ArmMember& arm) { return plans_.part(*arm.declaration).size == 4; });
         const std::string place = "value." + definition.discriminant.name;
         restIf(out, std::string("lacks(at, ") + (hasUnits ? "8" : "4") + ")", {"", &definition, 0});
         out.line("quorva::" + verb + "(at, " + place + ");");
@@ -323,22 +326,24 @@ public:
         case Coding::variableArray: return array(out, part, place);
         case Coding::optional: return optional(out, part, place);
         case Coding::interpreted:
-            return advance(out, "out.member(at, &value, " + description(*place.owner) + ", " + number(place.member) + ")");
+            return advance(out,
+                           "out.member(at, &value, " + description(*place.owner) + ", " + number(place.member) + ")");
         default: return advance(out, next(part, place.object));
         }
     }
 
     static bool isSimple(const Part& part)
     {
-        return part.coding == Coding::foreign || part.coding == Coding::string || part.coding == Coding::variableOpaque ||
-               part.coding == Coding::function;
+        return part.coding == Coding::foreign || part.coding == Coding::string ||
+               part.coding == Coding::variableOpaque || part.coding == Coding::function;
     }
 
 private:
     void array(Body& out, const Part& part, const Place& place)
     {
         const Part& element = part.element[0];
-        restIf(out, "lacksArray(at, " + place.object + ", " + number(part.bound) + ", " + number(element.size) + ")", place);
+        restIf(out, "lacksArray(at, " + place.object + ", " + number(part.bound) + ", " + number(element.size) + ")",
+               place);
         out.line("quorva::putUnit(at, " + place.object + ".count);");
         out.line("at += 4;");
         if (element.size != 0) return fixedElements(out, "put", element, place);
@@ -406,7 +411,8 @@ public:
         case Coding::variableArray: return array(out, part, place);
         case Coding::optional: return optional(out, part, place);
         case Coding::interpreted:
-            return advance(out, "in.member(at, &value, " + description(*place.owner) + ", " + number(place.member) + ")");
+            return advance(out,
+                           "in.member(at, &value, " + description(*place.owner) + ", " + number(place.member) + ")");
         default: return advance(out, next(part, place.object));
         }
     }
@@ -474,7 +480,8 @@ public:
                 release(out, plans_.part(definition.target), {"value", &definition, 0}, 0);
             } else {
                 for (std::size_t i = 0; i < definition.fields.size(); ++i)
-                    release(out, plans_.part(definition.fields[i]), {"value." + definition.fields[i].name, &definition, i}, 0);
+                    release(out, plans_.part(definition.fields[i]),
+                            {"value." + definition.fields[i].name, &definition, i}, 0);
             }
             out.line("return true;");
         }
@@ -488,9 +495,7 @@ private:
         if (!part.owns) return;
         switch (part.coding) {
         case Coding::string: return out.line("quorva::releaseBlock(" + place.object + ");");
-        case Coding::variableOpaque:
-            refuseCount(out, part, place);
-            return releaseBlock(out, place);
+        case Coding::variableOpaque: refuseCount(out, part, place); return releaseBlock(out, place);
         case Coding::fixedArray: {
             const std::string i = index(depth);
             out.open(loop(i, number(part.bound)));
@@ -510,14 +515,16 @@ private:
         switch (part.coding) {
         case Coding::foreign: return "quorva::releaseForeign(xdrs, " + place.object + ", Xdr" + part.type->name + ")";
         case Coding::interpreted:
-            return "quorva::releaseMember(xdrs, &value, " + description(*place.owner) + ", " + number(place.member) + ")";
+            return "quorva::releaseMember(xdrs, &value, " + description(*place.owner) + ", " + number(place.member) +
+                   ")";
         default: return "quorva::plain::release(xdrs, " + place.object + ")";
         }
     }
 
     static void refuseCount(Body& out, const Part& part, const Place& place)
     {
-        if (part.bound < mostElements) out.line("if (" + place.object + ".count > " + number(part.bound) + ") return false;");
+        if (part.bound < mostElements)
+            out.line("if (" + place.object + ".count > " + number(part.bound) + ") return false;");
     }
     static void releaseBlock(Body& out, const Place& place)
     {
@@ -540,15 +547,19 @@ private:
     // The elements of a block, then the block, whether its elements could be released or not.
     void elements(Body& out, const Part& element, const std::string& all, const Place& place)
     {
-        const std::string head = "if (!quorva::releaseElements(" + all + ", [&](auto& each) ";
-        out.open(head.substr(0, head.size() - 1));
-        if (element.coding == Coding::function || element.coding == Coding::fixedStruct || element.coding == Coding::foreign) {
-            out.line("return " + released(element, {"each", place.owner, place.member}) + ";");
+        Body contents(out.depth() + 1);
+        const Place each = {"each", place.owner, place.member};
+        if (element.coding == Coding::function || element.coding == Coding::fixedStruct ||
+            element.coding == Coding::foreign) {
+            contents.line("return " + released(element, each) + ";");
         } else {
-            release(out, element, {"each", place.owner, place.member}, 1);
-            out.line("return true;");
+            release(contents, element, each, 1);
+            contents.line("return true;");
         }
-        out.close(")) return false;");
+        const bool isNamed = contents.text().find("each") != std::string::npos;
+        out.line("if (!quorva::releaseElements(" + all + ", [&](auto&" + (isNamed ? " each" : "") + ") {");
+        out.add(contents.text());
+        out.line("})) return false;");
     }
 
     void arms(Body& out, const Definition& definition)
@@ -564,8 +575,8 @@ private:
             }
             const Place at = {"value." + arm.declaration->name, &definition, armIndex(definition, *arm.declaration)};
             Body contents(2);
-            if (part.coding == Coding::function || part.coding == Coding::fixedStruct || part.coding == Coding::foreign ||
-                part.coding == Coding::interpreted) {
+            if (part.coding == Coding::function || part.coding == Coding::fixedStruct ||
+                part.coding == Coding::foreign || part.coding == Coding::interpreted) {
                 contents.line("return " + released(part, at) + ";");
             } else {
                 release(contents, part, at, 0);
@@ -604,19 +615,24 @@ private:
 
 std::string encodeHead(const Definition& definition)
 {
-    return "unsigned char* quorva::plain::encode(quorva::Encoder& out, unsigned char* at, const " + typeName(definition) + "& value)";
+    return "unsigned char* quorva::plain::encode(quorva::Encoder& out, unsigned char* at, const " +
+           typeName(definition) + "& value)";
 }
 
 std::string decodeHead(const Definition& definition)
 {
-    return "unsigned char* quorva::plain::decode(quorva::Decoder& in, unsigned char* at, " + typeName(definition) + "& value)";
+    return "unsigned char* quorva::plain::decode(quorva::Decoder& in, unsigned char* at, " + typeName(definition) +
+           "& value)";
 }
 
 // Names the parameters that the contents mention.
 std::string releaseHead(const Definition& definition, const std::string& contents)
 {
-    const auto named = [&](const std::string& name) { return contents.find(name) == std::string::npos ? "" : " " + name; };
-    return "bool quorva::plain::release(Xdr*" + named("xdrs") + ", " + typeName(definition) + "&" + named("value") + ")";
+    const auto named = [&](const std::string& name) {
+        return contents.find(name) == std::string::npos ? "" : " " + name;
+    };
+    return "bool quorva::plain::release(Xdr*" + named("xdrs") + ", " + typeName(definition) + "&" + named("value") +
+           ")";
 }
 
 std::string putHead(const Definition& definition)
@@ -717,8 +733,9 @@ std::string routine(const Definition& definition, Plans& plans)
     const TypePlan plan = hasFunctions(definition) ? plans.of(definition) : TypePlan{};
     const std::string owns = plan.owns ? "true" : "false";
     const std::string body = !plan.hasFunctions ? "interpret"
-                             : plan.size != 0   ? "codeFixed<" + typeName(definition) + ", " + number(plan.size) + ", " + owns + ">"
-                                                : "code<" + typeName(definition) + ", " + owns + ">";
+                             : plan.size != 0
+                                 ? "codeFixed<" + typeName(definition) + ", " + number(plan.size) + ", " + owns + ">"
+                                 : "code<" + typeName(definition) + ", " + owns + ">";
     const std::string head = "int Xdr" + definition.name + "(Xdr* xdrs, void* object)";
     const std::string call = "return quorva::" + body + "(xdrs, object, " + description(definition) + ");";
     const std::string line = head + " { " + call + " }\n";
@@ -734,7 +751,8 @@ std::string emitUnit(const Module& module)
     std::vector<std::string> parts = {madeFrom(module) + "#include <" + privateHeader(module.source.module) + ">\n"};
     std::string routines;
     for (const Definition* definition : typesOf(module)) {
-        if (definition->kind == Kind::enumeration) parts.push_back(heading(*definition, module) + nameFunction(*definition));
+        if (definition->kind == Kind::enumeration)
+            parts.push_back(heading(*definition, module) + nameFunction(*definition));
         if (hasFunctions(*definition) && !plans.of(*definition).isInline)
             parts.push_back(printer.of(*definition, heading(*definition, module)));
         routines += routine(*definition, plans);
@@ -759,11 +777,14 @@ std::string emitPrivateHeader(const Module& module)
         declared += printer.declared(*definition);
         if (plans.of(*definition).isInline) inlined.push_back(printer.of(*definition, heading(*definition, module)));
     }
-    for (const Definition* definition : typesOf(module)) descriptions += "extern const ::quorva::Type " + definition->name + ";\n";
+    for (const Definition* definition : typesOf(module))
+        descriptions += "extern const ::quorva::Type " + definition->name + ";\n";
     std::vector<std::string> parts = {
-        madeFrom(module) + "// What the units of one library need of each other; no part of its interface.\n#pragma once\n",
+        madeFrom(module) +
+            "// What the units of one library need of each other; no part of its interface.\n#pragma once\n",
         includes + "\n#include <quorvaruntime/plain.h>\n\n#include <cstddef>\n#include <cstdint>\n#include <span>\n",
-        descriptions.empty() ? "" : "namespace quorva::types {\n" + descriptions + "}  // namespace quorva::types\n", declared};
+        descriptions.empty() ? "" : "namespace quorva::types {\n" + descriptions + "}  // namespace quorva::types\n",
+        declared};
     parts.insert(parts.end(), inlined.begin(), inlined.end());
     return sections(parts);
 }

@@ -103,8 +103,7 @@ std::string enumeration(const Definition& definition)
 std::string record(const Definition& definition)
 {
     std::vector<BodyLine> lines;
-    for (const Declaration& field : definition.fields)
-        lines.push_back({memberOf(field), limitOf(field), docOf(field)});
+    for (const Declaration& field : definition.fields) lines.push_back({memberOf(field), limitOf(field), docOf(field)});
     return "struct " + definition.name + " {\n" + body(lines, indentWidth) + "};\n";
 }
 
@@ -123,8 +122,8 @@ std::string arms(const Definition& definition)
     std::vector<BodyLine> lines;
     for (const ArmMember& arm : armMembersOf(definition)) {
         const std::string limit = limitOf(*arm.declaration);
-        lines.push_back({memberOf(*arm.declaration),
-                         casesOf(arm.cases) + (limit.empty() ? "" : ": " + limit), arm.doc});
+        lines.push_back(
+            {memberOf(*arm.declaration), casesOf(arm.cases) + (limit.empty() ? "" : ": " + limit), arm.doc});
     }
     addVoidArms(lines, definition, indent);
     return "    union {\n" + body(lines, indent) + "    };\n";
@@ -135,8 +134,7 @@ std::string discriminated(const Definition& definition)
     const bool hasArms = !armMembersOf(definition).empty();
     std::vector<BodyLine> lines = {{memberOf(definition.discriminant), "", docOf(definition.discriminant)}};
     if (!hasArms) addVoidArms(lines, definition, indentWidth);
-    return "struct " + definition.name + " {\n" + body(lines, indentWidth) +
-           (hasArms ? arms(definition) : "") + "};\n";
+    return "struct " + definition.name + " {\n" + body(lines, indentWidth) + (hasArms ? arms(definition) : "") + "};\n";
 }
 
 std::string counted(const Definition& definition)
@@ -213,9 +211,11 @@ std::string nameFunctions(const Module& module)
 std::string routines(const Module& module)
 {
     std::string out;
-    for (const Definition* definition : typesOf(module)) out += "int Xdr" + definition->name + "(Xdr* xdrs, void* object);\n";
+    for (const Definition* definition : typesOf(module))
+        out += "int Xdr" + definition->name + "(Xdr* xdrs, void* object);\n";
     if (out.empty()) return "";
-    return "extern \"C\" {\n\n// The coding routines, each over one object of its type.\n" + out + "\n}  // extern \"C\"\n";
+    return "extern \"C\" {\n\n// The coding routines, each over one object of its type.\n" + out +
+           "\n}  // extern \"C\"\n";
 }
 
 // What a library exports, however its units are compiled.
@@ -230,7 +230,8 @@ std::string coders(const Module& module)
     std::string out;
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
-        out += "inline constexpr ::quorva::Coder<::" + name + "> " + name + " = {::Xdr" + name + ", " + literal(name) + "};\n";
+        out += "inline constexpr ::quorva::Coder<::" + name + "> " + name + " = {::Xdr" + name + ", " + literal(name) +
+               "};\n";
     }
     return out.empty() ? "" : "namespace quorva::coder {\n" + out + "}  // namespace quorva::coder\n";
 }
@@ -241,7 +242,8 @@ std::string coderChoices(const Module& module)
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
         if (!isOwnType(*definition)) continue;
-        out += "template <> inline constexpr quorva::Coder<::" + name + "> quorva::coderOf<::" + name + "> = quorva::coder::" + name + ";\n";
+        out += "template <> inline constexpr quorva::Coder<::" + name + "> quorva::coderOf<::" + name +
+               "> = quorva::coder::" + name + ";\n";
     }
     return out;
 }

@@ -31,7 +31,8 @@ inline std::string description(const Definition& definition)
 
 inline std::string madeFrom(const Module& module)
 {
-    return lineComment("Made from " + module.source.module + ".x by quorvaxdrc. Change the interface file, not this one.");
+    return lineComment("Made from " + module.source.module +
+                       ".x by quorvaxdrc. Change the interface file, not this one.");
 }
 
 }  // namespace quorva::compiler

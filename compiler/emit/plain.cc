@@ -11,8 +11,8 @@ namespace quorva::compiler {
 
 namespace {
 
-// Words that other XDR compilers keep for themselves, or that are reserved in the C which they print. What is a word of C++
-// as well has no chance to be a name here.
+// Words that other XDR compilers keep for themselves, or that are reserved in the C which they print. What is a word of
+// C++ as well has no chance to be a name here.
 bool isReserved(const std::string& name)
 {
     return name == "program" || name == "quad" || name == "restrict" || name == "version";

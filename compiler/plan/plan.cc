@@ -10,9 +10,9 @@ namespace quorva::compiler {
 
 namespace {
 
-constexpr std::uint64_t unit = 4;          // bytes
+constexpr std::uint64_t unit = 4;           // bytes
 constexpr std::uint64_t mostBytes = 65535;  // of a message; a type that always takes more is never one run
-constexpr std::size_t mostInlineSteps = 3;
+constexpr std::size_t mostInlineRuns = 3;
 constexpr std::uint64_t mostInlineBytes = 16 * unit;
 
 // What a loop over elements can code one by one, each with its own way to fail.
@@ -59,12 +59,13 @@ TypePlan Plans::of(const Definition& definition)
     return plan;
 }
 
-// Types are planned in an order in which each follows what it refers to. What a pointer leads to and has no plan yet refers
-// back, so its size varies and it owns memory.
+// Types are planned in an order in which each follows what it refers to. What a pointer leads to and has no plan yet
+// refers back, so its size varies and it owns memory.
 Part Plans::pointedTo(const TypeRef& type)
 {
     const TypeRef& named = behindAliases(type);
-    if (named.definition && hasFunctions(*named.definition) && !isForeign(*named.definition) && !plans_.contains(named.definition))
+    if (named.definition && hasFunctions(*named.definition) && !isForeign(*named.definition) &&
+        !plans_.contains(named.definition))
         return {.coding = Coding::function, .type = named.definition, .owns = true};
     return part(type);
 }
@@ -73,7 +74,8 @@ Part Plans::part(const TypeRef& type)
 {
     if (!type.definition) {
         const bool isFloat = type.builtin == Builtin::Float;
-        const bool isWord = type.builtin == Builtin::LongInteger || type.builtin == Builtin::LongNatural || type.builtin == Builtin::UINT;
+        const bool isWord = type.builtin == Builtin::LongInteger || type.builtin == Builtin::LongNatural ||
+                            type.builtin == Builtin::UINT;
         return {.coding = Coding::number, .size = unit, .owns = isFloat, .isWord = isWord, .isFloat = isFloat};
     }
     const Definition& definition = *type.definition;
@@ -82,7 +84,9 @@ Part Plans::part(const TypeRef& type)
     if (isForeign(definition)) return {.coding = Coding::foreign, .type = &definition, .owns = true};
     const TypePlan plan = of(definition);
     return {.coding = plan.size != 0 ? Coding::fixedStruct : Coding::function,
-            .type = &definition, .size = plan.size, .owns = plan.owns};
+            .type = &definition,
+            .size = plan.size,
+            .owns = plan.owns};
 }
 
 Part Plans::array(Part element, std::uint32_t count) const
@@ -132,24 +136,24 @@ TypePlan Plans::structure(const Definition& definition)
         varies = varies || each.size == 0;
     }
     if (varies || plan.size > mostBytes) plan.size = 0;
-    plan.isInline = plan.size != 0 ? plan.size <= mostInlineBytes : stepsOf(definition).size() <= mostInlineSteps;
+    plan.isInline = plan.size != 0 ? plan.size <= mostInlineBytes : runsOf(definition).size() <= mostInlineRuns;
     return plan;
 }
 
-std::vector<Step> Plans::stepsOf(const Definition& structure)
+std::vector<Run> Plans::runsOf(const Definition& structure)
 {
-    std::vector<Step> steps;
+    std::vector<Run> runs;
     for (std::size_t at = 0; at < structure.fields.size(); ++at) {
         const std::uint64_t size = part(structure.fields[at]).size;
-        const bool joins = size != 0 && !steps.empty() && steps.back().size != 0 && steps.back().size + size <= mostBytes;
+        const bool joins = size != 0 && !runs.empty() && runs.back().size != 0 && runs.back().size + size <= mostBytes;
         if (joins) {
-            ++steps.back().count;
-            steps.back().size += size;
+            ++runs.back().count;
+            runs.back().size += size;
         } else {
-            steps.push_back({at, 1, size});
+            runs.push_back({at, 1, size});
         }
     }
-    return steps;
+    return runs;
 }
 
 }  // namespace quorva::compiler

@@ -1,4 +1,5 @@
-// Decides how plain functions code each type: which members form a run of fixed size, what owns memory, what is inlined.
+// Decides how plain functions code each type: which members form a run of fixed size, what owns memory, what is
+// inlined.
 #pragma once
 
 #include "front/model.h"
@@ -40,7 +41,7 @@ struct Part {
 };
 
 // Members of a struct that are coded together: a run of fixed size, or one member whose size varies.
-struct Step {
+struct Run {
     std::size_t first = 0;  // index among the members
     std::size_t count = 0;
     std::uint64_t size = 0;  // bytes of a run on the wire; 0 of a member whose size varies
@@ -49,20 +50,20 @@ struct Step {
 // What plain functions a type has.
 struct TypePlan {
     bool hasFunctions = false;  // it has encode(), decode() and release()
-    std::uint64_t size = 0;     // bytes on the wire; 0 where that varies. A struct with a size has put() and get() as well
+    std::uint64_t size = 0;  // bytes on the wire; 0 where that varies. A struct with a size has put() and get() as well
     bool owns = false;
-    bool isInline = false;      // its functions are small enough to be inlined into callers
+    bool isInline = false;  // its functions are small enough to be inlined into callers
 };
 
-// Plans for the types that a module and its imports define. Each is made once, so that types that hold each other in many
-// ways cost no more than their number.
+// Plans for the types that a module and its imports define. Each is made once, so that types that hold each other in
+// many ways cost no more than their number.
 class Plans {
 public:
     explicit Plans(const Module& module);
 
     TypePlan of(const Definition& definition);
     Part part(const Declaration& declaration);
-    std::vector<Step> stepsOf(const Definition& structure);
+    std::vector<Run> runsOf(const Definition& structure);
 
     // True if the definition is compiled into another library.
     bool isForeign(const Definition& definition) const { return foreign_.contains(definition.at.source); }

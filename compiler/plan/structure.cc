@@ -144,11 +144,12 @@ void Order::complete(std::size_t node)
     print(node);
 }
 
-// A typedef has to be printed before its name can be used, which needs no more than the names in it; records and unions
-// can be declared ahead.
+// A typedef has to be printed before its name can be used, which needs no more than the names in it; structs, unions
+// and sequences can be declared ahead.
 void Order::name(std::size_t node)
 {
-    if (nodes_[node].definition->kind != Kind::definedAs || named_[node]) return;
+    const Definition& definition = *nodes_[node].definition;
+    if (definition.kind != Kind::definedAs || canBeForward(definition) || named_[node]) return;
     named_[node] = true;
     for (const auto& [used, byValue] : nodes_[node].uses) name(used);
     print(node);
@@ -221,8 +222,7 @@ std::vector<const Declaration*> declarationsOf(const Definition& definition)
     std::vector<const Declaration*> out;
     switch (definition.kind) {
     case Kind::constant:
-    case Kind::enumeration:
-        break;
+    case Kind::enumeration: break;
     case Kind::record:
         for (const Declaration& field : definition.fields) out.push_back(&field);
         break;
@@ -230,9 +230,7 @@ std::vector<const Declaration*> declarationsOf(const Definition& definition)
         out.push_back(&definition.discriminant);
         for (const Arm& arm : definition.arms) out.push_back(&arm.declaration);
         break;
-    case Kind::definedAs:
-        out.push_back(&definition.target);
-        break;
+    case Kind::definedAs: out.push_back(&definition.target); break;
     }
     return out;
 }

@@ -1,5 +1,5 @@
-// What plan and printers ask of the tree: which declarations a definition consists of, and in which order definitions can
-// be printed.
+// What plan and printers ask of the tree: which declarations a definition consists of, and in which order definitions
+// can be printed.
 #pragma once
 
 #include "front/model.h"

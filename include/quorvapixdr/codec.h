@@ -4,8 +4,8 @@
 //     auto reply = quorva::decode<JobSOAParameters>(message);        // released when `reply` goes
 //     reply->jobId.job
 //
-// A type is found by its C++ type. Where several interface types share one (aliases, bounded strings, bare scalars), name
-// the one that is meant: quorva::encode(number, quorva::coder::AttributeId).
+// A type is found by its C++ type. Where several interface types share one (aliases, bounded strings, bare scalars),
+// name the one that is meant: quorva::encode(number, quorva::coder::AttributeId).
 //
 // Needs exceptions and the standard library; callers without them use <quorvapixdr/drivers.h>.
 #pragma once
@@ -43,8 +43,8 @@ public:
     }
 
     const std::string& type() const { return typeName; }
-    // The open elements from the outermost in: "value[2]/value/JobUnionUnion/jobName". Empty where the platform's stream
-    // collects no trace.
+    // The open elements from the outermost in: "value[2]/value/JobUnionUnion/jobName". Empty where the platform's
+    // stream collects no trace.
     const std::string& path() const { return elementPath; }
     std::size_t offset() const { return byteOffset; }
 
@@ -54,15 +54,15 @@ private:
     std::size_t byteOffset;
 };
 
-// How one pass went, without the exceptions: the layer below `encode` and `decode`, for code that holds a routine and an
-// object whose type it does not know.
+// How one pass went, without the exceptions: the layer below `encode` and `decode`, for code that holds a routine and
+// an object whose type it does not know.
 struct Pass {
     bool succeeded = false;
     std::size_t length = 0;  // bytes written or read
 };
 
-// Runs `routine` over `object` and the `buffer`. `attach` is called with the stream before the pass, to set a trace or to
-// wrap the pass in an element. Throws only what `attach` throws.
+// Runs `routine` over `object` and the `buffer`. `attach` is called with the stream before the pass, to set a trace or
+// to wrap the pass in an element. Throws only what `attach` throws.
 template <class Attach>
 Pass runPass(Mode mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer, Attach attach)
 {
@@ -87,10 +87,15 @@ inline void releaseContents(XdrRoutine routine, void* object)
 
 // A class that collects a trace as the bundled one does.
 template <class Stream>
-concept Traceable = requires(Stream& xdrs, typename Stream::Trace& trace) {
+concept Traceable = requires(Stream& xdrs, typename Stream::Trace& trace)
+{
     xdrs.setTrace(&trace);
-    { trace.path() } -> std::convertible_to<std::string>;
-    { trace.text() } -> std::convertible_to<std::string_view>;
+    {
+        trace.path()
+        } -> std::convertible_to<std::string>;
+    {
+        trace.text()
+        } -> std::convertible_to<std::string_view>;
 };
 
 // The same with the trace in `trace`, inside an element named after the type: after a success, an XML document.
@@ -140,8 +145,8 @@ Bytes encode(T& value, Coder<T> coder = coderOf<T>, std::size_t limit = driverMe
     Bytes message(limit < longestMessage ? limit : longestMessage);
     const Pass pass = runPass(Mode::encode, coder.routine, &value, message);
     if (!pass.succeeded) {
-        const std::string path = detail::placeOf<Xdr>(
-            [&](auto attach) { runPass(Mode::encode, coder.routine, &value, message, attach); });
+        const std::string path =
+            detail::placeOf<Xdr>([&](auto attach) { runPass(Mode::encode, coder.routine, &value, message, attach); });
         throw detail::failure("encode", coder.name, path, pass.length, message.size());
     }
     message.resize(pass.length);

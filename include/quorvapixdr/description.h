@@ -1,9 +1,9 @@
 // Descriptions: what an interface file says of each type, as constant data.
 //
-// One `Type` describes each definition of an interface file and each built-in type. The interpreter codes by it, and the
-// inspector, the JSON conversion and the property tests read it; no field list is written a second time. All objects
-// are constants with static storage. Texts are zero-terminated and never null. Documentation, files and lines are in
-// <quorvapixdr/documentation.h>.
+// One `Type` describes each definition of an interface file and each built-in type. The interpreter codes by it, and
+// the inspector, the JSON conversion and the property tests read it; no field list is written a second time. All
+// objects are constants with static storage. Texts are zero-terminated and never null. Documentation, files and lines
+// are in <quorvapixdr/documentation.h>.
 #pragma once
 
 #include <quorvapixdr/primitives.h>
@@ -15,13 +15,22 @@
 
 namespace quorva {
 
-// What a definition is. An alias, a sequence, a bounded string and every other `typedef` is a `typeDefinition`; `foreign`
-// is a type of another library, of which only the routine is known.
+// What a definition is. An alias, a sequence, a bounded string and every other `typedef` is a `typeDefinition`;
+// `foreign` is a type of another library, of which only the routine is known.
 enum class TypeKind : std::uint8_t { builtin, enumeration, structure, discriminatedUnion, typeDefinition, foreign };
 
 // The built-in types, in the order of their widths; `none` for everything that an interface file defines.
 enum class Builtin : std::uint8_t {
-    none, Boolean, ShortInteger, ShortNatural, Integer, Natural, LongInteger, LongNatural, UINT, Float,
+    none,
+    Boolean,
+    ShortInteger,
+    ShortNatural,
+    Integer,
+    Natural,
+    LongInteger,
+    LongNatural,
+    UINT,
+    Float,
 };
 
 // How a declaration holds its type.
@@ -49,12 +58,14 @@ struct Use {
 struct Member {
     constexpr Member() = default;
     constexpr Member(const char* memberName, Use memberUse, std::size_t memberOffset)
-        : name(memberName), use(memberUse), offset(static_cast<std::uint32_t>(memberOffset)),
+        : name(memberName),
+          use(memberUse),
+          offset(static_cast<std::uint32_t>(memberOffset)),
           nameLength(static_cast<std::uint32_t>(std::char_traits<char>::length(memberName)))
     {
     }
 
-    const char* name = "";         // also the element in the trace; empty for a void arm and in a typedef
+    const char* name = "";  // also the element in the trace; empty for a void arm and in a typedef
     Use use;
     std::uint32_t offset = 0;      // bytes from the start of the enclosing object
     std::uint32_t nameLength = 0;  // characters
@@ -70,49 +81,72 @@ struct Type {
     const char* name = "";
     TypeKind kind = TypeKind::builtin;
     Builtin builtin = Builtin::none;
-    bool hasDefault = false;               // union: a discriminant without a case is accepted and carries nothing
-    std::uint32_t size = 0;                // sizeof the C++ type
-    std::uint32_t alignment = 0;           // alignof
+    bool hasDefault = false;      // union: a discriminant without a case is accepted and carries nothing
+    std::uint32_t size = 0;       // sizeof the C++ type
+    std::uint32_t alignment = 0;  // alignof
     XdrRoutine routine = nullptr;
     const char* (*nameOf)(int) = nullptr;  // name function of an enumeration, else null
-    std::span<const Member> members = {};  // struct: its fields; union: the discriminant, then its arms in the order of the
-                                           // file; typedef: the one that it names
-    std::span<const Case> cases = {};      // union: by value, ascending
-    const char* armElement = "";           // union: the element around the arm in the trace
+    std::span<const Member> members = {};  // struct: its fields; union: the discriminant, then its arms in the order of
+                                           // the file; typedef: the one that it names
+    std::span<const Case> cases = {};  // union: by value, ascending
+    const char* armElement = "";       // union: the element around the arm in the trace
 };
 
 // What generated code makes descriptions with, one for each kind; `T` is the C++ type.
 template <class T>
 constexpr Type enumeration(const char* name, XdrRoutine routine, const char* (*nameOf)(int))
 {
-    return {.name = name, .kind = TypeKind::enumeration, .size = sizeof(T), .alignment = alignof(T), .routine = routine, .nameOf = nameOf};
+    return {.name = name,
+            .kind = TypeKind::enumeration,
+            .size = sizeof(T),
+            .alignment = alignof(T),
+            .routine = routine,
+            .nameOf = nameOf};
 }
 
 template <class T>
 constexpr Type structure(const char* name, XdrRoutine routine, std::span<const Member> fields)
 {
-    return {.name = name, .kind = TypeKind::structure, .size = sizeof(T), .alignment = alignof(T), .routine = routine, .members = fields};
+    return {.name = name,
+            .kind = TypeKind::structure,
+            .size = sizeof(T),
+            .alignment = alignof(T),
+            .routine = routine,
+            .members = fields};
 }
 
 template <class T>
 constexpr Type discriminatedUnion(const char* name, XdrRoutine routine, std::span<const Member> members,
                                   std::span<const Case> cases, const char* armElement, bool hasDefault)
 {
-    return {.name = name, .kind = TypeKind::discriminatedUnion, .hasDefault = hasDefault, .size = sizeof(T), .alignment = alignof(T),
-            .routine = routine, .members = members, .cases = cases, .armElement = armElement};
+    return {.name = name,
+            .kind = TypeKind::discriminatedUnion,
+            .hasDefault = hasDefault,
+            .size = sizeof(T),
+            .alignment = alignof(T),
+            .routine = routine,
+            .members = members,
+            .cases = cases,
+            .armElement = armElement};
 }
 
 template <class T>
 constexpr Type typeDefinition(const char* name, XdrRoutine routine, std::span<const Member> named)
 {
-    return {.name = name, .kind = TypeKind::typeDefinition, .size = sizeof(T), .alignment = alignof(T), .routine = routine, .members = named};
+    return {.name = name,
+            .kind = TypeKind::typeDefinition,
+            .size = sizeof(T),
+            .alignment = alignof(T),
+            .routine = routine,
+            .members = named};
 }
 
 // A built-in type, or one of another library: an alias of a built-in type, or of `Builtin::none`.
 template <class T>
 constexpr Type leaf(TypeKind kind, const char* name, XdrRoutine routine, Builtin builtin)
 {
-    return {.name = name, .kind = kind, .builtin = builtin, .size = sizeof(T), .alignment = alignof(T), .routine = routine};
+    return {
+        .name = name, .kind = kind, .builtin = builtin, .size = sizeof(T), .alignment = alignof(T), .routine = routine};
 }
 
 // The description of each built-in type; those of an interface's types are declared beside them.

@@ -25,16 +25,16 @@ struct MemberDocumentation {
 // What an interface file says about one type.
 struct Documentation {
     const Type* type = nullptr;
-    unsigned line = 0;                                   // in the module's file
-    const char* text = "";                               // without the provisional mark
-    const char* provisional = nullptr;                   // the reason beside the mark; null for a settled layout
-    std::span<const MemberDocumentation> members = {};   // one for each member of the type, or none
-    std::span<const Enumerator> enumerators = {};        // of an enumeration: by value, ascending
+    unsigned line = 0;                                  // in the module's file
+    const char* text = "";                              // without the provisional mark
+    const char* provisional = nullptr;                  // the reason beside the mark; null for a settled layout
+    std::span<const MemberDocumentation> members = {};  // one for each member of the type, or none
+    std::span<const Enumerator> enumerators = {};       // of an enumeration: by value, ascending
 };
 
 struct Module {
-    const char* name = "";                      // "jobs/cover"
-    const char* file = "";                      // relative to its -I folder: "jobs/cover.x"
+    const char* name = "";  // "jobs/cover"
+    const char* file = "";  // relative to its -I folder: "jobs/cover.x"
     const char* text = "";
     std::span<const Documentation> types = {};  // in the order of the file
 };

@@ -8,8 +8,8 @@
 
 extern "C" {
 
-// Encodes `object` into `buffer` (1024 bytes, the caller's). Returns the bytes written, also when the pass failed on the
-// way; it does not tell which.
+// Encodes `object` into `buffer` (1024 bytes, the caller's). Returns the bytes written, also when the pass failed on
+// the way; it does not tell which.
 QUORVA_EXPORT unsigned short ClientsXdrSupport(XdrRoutine routine, void* object, unsigned char* buffer);
 
 // Decodes `buffer` (1024 bytes) into `object`. What it allocates belongs to the object until `XdrDeallocate`. Zero the

@@ -1,8 +1,8 @@
 // The built-in types and the routines that code them: the words in which every generated routine ends.
 //
 // Every coding routine has the type `XdrRoutine`: it takes the stream and the address of the object and returns 1 for
-// success, 0 for failure. Which way it works - encode, decode, release - is the stream's mode. A routine that is given a
-// null object allocates one (zeroed, with the scalar `operator new`) and leaves its address in the stream's
+// success, 0 for failure. Which way it works - encode, decode, release - is the stream's mode. A routine that is given
+// a null object allocates one (zeroed, with the scalar `operator new`) and leaves its address in the stream's
 // `rootAllocationSlot`; whoever owns the stream owns that object. Nothing here throws: an allocation that fails is a
 // failed pass. Failed passes release nothing; a pass in release mode over the same object does.
 #pragma once
@@ -27,9 +27,9 @@ using XdrRoutine = int (*)(Xdr*, void*);
 
 extern "C" {
 
-// Scalars: `value` points to one value of the named type, aligned for it. One unit of four bytes on the wire, the value's
-// text in the trace. When the stream refuses the unit the result is 0, and the text of the value as it stands is still
-// added. In release mode they return 1 and touch nothing.
+// Scalars: `value` points to one value of the named type, aligned for it. One unit of four bytes on the wire, the
+// value's text in the trace. When the stream refuses the unit the result is 0, and the text of the value as it stands
+// is still added. In release mode they return 1 and touch nothing.
 QUORVA_EXPORT int XdrLongInteger(Xdr* xdrs, void* value);
 QUORVA_EXPORT int XdrLongNatural(Xdr* xdrs, void* value);
 QUORVA_EXPORT int XdrUINT(Xdr* xdrs, void* value);          // 32 bits unsigned, traced as if signed
@@ -63,22 +63,23 @@ QUORVA_EXPORT int XdrBytes(Xdr* xdrs, unsigned char** bytes, std::uint16_t* coun
 // `count` elements of `size` bytes that stand one after the other at `first`; more than 65535 are refused.
 QUORVA_EXPORT int XdrVector(Xdr* xdrs, void* first, std::uint32_t count, std::uint32_t size, XdrRoutine element);
 
-// `*count` elements of `size` bytes in a block of their own, at most `maximum`. `block` is the address of the pointer to
-// the block (a `T**`). A decoded count is stored, cut to 16 bits, before it is judged; the block is allocated with the
-// array `operator new` and not cleared, but after a failure every element that was not reached is empty (all zeros).
+// `*count` elements of `size` bytes in a block of their own, at most `maximum`. `block` is the address of the pointer
+// to the block (a `T**`). A decoded count is stored, cut to 16 bits, before it is judged; the block is allocated with
+// the array `operator new` and not cleared, but after a failure every element that was not reached is empty (all
+// zeros).
 QUORVA_EXPORT int XdrArray(Xdr* xdrs, void* block, std::uint16_t* count, std::uint32_t maximum, std::uint32_t size,
                            XdrRoutine element);
 
-// A value of `size` bytes that may be absent. `pointer` is the address of the pointer to it (a `T**`), null when absent.
-// Only a presence unit whose low byte is 1 means present.
+// A value of `size` bytes that may be absent. `pointer` is the address of the pointer to it (a `T**`), null when
+// absent. Only a presence unit whose low byte is 1 means present.
 QUORVA_EXPORT int XdrPointer(Xdr* xdrs, void* pointer, std::uint32_t size, XdrRoutine value);
 
 }  // extern "C"
 
 namespace quorva {
 
-// What a pass does with an object: memory to wire, wire to memory, or release of what a decode allocated. The numbers are
-// those of the stream's mode.
+// What a pass does with an object: memory to wire, wire to memory, or release of what a decode allocated. The numbers
+// are those of the stream's mode.
 enum class Mode : std::int32_t { encode = 0, decode = 1, release = 2 };
 
 // A counted block as records and unions hold it in place: at most 65535 elements, allocated with the array

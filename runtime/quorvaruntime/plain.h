@@ -6,11 +6,13 @@
 //     unsigned char* decode(Decoder& in, unsigned char* at, T& value)           wire to memory
 //     bool release(Xdr* xdrs, T& value)                                         what a decode allocated
 //
-// `at` is the next byte of the message. Each returns the byte after the value, and null (false) when the pass has failed. They
-// know the way of success only. Where something does not fit, they hand the object over to the interpreter from that
-// member on, which fails with the same bytes, the same coded length and the same object as if it had run from the start.
+// `at` is the next byte of the message. Each returns the byte after the value, and null (false) when the pass has
+// failed. They know the way of success only. Where something does not fit, they hand the object over to the interpreter
+// from that member on, which fails with the same bytes, the same coded length and the same object as if it had run from
+// the start.
 //
-// A struct that always takes the same number of bytes has `put` and `get` instead, for callers that made sure of the room.
+// A struct that always takes the same number of bytes has `put` and `get` instead, for callers that made sure of the
+// room.
 #pragma once
 
 #include <quorvapixdr/description.h>
@@ -44,33 +46,69 @@ inline std::uint32_t getUnit(const unsigned char* at)
 }
 
 // One number as a unit. Eight bits travel without their sign: receivers have always read them so.
-inline void put(unsigned char* at, std::uint8_t value) { putUnit(at, value); }
-inline void put(unsigned char* at, std::int8_t value) { putUnit(at, static_cast<std::uint8_t>(value)); }
-inline void put(unsigned char* at, std::uint16_t value) { putUnit(at, value); }
-inline void put(unsigned char* at, std::int16_t value) { putUnit(at, static_cast<std::uint32_t>(value)); }
-inline void put(unsigned char* at, std::uint32_t value) { putUnit(at, value); }
-inline void put(unsigned char* at, std::int32_t value) { putUnit(at, static_cast<std::uint32_t>(value)); }
+inline void put(unsigned char* at, std::uint8_t value)
+{
+    putUnit(at, value);
+}
+inline void put(unsigned char* at, std::int8_t value)
+{
+    putUnit(at, static_cast<std::uint8_t>(value));
+}
+inline void put(unsigned char* at, std::uint16_t value)
+{
+    putUnit(at, value);
+}
+inline void put(unsigned char* at, std::int16_t value)
+{
+    putUnit(at, static_cast<std::uint32_t>(value));
+}
+inline void put(unsigned char* at, std::uint32_t value)
+{
+    putUnit(at, value);
+}
+inline void put(unsigned char* at, std::int32_t value)
+{
+    putUnit(at, static_cast<std::uint32_t>(value));
+}
 void put(unsigned char* at, float value);  // with the platform's diagnostic print
 
 // The same numbers back; what does not fit into the type is cut off.
-inline void get(const unsigned char* at, std::uint8_t& value) { value = static_cast<std::uint8_t>(getUnit(at)); }
-inline void get(const unsigned char* at, std::int8_t& value) { value = static_cast<std::int8_t>(getUnit(at)); }
-inline void get(const unsigned char* at, std::uint16_t& value) { value = static_cast<std::uint16_t>(getUnit(at)); }
-inline void get(const unsigned char* at, std::int16_t& value) { value = static_cast<std::int16_t>(getUnit(at)); }
-inline void get(const unsigned char* at, std::uint32_t& value) { value = getUnit(at); }
-inline void get(const unsigned char* at, std::int32_t& value) { value = static_cast<std::int32_t>(getUnit(at)); }
+inline void get(const unsigned char* at, std::uint8_t& value)
+{
+    value = static_cast<std::uint8_t>(getUnit(at));
+}
+inline void get(const unsigned char* at, std::int8_t& value)
+{
+    value = static_cast<std::int8_t>(getUnit(at));
+}
+inline void get(const unsigned char* at, std::uint16_t& value)
+{
+    value = static_cast<std::uint16_t>(getUnit(at));
+}
+inline void get(const unsigned char* at, std::int16_t& value)
+{
+    value = static_cast<std::int16_t>(getUnit(at));
+}
+inline void get(const unsigned char* at, std::uint32_t& value)
+{
+    value = getUnit(at);
+}
+inline void get(const unsigned char* at, std::int32_t& value)
+{
+    value = static_cast<std::int32_t>(getUnit(at));
+}
 void get(const unsigned char* at, float& value);
 
 // An enumeration.
 template <class E>
-    requires std::is_enum_v<E>
+requires std::is_enum_v<E>
 void put(unsigned char* at, E value)
 {
     put(at, static_cast<std::int32_t>(value));
 }
 
 template <class E>
-    requires std::is_enum_v<E>
+requires std::is_enum_v<E>
 void get(const unsigned char* at, E& value)
 {
     value = static_cast<E>(getUnit(at));
@@ -142,7 +180,8 @@ public:
     unsigned char* refuse(unsigned char* at);
 
 private:
-    unsigned char* opaque(unsigned char* at, unsigned char* const& bytes, const std::uint16_t& count, std::uint32_t maximum);
+    unsigned char* opaque(unsigned char* at, unsigned char* const& bytes, const std::uint16_t& count,
+                          std::uint32_t maximum);
     unsigned char* after(bool succeeded);
 
     Xdr* xdrs;
@@ -151,9 +190,9 @@ private:
 
 // Wire to memory.
 //
-// A block that the pass allocates is not cleared. While a pass is inside of one, `fresh` is true, and a failure leaves in
-// `stop` where the defined contents of the block end: the block is zeroed from there on, so that a release pass finds
-// nothing undefined.
+// A block that the pass allocates is not cleared. While a pass is inside of one, `fresh` is true, and a failure leaves
+// in `stop` where the defined contents of the block end: the block is zeroed from there on, so that a release pass
+// finds nothing undefined.
 class Decoder {
 public:
     Decoder(Xdr* stream, unsigned char* bufferEnd) : xdrs(stream), end(bufferEnd) {}
@@ -254,7 +293,8 @@ private:
     bool fresh = false;
 };
 
-// Releases a block alone, or after its elements, which `releaseOne` releases one by one up to the first that it refuses.
+// Releases a block alone, or after its elements, which `releaseOne` releases one by one up to the first that it
+// refuses.
 void releaseBlock(void* block);
 
 template <class Elements, class ReleaseOne>
@@ -299,8 +339,9 @@ void get(const unsigned char* at, T& value);
 // The body of any other routine.
 int interpret(Xdr* xdrs, void* object, const Type& type);
 
-// The body of the routine of a type that has plain functions: they run where nobody collects a trace and the stream exposes
-// its buffer, and the interpreter everywhere else. `Functions` has the mode's functions of the type under one name.
+// The body of the routine of a type that has plain functions: they run where nobody collects a trace and the stream
+// exposes its buffer, and the interpreter everywhere else. `Functions` has the mode's functions of the type under one
+// name.
 template <class Functions, class Stream, class T>
 int run(Stream* xdrs, T* value, const Type& type)
 {
@@ -330,8 +371,14 @@ int run(Stream* xdrs, T* value, const Type& type)
 
 template <class T, bool owns>
 struct Varying {
-    static unsigned char* encode(Encoder& out, unsigned char* at, const T& value, const Type&) { return plain::encode(out, at, value); }
-    static unsigned char* decode(Decoder& in, unsigned char* at, T& value, const Type&) { return plain::decode(in, at, value); }
+    static unsigned char* encode(Encoder& out, unsigned char* at, const T& value, const Type&)
+    {
+        return plain::encode(out, at, value);
+    }
+    static unsigned char* decode(Decoder& in, unsigned char* at, T& value, const Type&)
+    {
+        return plain::decode(in, at, value);
+    }
     static bool release(Xdr* xdrs, T& value)
     {
         if constexpr (owns) return plain::release(xdrs, value);
@@ -355,7 +402,8 @@ struct Fixed : Varying<T, owns> {
     }
 };
 
-// The body of the routine of a type whose size varies. `owns` tells whether a release pass has anything to do, or to refuse.
+// The body of the routine of a type whose size varies. `owns` tells whether a release pass has anything to do, or to
+// refuse.
 template <class T, bool owns>
 int code(Xdr* xdrs, void* object, const Type& type)
 {

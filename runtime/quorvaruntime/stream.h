@@ -15,21 +15,30 @@ namespace quorva {
 
 // A class that tells whether anybody collects the trace. Any other is always told everything.
 template <class Stream>
-concept TellsTracing = requires(const Stream& xdrs) {
-    { xdrs.tracing() } -> std::convertible_to<bool>;
+concept TellsTracing = requires(const Stream& xdrs)
+{
+    {
+        xdrs.tracing()
+        } -> std::convertible_to<bool>;
 };
 
 // A class that exposes its buffer: the next byte to move, the end, and a way to say how far bytes were moved.
 template <class Stream>
-concept ExposesBuffer = TellsTracing<Stream> && requires(Stream& xdrs, unsigned char* at) {
-    { xdrs.cursor() } -> std::same_as<unsigned char*>;
-    { xdrs.end() } -> std::same_as<unsigned char*>;
+concept ExposesBuffer = TellsTracing<Stream> && requires(Stream& xdrs, unsigned char* at)
+{
+    {
+        xdrs.cursor()
+        } -> std::same_as<unsigned char*>;
+    {
+        xdrs.end()
+        } -> std::same_as<unsigned char*>;
     xdrs.moveTo(at);
 };
 
 // A class that exposes what collects its trace: names are handed over with their length, numbers as numbers.
 template <class Stream>
-concept ExposesSink = TellsTracing<Stream> && requires(Stream& xdrs, std::string_view name, std::int64_t number) {
+concept ExposesSink = TellsTracing<Stream> && requires(Stream& xdrs, std::string_view name, std::int64_t number)
+{
     xdrs.sink()->open(name);
     xdrs.sink()->close(name);
     xdrs.sink()->openMarker(name);
@@ -110,8 +119,8 @@ void closeValue(Stream* xdrs)
         xdrs->addString("</value>");
 }
 
-// `size` zeroed bytes for an object that the caller did not bring, left in the stream's root allocation slot; null where
-// memory is short.
+// `size` zeroed bytes for an object that the caller did not bring, left in the stream's root allocation slot; null
+// where memory is short.
 void* newRoot(Xdr* xdrs, std::size_t size);
 
 }  // namespace quorva

@@ -12,7 +12,7 @@
 
 #include "table.h"
 
-#include <quorvapixdr/codec.h>
+#include <Xdr.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -69,9 +69,13 @@ void operator delete[](void* block, std::size_t) noexcept
     operator delete(block);
 }
 
+using random_interfaces::Entry;
+using random_interfaces::table;
+
 namespace {
 
 constexpr std::size_t margin = 16;
+constexpr std::size_t longestMessage = 65535;
 
 // Storage of just the size, with a margin that nobody may write into.
 class Block {
@@ -105,21 +109,33 @@ std::string hexOf(std::span<const unsigned char> bytes)
     return text;
 }
 
-enum Mode { encode, decode, release };
+enum class Mode { encode, decode, release };
+
+struct Pass {
+    bool succeeded;
+    std::size_t length;
+};
 
 // One way to run passes: bare, or with a trace. Here and below, a string that grows has a block from the start, so that
 // it does not change the number of blocks.
 struct Way {
     explicit Way(bool isTraced) : traced(isTraced) { traces.reserve(100); }
 
-    quorva::Pass run(Mode mode, const Entry& type, Block& object, std::span<unsigned char> buffer)
+    Pass run(Mode mode, const Entry& type, Block& object, std::span<unsigned char> buffer)
     {
-        const auto request = static_cast<Xdr::Request>(mode);
-        if (!traced) return quorva::runPass(request, type.routine, object.storage, buffer);
+        Xdr xdrs;
         Xdr::Trace trace;
-        const quorva::Pass pass = quorva::runTraced(request, type.routine, type.name, object.storage, buffer, trace);
-        if (pass.succeeded && mode != release) traces.append("\t").append(trace.text());
-        return pass;
+        xdrs.Program(static_cast<Xdr::Request>(mode), buffer.data(), static_cast<unsigned short>(buffer.size()));
+        if (traced) {
+            xdrs.setTrace(&trace);
+            xdrs.addOpenTag(type.name);
+        }
+        const bool succeeded = type.routine(&xdrs, object.storage) != 0;
+        if (traced && succeeded && mode != Mode::release) {
+            trace.close(type.name);
+            traces.append("\t").append(trace.text());
+        }
+        return {succeeded, xdrs.codedLength};
     }
 
     const bool traced;
@@ -136,24 +152,24 @@ std::string outcome(const Entry& type, const std::vector<unsigned char>& message
     Block wire(message.size());
     if (!message.empty()) std::memcpy(wire.storage, message.data(), message.size());
 
-    const quorva::Pass decoded = way.run(decode, type, object, wire.span());
+    const Pass decoded = way.run(Mode::decode, type, object, wire.span());
     told += decoded.succeeded ? '1' : '0';
     tell(decoded.length);
     if (decoded.succeeded) {
-        Block whole(quorva::longestMessage);
-        const quorva::Pass encoded = way.run(encode, type, object, whole.span());
+        Block whole(longestMessage);
+        const Pass encoded = way.run(Mode::encode, type, object, whole.span());
         tell(encoded.length);
         (told += ' ') += hexOf(whole.span().first(encoded.length));
         if (!encoded.succeeded) told += " (encoding fails)";
         for (const std::size_t room : {encoded.length / 2, encoded.length - 1}) {
             Block few(room);
-            const quorva::Pass cut = way.run(encode, type, object, few.span());
+            const Pass cut = way.run(Mode::encode, type, object, few.span());
             tell(cut.length);
             if (cut.succeeded) told += " (encoding into too few bytes succeeds)";
             if (!few.isIntact()) told += " (encoding writes beyond its buffer)";
         }
     }
-    way.run(release, type, object, {});
+    way.run(Mode::release, type, object, {});
     if (!object.isIntact()) told += " (something writes beyond the object)";
     if (live != before) told += " (release leaves " + std::to_string(live - before) + " blocks)";
     return told;
@@ -170,7 +186,7 @@ std::vector<unsigned char> bytesOf(const std::string& hex)
 // What the other implementation encodes after decoding the message.
 std::string peers(std::size_t index, const std::vector<unsigned char>& message)
 {
-    std::vector<unsigned char> out(quorva::longestMessage);
+    std::vector<unsigned char> out(longestMessage);
     unsigned consumed = 0;
     const int length = peerRecode(static_cast<unsigned>(index), message.data(), static_cast<unsigned>(message.size()),
                                   out.data(), static_cast<unsigned>(out.size()), &consumed);

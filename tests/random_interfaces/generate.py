@@ -73,6 +73,17 @@ class Definition(Named):
             return self.members
         return [self.discriminant, *(arm for _, arm in self.arms if arm.form != "void")] if self.kind == "union" else []
 
+    def reached(self):
+        """The definitions that this one leads to, in any number of steps."""
+        found, waiting = set(), [self]
+        while waiting:
+            made = waiting.pop()
+            for each in [*made.held(), *filter(None, [made.target])]:
+                if isinstance(each.type, Definition) and each.type not in found:
+                    found.add(each.type)
+                    waiting.append(each.type)
+        return found
+
     def behindAliases(self):
         at = self
         while isinstance(at, Definition) and at.kind == "typedef" and at.target.form == "single":
@@ -105,6 +116,9 @@ class Library:
         moduleNames = self.rng.sample(MODULES, count) if "modules" in classes else [f"m{i}/n" for i in range(count)]
         for name in moduleNames:
             self.modules.append(self.module(name))
+        vectors = [each for each in self.types() if each.kind == "typedef" and each.target.form == "vector"]
+        if any(each in each.reached() for each in vectors):
+            self.hasPeer = False  # C has no arrays of what is still to come
 
     def definitions(self):
         return [each for module in self.modules for each in module.definitions]
@@ -140,6 +154,7 @@ class Library:
         made = [Definition(self.names.draw(self.globals), kind, module) for kind in kinds]
         self.ahead = [each for each in made if each.kind in ("struct", "union", "typedef")]
         for each in made:
+            self.owner = each
             getattr(self, each.kind)(each)
             each.remark = rng.choice((None, None, "what it stands for", "@provisional until it is settled", *REMARKS))
             self.ready.append(each)
@@ -256,13 +271,12 @@ class Library:
     def declaration(self, taken, shape, room, ofTypedef=False):
         """A member, or what a typedef stands for, of at most `room` units."""
         rng = self.rng
-        name = "" if ofTypedef else self.names.draw(taken)
         form = rng.choices(list(self.FORMS), self.FORMS.values())[0]
         if shape == "lists":
             form = rng.choice(("list", "bytes", "string"))
         if shape in ("floats", "flat"):
             form = rng.choice(("single", "single", "vector"))
-        made = Declaration(name, form, tagged=rng.random() < 0.1)
+        made = Declaration("", form, tagged=rng.random() < 0.1)
         made.remark = self.remark()
         if form in ("single", "vector", "list", "optional"):
             made.type = self.type(shape, form, ofTypedef, room)
@@ -274,7 +288,10 @@ class Library:
         if form == "opaque":
             made.bound, made.written = self.bound(max(1, room * 4), fixed=True)
         if made.units() > max(room, 1):
-            made = Declaration(name, "single", "int")
+            made = Declaration("", "single", "int")
+        if not ofTypedef:
+            near = [each.name for each in (self.owner, made.type) if isinstance(each, Definition)]
+            made.name = self.names.draw(taken, near)
         return made
 
     def type(self, shape, form, ofTypedef, room):

@@ -33,8 +33,8 @@ WORDS = """About Action Alias Arm Arms Array At Attach Base Block Body Boundary 
     scope self sequence shape show size skip slot source span spelled start state step steps storage store stream
     streamMode string strings structure swap table tag tags tape target text to token trace traced tracing transfer
     type typeOf types typesOf unit units unknown untagged usage valueAt value values vector version visit walk width
-    wire write written x xdr xdrs Xdrs xdr_stream a b c e f i j k m n o q r s t u v w y z _1 _a import service
-    shortest swap_""".split()
+    wire write written x xdr xdrs Xdrs xdr_stream DiagnosticHook setDiagnosticHook longestMessage a b c e f i j k m n
+    o q r s t u v w y z _1 _a import service shortest swap_""".split()
 
 # Names that the headers of C, C++ and POSIX give to functions, types and objects at global scope.
 LIBRARY = """abort abs accept access acos alarm atan atexit atoi basename bind bsearch byte calloc chdir chmod clock
@@ -81,6 +81,8 @@ MODULES = """a_b a/b a/0b a_0b A_b a/b/c a_b/c a/b_c names primitives codec type
 RESERVED = set("""bool case const default double enum float hyper int opaque quadruple string struct switch typedef
     union unsigned void""".split())
 
+WORDS = [word for word in WORDS if word not in LIBRARY]
+
 CLASSES = {"words": (WORDS, 20), "library": (LIBRARY, 8), "keywords": (KEYWORDS, 2), "macros": (MACROS, 2)}
 ORDINARY, ECHO = 50, 15
 AFFIXES = """Xdr{} {}String {}Union {}_ {}Seq {}s {}_t k{} {}Type {}Arms {}Members describe{} trace{} xdr{} {}0 x{}
@@ -98,11 +100,14 @@ class Names:
         if "echo" in classes:
             self.classes.append((self.drawn, ECHO))
 
-    def draw(self, taken):
-        """A name that is not in `taken`, and is then."""
+    def draw(self, taken, near=()):
+        """A name that is not in `taken`, and is then; sometimes one of those `near`."""
         rng = self.rng
+        weights = [weight for _, weight in self.classes]
         for _ in range(8):
-            source = rng.choices([each for each, _ in self.classes], [weight for _, weight in self.classes])[0]
+            source = rng.choices([each for each, _ in self.classes], weights)[0]
+            if source is self.drawn and near and rng.random() < 0.15:
+                source = near
             name = rng.choice(source) if source else self.ordinary()
             if source is self.drawn and rng.random() < 0.3:
                 name = rng.choice(AFFIXES).format(name)

@@ -47,7 +47,7 @@ def arguments():
     given = parser.parse_args()
     given.include = given.include or [SOURCE / each for each in ("include", "runtime", "platform", "build/api/include")]
     given.library = given.library or [build / "lib" / each for each in
-                                      ("libQUORVAPIXDR.so", "libquorvaruntime.a", "libquorvaplatform.so")]
+                                      ("libquorvaruntime.a", "libQUORVAPIXDR.so", "libquorvaplatform.so")]
     given.work = (given.work or pathlib.Path(tempfile.mkdtemp(prefix="random_interfaces."))).resolve()
     given.work.mkdir(parents=True, exist_ok=True)
     return given

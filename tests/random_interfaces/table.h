@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+namespace random_interfaces {  // since the types of a library may have any name
+
 struct Entry {
     const char* name;
     XdrRoutine routine;
@@ -12,3 +14,5 @@ struct Entry {
 };
 
 extern const Entry table[];
+
+}  // namespace random_interfaces

@@ -32,7 +32,8 @@ POSIX = """aio.h arpa/inet.h assert.h cpio.h ctype.h dirent.h dlfcn.h errno.h fc
     strings.h sys/ipc.h sys/mman.h sys/resource.h sys/select.h sys/shm.h sys/socket.h sys/stat.h sys/time.h sys/times.h
     sys/types.h sys/uio.h sys/un.h sys/utsname.h sys/wait.h syslog.h termios.h time.h unistd.h utime.h wchar.h
     wordexp.h""".split()
-PRELUDES = [STANDARD + POSIX, POSIX + STANDARD, sorted(STANDARD + POSIX, reverse=True)]
+PRELUDES = [STANDARD + POSIX, POSIX[::-1] + STANDARD[::-1]]
+OWN = [f"#include <{each}>" for each in ("Xdr.h", "quorvapixdr/codec.h", "quorvapixdr/drivers.h")]
 
 
 class Finding(Exception):
@@ -42,7 +43,7 @@ class Finding(Exception):
         headline, details = self.args
         lines = details.split("\n")
         telling = [line for line in lines if re.search(r"\berror:|multiple definition|undefined", line)]
-        return "\n    ".join([headline, *(telling or lines)[:SHOWN]])
+        return "\n    ".join([headline, *[*dict.fromkeys(telling or lines)][:SHOWN]])
 
     def error(self):
         """The first that a compiler tells: file, line, column, sentence."""
@@ -79,7 +80,7 @@ class Trial:
         self.library = generate.Library(seed, given.names)
         self.folder = given.work / str(seed)
         self.made = self.folder / "made"  # anew in each round
-        self.prelude = given.work / f"prelude{seed % len(PRELUDES)}.h"
+        self.prelude = given.work / f"prelude{seed // 2 % len(PRELUDES)}.h"  # each with each compiler
         self.findings, self.suspects = [], {}  # what a compiler says of each suspect
         self.messages = self.renamed = self.refused = 0
         self.accepted, self.refusal = False, ""
@@ -97,20 +98,19 @@ class Trial:
             shutil.rmtree(self.folder)
 
     def tryAll(self):
-        compilers = self.given.compilers
-        programs = []
+        """One compiler, another for each seed, makes the program that is run; the others see the prelude, too."""
+        first = self.seed % len(self.given.compilers)
+        builder, *others = self.given.compilers[first:] + self.given.compilers[:first]
         with self.collecting():
             self.generate()
-            for compiler in compilers:
+            self.compileHeaders(builder)
+        for compiler in others or [builder]:
+            with self.collecting():
                 self.compileHeaders(compiler)
-        for at, compiler in enumerate(compilers if not self.findings else []):
+                self.compileWithPrelude(compiler)
+        if not self.findings:
             with self.collecting():
-                programs.append(self.build(compiler, at))
-        cases = list(self.cases()) if programs else []
-        self.messages = len(cases)
-        for at, program in enumerate(programs):
-            with self.collecting():
-                self.tryOut(program, cases, hasPeer=at == 0 and self.hasPeer())
+                self.tryOut(self.build(builder))
 
     @contextlib.contextmanager
     def collecting(self):
@@ -184,7 +184,10 @@ class Trial:
 
     def generate(self):
         out = self.made / "out"
-        command([self.given.compiler, "generate", "--out", out, *self.inputs], check="generate fails")
+        search, *files = self.inputs[1:]
+        half = len(files) // 2 if self.seed % 3 == 0 else 0  # whose types are another library's for the modules behind them
+        for some in filter(None, (files[:half], files[half:])):
+            command([self.given.compiler, "generate", "--out", out, "-I", search, *some], check="generate fails")
         self.generated = Generated(out, self.library.modules)
         self.includes = [f"-I{each}" for each in [*self.generated.folders, *self.given.include, HERE]]
 
@@ -193,16 +196,23 @@ class Trial:
                 f"{what} does not compile with {compiler}")
 
     def compileHeaders(self, compiler):
-        """Every header alone, all behind the prelude and all before it, with what callers do with them."""
+        """Every header alone, and all together, with what callers do with them."""
         headers = self.generated.headers
         alone = [self.write(f"alone{at}.cc", [header]) for at, header in enumerate(headers)]
-        behind = self.write("behind.cc", [*headers, *self.statements()])
-        before = self.write("before.cc", [*headers[::-1], f'#include "{self.prelude}"', *self.statements()])
-        for what, flags, files in (("a header alone", [], alone),
-                                   ("a header behind the prelude", precompiled(self.prelude, compiler), [behind]),
-                                   ("a header before the prelude", [], [before])):
-            with self.collecting():
-                self.compile(compiler, what, [*flags, "-fsyntax-only"], files)
+        together = self.write("together.cc", [*OWN, *headers, *self.statements()])
+        self.compile(compiler, "a header alone", ["-fsyntax-only"], alone)
+        self.compile(compiler, "a header behind the prelude", self.behindPrelude(compiler), [together])
+
+    def compileWithPrelude(self, compiler):
+        """All headers before it; what stands in units behind it."""
+        before = self.write("before.cc", [*self.generated.headers[::-1], *OWN, f'#include "{self.prelude}"',
+                                          *self.statements()])
+        self.compile(compiler, "a header before the prelude", ["-fsyntax-only"], [before])
+        self.compile(compiler, "a unit behind the prelude", self.behindPrelude(compiler),
+                     [*self.generated.units, *self.generated.ofTools])
+
+    def behindPrelude(self, compiler):
+        return [*precompiled(self.prelude, compiler), "-fsyntax-only"]
 
     def write(self, name, lines):
         path = self.made / name
@@ -221,31 +231,23 @@ class Trial:
                 said.append(f"sizeof(::{made.name}::{each.name}) > 0")
         return [f"static_assert({each});" for each in said]
 
-    def build(self, compiler, at):
-        """A program that runs the routines. One of two compilers sees the units behind the prelude as well."""
-        folder = self.made / f"objects{at}"
-        folder.mkdir()
-        units = [folder / f"{number}.cc" for number in range(len(self.generated.units))]
-        for file, unit in zip(units, self.generated.units):
+    def build(self, compiler):
+        """The program that runs the routines."""
+        objects = self.made / "objects"
+        objects.mkdir()
+        files = [objects / f"{number}.cc" for number in range(len(self.generated.units))]  # whose names do not clash
+        for file, unit in zip(files, self.generated.units):
             file.symlink_to(unit)
-        entries = [f'    {{"{each.name}", Xdr{each.name}, sizeof(::{each.name})}},' for each in self.library.types()]
-        entries = ["const Entry table[] = {", *entries, "    {nullptr, nullptr, 0},", "};"]
-        table = self.write(f"objects{at}/table.cc", [*self.generated.headers, '#include "table.h"', "", *entries])
-        with self.collecting():
-            self.compile(compiler, "a file for tools", ["-fsyntax-only"], self.generated.ofTools)
-        if (self.seed + at) % 2:
-            with self.collecting():
-                self.compile(compiler, "a unit behind the prelude",
-                             [*precompiled(self.prelude, compiler), "-fsyntax-only"], units)
-        self.compile(compiler, "a unit", ["-c", "-fvisibility=hidden"], units, folder)
-        self.compile(compiler, "the table of types", ["-c"], [table], folder)
-        objects = [*folder.glob("*.o"), self.given.work / "driver.o"]
-        libraries = [*self.given.library, *[f"-Wl,-rpath,{os.path.dirname(each)}" for each in self.given.library]]
-        if at == 0 and self.hasPeer():
-            objects += self.peer()
-            libraries.append("-ltirpc")
-        program = self.made / f"program{at}"
-        command([compiler, *self.given.flags, "-o", program, *objects, *libraries],
+        entries = [f'    {{"{each.name}", ::Xdr{each.name}, sizeof(::{each.name})}},' for each in self.library.types()]
+        files.append(self.write("objects/table.cc", [
+            *self.generated.headers, '#include "table.h"', "namespace random_interfaces {", "const Entry table[] = {",
+            *entries, "    {nullptr, nullptr, 0},", "};", "}"]))
+        self.compile(compiler, "a unit", ["-c", "-fvisibility=hidden"], files, objects)
+        self.compile(compiler, "a file for tools", ["-fsyntax-only"], self.generated.ofTools)
+        linked = [*objects.glob("*.o"), self.given.work / "driver.o", *(self.peer() if self.hasPeer() else []),
+                  *self.given.library, *[f"-Wl,-rpath,{os.path.dirname(each)}" for each in self.given.library]]
+        program = self.made / "program"
+        command([compiler, *self.given.flags, "-o", program, *linked, *["-ltirpc"] * self.hasPeer()],
                 check=f"linking with {compiler} fails")
         return program
 
@@ -282,7 +284,9 @@ class Trial:
                     other = damaged(message, rng)
                     yield number, type, other, wire.expected(type, other), None
 
-    def tryOut(self, program, cases, hasPeer):
+    def tryOut(self, program):
+        cases = list(self.cases())
+        self.messages = len(cases)
         messages = self.write("messages", [f"{number} {'v' if walk else 'd'} x{message.hex()}"
                                            for number, _, message, _, walk in cases])
         checked = self.given.valgrind and self.seed % self.given.valgrind == 0
@@ -291,7 +295,7 @@ class Trial:
         for line, (_, type, message, wanted, walk) in zip(lines, cases):
             outcome, *traces = line.split("\t")
             place = f"{type.kind} {type.name} of {type.module.name}, message {message.hex()}"
-            peers = f" {message.hex()}" if walk and hasPeer else ""
+            peers = f" {message.hex()}" if walk and self.hasPeer() else ""
             if outcome != wanted + peers:
                 raise Finding(place, f"wanted {wanted}{peers}\ntold   {line}")
             if walk:
