@@ -625,14 +625,13 @@ std::string decodeHead(const Definition& definition)
            "& value)";
 }
 
-// Names the parameters that the contents mention.
+// Names the parameters that the contents use: the stream is always the first argument of a call.
 std::string releaseHead(const Definition& definition, const std::string& contents)
 {
-    const auto named = [&](const std::string& name) {
-        return contents.find(name) == std::string::npos ? "" : " " + name;
-    };
-    return "bool quorva::plain::release(Xdr*" + named("xdrs") + ", " + typeName(definition) + "&" + named("value") +
-           ")";
+    const bool usesStream = contents.find("(xdrs, ") != std::string::npos;
+    const bool usesValue = contents.find("value") != std::string::npos;
+    return std::string("bool quorva::plain::release(Xdr*") + (usesStream ? " xdrs, " : ", ") + typeName(definition) + "&" +
+           (usesValue ? " value)" : ")");
 }
 
 std::string putHead(const Definition& definition)
@@ -686,7 +685,7 @@ public:
         const auto declare = [&](const std::string& head) { return specialisation(plan.isInline, head, ";"); };
         return (plan.size != 0 ? declare(putHead(definition)) + declare(getHead(definition))
                                : declare(encodeHead(definition)) + declare(decodeHead(definition))) +
-               (plan.owns ? declare(releaseHead(definition, "xdrs value")) : "");
+               (plan.owns ? declare(releaseHead(definition, "(xdrs, value)")) : "");
     }
 
 private:

@@ -88,7 +88,7 @@ BodyLine constant(const Definition& definition)
     const Value& value = definition.constant;
     const std::string type = value.number > std::numeric_limits<std::int32_t>::max() ? "std::uint32_t" : "std::int32_t";
     return {"inline constexpr " + type + " " + definition.name + " = " +
-                (value.isName ? std::to_string(value.number) : value.text) + ";",
+                (value.isName || value.number < 0 ? std::to_string(value.number) : value.text) + ";",
             "", docOf(definition)};
 }
 

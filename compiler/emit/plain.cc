@@ -15,7 +15,7 @@ namespace {
 // C++ as well has no chance to be a name here.
 bool isReserved(const std::string& name)
 {
-    return name == "program" || name == "quad" || name == "restrict" || name == "version";
+    return name == "program" || name == "quad" || name == "restrict" || name == "typeof" || name == "version";
 }
 
 std::string spelled(const std::string& name)

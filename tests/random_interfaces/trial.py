@@ -17,7 +17,8 @@ import wire
 HERE = pathlib.Path(__file__).resolve().parent
 SOURCE = HERE.parents[1]
 WARNINGS = "-std=c++20 -O0 -Wall -Wextra -Wpedantic -Wconversion -Werror".split()
-SHOWN = 4     # lines of a failing command's output
+SHOWN = 4     # lines of a finding's details; all of them are in findings.txt
+WIDTH = 300   # of these lines
 ROUNDS = 100  # that a library is tried in
 
 # What a caller's file may include besides, in several orders.
@@ -43,7 +44,7 @@ class Finding(Exception):
         headline, details = self.args
         lines = details.split("\n")
         telling = [line for line in lines if re.search(r"\berror:|multiple definition|undefined", line)]
-        return "\n    ".join([headline, *[*dict.fromkeys(telling or lines)][:SHOWN]])
+        return "\n    ".join(each[:WIDTH] for each in [headline, *[*dict.fromkeys(telling or lines)][:SHOWN]])
 
     def error(self):
         """The first that a compiler tells: file, line, column, sentence."""
@@ -103,13 +104,13 @@ class Trial:
         builder, *others = self.given.compilers[first:] + self.given.compilers[:first]
         with self.collecting():
             self.generate()
-            self.compileHeaders(builder)
-        for compiler in others or [builder]:
             with self.collecting():
-                self.compileHeaders(compiler)
-                self.compileWithPrelude(compiler)
-        if not self.findings:
-            with self.collecting():
+                self.compileHeaders(builder)
+            for compiler in others or [builder]:
+                with self.collecting():
+                    self.compileHeaders(compiler)
+                    self.compileWithPrelude(compiler)
+            if not self.findings:
                 self.tryOut(self.build(builder))
 
     @contextlib.contextmanager
@@ -137,11 +138,14 @@ class Trial:
             raise Suspicion()
 
     def suspected(self, file, line, column, sentence):
-        """The strange name an error points to; else those in the quotes of its sentence; else those of its line."""
+        """The strange name an error points to; else those in the quotes of its sentence; else those of its line, unless
+        it is a warning, which names do not cause."""
         path, at = pathlib.Path(file), int(column) - 1
-        text = path.read_text(errors="replace").split("\n")[int(line) - 1] if path.exists() else ""
+        text = path.read_text(errors="replace").split("\n")[int(line) - 1:][:1] if path.exists() else []
+        text = "".join(text)
         pointed = re.search(r"\w*$", text[:at])[0] + re.match(r"\w*", text[at:])[0]
-        for words in (pointed, " ".join(re.findall(r"[‘'](.*?)[’']", sentence)), text):
+        quoted = " ".join(re.findall(r"[‘'](.*?)[’']", sentence))
+        for words in (pointed, quoted, "" if "[-W" in sentence else text):
             strange = self.library.names.strange.intersection(re.findall(r"\w+", words))
             if some := sorted(word for word in strange if self.library.named(word)):
                 return some
@@ -185,7 +189,7 @@ class Trial:
     def generate(self):
         out = self.made / "out"
         search, *files = self.inputs[1:]
-        half = len(files) // 2 if self.seed % 3 == 0 else 0  # whose types are another library's for the modules behind them
+        half = len(files) // 2 if self.seed % 3 == 0 else 0  # whose types are another library's for those behind them
         for some in filter(None, (files[:half], files[half:])):
             command([self.given.compiler, "generate", "--out", out, "-I", search, *some], check="generate fails")
         self.generated = Generated(out, self.library.modules)
@@ -291,7 +295,7 @@ class Trial:
                                            for number, _, message, _, walk in cases])
         checked = self.given.valgrind and self.seed % self.given.valgrind == 0
         done = command([*["valgrind", "-q", "--error-exitcode=9"] * bool(checked), program, messages])
-        lines = done.stdout.split("\n")
+        lines = done.stdout.split("\n")[:-1]
         for line, (_, type, message, wanted, walk) in zip(lines, cases):
             outcome, *traces = line.split("\t")
             place = f"{type.kind} {type.name} of {type.module.name}, message {message.hex()}"
@@ -300,8 +304,8 @@ class Trial:
                 raise Finding(place, f"wanted {wanted}{peers}\ntold   {line}")
             if walk:
                 judgeTraces(place, type, walk, traces)
-        if done.returncode != 0 or len(lines) != len(cases) + 1:
-            _, type, message, *_ = cases[min(len(lines), len(cases)) - 1]
+        if done.returncode != 0 or len(lines) < len(cases):
+            _, type, message, *_ = cases[min(len(lines), len(cases) - 1)]
             raise Finding(f"the program ends at {type.name}, message {message.hex()}, status {done.returncode}",
                           done.stdout[-500:])
 
