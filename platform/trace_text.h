@@ -103,7 +103,7 @@ public:
         if (tabs-- > 0) blanks -= indentWidth;
     }
 
-    // Whether the next element begins a line.
+    // True: the next element begins a line. False: it stays on the line of its parent.
     void setLineFeed(bool on) noexcept { lineFeed = on; }
     void endLine() noexcept { lineFeed = true; }
 

@@ -10,7 +10,7 @@
 
 namespace quorva {
 
-// Whether a number's unit was moved, and the number that the trace shows.
+// The result of moving one number: `moved` is false if the stream refused the unit; the trace shows `shown`.
 struct MovedNumber {
     bool moved;
     std::int64_t shown;

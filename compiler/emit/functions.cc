@@ -168,71 +168,6 @@ protected:
         out.close();
     }
 
-    // A whole type: the statements that code `value`, which end with a return.
-    template <class Mode>
-    std::string contents(Mode& mode, const Definition& definition, const std::string& verb)
-    {
-        Body out;
-        if (definition.kind == Kind::discriminated)
-            unionContents(mode, out, definition, verb);
-        else if (isCounted(definition))
-            mode.last(out, plans_.part(definition.target), {"value", &definition});
-        else
-            structContents(mode, out, definition, verb);
-        return out.text();
-    }
-
-    template <class Mode>
-    void structContents(Mode& mode, Body& out, const Definition& definition, const std::string& verb)
-    {
-        for (const Run& run : plans_.runsOf(definition)) {
-            const bool isLast = run.first + run.count == definition.fields.size();
-            if (run.size != 0) {
-                fixedMembers(out, verb, definition, run);
-                out.line((isLast ? "return at + " : "at += ") + number(run.size) + ";");
-                continue;
-            }
-            const Declaration& field = definition.fields[run.first];
-            const Place place = {"value." + field.name, &definition, run.first};
-            if (isLast)
-                mode.last(out, plans_.part(field), place);
-            else
-                mode.varying(out, plans_.part(field), place, 0);
-        }
-    }
-
-    // A union asks at once for the room of its discriminant and of an arm of one unit, if it has such arms: where there
-    // is less, the interpreter decides.
-    template <class Mode>
-    void unionContents(Mode& mode, Body& out, const Definition& definition, const std::string& verb)
-    {
-        const std::vector<ArmMember> arms = armMembersOf(definition);
-        const bool hasUnits = std::any_of(
-            arms.begin(), arms.end(), [&](const ArmMember& arm) { return plans_.part(*arm.declaration).size == 4; });
-        const std::string place = "value." + definition.discriminant.name;
-        restIf(out, std::string("lacks(at, ") + (hasUnits ? "8" : "4") + ")", {"", &definition, 0});
-        out.line("quorva::" + verb + "(at, " + place + ");");
-        out.line("at += 4;");
-        out.open("switch (" + switchOn(definition, place) + ")");
-        for (const ArmMember& arm : arms) {
-            const Place at = {"value." + arm.declaration->name, &definition, armIndex(definition, *arm.declaration)};
-            const Part part = plans_.part(*arm.declaration);
-            Body contents(2);
-            if (part.size != 0) {
-                if (part.size != 4) restIf(contents, "lacks(at, " + number(part.size) + ")", at);
-                fixed(contents, verb, part, at.object, "at");
-                contents.line("return at + " + number(part.size) + ";");
-            } else {
-                mode.last(contents, part, at);
-            }
-            armOf(out, arm.cases, contents);
-        }
-        voidArms(out, definition);
-        if (definition.defaultArm) out.label("default: return at;");
-        out.close();
-        if (!definition.defaultArm) out.line("return " + mode.refusal(place) + ";");
-    }
-
     // The labels of an arm and its statements, on one line where they fit.
     static void armOf(Body& out, const std::vector<const Value*>& cases, const Body& contents)
     {
@@ -283,34 +218,51 @@ protected:
     const std::string stream_;
 };
 
-// ---- Encode --------------------------------------------------------------------------------------------------------
+// ---- Encode and decode ---------------------------------------------------------------------------------------------
 
-class EncodePrinter : Printer {
+// What encode() and decode() of a type have in common.
+class ModePrinter : protected Printer {
 public:
-    explicit EncodePrinter(Plans& plans) : Printer(plans, "out") {}
+    // `function` is encode or decode, and `verb` put or get.
+    ModePrinter(Plans& plans, const std::string& stream, const std::string& function, const std::string& verb)
+        : Printer(plans, stream), function_(function), verb_(verb)
+    {
+    }
+    virtual ~ModePrinter() = default;
 
-    std::string contents(const Definition& definition) { return Printer::contents(*this, definition, "put"); }
+    // A whole type: the statements that code `value`, which end with a return.
+    std::string contents(const Definition& definition)
+    {
+        Body out;
+        if (definition.kind == Kind::discriminated)
+            unionContents(out, definition);
+        else if (isCounted(definition))
+            last(out, plans_.part(definition.target), {"value", &definition});
+        else
+            structContents(out, definition);
+        return out.text();
+    }
+
+protected:
+    // A block or an optional value; `at` is null or has moved on.
+    virtual void array(Body& out, const Part& part, const Place& place) = 0;
+    virtual void optional(Body& out, const Part& part, const Place& place) = 0;
+
+    // What a union returns whose discriminant selects no arm.
+    virtual std::string refusal(const std::string& discriminant) const = 0;
 
     // An expression for the byte after a value that can fail by itself.
     std::string next(const Part& part, const std::string& object) const
     {
+        const std::string head = stream_ + ".";
+        const std::string value = "(at, " + object + ", ";
         switch (part.coding) {
-        case Coding::foreign: return "out.foreign(at, &" + object + ", Xdr" + part.type->name + ")";
-        case Coding::string: return "out.string(at, " + object + ", " + number(part.bound) + ")";
-        case Coding::variableOpaque: return "out.opaque(at, " + object + ", " + number(part.bound) + ")";
-        default: return "quorva::plain::encode(out, at, " + object + ")";
+        case Coding::foreign: return head + "foreign" + value + "Xdr" + part.type->name + ")";
+        case Coding::string: return head + "string" + value + number(part.bound) + ")";
+        case Coding::variableOpaque: return head + "opaque" + value + number(part.bound) + ")";
+        default: return "quorva::plain::" + function_ + "(" + stream_ + ", at, " + object + ")";
         }
     }
-
-    // The last value of a type.
-    void last(Body& out, const Part& part, const Place& place)
-    {
-        if (isSimple(part)) return out.line("return " + next(part, place.object) + ";");
-        varying(out, part, place, 0);
-        out.line("return at;");
-    }
-
-    static std::string refusal(const std::string&) { return "out.refuse(at)"; }
 
     // A value whose size varies; `at` is null or has moved on.
     void varying(Body& out, const Part& part, const Place& place, std::size_t depth)
@@ -326,20 +278,84 @@ public:
         case Coding::variableArray: return array(out, part, place);
         case Coding::optional: return optional(out, part, place);
         case Coding::interpreted:
-            return advance(out,
-                           "out.member(at, &value, " + description(*place.owner) + ", " + number(place.member) + ")");
+            return advance(out, stream_ + ".member(at, &value, " + description(*place.owner) + ", " +
+                                    number(place.member) + ")");
         default: return advance(out, next(part, place.object));
         }
     }
 
-    static bool isSimple(const Part& part)
+private:
+    // The last value of a type.
+    void last(Body& out, const Part& part, const Place& place)
     {
-        return part.coding == Coding::foreign || part.coding == Coding::string ||
-               part.coding == Coding::variableOpaque || part.coding == Coding::function;
+        const bool isExpression = part.coding == Coding::foreign || part.coding == Coding::string ||
+                                  part.coding == Coding::variableOpaque || part.coding == Coding::function;
+        if (isExpression) return out.line("return " + next(part, place.object) + ";");
+        varying(out, part, place, 0);
+        out.line("return at;");
     }
 
+    void structContents(Body& out, const Definition& definition)
+    {
+        for (const Run& run : plans_.runsOf(definition)) {
+            const bool isLast = run.first + run.count == definition.fields.size();
+            if (run.size != 0) {
+                fixedMembers(out, verb_, definition, run);
+                out.line((isLast ? "return at + " : "at += ") + number(run.size) + ";");
+                continue;
+            }
+            const Declaration& field = definition.fields[run.first];
+            const Place place = {"value." + field.name, &definition, run.first};
+            if (isLast)
+                last(out, plans_.part(field), place);
+            else
+                varying(out, plans_.part(field), place, 0);
+        }
+    }
+
+    // A union asks at once for the room of its discriminant and of an arm of one unit, if it has such arms: where there
+    // is less, the interpreter decides.
+    void unionContents(Body& out, const Definition& definition)
+    {
+        const std::vector<ArmMember> arms = armMembersOf(definition);
+        const bool hasUnits = std::any_of(
+            arms.begin(), arms.end(), [&](const ArmMember& arm) { return plans_.part(*arm.declaration).size == 4; });
+        const std::string place = "value." + definition.discriminant.name;
+        restIf(out, std::string("lacks(at, ") + (hasUnits ? "8" : "4") + ")", {"", &definition, 0});
+        out.line("quorva::" + verb_ + "(at, " + place + ");");
+        out.line("at += 4;");
+        out.open("switch (" + switchOn(definition, place) + ")");
+        for (const ArmMember& arm : arms) {
+            const Place at = {"value." + arm.declaration->name, &definition, armIndex(definition, *arm.declaration)};
+            const Part part = plans_.part(*arm.declaration);
+            Body contents(2);
+            if (part.size != 0) {
+                if (part.size != 4) restIf(contents, "lacks(at, " + number(part.size) + ")", at);
+                fixed(contents, verb_, part, at.object, "at");
+                contents.line("return at + " + number(part.size) + ";");
+            } else {
+                last(contents, part, at);
+            }
+            armOf(out, arm.cases, contents);
+        }
+        voidArms(out, definition);
+        if (definition.defaultArm) out.label("default: return at;");
+        out.close();
+        if (!definition.defaultArm) out.line("return " + refusal(place) + ";");
+    }
+
+    const std::string function_;
+    const std::string verb_;
+};
+
+class EncodePrinter : public ModePrinter {
+public:
+    explicit EncodePrinter(Plans& plans) : ModePrinter(plans, "out", "encode", "put") {}
+
 private:
-    void array(Body& out, const Part& part, const Place& place)
+    std::string refusal(const std::string&) const override { return "out.refuse(at)"; }
+
+    void array(Body& out, const Part& part, const Place& place) override
     {
         const Part& element = part.element[0];
         restIf(out, "lacksArray(at, " + place.object + ", " + number(part.bound) + ", " + number(element.size) + ")",
@@ -352,7 +368,7 @@ private:
         out.close();
     }
 
-    void optional(Body& out, const Part& part, const Place& place)
+    void optional(Body& out, const Part& part, const Place& place) override
     {
         const Part& held = part.element[0];
         const std::string size = held.size == 0 ? "4" : place.object + " ? " + number(4 + held.size) + " : 4";
@@ -370,55 +386,17 @@ private:
     }
 };
 
-// ---- Decode --------------------------------------------------------------------------------------------------------
-
-class DecodePrinter : Printer {
+class DecodePrinter : public ModePrinter {
 public:
-    explicit DecodePrinter(Plans& plans) : Printer(plans, "in") {}
-
-    std::string contents(const Definition& definition) { return Printer::contents(*this, definition, "get"); }
-
-    std::string next(const Part& part, const std::string& object) const
-    {
-        switch (part.coding) {
-        case Coding::foreign: return "in.foreign(at, " + object + ", Xdr" + part.type->name + ")";
-        case Coding::string: return "in.string(at, " + object + ", " + number(part.bound) + ")";
-        case Coding::variableOpaque: return "in.opaque(at, " + object + ", " + number(part.bound) + ")";
-        default: return "quorva::plain::decode(in, at, " + object + ")";
-        }
-    }
-
-    // The last value of a type.
-    void last(Body& out, const Part& part, const Place& place)
-    {
-        if (EncodePrinter::isSimple(part)) return out.line("return " + next(part, place.object) + ";");
-        varying(out, part, place, 0);
-        out.line("return at;");
-    }
-
-    static std::string refusal(const std::string& discriminant) { return "in.refuse(at, &" + discriminant + " + 1)"; }
-
-    void varying(Body& out, const Part& part, const Place& place, std::size_t depth)
-    {
-        switch (part.coding) {
-        case Coding::fixedArray: {
-            const std::string i = index(depth);
-            out.open(loop(i, number(part.bound)));
-            varying(out, part.element[0], {place.object + "[" + i + "]", place.owner, place.member}, depth + 1);
-            out.close();
-            return;
-        }
-        case Coding::variableArray: return array(out, part, place);
-        case Coding::optional: return optional(out, part, place);
-        case Coding::interpreted:
-            return advance(out,
-                           "in.member(at, &value, " + description(*place.owner) + ", " + number(place.member) + ")");
-        default: return advance(out, next(part, place.object));
-        }
-    }
+    explicit DecodePrinter(Plans& plans) : ModePrinter(plans, "in", "decode", "get") {}
 
 private:
-    void array(Body& out, const Part& part, const Place& place)
+    std::string refusal(const std::string& discriminant) const override
+    {
+        return "in.refuse(at, &" + discriminant + " + 1)";
+    }
+
+    void array(Body& out, const Part& part, const Place& place) override
     {
         const Part& element = part.element[0];
         restIf(out, "lacksArray(at, " + number(part.bound) + ", " + number(element.size) + ")", place);
@@ -433,7 +411,7 @@ private:
         out.close();
     }
 
-    void optional(Body& out, const Part& part, const Place& place)
+    void optional(Body& out, const Part& part, const Place& place) override
     {
         const Part& held = part.element[0];
         restIf(out, "lacksOptional(at, " + number(held.size) + ")", place);

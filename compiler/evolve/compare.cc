@@ -157,7 +157,7 @@ void Comparison::change(Weight weight, const Span& before, const Span& after, co
     add(was_->provisional ? Weight::provisional : weight, before, after, called(*was_) + ": " + what + holders);
 }
 
-// A change of a member: nobody relies on one that was provisional.
+// A change of a member. It breaks nothing if the old member was provisional.
 void Comparison::change(Weight weight, const Declaration& before, const Span& after, const std::string& what)
 {
     change(before.provisional ? Weight::provisional : weight, before.at, after, what);

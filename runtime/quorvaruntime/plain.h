@@ -170,7 +170,11 @@ public:
     }
 
     // A value of another library's type.
-    unsigned char* foreign(unsigned char* at, const void* value, XdrRoutine routine);
+    template <class T>
+    unsigned char* foreign(unsigned char* at, const T& value, XdrRoutine routine)
+    {
+        return foreign(at, static_cast<const void*>(&value), routine);
+    }
 
     // Hands `object` over to the interpreter: from the member `first` on, or the one member alone.
     unsigned char* rest(unsigned char* at, const void* object, const Type& type, std::size_t first);
@@ -182,6 +186,7 @@ public:
 private:
     unsigned char* opaque(unsigned char* at, unsigned char* const& bytes, const std::uint16_t& count,
                           std::uint32_t maximum);
+    unsigned char* foreign(unsigned char* at, const void* value, XdrRoutine routine);
     unsigned char* after(bool succeeded);
 
     Xdr* xdrs;
@@ -339,9 +344,8 @@ void get(const unsigned char* at, T& value);
 // The body of any other routine.
 int interpret(Xdr* xdrs, void* object, const Type& type);
 
-// The body of the routine of a type that has plain functions: they run where nobody collects a trace and the stream
-// exposes its buffer, and the interpreter everywhere else. `Functions` has the mode's functions of the type under one
-// name.
+// The body of the routine of a type that has plain functions. They run if no trace is collected and the stream exposes
+// its buffer; otherwise the interpreter runs. `Functions` has the type's functions, one for each mode.
 template <class Functions, class Stream, class T>
 int run(Stream* xdrs, T* value, const Type& type)
 {
