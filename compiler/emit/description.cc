@@ -3,7 +3,7 @@
 #include "front/resolve.h"
 #include "names.h"
 #include "plan/plan.h"
-#include "plan/structure.h"
+#include "front/structure.h"
 #include "text.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // Prints the plain functions of a module: encode, decode and release of each type, and its routine.
 #include "emit.h"
+#include "front/structure.h"
 #include "names.h"
 #include "plan/plan.h"
-#include "plan/structure.h"
 #include "text.h"
 
 #include <algorithm>
@@ -278,8 +278,8 @@ protected:
         case Coding::variableArray: return array(out, part, place);
         case Coding::optional: return optional(out, part, place);
         case Coding::interpreted:
-            return advance(out, stream_ + ".member(at, &value, " + description(*place.owner) + ", " +
-                                    number(place.member) + ")");
+            return advance(
+                out, stream_ + ".member(at, &value, " + description(*place.owner) + ", " + number(place.member) + ")");
         default: return advance(out, next(part, place.object));
         }
     }
@@ -608,8 +608,8 @@ std::string releaseHead(const Definition& definition, const std::string& content
 {
     const bool usesStream = contents.find("(xdrs, ") != std::string::npos;
     const bool usesValue = contents.find("value") != std::string::npos;
-    return std::string("bool quorva::plain::release(Xdr*") + (usesStream ? " xdrs, " : ", ") + typeName(definition) + "&" +
-           (usesValue ? " value)" : ")");
+    return std::string("bool quorva::plain::release(Xdr*") + (usesStream ? " xdrs, " : ", ") + typeName(definition) +
+           "&" + (usesValue ? " value)" : ")");
 }
 
 std::string putHead(const Definition& definition)

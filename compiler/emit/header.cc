@@ -1,7 +1,7 @@
 // Prints the public header of a module.
 #include "emit.h"
 #include "names.h"
-#include "plan/structure.h"
+#include "front/structure.h"
 #include "text.h"
 
 #include <cstdint>

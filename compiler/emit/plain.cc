@@ -1,6 +1,6 @@
 // Prints a program as one file in the XDR language of RFC 4506, in the subset that every XDR tool reads.
 #include "emit.h"
-#include "plan/structure.h"
+#include "front/structure.h"
 #include "text.h"
 
 #include <cstdint>

@@ -1,6 +1,8 @@
 // How the back ends lay out text: comments, literals and calls that keep to the width of a line.
 #pragma once
 
+#include "front/source.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -8,7 +10,6 @@
 
 namespace quorva::compiler {
 
-inline constexpr std::size_t lineWidth = 120;  // columns
 inline constexpr std::size_t indentWidth = 4;  // columns of one step
 
 // `text` in lines of at most `width` columns: its own lines, the overlong ones broken at blanks.

@@ -3,7 +3,7 @@
 #include "compare.h"
 
 #include "front/diagnostics.h"
-#include "plan/structure.h"
+#include "front/structure.h"
 #include "matching.h"
 
 #include <algorithm>

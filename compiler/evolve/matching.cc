@@ -1,7 +1,7 @@
 // The tables, and the way from declared types to what they are on the wire and in memory.
 #include "matching.h"
 
-#include "plan/structure.h"
+#include "front/structure.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,8 +1,9 @@
 // One function for each habit, over the resolved tree and, for the width of lines, over the text.
 #include "lint.h"
 
-#include "emit/text.h"
-#include "plan/structure.h"
+#include "layout.h"
+#include "source.h"
+#include "structure.h"
 
 #include <algorithm>
 #include <array>
@@ -45,107 +46,15 @@ std::string initialsOf(std::string_view name)
     return initials;
 }
 
-// What a type takes in memory on a machine with 64-bit addresses, where it takes most.
-struct Layout {
-    std::uint64_t size = 0;
-    std::uint64_t alignment = 1;
-};
-
-class Layouts {
-public:
-    explicit Layouts(const Program& program);
-
-    Layout of(const Declaration& declaration) const;
-
-private:
-    static std::uint64_t padded(std::uint64_t size, std::uint64_t alignment);
-    static void append(Layout& record, const Layout& member);
-    Layout of(const TypeRef& type) const;
-    Layout of(const Definition& definition) const;
-
-    std::unordered_map<const Definition*, Layout> known_;
-};
-
-Layouts::Layouts(const Program& program)
+// The layouts of all types of the program.
+Layouts layoutsOf(const Program& program)
 {
     std::vector<const Definition*> types;
-    for (const auto& module : program.modules) {
+    for (const auto& module : program.modules)
         for (const Definition* type : typesOf(*module)) types.push_back(type);
-    }
-    for (const Definition* type : declarationOrder(types)) known_.emplace(type, of(*type));
-}
-
-std::uint64_t Layouts::padded(std::uint64_t size, std::uint64_t alignment)
-{
-    return (size + alignment - 1) / alignment * alignment;
-}
-
-void Layouts::append(Layout& record, const Layout& member)
-{
-    constexpr std::uint64_t enough = std::uint64_t{1} << 40U;  // nested vectors could leave the range of numbers
-    record.alignment = std::max(record.alignment, member.alignment);
-    record.size = std::min(padded(record.size, member.alignment) + member.size, enough);
-}
-
-Layout Layouts::of(const TypeRef& type) const
-{
-    switch (type.builtin) {
-    case Builtin::Boolean:
-    case Builtin::ShortInteger:
-    case Builtin::ShortNatural: return {1, 1};
-    case Builtin::Integer:
-    case Builtin::Natural: return {2, 2};
-    case Builtin::LongInteger:
-    case Builtin::LongNatural:
-    case Builtin::UINT:
-    case Builtin::Float: return {4, 4};
-    case Builtin::none: break;
-    }
-    const auto known = known_.find(type.definition);
-    return known == known_.end() ? Layout{} : known->second;
-}
-
-Layout Layouts::of(const Declaration& declaration) const
-{
-    switch (declaration.form) {
-    case Form::single: return of(declaration.type);
-    case Form::vector: {
-        const Layout element = of(declaration.type);
-        return {element.size * declaration.bound, element.alignment};
-    }
-    case Form::list:
-    case Form::bytes: return {16, 8};
-    case Form::optional:
-    case Form::string: return {8, 8};
-    case Form::opaque: return {declaration.bound, 1};
-    case Form::nothing: break;
-    }
-    return {};
-}
-
-Layout Layouts::of(const Definition& definition) const
-{
-    Layout layout;
-    switch (definition.kind) {
-    case Kind::constant: break;
-    case Kind::enumeration: return {4, 4};
-    case Kind::definedAs: return of(definition.target);
-    case Kind::record:
-        for (const Declaration& field : definition.fields) append(layout, of(field));
-        break;
-    case Kind::discriminated: {
-        Layout arms;
-        for (const Arm& arm : definition.arms) {
-            const Layout held = of(arm.declaration);
-            arms = {std::max(arms.size, held.size), std::max(arms.alignment, held.alignment)};
-        }
-        append(layout, of(definition.discriminant));
-        append(layout, arms);
-        break;
-    }
-    }
-    layout.size = padded(layout.size, layout.alignment);
-    return layout;
+    Layouts layouts;
+    for (const Definition* type : declarationOrder(types)) layouts.add(*type);
+    return layouts;
 }
 
 class Linter {
@@ -174,7 +83,7 @@ private:
     Diagnostics& warnings_;
 };
 
-Linter::Linter(const Program& program, Diagnostics& warnings) : layouts_(program), warnings_(warnings)
+Linter::Linter(const Program& program, Diagnostics& warnings) : layouts_(layoutsOf(program)), warnings_(warnings)
 {
     for (const auto& module : program.modules) {
         for (const auto& definition : module->definitions) {

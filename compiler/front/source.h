@@ -4,12 +4,16 @@
 #include "diagnostics.h"
 #include "model.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace quorva::compiler {
+
+// Columns of a line, in interface files and in what is generated.
+inline constexpr std::size_t lineWidth = 120;
 
 // The -I folders, in the order in which they are searched.
 class SearchPath {

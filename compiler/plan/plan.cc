@@ -2,7 +2,7 @@
 #include "plan.h"
 
 #include "front/resolve.h"
-#include "structure.h"
+#include "front/structure.h"
 
 #include <utility>
 

@@ -2,7 +2,7 @@
 // can be printed.
 #pragma once
 
-#include "front/model.h"
+#include "model.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // Answers the back ends' questions about the tree.
 #include "structure.h"
 
-#include "front/resolve.h"
+#include "resolve.h"
 
 #include <algorithm>
 #include <limits>
