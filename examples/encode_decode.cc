@@ -14,7 +14,8 @@ int main()
 
     unsigned char buffer[1024];
     const unsigned length = ClientsXdrSupport(XdrNotifyBinding, &binding, buffer);
-    for (unsigned i = 0; i < length; ++i) std::printf("%02x%s", buffer[i], i % 16 == 15 || i + 1 == length ? "\n" : " ");
+    for (unsigned i = 0; i < length; ++i)
+        std::printf("%02x%s", buffer[i], i % 16 == 15 || i + 1 == length ? "\n" : " ");
 
     NotifyBinding received = {};
     TraceText trace;

@@ -10,9 +10,9 @@ namespace quorva::fuzz {
 
 namespace {
 
-constexpr std::uint32_t tellingUnits[] = {0,          1,          2,          3,          0xFF,       0x100,     0xFFFF,
-                                          0x10000,    0x10001,    0x7FFFFFFF, 0x80000000, 0xFFFFFFFC, 0xFFFFFFFD,
-                                          0xFFFFFFFE, 0xFFFFFFFF};
+constexpr std::uint32_t tellingUnits[] = {0,          1,          2,          3,          0xFF,
+                                          0x100,      0xFFFF,     0x10000,    0x10001,    0x7FFFFFFF,
+                                          0x80000000, 0xFFFFFFFC, 0xFFFFFFFD, 0xFFFFFFFE, 0xFFFFFFFF};
 constexpr std::size_t longestGrown = 4096;  // messages stop growing here
 
 std::uint32_t unitAt(std::span<const unsigned char> bytes, std::size_t at)
@@ -35,7 +35,9 @@ std::uint32_t changed(std::uint32_t unit, std::span<const unsigned char> other, 
     case 2: return unit + static_cast<std::uint32_t>(chance.below(8)) - 4;
     case 3: return unit ^ std::uint32_t{1} << chance.below(32);
     case 4: return static_cast<std::uint32_t>(chance.below(64));
-    default: return other.size() < 4 ? static_cast<std::uint32_t>(chance.next()) : unitAt(other, 4 * chance.below(other.size() / 4));
+    default:
+        return other.size() < 4 ? static_cast<std::uint32_t>(chance.next())
+                                : unitAt(other, 4 * chance.below(other.size() / 4));
     }
 }
 
@@ -60,8 +62,8 @@ std::vector<std::size_t> steeringUnits(const Type& type, std::span<const unsigne
 {
     std::vector<std::size_t> units;
     inspect::readMessage(type, message, [&](const inspect::Leaf& leaf) {
-        const bool steers = leaf.text.starts_with("count ") || leaf.text.starts_with("length ") || leaf.text == "present" ||
-                            leaf.text == "absent" || leaf.path.text().empty();
+        const bool steers = leaf.text.starts_with("count ") || leaf.text.starts_with("length ") ||
+                            leaf.text == "present" || leaf.text == "absent" || leaf.path.text().empty();
         if (steers) units.push_back(leaf.offset);
     });
     return units;
@@ -71,7 +73,9 @@ void damage(Bytes& message, std::span<const std::size_t> steering, std::span<con
 {
     const std::size_t units = message.size() / 4;
     const auto someUnit = [&] { return 4 * chance.below(units); };
-    const auto run = [&](std::size_t from) { return 4 * (1 + chance.below(std::min<std::size_t>(8, (message.size() - from) / 4))); };
+    const auto run = [&](std::size_t from) {
+        return 4 * (1 + chance.below(std::min<std::size_t>(8, (message.size() - from) / 4)));
+    };
     switch (units == 0 ? 11 : chance.below(12)) {
     default: {  // a unit says something else
         std::size_t at = someUnit();
@@ -102,7 +106,8 @@ void damage(Bytes& message, std::span<const std::size_t> steering, std::span<con
         const std::size_t from = units == 0 ? 0 : someUnit();
         const std::size_t otherFrom = other.size() < 4 ? 0 : 4 * chance.below(other.size() / 4);
         message.resize(chance.oneIn(4) ? message.size() : from);
-        if (message.size() <= longestGrown) message.insert(message.end(), other.begin() + offset(otherFrom), other.end());
+        if (message.size() <= longestGrown)
+            message.insert(message.end(), other.begin() + offset(otherFrom), other.end());
         return;
     }
     }

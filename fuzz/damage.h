@@ -24,8 +24,9 @@ Invented invent(inspect::Sampler& sampler, const Type& type, Chance& chance);
 // The steering units of a message, as far as the inspector's reading gets.
 std::vector<std::size_t> steeringUnits(const Type& type, std::span<const unsigned char> message);
 
-// Damages a message once: a unit that says something else, mostly a steering one; units that are doubled, gone, or taken
-// over from `other`; an end that comes early or late.
-void damage(Bytes& message, std::span<const std::size_t> steering, std::span<const unsigned char> other, Chance& chance);
+// Damages a message once: a unit that says something else, mostly a steering one; units that are doubled, gone, or
+// taken over from `other`; an end that comes early or late.
+void damage(Bytes& message, std::span<const std::size_t> steering, std::span<const unsigned char> other,
+            Chance& chance);
 
 }  // namespace quorva::fuzz

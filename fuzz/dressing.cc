@@ -1,7 +1,7 @@
 // Any text, read as hexadecimal digits and as base64: a fault has a place in the text, and what is read comes back.
 
-#include "mutate.h"
 #include "inspect/input.h"
+#include "mutate.h"
 
 #include <algorithm>
 
@@ -11,7 +11,8 @@ using namespace quorva::inspect;
 
 namespace {
 
-void isRead(std::string_view text, Bytes (*parse)(std::string_view), std::string (*print)(std::span<const unsigned char>))
+void isRead(std::string_view text, Bytes (*parse)(std::string_view),
+            std::string (*print)(std::span<const unsigned char>))
 {
     try {
         const Bytes bytes = parse(text);
@@ -20,12 +21,15 @@ void isRead(std::string_view text, Bytes (*parse)(std::string_view), std::string
     } catch (const InputError& error) {
         const auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1;
         if (error.line < 1 || error.line > lines || error.column < 1 || error.column > text.size() + 1)
-            throw Finding{"a fault beyond the text, at " + std::to_string(error.line) + ':' + std::to_string(error.column)};
+            throw Finding{"a fault beyond the text, at " + std::to_string(error.line) + ':' +
+                          std::to_string(error.column)};
     }
 }
 
-constexpr std::string_view words[] = {"00", "0x", "\\x", "0x00, ", "00000000: ", "00000010  ", "0000020 ", "\n*\n", "  |....|\n",
-                                      "  >..<\n", "\n", "\r\n", "\t", "0000 0003 4142 4300", "de ad be ef", "=", "==", "AAAA", "Q_-A", "ffffffff", "{", "};"};
+constexpr std::string_view words[] = {
+    "00",       "0x",       "\\x",  "0x00, ", "00000000: ",          "00000010  ",  "0000020 ", "\n*\n", "  |....|\n",
+    "  >..<\n", "\n",       "\r\n", "\t",     "0000 0003 4142 4300", "de ad be ef", "=",        "==",    "AAAA",
+    "Q_-A",     "ffffffff", "{",    "};"};
 
 }  // namespace
 

@@ -1,10 +1,11 @@
-// Any text as an interface file: every stage takes it, and what has no faults can be generated from, flattens to the same
-// interface, and differs in nothing from it. What stands before a form feed is a module "part" that the rest may import.
+// Any text as an interface file: every stage takes it, and what has no faults can be generated from, flattens to the
+// same interface, and differs in nothing from it. What stands before a form feed is a module "part" that the rest may
+// import.
 
-#include "compiler/front/check.h"
-#include "compiler/evolve/compare.h"
 #include "compiler/emit/emit.h"
+#include "compiler/evolve/compare.h"
 #include "compiler/evolve/flatten.h"
+#include "compiler/front/check.h"
 #include "compiler/front/lint.h"
 #include "compiler/front/parser.h"
 #include "compiler/front/resolve.h"
@@ -74,12 +75,71 @@ void staysFlat(const Program& program)
     if (compare({program}, {again}, said) > 0) throw Finding{"flattening is a break:\n" + said.str() + flat};
 }
 
-constexpr std::string_view words[] = {
-    "enum", "struct", "union", "switch", "case", "default", "typedef", "const", "import", "opaque", "string", "void", "bool", "int",
-    "unsigned", "float", "double", "hyper", "quadruple", "TRUE", "FALSE", "{", "}", "(", ")", "[", "]", "<", ">", ";", ",", ":", "=",
-    "*", "/*", "*/", "//", "#define", "%", "\f", "\n", "0", "-1", "1", "2", "65535", "65536", "0x7FFFFFFF", "4294967295", "4294967296",
-    "-2147483648", "0777", "\xC3\xA4", "// @provisional because\n", "import part;\n", "LongNatural", "ShortInteger", "Boolean", "UINT",
-    "Natural", "Float", "class", "namespace", "struct A { A *next; };\n", "typedef B A;\ntypedef A B;\n"};
+constexpr std::string_view words[] = {"enum",
+                                      "struct",
+                                      "union",
+                                      "switch",
+                                      "case",
+                                      "default",
+                                      "typedef",
+                                      "const",
+                                      "import",
+                                      "opaque",
+                                      "string",
+                                      "void",
+                                      "bool",
+                                      "int",
+                                      "unsigned",
+                                      "float",
+                                      "double",
+                                      "hyper",
+                                      "quadruple",
+                                      "TRUE",
+                                      "FALSE",
+                                      "{",
+                                      "}",
+                                      "(",
+                                      ")",
+                                      "[",
+                                      "]",
+                                      "<",
+                                      ">",
+                                      ";",
+                                      ",",
+                                      ":",
+                                      "=",
+                                      "*",
+                                      "/*",
+                                      "*/",
+                                      "//",
+                                      "#define",
+                                      "%",
+                                      "\f",
+                                      "\n",
+                                      "0",
+                                      "-1",
+                                      "1",
+                                      "2",
+                                      "65535",
+                                      "65536",
+                                      "0x7FFFFFFF",
+                                      "4294967295",
+                                      "4294967296",
+                                      "-2147483648",
+                                      "0777",
+                                      "\xC3\xA4",
+                                      "// @provisional because\n",
+                                      "import part;\n",
+                                      "LongNatural",
+                                      "ShortInteger",
+                                      "Boolean",
+                                      "UINT",
+                                      "Natural",
+                                      "Float",
+                                      "class",
+                                      "namespace",
+                                      "struct A { A *next; };\n",
+                                      "typedef B A;\ntypedef A B;\n"};
 
 }  // namespace
 

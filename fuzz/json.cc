@@ -1,10 +1,10 @@
 // Any text, read as the JSON form of any type: what is accepted is an object that encodes unless the inspector says why
 // not, and that comes back from the wire and from JSON.
 
-#include "mutate.h"
-#include "inspect/input.h"
 #include "inspect/json.h"
+#include "inspect/input.h"
 #include "inspect/wire.h"
+#include "mutate.h"
 
 using namespace quorva;
 using namespace quorva::fuzz;
@@ -39,10 +39,36 @@ void isReadAndComesBack(const Type& type, std::string_view text)
     if (encoded(again) != message) throw Finding{std::string(type.name) + ": JSON does not keep " + json};
 }
 
-constexpr std::string_view words[] = {"null",  "true",     "false",       "0",       "-1",       "255",         "65535",  "65536",
-                                      "-32769", "4294967295", "4294967296", "1e400",   "-0.0",     "1.5e-45",     "[",      "]",
-                                      "{",     "}",        ",",           ":",       "{}",       "[]",          "\"\"",   "{\"hex\":\"\"}",
-                                      "{\"text\":\"A\"}", "{\"bits\":\"7fc00001\"}", "\"\\u0000\"", "\"\\ud800\"", "\"\xC3\xA4\"", "[[[[[[[["};
+constexpr std::string_view words[] = {"null",
+                                      "true",
+                                      "false",
+                                      "0",
+                                      "-1",
+                                      "255",
+                                      "65535",
+                                      "65536",
+                                      "-32769",
+                                      "4294967295",
+                                      "4294967296",
+                                      "1e400",
+                                      "-0.0",
+                                      "1.5e-45",
+                                      "[",
+                                      "]",
+                                      "{",
+                                      "}",
+                                      ",",
+                                      ":",
+                                      "{}",
+                                      "[]",
+                                      "\"\"",
+                                      "{\"hex\":\"\"}",
+                                      "{\"text\":\"A\"}",
+                                      "{\"bits\":\"7fc00001\"}",
+                                      "\"\\u0000\"",
+                                      "\"\\ud800\"",
+                                      "\"\xC3\xA4\"",
+                                      "[[[[[[[["};
 
 }  // namespace
 
@@ -51,7 +77,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return judge([&] {
         const Input input = Input::of({data, size});
         try {
-            isReadAndComesBack(*input.type, {reinterpret_cast<const char*>(input.contents.data()), input.contents.size()});
+            isReadAndComesBack(*input.type,
+                               {reinterpret_cast<const char*>(input.contents.data()), input.contents.size()});
         } catch (const inspect::JsonError& error) {
             if (error.faults.empty()) throw Finding{"refused without a reason"};
         } catch (const inspect::InputError&) {
@@ -72,5 +99,6 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
     inspect::Object object(type);
     runPass(Mode::decode, type.routine, object.data(), message);
     const std::string text = inspect::toJson(type, object.data()).dump();
-    return stored(Input{&type, 0, {reinterpret_cast<const unsigned char*>(text.data()), text.size()}}.bytes(), data, most);
+    return stored(Input{&type, 0, {reinterpret_cast<const unsigned char*>(text.data()), text.size()}}.bytes(), data,
+                  most);
 }

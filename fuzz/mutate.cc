@@ -56,7 +56,8 @@ std::size_t mutateText(unsigned char* data, std::size_t size, std::size_t most, 
     const auto isWord = [](unsigned char c) { return std::isalnum(c) || c == '_' || c >= 0x80; };
     std::vector<std::string> tokens;
     for (std::size_t i = 0; i < size; ++i) {
-        const bool joins = i > 0 && ((isWord(data[i]) && isWord(data[i - 1])) || (data[i] == data[i - 1] && data[i] <= ' '));
+        const bool joins =
+            i > 0 && ((isWord(data[i]) && isWord(data[i - 1])) || (data[i] == data[i - 1] && data[i] <= ' '));
         if (!joins) tokens.emplace_back();
         tokens.back() += static_cast<char>(data[i]);
     }

@@ -13,7 +13,8 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 
 namespace quorva::fuzz {
 
-// Mutates a driver's input over all types, in place, and returns its new size. What does not fit into `most` is cut off.
+// Mutates a driver's input over all types, in place, and returns its new size. What does not fit into `most` is cut
+// off.
 std::size_t mutateMessage(unsigned char* data, std::size_t size, std::size_t most, unsigned seed);
 
 // The same for a text: its tokens change places, are doubled, go, or give way to one of the words.

@@ -1,5 +1,5 @@
-// Runs a driver over files and folders without libFuzzer, as an ordinary test; with --mutate over mutations of them too.
-// An input that ends the program is left in fuzz-finding.bin.
+// Runs a driver over files and folders without libFuzzer, as an ordinary test; with --mutate over mutations of them
+// too. An input that ends the program is left in fuzz-finding.bin.
 
 #include "mutate.h"
 

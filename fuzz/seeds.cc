@@ -18,7 +18,8 @@ namespace {
 
 void write(const fs::path& file, std::span<const unsigned char> bytes)
 {
-    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream(file, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
 void writeBoth(const fs::path& folder, const std::string& name, const Type& type, Bytes message)
@@ -27,7 +28,8 @@ void writeBoth(const fs::path& folder, const std::string& name, const Type& type
     inspect::Object object(type);
     if (!runPass(Mode::decode, type.routine, object.data(), message).succeeded) return;
     const std::string json = inspect::toJson(type, object.data()).dump();
-    write(folder / "json" / name, Input{&type, 0, {reinterpret_cast<const unsigned char*>(json.data()), json.size()}}.bytes());
+    write(folder / "json" / name,
+          Input{&type, 0, {reinterpret_cast<const unsigned char*>(json.data()), json.size()}}.bytes());
 }
 
 }  // namespace
@@ -46,7 +48,8 @@ int main(int count, char** words)
         writeBoth(folder, name + "-least", *type, sampler.sample(*type, {inspect::Extent::least, 0, 0}));
         writeBoth(folder, name + "-fullest", *type, sampler.sample(*type, {inspect::Extent::fullest, 0, 200}));
         for (std::uint64_t seed = 0; seed < std::max<std::size_t>(1, inspect::armsOf(*type).size()); ++seed)
-            writeBoth(folder, name + '-' + std::to_string(seed), *type, sampler.sample(*type, {inspect::Extent::random, seed, 160}));
+            writeBoth(folder, name + '-' + std::to_string(seed), *type,
+                      sampler.sample(*type, {inspect::Extent::random, seed, 160}));
     }
     const inspect::Catalogue catalogue;
     for (const auto& entry : fs::recursive_directory_iterator(words[2])) {

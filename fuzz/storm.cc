@@ -20,7 +20,8 @@ namespace {
 const char* const usage =
     "usage: fuzz_storm [--each N] [--seed S] [--types FIRST-LAST] [--per-type]\n"
     "\n"
-    "Makes N messages (default 1000) for each type, or for those with the numbers FIRST to LAST, counted by name from 0.\n"
+    "Makes N messages (default 1000) for each type, or for those with the numbers FIRST to LAST, counted by name from "
+    "0.\n"
     "One that breaks a property is left in storm-finding.bin, an input for fuzz_decode and fuzz_reencode.\n"
     "  --per-type  print a line for each type\n";
 
@@ -48,7 +49,8 @@ void leaveInput()
 {
     const Type* const type = std::exchange(current.type, nullptr);
     if (!type) return;
-    std::fprintf(stderr, "type %s, variant %u, %zu bytes\n", type->name, static_cast<unsigned>(current.variant), current.message.size());
+    std::fprintf(stderr, "type %s, variant %u, %zu bytes\n", type->name, static_cast<unsigned>(current.variant),
+                 current.message.size());
     leave("storm-finding.bin", Input{type, current.variant, current.message}.bytes());
 }
 
@@ -117,7 +119,9 @@ bool readSettings(int count, char** words, Settings& settings)
             if (!readNumber(text, first) || *text++ != '-' || !readNumber(text, last) || first > last) return false;
             settings.first = first;
             settings.last = std::min<std::size_t>(last, settings.last);
-        } else if (std::uint64_t* const number = word == "--each" ? &settings.each : word == "--seed" ? &settings.seed : nullptr) {
+        } else if (std::uint64_t* const number = word == "--each"   ? &settings.each
+                                                 : word == "--seed" ? &settings.seed
+                                                                    : nullptr) {
             if (!readNumber(text, *number)) return false;
         } else {
             return false;
@@ -152,17 +156,20 @@ int main(int count, char** words)
             ++types;
             if (settings.perType)
                 std::printf("%4zu %-48s %10llu executions, %10llu accepted\n", i, type.name,
-                            static_cast<unsigned long long>(tally.executions), static_cast<unsigned long long>(tally.accepted));
+                            static_cast<unsigned long long>(tally.executions),
+                            static_cast<unsigned long long>(tally.accepted));
         } catch (const Finding& finding) {
-            std::fprintf(stderr, "FINDING with seed %llu: %s\n", static_cast<unsigned long long>(settings.seed), finding.what.c_str());
+            std::fprintf(stderr, "FINDING with seed %llu: %s\n", static_cast<unsigned long long>(settings.seed),
+                         finding.what.c_str());
             leaveInput();
             return 1;
         }
     }
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-    std::printf("%llu executions over %zu types, %llu to %llu each, %.1f %% accepted, %.0f s, %.0f a second, no finding\n",
-                static_cast<unsigned long long>(executions), types, static_cast<unsigned long long>(fewest),
-                static_cast<unsigned long long>(most), 100.0 * static_cast<double>(accepted) / static_cast<double>(executions), seconds,
-                static_cast<double>(executions) / seconds);
+    std::printf(
+        "%llu executions over %zu types, %llu to %llu each, %.1f %% accepted, %.0f s, %.0f a second, no finding\n",
+        static_cast<unsigned long long>(executions), types, static_cast<unsigned long long>(fewest),
+        static_cast<unsigned long long>(most), 100.0 * static_cast<double>(accepted) / static_cast<double>(executions),
+        seconds, static_cast<double>(executions) / seconds);
     return types > 0 ? 0 : 2;
 }

@@ -66,8 +66,8 @@ std::string described(const Outcome& outcome)
 bool showsUnwritten(std::span<const unsigned char> out, std::span<const unsigned char> in)
 {
     const auto holds = [](std::span<const unsigned char> bytes, std::size_t inRow) {
-        return std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()).find("\xA5\xA5\xA5\xA5", 0, inRow) !=
-               std::string_view::npos;
+        return std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size())
+                   .find("\xA5\xA5\xA5\xA5", 0, inRow) != std::string_view::npos;
     };
     return holds(out, 4) && !holds(in, 2);
 }
@@ -211,7 +211,8 @@ bool Subject::comesBack(std::span<const unsigned char> message)
     if (!outcome.succeeded) return false;
     Outcome& first = outcomes[2];
     first = outcome;
-    if (!first.encodes) throw Finding{std::string(described.name) + ": accepted, but does not encode: " + fuzz::described(first)};
+    if (!first.encodes)
+        throw Finding{std::string(described.name) + ": accepted, but does not encode: " + fuzz::described(first)};
     const Outcome& again = decode(Way::plain, first.left);
     if (!again.succeeded || again.length != first.left.size() || again.left != first.left)
         throw Finding{std::string(described.name) + ": comes back changed\n  first: " + fuzz::described(first) +
@@ -227,8 +228,9 @@ void Subject::encodeInto(std::size_t size, std::span<const unsigned char> messag
         const Pass read = run(way, Mode::decode, placed(message));
         const auto buffer = room(std::min(size, whole.size()));
         const Pass pass = run(way, Mode::encode, buffer);
-        const bool same = pass.length <= buffer.size() &&
-                          std::equal(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(pass.length), whole.begin());
+        const bool same =
+            pass.length <= buffer.size() &&
+            std::equal(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(pass.length), whole.begin());
         release(way);
         if (!same || (read.succeeded && pass.succeeded != (buffer.size() == whole.size())))
             throw Finding{std::string(described.name) + ": encodes otherwise into " + std::to_string(size) + " bytes"};

@@ -44,8 +44,8 @@ struct Input {
     Bytes bytes() const;
 };
 
-// Has `report` called when a sanitizer, a signal or a finding ends the program; and what it may call then: writes `input`
-// into a file and says so.
+// Has `report` called when a sanitizer, a signal or a finding ends the program; and what it may call then: writes
+// `input` into a file and says so.
 void whenDying(void (*report)());
 void leave(const char* file, std::span<const unsigned char> input);
 

@@ -1,9 +1,9 @@
 // Prints the descriptions of a module's types, and the documentation that tools link beside them.
 #include "emit.h"
 #include "front/resolve.h"
+#include "front/structure.h"
 #include "names.h"
 #include "plan/plan.h"
-#include "front/structure.h"
 #include "text.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Prints the public header of a module.
 #include "emit.h"
-#include "names.h"
 #include "front/structure.h"
+#include "names.h"
 #include "text.h"
 
 #include <cstdint>

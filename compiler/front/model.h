@@ -12,7 +12,7 @@ namespace quorva::compiler {
 
 // One interface file as it was read. `module` is the path below its -I folder without ".x": "jobs/cover".
 struct Source {
-    std::string path;    // as diagnostics print it
+    std::string path;  // as diagnostics print it
     std::string module;
     std::string text;
 };
@@ -26,7 +26,16 @@ struct Span {
 };
 
 enum class Builtin {
-    none, Boolean, ShortInteger, ShortNatural, Integer, Natural, LongInteger, LongNatural, UINT, Float,
+    none,
+    Boolean,
+    ShortInteger,
+    ShortNatural,
+    Integer,
+    Natural,
+    LongInteger,
+    LongNatural,
+    UINT,
+    Float,
 };
 
 enum class Kind { constant, enumeration, record, discriminated, definedAs };
@@ -82,17 +91,17 @@ struct Arm {
 struct Definition {
     Kind kind = Kind::record;
     std::string name;
-    Span at;                             // of the name
-    std::string doc;                     // without the provisional line
+    Span at;                                 // of the name
+    std::string doc;                         // without the provisional line
     std::optional<std::string> provisional;  // the text behind the mark, possibly empty
-    Value constant;                      // constant
-    std::vector<Enumerator> enumerators; // enumeration, in the order of the file
-    std::vector<Declaration> fields;     // record
-    Declaration discriminant;            // union
-    std::vector<Arm> arms;               // union, without the default arm
-    std::optional<Arm> defaultArm;       // union
-    Declaration target;                  // definedAs; its name is the definition's
-    bool broken = false;                 // the parser reported a fault inside: parts may be missing
+    Value constant;                          // constant
+    std::vector<Enumerator> enumerators;     // enumeration, in the order of the file
+    std::vector<Declaration> fields;         // record
+    Declaration discriminant;                // union
+    std::vector<Arm> arms;                   // union, without the default arm
+    std::optional<Arm> defaultArm;           // union
+    Declaration target;                      // definedAs; its name is the definition's
+    bool broken = false;                     // the parser reported a fault inside: parts may be missing
 };
 
 struct Module;
@@ -108,7 +117,7 @@ struct Module {
     std::string doc;
     std::vector<Import> imports;
     std::vector<std::unique_ptr<Definition>> definitions;  // in the order of the file
-    bool requested = false;  // named on the command line, not only imported
+    bool requested = false;                                // named on the command line, not only imported
 
     // Names that may stand in text which the parser had to skip, and whether any name may be missing because a whole
     // file is: an unknown name is then no fault of its own.

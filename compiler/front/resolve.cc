@@ -53,11 +53,11 @@ bool isEnumeration(const TypeRef& type)
 std::string_view described(Kind kind)
 {
     switch (kind) {
-        case Kind::enumeration: return "an enumeration";
-        case Kind::record: return "a struct";
-        case Kind::discriminated: return "a union";
-        case Kind::definedAs:
-        case Kind::constant: break;  // which is no type
+    case Kind::enumeration: return "an enumeration";
+    case Kind::record: return "a struct";
+    case Kind::discriminated: return "a union";
+    case Kind::definedAs:
+    case Kind::constant: break;  // which is no type
     }
     return "a typedef";
 }
@@ -333,7 +333,8 @@ void Resolver::type(TypeRef& type)
     if (builtin != builtins.end()) {
         type.builtin = builtin->second;
         if (type.keyword)
-            faults_.error(type.at, inQuotes(type.name) + " is a built-in type, not " + std::string(described(*type.keyword)));
+            faults_.error(type.at,
+                          inQuotes(type.name) + " is a built-in type, not " + std::string(described(*type.keyword)));
         return;
     }
     if (const auto found = types_.find(type.name); found != types_.end()) {
@@ -372,14 +373,14 @@ void Resolver::bound(Declaration& declaration)
 void Resolver::declaration(Declaration& declaration)
 {
     switch (declaration.form) {
-        case Form::single:
-        case Form::vector:
-        case Form::list:
-        case Form::optional: type(declaration.type); break;
-        case Form::string:
-        case Form::bytes:
-        case Form::opaque:
-        case Form::nothing: break;
+    case Form::single:
+    case Form::vector:
+    case Form::list:
+    case Form::optional: type(declaration.type); break;
+    case Form::string:
+    case Form::bytes:
+    case Form::opaque:
+    case Form::nothing: break;
     }
     bound(declaration);
 }

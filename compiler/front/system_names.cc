@@ -2,13 +2,13 @@
 // out: those that headers define are refused by their spelling alone.
 //
 // Both lists were made on Debian 12 (x86-64, glibc 2.36) from one file that includes all headers of the C and C++
-// standard libraries and these of POSIX and BSD: aio arpa/inet cpio dirent dlfcn fcntl fnmatch ftw glob grp iconv langinfo
-// libgen mqueue net/if netdb netinet/in netinet/tcp poll pthread pwd regex sched semaphore spawn strings sys/ipc sys/mman
-// sys/param sys/resource sys/select sys/shm sys/socket sys/stat sys/sysmacros sys/time sys/times sys/types sys/uio sys/un
-// sys/utsname sys/wait syslog termios unistd utime wordexp. The macros are what
-// `g++ -dM -E` and `clang++ -dM -E` print with -std=gnu++20 and -std=gnu++2b. The other names are the declarations
-// outside namespaces, with the enumerators of unscoped enumerations, in the output of `clang++ -Xclang -ast-dump`.
-// Functions and constants for _Float32 and similar types, such as sinf32, are left out.
+// standard libraries and these of POSIX and BSD: aio arpa/inet cpio dirent dlfcn fcntl fnmatch ftw glob grp iconv
+// langinfo libgen mqueue net/if netdb netinet/in netinet/tcp poll pthread pwd regex sched semaphore spawn strings
+// sys/ipc sys/mman sys/param sys/resource sys/select sys/shm sys/socket sys/stat sys/sysmacros sys/time sys/times
+// sys/types sys/uio sys/un sys/utsname sys/wait syslog termios unistd utime wordexp. The macros are what `g++ -dM -E`
+// and `clang++ -dM -E` print with -std=gnu++20 and -std=gnu++2b. The other names are the declarations outside
+// namespaces, with the enumerators of unscoped enumerations, in the output of `clang++ -Xclang -ast-dump`. Functions
+// and constants for _Float32 and similar types, such as sinf32, are left out.
 #include "system_names.h"
 
 namespace quorva::compiler {

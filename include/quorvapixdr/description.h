@@ -88,8 +88,8 @@ struct Type {
     const char* (*nameOf)(int) = nullptr;  // name function of an enumeration, else null
     std::span<const Member> members = {};  // struct: its fields; union: the discriminant, then its arms in the order of
                                            // the file; typedef: the one that it names
-    std::span<const Case> cases = {};  // union: by value, ascending
-    const char* armElement = "";       // union: the element around the arm in the trace
+    std::span<const Case> cases = {};      // union: by value, ascending
+    const char* armElement = "";           // union: the element around the arm in the trace
 };
 
 // What generated code makes descriptions with, one for each kind; `T` is the C++ type.

@@ -1,5 +1,5 @@
-// Against libtirpc: the same interface files, compiled by rpcgen, must give the same bytes for every type, and refuse the
-// same messages, but for the differences that are listed here and meant.
+// Against libtirpc: the same interface files, compiled by rpcgen, must give the same bytes for every type, and refuse
+// the same messages, but for the differences that are listed here and meant.
 
 #include "codec_tools.h"
 #include "peer.h"
@@ -52,7 +52,8 @@ Outcome theirs(const Peer& peer, const Bytes& message)
 {
     Bytes out(room);
     unsigned consumed = 0;
-    const int length = peerRecode(peer.index, message.data(), static_cast<unsigned>(message.size()), out.data(), room, &consumed);
+    const int length =
+        peerRecode(peer.index, message.data(), static_cast<unsigned>(message.size()), out.data(), room, &consumed);
     if (length == peerRefusesToEncode) return {true, consumed, "refused to write"};
     if (length < 0) return {false, 0, ""};
     return {true, consumed, hexOf(std::span(out).first(static_cast<std::size_t>(length)))};
@@ -75,8 +76,10 @@ protected:
 
     std::vector<Bytes> samples(std::uint64_t seeds)
     {
-        std::vector<Bytes> made = {sampler.sample(type, {Extent::least, 0, 300}), sampler.sample(type, {Extent::fullest, 0, 300})};
-        for (std::uint64_t seed = 0; seed < seeds; ++seed) made.push_back(sampler.sample(type, {Extent::random, seed, 300}));
+        std::vector<Bytes> made = {sampler.sample(type, {Extent::least, 0, 300}),
+                                   sampler.sample(type, {Extent::fullest, 0, 300})};
+        for (std::uint64_t seed = 0; seed < seeds; ++seed)
+            made.push_back(sampler.sample(type, {Extent::random, seed, 300}));
         return made;
     }
 };
@@ -104,8 +107,8 @@ TEST_P(Differential, writesTheSameBytes)
     }
 }
 
-// A message that ends early is refused by both. One with a changed unit, and something behind it, is accepted by both as
-// soon as one of them finds nothing beyond its ranges in it; where neither does, the listed differences are at work.
+// A message that ends early is refused by both. One with a changed unit, and something behind it, is accepted by both
+// as soon as one of them finds nothing beyond its ranges in it; where neither does, the listed differences are at work.
 TEST_P(Differential, refusesTheSameMessages)
 {
     std::mt19937 random(inspect::documentationOf(type).line);
@@ -118,13 +121,15 @@ TEST_P(Differential, refusesTheSameMessages)
             Bytes changed = wire;
             const std::size_t at = random() % (wire.size() / 4) * 4;
             const std::uint32_t old = unitAt(wire, at);
-            const std::uint32_t values[] = {old + 1, old - 1, 0, 1, 0x1FF, 0x10000, 0x80000001};  // small where they count
+            const std::uint32_t values[] = {old + 1, old - 1, 0,         1,
+                                            0x1FF,   0x10000, 0x80000001};  // small where they count
             setUnit(changed, at, values[random() % std::size(values)]);
             changed.resize(changed.size() + 64);
             const Outcome mine = ours(GetParam(), changed);
             const Outcome other = theirs(GetParam(), changed);
             if (settled(mine, changed) || settled(other, changed)) {
-                ASSERT_TRUE(mine.accepted && other.accepted) << mine.accepted << other.accepted << ' ' << hexOf(changed);
+                ASSERT_TRUE(mine.accepted && other.accepted)
+                    << mine.accepted << other.accepted << ' ' << hexOf(changed);
                 ASSERT_EQ(mine.consumed, other.consumed) << hexOf(changed);
             }
         }
@@ -146,16 +151,18 @@ TEST(DifferentialList, whereItIsMeant)
         std::string theirs;
     } differences[] = {
         {"a Natural keeps 16 bits", "CallbackToken", "00010005", "00000005", "00010005"},
-        {"an Integer too, whose sign is then theirs", "DocumentUnion", "00000240 00018000", "00000240 FFFF8000", "00000240 00018000"},
+        {"an Integer too, whose sign is then theirs", "DocumentUnion", "00000240 00018000", "00000240 FFFF8000",
+         "00000240 00018000"},
         {"a ShortNatural keeps 8 bits", "TimeOfDayStruct", "00000102 00000000 00000000", "00000002 00000000 00000000",
          "00000102 00000000 00000000"},
         {"so does a ShortInteger, which travels without its sign", "IDCode", "FFFFFFFF", "000000FF", "FFFFFFFF"},
         {"a boolean keeps its low byte as it is", "ColorAccessControlEnabled", "00000002", "00000002", "00000001"},
         {"and nothing of the others", "ColorAccessControlEnabled", "00000100", "00000000", "00000001"},
         {"a count of elements is its low 16 bits", "AttributeSeq", "00010001 00000007", "00000001 00000007", refused},
-        {"and so is one of bytes", "EncodedString", "00000000 00010001 41000000", "00000000 00000001 41000000", refused},
-        {"presence is a low byte of 1, anything else absence", "EssFaultRecordList", "00000001 00000002", "00000001 00000000",
+        {"and so is one of bytes", "EncodedString", "00000000 00010001 41000000", "00000000 00000001 41000000",
          refused},
+        {"presence is a low byte of 1, anything else absence", "EssFaultRecordList", "00000001 00000002",
+         "00000001 00000000", refused},
     };
     const auto written = [&](const Outcome& outcome) { return outcome.accepted ? outcome.written : refused; };
     for (const auto& difference : differences) {

@@ -7,8 +7,8 @@ extern "C" {
 
 enum PeerFailure { peerRefusesToDecode = -1, peerRefusesToEncode = -2 };
 
-// Decodes `length` bytes as the type, encodes what came out into `room` bytes, and releases it. Returns the bytes written
-// or a PeerFailure; `consumed` is the bytes read. `index` is the type's place in peerTypes.
+// Decodes `length` bytes as the type, encodes what came out into `room` bytes, and releases it. Returns the bytes
+// written or a PeerFailure; `consumed` is the bytes read. `index` is the type's place in peerTypes.
 int peerRecode(unsigned index, const unsigned char* message, unsigned length, unsigned char* out, unsigned room,
                unsigned* consumed);
 

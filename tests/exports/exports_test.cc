@@ -60,7 +60,8 @@ std::vector<std::vector<std::string>> told(const std::string& tool)
 Names exported()
 {
     Names names;
-    for (const auto& line : told("nm -D --defined-only")) names.insert(line.at(1) == "T" ? line.at(2) : line.at(1) + ' ' + line.at(2));
+    for (const auto& line : told("nm -D --defined-only"))
+        names.insert(line.at(1) == "T" ? line.at(2) : line.at(1) + ' ' + line.at(2));
     return names;
 }
 
@@ -104,8 +105,13 @@ TEST(Exports, areThoseOfTheInterface)
 // with; constants that hold addresses are in .data.rel.ro, which nobody can write any more once the library is loaded.
 TEST(Library, hasNoWritableData)
 {
-    const Names startFiles = {"_DYNAMIC", "_GLOBAL_OFFSET_TABLE_", "__TMC_END__", "__dso_handle", "completed.0",
-                              "__do_global_dtors_aux_fini_array_entry", "__frame_dummy_init_array_entry",
+    const Names startFiles = {"_DYNAMIC",
+                              "_GLOBAL_OFFSET_TABLE_",
+                              "__TMC_END__",
+                              "__dso_handle",
+                              "completed.0",
+                              "__do_global_dtors_aux_fini_array_entry",
+                              "__frame_dummy_init_array_entry",
                               "DW.ref.__gxx_personality_v0"};
     auto all = sections();
     Names writable;
@@ -147,7 +153,8 @@ TEST(Library, doesNothingWhenItIsLoaded)
     EXPECT_GT(searched, 0u);
     EXPECT_LE(searched, 40u);
     for (const auto& line : told("readelf -dW"))
-        for (const std::string& word : line) EXPECT_EQ(word.find("TEXTREL"), std::string::npos) << "its code is patched";
+        for (const std::string& word : line)
+            EXPECT_EQ(word.find("TEXTREL"), std::string::npos) << "its code is patched";
 }
 
 TEST(Library, hasABoundedSize)

@@ -19,10 +19,10 @@
 #include <iostream>
 #include <map>
 
-#include <ctime>
 #include <malloc.h>
 #include <ucontext.h>
 #include <unistd.h>
+#include <ctime>
 
 using namespace quorva;
 using namespace quorva::test;
@@ -146,8 +146,8 @@ private:
     Bytes message;
 };
 
-// The attack on a type, cut where a driver's buffer ends; and filled up with zeros or ones, so that what follows the last
-// count decodes as far as it goes.
+// The attack on a type, cut where a driver's buffer ends; and filled up with zeros or ones, so that what follows the
+// last count decodes as far as it goes.
 std::vector<Bytes> variantsOf(const Bytes& attack)
 {
     std::vector<Bytes> messages(3, attack);
@@ -224,7 +224,8 @@ TEST(Work, aSuccessfulDecodeAllocates)
             const Bytes message = sampler.sample(*type, {extent, 0, longest});
             Storage object(*type);
             ASSERT_TRUE(object.run(Mode::decode, Message(message).span()).succeeded) << type->name;
-            ASSERT_LE(static_cast<double>(allocatedBytes()), factors.of(*type) * static_cast<double>(message.size())) << type->name;
+            ASSERT_LE(static_cast<double>(allocatedBytes()), factors.of(*type) * static_cast<double>(message.size()))
+                << type->name;
             ASSERT_TRUE(object.releasesAll()) << type->name;
         }
     }
@@ -254,10 +255,12 @@ public:
         inner.uc_stack.ss_sp = stack.data();
         inner.uc_stack.ss_size = size;
         inner.uc_link = &outer;
-        makecontext(&inner, [] { (*current)(); }, 0);
+        makecontext(
+            &inner, [] { (*current)(); }, 0);
         swapcontext(&outer, &inner);
         static const std::vector<unsigned char> page(4096, pattern);
-        for (clean = 0; clean < size && std::memcmp(&stack[clean], page.data(), page.size()) == 0;) clean += page.size();
+        for (clean = 0; clean < size && std::memcmp(&stack[clean], page.data(), page.size()) == 0;)
+            clean += page.size();
         while (clean < size && stack[clean] == pattern) ++clean;
         return size - clean;
     }
@@ -295,10 +298,12 @@ TEST(Work, passesStandOnTheStack)
                 TraceText trace;
                 const auto pass = [&](Mode mode) {
                     const std::size_t start = microseconds();
-                    (withTrace ? traced : untraced).meet(Stack::usedBy([&] {
-                        runPass(mode, type->routine, object.data(), message.span(),
-                                [&](Xdr& xdrs) { xdrs.setTrace(withTrace ? &trace : nullptr); });
-                    }), *type);
+                    (withTrace ? traced : untraced)
+                        .meet(Stack::usedBy([&] {
+                                  runPass(mode, type->routine, object.data(), message.span(),
+                                          [&](Xdr& xdrs) { xdrs.setTrace(withTrace ? &trace : nullptr); });
+                              }),
+                              *type);
                     time.meet(microseconds() - start, *type);
                 };
                 pass(Mode::decode);

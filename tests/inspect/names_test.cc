@@ -41,10 +41,12 @@ TEST(Names, a_description_tells_all)
     EXPECT_EQ(declaration(types::Neighbour.members.front().use, ""), "Locker *");
 
     const std::string enumeration = descriptionText(types::DoorState, Catalogue());
-    for (const char* part : {"enumerators\n    0    DSopen\n", "3    DSjammed   neither sensor switch is pressed\n", "255  DSunknown\n"})
+    for (const char* part :
+         {"enumerators\n    0    DSopen\n", "3    DSjammed   neither sensor switch is pressed\n", "255  DSunknown\n"})
         EXPECT_NE(enumeration.find(part), std::string::npos) << part << "\nis missing in\n" << enumeration;
     const std::string record = descriptionText(types::Locker, Catalogue());
-    for (const char* part : {"fields\n    LockerId id\n", "string owner<40>", "\"\" while the door is free\n", "opaque seal[8]\n"})
+    for (const char* part :
+         {"fields\n    LockerId id\n", "string owner<40>", "\"\" while the door is free\n", "opaque seal[8]\n"})
         EXPECT_NE(record.find(part), std::string::npos) << part << "\nis missing in\n" << record;
 }
 
@@ -113,7 +115,8 @@ TEST(Names, a_description_as_json)
         const char* value;
     } cases[] = {
         {types::DoorState, "/kind", R"("enum")"},
-        {types::DoorState, "/enumerators/2", R"({"name":"DSjammed","value":3,"doc":"neither sensor switch is pressed"})"},
+        {types::DoorState, "/enumerators/2",
+         R"({"name":"DSjammed","value":3,"doc":"neither sensor switch is pressed"})"},
         {types::DoorState, "/enumerators/0", R"({"name":"DSopen","value":0})"},
         {types::DoorState, "/leastOnWire", "4"},
         {types::Key, "/kind", R"("bytes")"},
@@ -121,7 +124,8 @@ TEST(Names, a_description_as_json)
         {types::Picture, "/kind", R"("bytes")"},
         {types::Locker, "/fields/0", R"({"name":"id","form":"single","type":"LockerId","offset":0})"},
         {types::Locker, "/fields/1", R"({"name":"code","form":"vector","type":"ShortNatural","number":10,"offset":4})"},
-        {types::Locker, "/fields/3", R"({"name":"owner","form":"string","maximum":40,"offset":24,"doc":"\"\" while the door is free"})"},
+        {types::Locker, "/fields/3",
+         R"({"name":"owner","form":"string","maximum":40,"offset":24,"doc":"\"\" while the door is free"})"},
         {types::EventUnion, "/provisional", R"("numbers until the station's makers agree on them")"},
         {types::EventUnion, "/discriminant", R"({"name":"number","form":"single","type":"Integer32","offset":0})"},
         {types::EventUnion, "/hasDefault", "true"},
@@ -134,7 +138,8 @@ TEST(Names, a_description_as_json)
     for (const auto& expected : cases) {
         const Json json = descriptionJson(expected.type, Catalogue());
         const Json::json_pointer pointer(expected.pointer);
-        EXPECT_EQ(json.contains(pointer) ? json.at(pointer).dump() : "nothing", expected.value) << expected.type.name << expected.pointer;
+        EXPECT_EQ(json.contains(pointer) ? json.at(pointer).dump() : "nothing", expected.value)
+            << expected.type.name << expected.pointer;
     }
 }
 

@@ -2,14 +2,15 @@
 // out was written by somebody: replay <FILE of messages>, as `digest --messages` prints them.
 //
 // It needs nothing but the library and C's, so that a build with all of its code instrumented is small: MemorySanitizer
-// believes memory unwritten that code without instrumentation wrote. Under valgrind, it asks valgrind; otherwise nobody.
+// believes memory unwritten that code without instrumentation wrote. Under valgrind, it asks valgrind; otherwise
+// nobody.
 
 #include <quorvapixdr/codec.h>
 
+#include <dlfcn.h>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
-#include <dlfcn.h>
 
 #ifdef __has_feature
 #if __has_feature(memory_sanitizer)
@@ -66,7 +67,10 @@ void replay(XdrRoutine routine, std::size_t size, std::span<unsigned char> messa
     }
 }
 
-unsigned nibble(char digit) { return static_cast<unsigned>(digit <= '9' ? digit - '0' : digit - 'a' + 10); }
+unsigned nibble(char digit)
+{
+    return static_cast<unsigned>(digit <= '9' ? digit - '0' : digit - 'a' + 10);
+}
 
 }  // namespace
 

@@ -1,5 +1,5 @@
-// Vectors, counted blocks and optional values: RFC 4506 sections 4.12, 4.13 and 4.19 by hand, and what stays behind when
-// a pass stops half-way.
+// Vectors, counted blocks and optional values: RFC 4506 sections 4.12, 4.13 and 4.19 by hand, and what stays behind
+// when a pass stops half-way.
 
 #include "codec_tools.h"
 #include "memory.h"
@@ -83,9 +83,22 @@ TEST(Arrays, decode)
         {"at the maximum", labels<2>, "00000002 00000000 00000000", true, 12, 2, {"", ""}, 3},
         {"beyond it the count is stored and nothing allocated", labels<2>, "00000003 00000000", false, 4, 3, {}, 0},
         {"the message ends in the count", labels<2>, "0000", false, 0, 0, {}, 0},
-        {"elements that were not reached are empty", labels<4>, "00000004 00000001 41000000 00000002", false, 16, 4,
-         {"A", "", nullptr, nullptr}, 3},
-        {"so is one that was begun and got nothing", labels<4>, "00000003 00000000", false, 8, 3, {"", nullptr, nullptr}, 2},
+        {"elements that were not reached are empty",
+         labels<4>,
+         "00000004 00000001 41000000 00000002",
+         false,
+         16,
+         4,
+         {"A", "", nullptr, nullptr},
+         3},
+        {"so is one that was begun and got nothing",
+         labels<4>,
+         "00000003 00000000",
+         false,
+         8,
+         3,
+         {"", nullptr, nullptr},
+         2},
         {"so are all when none was begun", labels<4>, "00000002", false, 4, 2, {nullptr, nullptr}, 1},
     };
     for (const auto& expected : cases) {
@@ -218,7 +231,8 @@ TEST(Vectors, counts)
         xdrs.Program(requestOf(mode), buffer.data(), 8);
         EXPECT_EQ(XdrVector(&xdrs, nullptr, 0, 4, XdrLongNatural), 1);
         EXPECT_EQ(xdrs.codedLength, 0);
-        EXPECT_EQ(XdrVector(&xdrs, buffer.data(), 65536, 0, XdrVoid), 0) << "counts have 16 bits; a larger one is refused";
+        EXPECT_EQ(XdrVector(&xdrs, buffer.data(), 65536, 0, XdrVoid), 0)
+            << "counts have 16 bits; a larger one is refused";
         EXPECT_EQ(XdrVector(&xdrs, buffer.data(), 65535, 0, XdrVoid), 1);
     }
 }
@@ -247,9 +261,7 @@ TEST(Optional, decode)
         EXPECT_EQ(done.succeeded, expected.succeeded);
         EXPECT_EQ(allocations(), expected.allocated);
         ASSERT_EQ(held != nullptr, expected.allocated > 0);
-        if (held) {
-            EXPECT_STREQ(*held, expected.left);
-        }
+        if (held) { EXPECT_STREQ(*held, expected.left); }
         EXPECT_TRUE(pass(Mode::release, optionalLabel, &held, {}).succeeded);
         EXPECT_EQ(liveBlocks(), 0);
     }
@@ -312,7 +324,8 @@ TEST(Lists, lookInTheTrace)
         const char* decoded;
         const char* encoded;
     } cases[] = {
-        {"AttributeSeq", XdrAttributeSeq, "<l>\n  <value>1</value>\n  <value>2</value>\n  <value>99</value>\n</l>", "<l>1 2 99</l>"},
+        {"AttributeSeq", XdrAttributeSeq, "<l>\n  <value>1</value>\n  <value>2</value>\n  <value>99</value>\n</l>",
+         "<l>1 2 99</l>"},
         {"JobSourceSeq", XdrJobSourceSeq,
          "<l>\n  <value><JSFileCabinet>1</JSFileCabinet></value>\n  <value><JSPrint>2</JSPrint></value>\n"
          "  <value><Error_in_Function>99</Error_in_Function></value>\n</l>",
@@ -331,7 +344,8 @@ TEST(Lists, lookInTheTrace)
     }
 }
 
-// Blocks of numbers are moved the fastest way that the processor has for their length. The bytes are those of one at a time.
+// Blocks of numbers are moved the fastest way that the processor has for their length. The bytes are those of one at a
+// time.
 TEST(Lists, ofEveryLength)
 {
     for (std::uint16_t count = 0; count < 70; ++count) {
@@ -346,7 +360,8 @@ TEST(Lists, ofEveryLength)
         EXPECT_TRUE(runPass(Mode::encode, XdrAttributeSeq, &sent, message.span()).succeeded);
         EXPECT_TRUE(std::ranges::equal(message.span(), expected)) << count;
         EXPECT_TRUE(runPass(Mode::decode, XdrAttributeSeq, &received, message.span()).succeeded);
-        EXPECT_TRUE(std::equal(numbers.begin(), numbers.end(), received.elements, received.elements + received.count)) << count;
+        EXPECT_TRUE(std::equal(numbers.begin(), numbers.end(), received.elements, received.elements + received.count))
+            << count;
         releaseContents(XdrAttributeSeq, &received);
     }
 }

@@ -1,4 +1,5 @@
-// The scalar primitives: bytes after RFC 4506 sections 4.1 to 4.6 written out by hand, and where this API departs from it.
+// The scalar primitives: bytes after RFC 4506 sections 4.1 to 4.6 written out by hand, and where this API departs from
+// it.
 
 #include "codec_tools.h"
 #include "memory.h"
@@ -19,7 +20,7 @@ namespace {
 struct Scalar {
     const char* why;
     XdrRoutine routine;
-    Bytes memory;       // the value after decoding, and before encoding
+    Bytes memory;  // the value after decoding, and before encoding
     const char* wire;
     const char* shown;
     bool bothWays = true;  // encoding `memory` gives `wire`; false where decoding drops something
@@ -37,15 +38,18 @@ const Scalar scalars[] = {
     {"UINT is shown as if signed, as its receivers have always read it", XdrUINT, memoryOf(std::uint32_t{0xFFFFFFFF}),
      "FFFFFFFF", "-1"},
     {"16 bits are sign-extended", XdrInteger, memoryOf(std::int16_t{-1}), "FFFFFFFF", "-1"},
-    {"decoding keeps the low 16 bits and shows the unit", XdrInteger, memoryOf(std::int16_t{5}), "00010005", "65541", false},
-    {"16 bits are zero-extended", XdrNatural, memoryOf(std::uint16_t{65535}), "0000FFFF", "65535"},
-    {"decoding keeps the low 16 bits and shows the unit", XdrNatural, memoryOf(std::uint16_t{1}), "FFFF0001", "4294901761",
+    {"decoding keeps the low 16 bits and shows the unit", XdrInteger, memoryOf(std::int16_t{5}), "00010005", "65541",
      false},
-    {"8 bits are zero-extended although signed: -1 travels as 255", XdrShortInteger, memoryOf(std::int8_t{-1}), "000000FF",
-     "255"},
-    {"the sign that others extend is dropped, but shown", XdrShortInteger, memoryOf(std::int8_t{-1}), "FFFFFFFF", "-1", false},
+    {"16 bits are zero-extended", XdrNatural, memoryOf(std::uint16_t{65535}), "0000FFFF", "65535"},
+    {"decoding keeps the low 16 bits and shows the unit", XdrNatural, memoryOf(std::uint16_t{1}), "FFFF0001",
+     "4294901761", false},
+    {"8 bits are zero-extended although signed: -1 travels as 255", XdrShortInteger, memoryOf(std::int8_t{-1}),
+     "000000FF", "255"},
+    {"the sign that others extend is dropped, but shown", XdrShortInteger, memoryOf(std::int8_t{-1}), "FFFFFFFF", "-1",
+     false},
     {"8 bits unsigned", XdrShortNatural, memoryOf(std::uint8_t{200}), "000000C8", "200"},
-    {"decoding keeps the low 8 bits and shows the unit", XdrShortNatural, memoryOf(std::uint8_t{2}), "00000102", "258", false},
+    {"decoding keeps the low 8 bits and shows the unit", XdrShortNatural, memoryOf(std::uint8_t{2}), "00000102", "258",
+     false},
     {"false", XdrBoolean, memoryOf(Boolean{0}), "00000000", "false"},
     {"true", XdrBoolean, memoryOf(Boolean{1}), "00000001", "true"},
     {"a boolean is its low byte, which is kept as it came", XdrBoolean, memoryOf(Boolean{2}), "00000002", "true"},

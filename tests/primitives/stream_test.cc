@@ -16,9 +16,19 @@ TEST(Stream, transfer)
         std::size_t room;
         bool moved;
         const char* wire;
-    } cases[] = {{0, 8, true, ""}, {1, 8, true, "01"}, {2, 8, true, "0201"}, {3, 8, true, "030201"}, {4, 8, true, "04030201"},
-                 {5, 8, true, "05040302 01"}, {8, 8, true, "08070605 04030201"}, {8, 7, false, ""}, {2, 1, false, ""},
-                 {2, 2, true, "0201"}, {4, 4, true, "04030201"}, {4, 3, false, ""}, {1, 0, false, ""}};
+    } cases[] = {{0, 8, true, ""},
+                 {1, 8, true, "01"},
+                 {2, 8, true, "0201"},
+                 {3, 8, true, "030201"},
+                 {4, 8, true, "04030201"},
+                 {5, 8, true, "05040302 01"},
+                 {8, 8, true, "08070605 04030201"},
+                 {8, 7, false, ""},
+                 {2, 1, false, ""},
+                 {2, 2, true, "0201"},
+                 {4, 4, true, "04030201"},
+                 {4, 3, false, ""},
+                 {1, 0, false, ""}};
     for (const auto& expected : cases) {
         SCOPED_TRACE(std::to_string(expected.size) + " within " + std::to_string(expected.room));
         Bytes value = bytesOf("01020304 05060708"), wire(9, 0x55), back(8, 0x77);
@@ -38,7 +48,8 @@ TEST(Stream, transfer)
 TEST(Stream, movesOneBehindTheOther)
 {
     for (const auto mode : {Mode::encode, Mode::decode}) {
-        Bytes wire = bytesOf("0102 AABBCC 00000007"), value = bytesOf("0201"), raw = bytesOf("AABBCC"), unit = bytesOf("07000000");
+        Bytes wire = bytesOf("0102 AABBCC 00000007"), value = bytesOf("0201"), raw = bytesOf("AABBCC"),
+              unit = bytesOf("07000000");
         const Bytes whole = wire, values[] = {value, raw, unit};
         Bytes& cleared = mode == Mode::encode ? wire : raw;
         cleared.assign(cleared.size(), 0);
@@ -81,8 +92,16 @@ TEST(Stream, withoutBufferOrTrace)
     }
     EXPECT_FALSE(xdrs.Transfer(bytes, 4));
     const auto all = [&] {
-        xdrs.addOpenTag("a"); xdrs.addString("<value>"); xdrs.addTab(); xdrs.addString2("1"); xdrs.addString3("b");
-        xdrs.addHexDump(bytes, 2); xdrs.addLine(); xdrs.setLineFeed(false); xdrs.delTab(); xdrs.addString("</value>");
+        xdrs.addOpenTag("a");
+        xdrs.addString("<value>");
+        xdrs.addTab();
+        xdrs.addString2("1");
+        xdrs.addString3("b");
+        xdrs.addHexDump(bytes, 2);
+        xdrs.addLine();
+        xdrs.setLineFeed(false);
+        xdrs.delTab();
+        xdrs.addString("</value>");
         xdrs.addCloseTag("a");
     };
     all();

@@ -62,7 +62,8 @@ const Decoded byteArrays[] = {
     {"count, bytes, padding", byteArray<40>, "00000003 41424300", true, 8, "414243"},
     {"a count of zero allocates nothing", byteArray<40>, "00000000", true, 4, nullptr, 0},
     {"a maximum is reached", byteArray<3>, "00000003 41424300", true, 8, "414243"},
-    {"a count beyond the maximum is stored before it is judged", byteArray<2>, "00000003 41424300", false, 4, nullptr, 0},
+    {"a count beyond the maximum is stored before it is judged", byteArray<2>, "00000003 41424300", false, 4, nullptr,
+     0},
     {"a count is its low 16 bits, which alone are judged", byteArray<2>, "00010001 41000000", true, 8, "41"},
     {"what did not come is empty, never what the storage held", byteArray<40>, "00000003 4142", false, 4, "000000"},
     {"nor is it kept without its padding", byteArray<40>, "00000003 414243", false, 7, "000000"},
@@ -98,9 +99,7 @@ TEST(Strings, largestLength)
         char* string = nullptr;
         EXPECT_FALSE(pass(Mode::decode, text<65535>, &string, message.span()).succeeded);
         EXPECT_GT(largestAllocation(), 0x7FFFFFFCu) << "allocated before judged";
-        if (string) {
-            EXPECT_STREQ(string, "");
-        }
+        if (string) { EXPECT_STREQ(string, ""); }
         EXPECT_TRUE(pass(Mode::release, text<65535>, &string, {}).succeeded);
         EXPECT_EQ(liveBlocks(), 0);
     }
@@ -139,7 +138,8 @@ TEST(Strings, encode)
         EXPECT_EQ(done.succeeded, expected.succeeded);
         EXPECT_EQ(copy, expected.string);
         EXPECT_EQ(hexOf(std::span(buffer).first(done.length)), expected.wire);
-        for (std::size_t i = done.length; i < buffer.size(); ++i) ASSERT_EQ(buffer[i], 0x55) << "written beyond the length";
+        for (std::size_t i = done.length; i < buffer.size(); ++i)
+            ASSERT_EQ(buffer[i], 0x55) << "written beyond the length";
     }
     char* none = nullptr;
     Bytes buffer(80);
@@ -174,9 +174,7 @@ TEST(ByteArrays, decode)
         EXPECT_EQ(allocations(), expected.allocated);
         EXPECT_EQ(bytes.count, message.span()[3]);
         EXPECT_EQ(bytes.elements != nullptr, expected.left != nullptr);
-        if (expected.left && bytes.elements) {
-            EXPECT_EQ(hexOf({bytes.elements, bytes.count}), expected.left);
-        }
+        if (expected.left && bytes.elements) { EXPECT_EQ(hexOf({bytes.elements, bytes.count}), expected.left); }
         const auto before = bytes;
         EXPECT_EQ(pass(Mode::release, expected.routine, &bytes, {}).succeeded,
                   expected.allocated > 0 || bytes.count == 0);

@@ -172,18 +172,14 @@ TEST(TraceText, layoutAndPath)
         SCOPED_TRACE(expected.why);
         TraceText trace;
         expected.add(trace);
-        if (expected.text) {
-            EXPECT_EQ(trace.text(), expected.text);
-        }
+        if (expected.text) { EXPECT_EQ(trace.text(), expected.text); }
         EXPECT_EQ(trace.path(), expected.path);
         trace.clear();
         EXPECT_EQ(trace.text(), "");
         EXPECT_EQ(trace.path(), "");
         expected.add(trace);
         EXPECT_EQ(trace.path(), expected.path) << "a new text";
-        if (expected.text) {
-            EXPECT_EQ(trace.text(), expected.text) << "a new text";
-        }
+        if (expected.text) { EXPECT_EQ(trace.text(), expected.text) << "a new text"; }
     }
 }
 
@@ -198,19 +194,23 @@ TEST(TraceText, escapes)
         {"C:\\temp", "C:\\\\temp"},
         {"a\nb\rc\td", "a\\nb\\rc\\td"},
         {"\x01\x1f\x7f", "\\x01\\x1f\\x7f"},
-        {"Gr\xC3\xB6\xC3\x9F" "e", "Gr\xC3\xB6\xC3\x9F" "e"},
+        {"Gr\xC3\xB6\xC3\x9F"
+         "e",
+         "Gr\xC3\xB6\xC3\x9F"
+         "e"},
         {"\xF0\x9F\x96\xA8", "\xF0\x9F\x96\xA8"},
-        {"\xC3", "\\xc3"},                      // ends within a character
-        {"\xC0\xAF", "\\xc0\\xaf"},             // overlong
-        {"\xE0\x80\xAF", "\\xe0\\x80\\xaf"},    // overlong
-        {"\xED\xA0\x80", "\\xed\\xa0\\x80"},    // a surrogate
+        {"\xC3", "\\xc3"},                             // ends within a character
+        {"\xC0\xAF", "\\xc0\\xaf"},                    // overlong
+        {"\xE0\x80\xAF", "\\xe0\\x80\\xaf"},           // overlong
+        {"\xED\xA0\x80", "\\xed\\xa0\\x80"},           // a surrogate
         {"\xF4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"},  // beyond the last character
-        {"\xEF\xBF\xBE", "\\xef\\xbf\\xbe"},    // U+FFFE, which XML has not
-        {"\xC2\x85", "\\xc2\\x85"},             // a control character
+        {"\xEF\xBF\xBE", "\\xef\\xbf\\xbe"},           // U+FFFE, which XML has not
+        {"\xC2\x85", "\\xc2\\x85"},                    // a control character
         {"\xFF\xFE", "\\xff\\xfe"},
         // The first and the last character of each length, and those beside the gaps.
         {"\xC2\xA0\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF", "\xC2\xA0\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF"},
-        {"\xEE\x80\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBD", "\xEE\x80\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBD"},
+        {"\xEE\x80\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBD",
+         "\xEE\x80\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBD"},
         {"\xC2\x9F\xC1\xBF", "\\xc2\\x9f\\xc1\\xbf"},
         {"\xE0\x9F\xBF\xF0\x8F\xBF\xBF", "\\xe0\\x9f\\xbf\\xf0\\x8f\\xbf\\xbf"},
         {"\xED\xBF\xBF\xEF\xBF\xBF\xF5\x80\x80\x80", "\\xed\\xbf\\xbf\\xef\\xbf\\xbf\\xf5\\x80\\x80\\x80"},

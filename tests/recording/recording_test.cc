@@ -23,9 +23,9 @@ const struct {
     XdrRoutine routine;
     std::size_t size;
 } types[] = {
-    {"Colour", XdrColour, sizeof(Colour)}, {"Id", XdrId, sizeof(Id)}, {"IdSeq", XdrIdSeq, sizeof(IdSeq)},
-    {"Name", XdrName, sizeof(Name)}, {"Seal", XdrSeal, sizeof(Seal)}, {"Blob", XdrBlob, sizeof(Blob)},
-    {"Pair", XdrPair, sizeof(Pair)}, {"Next", XdrNext, sizeof(Next)}, {"Point", XdrPoint, sizeof(Point)},
+    {"Colour", XdrColour, sizeof(Colour)},    {"Id", XdrId, sizeof(Id)},       {"IdSeq", XdrIdSeq, sizeof(IdSeq)},
+    {"Name", XdrName, sizeof(Name)},          {"Seal", XdrSeal, sizeof(Seal)}, {"Blob", XdrBlob, sizeof(Blob)},
+    {"Pair", XdrPair, sizeof(Pair)},          {"Next", XdrNext, sizeof(Next)}, {"Point", XdrPoint, sizeof(Point)},
     {"Scalars", XdrScalars, sizeof(Scalars)}, {"Held", XdrHeld, sizeof(Held)}, {"Shape", XdrShape, sizeof(Shape)},
     {"Event", XdrEvent, sizeof(Event)},
 };
@@ -95,9 +95,9 @@ TEST(Recording, narrowValuesAreStoredBack)
         XdrRoutine routine;
         std::uint32_t left;
     } cases[] = {
-        {"Integer", XdrInteger, 0x55553344}, {"Natural", XdrNatural, 0x55553344}, {"Boolean", XdrBoolean, 0x55555544},
-        {"ShortInteger", XdrShortInteger, 0x55555544}, {"ShortNatural", XdrShortNatural, 0x55555544},
-        {"LongNatural", XdrLongNatural, 0x11223344},
+        {"Integer", XdrInteger, 0x55553344},           {"Natural", XdrNatural, 0x55553344},
+        {"Boolean", XdrBoolean, 0x55555544},           {"ShortInteger", XdrShortInteger, 0x55555544},
+        {"ShortNatural", XdrShortNatural, 0x55555544}, {"LongNatural", XdrLongNatural, 0x11223344},
     };
     meddling = true;
     for (const auto& expected : cases) {

@@ -63,11 +63,12 @@ inline void setUnit(std::span<unsigned char> bytes, std::size_t at, std::uint32_
     for (std::size_t i = 4; i-- > 0; unit >>= 8) bytes[at + i] = static_cast<unsigned char>(unit);
 }
 
-// A copy of `bytes` that ends where its storage does, so that the address sanitizer sees the first byte too many, and that
-// starts at an odd address, as a message behind somebody's header may.
+// A copy of `bytes` that ends where its storage does, so that the address sanitizer sees the first byte too many, and
+// that starts at an odd address, as a message behind somebody's header may.
 class Message {
 public:
-    explicit Message(std::span<const unsigned char> bytes) : length(bytes.size()), storage(new unsigned char[1 + length])
+    explicit Message(std::span<const unsigned char> bytes)
+        : length(bytes.size()), storage(new unsigned char[1 + length])
     {
         std::copy(bytes.begin(), bytes.end(), storage.get() + 1);
     }

@@ -107,12 +107,30 @@ Watch::~Watch()
     watching = false;
 }
 
-long liveBlocks() { return live; }
-long allocations() { return seen; }
-std::size_t largestAllocation() { return largest; }
-std::size_t allocatedBytes() { return total; }
-void* lastBlock() { return last; }
-long mismatchedReleases() { return std::exchange(mismatched, 0); }
+long liveBlocks()
+{
+    return live;
+}
+long allocations()
+{
+    return seen;
+}
+std::size_t largestAllocation()
+{
+    return largest;
+}
+std::size_t allocatedBytes()
+{
+    return total;
+}
+void* lastBlock()
+{
+    return last;
+}
+long mismatchedReleases()
+{
+    return std::exchange(mismatched, 0);
+}
 
 }  // namespace quorva::test
 
@@ -125,19 +143,49 @@ long mismatchedReleases() { return std::exchange(mismatched, 0); }
 #endif
 #endif
 
-OPERATOR void* operator new(std::size_t size) { return allocateOrThrow(size, Shape::scalar); }
-OPERATOR void* operator new[](std::size_t size) { return allocateOrThrow(size, Shape::array); }
-OPERATOR void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return allocateOrNull(size, Shape::scalar); }
-OPERATOR void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return allocateOrNull(size, Shape::array); }
-OPERATOR void operator delete(void* block) noexcept { release(block, Shape::scalar); }
-OPERATOR void operator delete[](void* block) noexcept { release(block, Shape::array); }
-OPERATOR void operator delete(void* block, std::size_t) noexcept { release(block, Shape::scalar); }
-OPERATOR void operator delete[](void* block, std::size_t) noexcept { release(block, Shape::array); }
-OPERATOR void operator delete(void* block, const std::nothrow_t&) noexcept { release(block, Shape::scalar); }
-OPERATOR void operator delete[](void* block, const std::nothrow_t&) noexcept { release(block, Shape::array); }
+OPERATOR void* operator new(std::size_t size)
+{
+    return allocateOrThrow(size, Shape::scalar);
+}
+OPERATOR void* operator new[](std::size_t size)
+{
+    return allocateOrThrow(size, Shape::array);
+}
+OPERATOR void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return allocateOrNull(size, Shape::scalar);
+}
+OPERATOR void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    return allocateOrNull(size, Shape::array);
+}
+OPERATOR void operator delete(void* block) noexcept
+{
+    release(block, Shape::scalar);
+}
+OPERATOR void operator delete[](void* block) noexcept
+{
+    release(block, Shape::array);
+}
+OPERATOR void operator delete(void* block, std::size_t) noexcept
+{
+    release(block, Shape::scalar);
+}
+OPERATOR void operator delete[](void* block, std::size_t) noexcept
+{
+    release(block, Shape::array);
+}
+OPERATOR void operator delete(void* block, const std::nothrow_t&) noexcept
+{
+    release(block, Shape::scalar);
+}
+OPERATOR void operator delete[](void* block, const std::nothrow_t&) noexcept
+{
+    release(block, Shape::array);
+}
 
-// A text whose length a message gives as 4 GiB is asked for, and refused, under the address sanitizer too. DeallocateString
-// releases in another form than the decode allocates, as it always has.
+// A text whose length a message gives as 4 GiB is asked for, and refused, under the address sanitizer too.
+// DeallocateString releases in another form than the decode allocates, as it always has.
 extern "C" __attribute__((visibility("default"), weak)) const char* __asan_default_options();
 const char* __asan_default_options()
 {

@@ -1,5 +1,5 @@
-// A replacement of the allocation operators that counts, fills and fails on demand. It is part of every test binary that
-// links `test_support`, and serves the codec's shared library too. All counts are those of the calling thread.
+// A replacement of the allocation operators that counts, fills and fails on demand. It is part of every test binary
+// that links `test_support`, and serves the codec's shared library too. All counts are those of the calling thread.
 #pragma once
 
 #include <cstddef>
@@ -13,8 +13,8 @@ struct Scarcity {
 
     long from = never;   // the first that fails
     long until = never;  // the first behind it that succeeds again
-    // Failing nothrow operators come by their null from a std::bad_alloc of the throwing operator below them, as those of
-    // most programs do that replace the throwing ones alone.
+    // Failing nothrow operators come by their null from a std::bad_alloc of the throwing operator below them, as those
+    // of most programs do that replace the throwing ones alone.
     bool byException = false;
     std::size_t largest = std::numeric_limits<std::size_t>::max();  // bytes; longer blocks fail, too
 };

@@ -48,7 +48,8 @@ public:
     {
         run(way, Mode::release, {});
         const bool clean = liveBlocks() == 0 && mismatchedReleases() == 0;
-        return clean ? ::testing::AssertionSuccess() : ::testing::AssertionFailure() << liveBlocks() << " blocks are left";
+        return clean ? ::testing::AssertionSuccess()
+                     : ::testing::AssertionFailure() << liveBlocks() << " blocks are left";
     }
 
     // What an encode pass writes into `room` bytes, up to where it fails.
@@ -56,7 +57,8 @@ public:
     {
         const Message buffer{Bytes(room, 0x5A)};
         const Pass pass = run(Mode::encode, buffer.span());
-        for (std::size_t i = pass.length; i < room; ++i) EXPECT_EQ(buffer.span()[i], 0x5A) << "written beyond the length";
+        for (std::size_t i = pass.length; i < room; ++i)
+            EXPECT_EQ(buffer.span()[i], 0x5A) << "written beyond the length";
         return {buffer.span().begin(), buffer.span().begin() + static_cast<std::ptrdiff_t>(pass.length)};
     }
 

@@ -20,7 +20,8 @@ inline TraceText& deafTrace()
         Deaf()
         {
             const Watch watch(0);
-            for (int i = 0; trace.complete() && i < 100; ++i) trace.open("deaf");  // bounded, as memory may not be scarce
+            for (int i = 0; trace.complete() && i < 100; ++i)
+                trace.open("deaf");  // bounded, as memory may not be scarce
         }
     };
     thread_local Deaf deaf;

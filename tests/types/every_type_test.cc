@@ -21,8 +21,8 @@ using inspect::Extent;
 
 namespace {
 
-constexpr std::size_t roomy = 1000;   // bytes of a message for properties that look at a message once
-constexpr std::size_t handy = 240;    // and for those that run a pass for each of its bytes
+constexpr std::size_t roomy = 1000;  // bytes of a message for properties that look at a message once
+constexpr std::size_t handy = 240;   // and for those that run a pass for each of its bytes
 
 // A count that is damaged finds no memory: what it would leave takes too long to compare for every type.
 constexpr Scarcity granted{.largest = std::size_t{16} << 10};
@@ -57,7 +57,8 @@ protected:
     {
         std::vector<Bytes> made = {sampler.sample(type, {Extent::least, 0, budget}),
                                    sampler.sample(type, {Extent::fullest, 0, budget})};
-        for (std::uint64_t seed = 0; seed < seeds; ++seed) made.push_back(sampler.sample(type, {Extent::random, seed, budget}));
+        for (std::uint64_t seed = 0; seed < seeds; ++seed)
+            made.push_back(sampler.sample(type, {Extent::random, seed, budget}));
         return made;
     }
 };

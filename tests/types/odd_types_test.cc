@@ -146,14 +146,16 @@ TEST(OddTypes, areAsTheyAre)
                 ADD_FAILURE_AT(path.c_str(), expected.line) << expected.type << " (" << expected.why << ") " << fault;
 }
 
-// Texts that are refused, or whose trace is cut: there the whole elements of the trace leave off and the calls take over.
+// Texts that are refused, or whose trace is cut: there the whole elements of the trace leave off and the calls take
+// over.
 TEST(TracedTexts, atTheirBounds)
 {
     const struct {
         bool bounded;
         std::size_t characters, room, moved;
-    } cases[] = {{true, 40, 9000, 48}, {true, 41, 9000, 8}, {true, 40, 47, 8}, {true, 40, 7, 4}, {false, 4095, 9000, 4104},
-                 {false, 4096, 9000, 4104}, {false, 4097, 9000, 4108}, {false, 4097, 4107, 4105}};
+    } cases[] = {{true, 40, 9000, 48},      {true, 41, 9000, 8},       {true, 40, 47, 8},
+                 {true, 40, 7, 4},          {false, 4095, 9000, 4104}, {false, 4096, 9000, 4104},
+                 {false, 4097, 9000, 4108}, {false, 4097, 4107, 4105}};
     for (const auto& expected : cases) {
         std::string text(expected.characters, '#');
         AccessUnion access = {AccessKind::AKowner, {text.data()}};

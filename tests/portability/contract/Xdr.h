@@ -1,5 +1,5 @@
-// A stream that offers the contract and a place for the trace, and nothing that the codec could use beyond the contract:
-// every pass over it goes through the calls.
+// A stream that offers the contract and a place for the trace, and nothing that the codec could use beyond the
+// contract: every pass over it goes through the calls.
 #pragma once
 
 #include "../../../platform/trace_text.h"
@@ -21,16 +21,46 @@ public:
     bool Transfer(unsigned char* data, unsigned short size);
     bool TransferWithoutSwap(unsigned char* data, unsigned short size);
 
-    void addOpenTag(const char* name) { if (trace) trace->open(name); }
-    void addCloseTag(const char* name) { if (trace) trace->close(name); }
-    void addString(const char* text) { if (trace) trace->marker(text); }
-    void addString2(const char* text) { if (trace) trace->value(text); }
-    void addString3(const char* text) { if (trace) trace->value(text); }
-    void addHexDump(unsigned char* data, unsigned short size) { if (trace) trace->hexDump(data, size); }
-    void addTab() { if (trace) trace->indent(); }
-    void delTab() { if (trace) trace->outdent(); }
-    void addLine() { if (trace) trace->endLine(); }
-    void setLineFeed(bool on) { if (trace) trace->setLineFeed(on); }
+    void addOpenTag(const char* name)
+    {
+        if (trace) trace->open(name);
+    }
+    void addCloseTag(const char* name)
+    {
+        if (trace) trace->close(name);
+    }
+    void addString(const char* text)
+    {
+        if (trace) trace->marker(text);
+    }
+    void addString2(const char* text)
+    {
+        if (trace) trace->value(text);
+    }
+    void addString3(const char* text)
+    {
+        if (trace) trace->value(text);
+    }
+    void addHexDump(unsigned char* data, unsigned short size)
+    {
+        if (trace) trace->hexDump(data, size);
+    }
+    void addTab()
+    {
+        if (trace) trace->indent();
+    }
+    void delTab()
+    {
+        if (trace) trace->outdent();
+    }
+    void addLine()
+    {
+        if (trace) trace->endLine();
+    }
+    void setLineFeed(bool on)
+    {
+        if (trace) trace->setLineFeed(on);
+    }
 
     void setTrace(Trace* sink) { trace = sink; }
 

@@ -66,15 +66,51 @@ bool Xdr::Transfer(unsigned char* data, unsigned short size)
     return move(data, size, true);
 }
 
-bool Xdr::TransferWithoutSwap(unsigned char* data, unsigned short size) { return move(data, size, false); }
-void Xdr::addOpenTag(const char* name) { record("open", name); }
-void Xdr::addCloseTag(const char* name) { record("close", name); }
-void Xdr::addString(const char* text) { record("marker", text); }
-void Xdr::addString2(const char* text) { record("scalar", text); }
-void Xdr::addString3(const char* text) { record("text", text); }
-void Xdr::addHexDump(unsigned char* data, unsigned short size) { record("dump", hex(data, size)); }
-void Xdr::addTab() { record("tab"); }
-void Xdr::delTab() { record("untab"); }
-void Xdr::addLine() { record("line"); }
-void Xdr::setLineFeed(bool on) { record("feed", on ? "on" : "off"); }
-void TRACE(const char* format, ...) { record("TRACE", format); }
+bool Xdr::TransferWithoutSwap(unsigned char* data, unsigned short size)
+{
+    return move(data, size, false);
+}
+void Xdr::addOpenTag(const char* name)
+{
+    record("open", name);
+}
+void Xdr::addCloseTag(const char* name)
+{
+    record("close", name);
+}
+void Xdr::addString(const char* text)
+{
+    record("marker", text);
+}
+void Xdr::addString2(const char* text)
+{
+    record("scalar", text);
+}
+void Xdr::addString3(const char* text)
+{
+    record("text", text);
+}
+void Xdr::addHexDump(unsigned char* data, unsigned short size)
+{
+    record("dump", hex(data, size));
+}
+void Xdr::addTab()
+{
+    record("tab");
+}
+void Xdr::delTab()
+{
+    record("untab");
+}
+void Xdr::addLine()
+{
+    record("line");
+}
+void Xdr::setLineFeed(bool on)
+{
+    record("feed", on ? "on" : "off");
+}
+void TRACE(const char* format, ...)
+{
+    record("TRACE", format);
+}
