@@ -1,7 +1,7 @@
-// The bundled stream: one pass of one routine over a caller's buffer, with an optional trace.
+// The bundled stream class: a pass over a caller's buffer, with an optional trace.
 //
-// The codec asks of its stream class no more than the section "The contract" below; any class that keeps it can stand
-// in (see QUORVA_PLATFORM_DIR). What follows under "Beyond the contract" is used where the class has it.
+// The codec needs what the section "The contract" lists; any class that keeps the contract can replace this one (see
+// QUORVA_PLATFORM_DIR). The codec uses what follows under "Beyond the contract" where the class has it.
 #pragma once
 
 #include "trace_text.h"
@@ -13,7 +13,7 @@
 class Xdr {
 public:
     // ---- The contract -----------------------------------------------------------------------------------------------
-    // 1. The three fields stand first, in this order. The codec writes the slot, and reads the mode.
+    // 1. The three fields come first, in this order. The codec writes the slot and reads the mode.
     // 2. `Request` has the values 0 encode (memory to wire), 1 decode (wire to memory), 2 release (what a decode
     //    allocated); `streamMode` holds the same number from `Program` on.
     // 3. `codedLength` is the number of bytes moved since `Program`, in both directions.
@@ -26,13 +26,13 @@ public:
     unsigned short codedLength = 0;
     std::int32_t streamMode = encode;
 
-    // An idle stream. It collects a trace when a ScopedTrace stands in this thread.
+    // A stream that is not yet programmed. Its sink is that of the innermost ScopedTrace of this thread, if any.
     Xdr() noexcept : trace(ScopedTrace::current()) {}
     Xdr(const Xdr&) = delete;
     Xdr& operator=(const Xdr&) = delete;
 
-    // Starts a pass over `length` bytes at `buffer`, which stay the caller's and must outlive the pass. A null has
-    // none.
+    // Starts a pass over `length` bytes at `buffer`, which the caller owns and which must outlive the pass. A null
+    // buffer has no bytes.
     void Program(Request mode, unsigned char* buffer, unsigned short length) noexcept
     {
         streamMode = mode;
@@ -41,7 +41,7 @@ public:
         codedLength = 0;
     }
 
-    // Codes one value of `size` bytes at `data` in network byte order.
+    // Codes one value of `size` bytes at `data`, big-endian on the wire.
     bool Transfer(unsigned char* data, unsigned short size) noexcept
     {
         if (size != 4) return transferReversed(data, size);
@@ -55,7 +55,7 @@ public:
         return true;
     }
 
-    // Moves `size` bytes as they are; none is fine.
+    // Moves `size` bytes at `data` unchanged; 0 is fine.
     bool TransferWithoutSwap(unsigned char* data, unsigned short size) noexcept
     {
         if (limit - codedLength < size) return false;
@@ -113,17 +113,17 @@ public:
 
     using Trace = TraceText;
 
-    // Collects the trace of the passes to come in `sink`, which must outlive them; null collects none.
+    // Collects the trace of the following passes in `sink`, which must outlive them; null collects none.
     void setTrace(Trace* sink) noexcept { trace = sink; }
 
-    // True if a trace is collected; if not, the codec formats no text.
+    // True if a trace is collected. If not, the codec formats no text.
     bool tracing() const noexcept { return trace != nullptr; }
 
-    // What collects it, or null: the codec hands over names with their lengths, and numbers as numbers.
+    // The sink, or null. The codec adds names with their lengths, and numbers as numbers, to it directly.
     Trace* sink() const noexcept { return trace; }
 
-    // The next byte to move, the end of the buffer, and the way to say that everything up to `at` was moved. The codec
-    // moves bytes itself with these while no trace is collected.
+    // The next byte to move, the end of the buffer, and the function that sets the next byte. The codec moves bytes
+    // itself with these while no trace is collected.
     unsigned char* cursor() const noexcept { return bytes + codedLength; }
     unsigned char* end() const noexcept { return bytes + limit; }
     void moveTo(const unsigned char* at) noexcept { codedLength = static_cast<unsigned short>(at - bytes); }
@@ -144,7 +144,7 @@ private:
         return true;
     }
 
-    // Where a pass without a buffer stands. Nothing is read or written there.
+    // A valid address for a pass without a buffer. Nothing is read or written there.
     unsigned char* nowhere() noexcept { return reinterpret_cast<unsigned char*>(this); }
 
     unsigned char* bytes = nowhere();
@@ -152,9 +152,10 @@ private:
     Trace* trace;
 };
 
-// Diagnostic print, printf-like. Silent until a hook is set.
+// Diagnostic print, formats like printf. Prints nothing until a hook is set.
 void TRACE(const char* format, ...) __attribute__((format(printf, 1, 2)));
 
-// Receives each diagnostic as finished text (at most 511 characters), from the thread that printed it; null silences.
+// Receives each diagnostic as a formatted text of at most 511 characters, in the thread that printed it; null ends
+// that.
 using DiagnosticHook = void (*)(const char* text);
 void setDiagnosticHook(DiagnosticHook hook) noexcept;

@@ -1,4 +1,4 @@
-// The platform's diagnostic print, which goes nowhere until someone wants it.
+// The platform's diagnostic print.
 
 #include <Xdr.h>
 

@@ -1,4 +1,4 @@
-// Builds the trace text: tags and values go on the line of their parent until something asks for a line of its own.
+// Builds the trace text.
 
 #include "trace_text.h"
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-// Length of the well-formed UTF-8 sequence of a character that XML accepts at the beginning of `text`, or 0.
+// The length of the first character, if it is a well-formed UTF-8 sequence of a character that XML accepts; else 0.
 std::size_t wellFormed(std::string_view characters)
 {
     const auto* const text = reinterpret_cast<const unsigned char*>(characters.data());
@@ -25,7 +25,7 @@ std::size_t wellFormed(std::string_view characters)
     return (character & 0xFFFE) == 0xFFFE ? 0 : length;
 }
 
-// Printable characters but those that mean something in markup, and the backslash: shown as they are.
+// Printable characters that need no escape.
 constexpr std::array<bool, 256> isPlain = [] {
     std::array<bool, 256> plain{};
     for (std::size_t c = 0x20; c < 0x7F; ++c) plain[c] = c != '<' && c != '>' && c != '&' && c != '\\';
@@ -110,7 +110,7 @@ char* TraceText::escape(char* to, std::string_view& text) noexcept
 
 void TraceText::value(std::string_view text) noexcept
 {
-    char* to = room(1 + mostEscaped * text.size());
+    char* to = reserve(1 + maxEscaped * text.size());
     if (!to) return;
     to = startValue(to);
     while (!text.empty()) {
@@ -126,10 +126,10 @@ void TraceText::value(std::string_view text) noexcept
 
 void TraceText::hexDump(const unsigned char* data, std::size_t size) noexcept
 {
-    const bool rows = size > row;
+    const bool rows = size > bytesPerLine;
     while (size > 0) {
-        const std::size_t shown = size < row ? size : row;
-        char* to = room(1 + 3 * row);
+        const std::size_t shown = size < bytesPerLine ? size : bytesPerLine;
+        char* to = reserve(1 + 3 * bytesPerLine);
         if (!to) return;
         to = startValue(rows ? startLine(to) : to);
         for (std::size_t i = 0; i < shown; ++i) {
@@ -158,7 +158,7 @@ std::string TraceText::path() const
 
 void TraceText::clear() noexcept
 {
-    if (exhausted) {  // its limit was drawn in
+    if (exhausted) {  // `limit` is no longer the end of the memory
         ::operator delete[](first);
         first = limit = nullptr;
     }

@@ -9,11 +9,11 @@
 #include <string_view>
 
 // Collects the trace of one pass or of several in a row. After a successful pass every element is closed; after a
-// failed one the open elements are the path to the place where it stopped. Contents are escaped, so that no string or
-// byte of a message can end an element: markup as entities; bytes that are neither printable nor part of well-formed
-// UTF-8 as \n, \r, \t or \xHH, and the backslash itself doubled.
+// failed one the open elements are the path to the element that failed. Contents are escaped, so that no byte of a
+// message can end an element: markup as entities; bytes that are neither printable nor part of well-formed UTF-8 as \n,
+// \r, \t or \xHH; the backslash itself doubled.
 //
-// Running out of memory ends the collecting, never the pass: `complete()` is then false.
+// When memory runs out, the trace ends, but the pass goes on: `complete()` is then false.
 class TraceText {
 public:
     TraceText() noexcept = default;
@@ -21,8 +21,8 @@ public:
     TraceText(const TraceText&) = delete;
     TraceText& operator=(const TraceText&) = delete;
 
-    // Opens an element, on a line of its own unless setLineFeed(false) came before. The characters of the name are kept
-    // by address until the element is closed.
+    // Opens an element, on a new line unless setLineFeed(false) came before. The characters of `name` must stay valid
+    // until the element is closed.
     void open(std::string_view name) noexcept
     {
         char* const to = beginElement(name.size() + brackets);
@@ -32,10 +32,10 @@ public:
         blanks += indentWidth;
     }
 
-    // Closes the innermost element: on the line of its contents, or on a line of its own where a line began inside.
+    // Closes the innermost element: on the line of its contents, or on a new line if a line began inside.
     void close(std::string_view name) noexcept
     {
-        char* to = room(name.size() + brackets);
+        char* to = reserve(name.size() + brackets);
         if (!to) return;
         if (top != elements) {
             if (!top[-1].isMarker) blanks -= indentWidth;
@@ -44,18 +44,18 @@ public:
         written(putEndTag(to, name));
     }
 
-    // A line of markup of its own, "<value>" or "</value>", which counts as an element in `path()`. The characters of
-    // the first are kept by address until the second. `marker` takes either.
+    // Adds "<value>" or "</value>" on a new line; the two count as an element in `path()`. The characters of the first
+    // must stay valid until the second is added. `marker` takes either.
     void openMarker(std::string_view markup) noexcept
     {
-        char* const to = room(markup.size());
+        char* const to = reserve(markup.size());
         if (!to) return;
         written(put(startLine(to), markup));
         push(markup, (top == elements ? rootMarkers : top[-1].markers)++, true);
     }
     void closeMarker(std::string_view markup) noexcept
     {
-        char* to = room(markup.size());
+        char* to = reserve(markup.size());
         if (!to) return;
         if (top != elements && top[-1].isMarker && pop()) to = startLine(to);
         written(put(to, markup));
@@ -68,32 +68,32 @@ public:
             openMarker(markup);
     }
 
-    // The contents of the innermost element; two in a row are separated by a blank. A number is shown in decimal.
+    // Adds contents to the innermost element; a space separates two in a row. A number is shown in decimal.
     void value(std::string_view text) noexcept;
     void value(std::int64_t number) noexcept
     {
-        if (char* const to = room(mostDigits)) at = putNumber(startValue(to), number);
+        if (char* const to = reserve(maxDigits)) at = putNumber(startValue(to), number);
     }
 
-    // A whole element around a number, or around an element around a number: the same text as from open(), value() and
-    // close(), with setLineFeed(false) between them, at once. Most of a trace is such elements.
+    // Adds an element around a number, or around an element around a number, at once: the same text as from open(),
+    // setLineFeed(false), value() and close(). Most of a trace is such elements.
     void element(std::string_view name, std::int64_t number) noexcept
     {
-        char* const to = beginElement(2 * (name.size() + brackets) + mostDigits);
+        char* const to = beginElement(2 * (name.size() + brackets) + maxDigits);
         if (to) written(putEndTag(putNumber(putTag(to, name), number), name));
     }
     void element(std::string_view name, std::string_view inner, std::int64_t number) noexcept
     {
-        char* const to = beginElement(2 * (name.size() + inner.size() + 2 * brackets) + mostDigits);
+        char* const to = beginElement(2 * (name.size() + inner.size() + 2 * brackets) + maxDigits);
         if (!to) return;
         char* const end = putEndTag(putNumber(putTag(putTag(to, name), inner), number), inner);
         written(putEndTag(end, name));
     }
 
-    // Hexadecimal bytes, sixteen a line; up to sixteen stay on the line of their tag.
+    // Adds bytes in hexadecimal, sixteen a line; up to sixteen stay on the line of their tag.
     void hexDump(const unsigned char* data, std::size_t size) noexcept;
 
-    // Two blanks more, or less, at the beginning of each line to come.
+    // Indents the lines to come by two spaces more, or less.
     void indent() noexcept
     {
         if (++tabs > 0) blanks += indentWidth;
@@ -107,21 +107,20 @@ public:
     void setLineFeed(bool on) noexcept { lineFeed = on; }
     void endLine() noexcept { lineFeed = true; }
 
-    // The text so far, its lines separated by '\n', without one at the end. Valid until something is added.
+    // The text so far. Lines are separated by '\n'; the last has none. Valid until something is added.
     std::string_view text() const noexcept
     {
         const std::size_t lineEnd = used() > 0 && *first == '\n';
         return {first + lineEnd, used() - lineEnd};
     }
 
-    // The open elements from the outermost in, separated by '/'; an element of an array shows its index:
-    // "ids/value[2]".
+    // The open elements, outermost first, separated by '/'; an element of an array has its index: "ids/value[2]".
     std::string path() const;
 
-    // False once memory ran out: something is missing in the text.
+    // False once memory ran out: the text is then incomplete.
     bool complete() const noexcept { return !exhausted; }
 
-    // Forgets everything and starts anew. The memory stays for the next text.
+    // Removes text and open elements, and keeps the memory for the next text.
     void clear() noexcept;
 
 private:
@@ -130,20 +129,21 @@ private:
         std::uint32_t index;    // of a marker among its siblings
         std::uint32_t markers;  // opened in it so far
         bool isMarker;
-        bool parentHadLine;  // whether a line had begun in what it stands in
+        bool parentHadLine;  // true if a line had begun in the parent
     };
 
     static constexpr std::size_t indentWidth = 2;
-    static constexpr std::size_t usualBlanks = 32;  // at the beginning of a line, written in one step
-    static constexpr std::size_t brackets = 3;      // of a tag
-    static constexpr std::size_t mostEscaped = 5;   // characters that one character becomes
-    static constexpr std::size_t mostDigits = 20;   // of a number, with its sign
-    static constexpr std::size_t row = 16;          // bytes of a dump on a line
+    static constexpr std::size_t usualBlanks = 32;   // written at once, whatever the indentation
+    static constexpr std::size_t brackets = 3;       // of a tag
+    static constexpr std::size_t maxEscaped = 5;     // characters of an escaped character
+    static constexpr std::size_t maxDigits = 20;     // of a number, with its sign
+    static constexpr std::size_t bytesPerLine = 16;  // of a hex dump
 
     std::size_t used() const noexcept { return static_cast<std::size_t>(at - first); }
 
-    // Where to write the beginning of a line and `size` characters; null when there is no memory for them.
-    char* room(std::size_t size) noexcept
+    // Makes sure that the beginning of a line and `size` characters fit. Returns where to write them; null when memory
+    // is short.
+    char* reserve(std::size_t size) noexcept
     {
         const std::size_t all = size + blanks + usualBlanks + 1;
         return static_cast<std::size_t>(limit - at) >= all ? at : grow(all);
@@ -151,17 +151,17 @@ private:
     char* grow(std::size_t size) noexcept;
     void exhaust() noexcept;
 
-    // Where an element of `size` characters begins; null when there is no memory for it.
+    // Begins an element of at most `size` characters. Returns where to write it; null when memory is short.
     char* beginElement(std::size_t size) noexcept
     {
-        char* const to = room(size);
+        char* const to = reserve(size);
         return to && lineFeed ? startLine(to) : to;
     }
     char* startLine(char* to) noexcept
     {
         *to++ = '\n';
         if (blanks <= usualBlanks)
-            std::memset(to, ' ', usualBlanks);  // more than needed, but in one step
+            std::memset(to, ' ', usualBlanks);  // a fixed size is one step, and what follows overwrites the rest
         else
             std::memset(to, ' ', blanks);
         afterValue = false;
@@ -181,7 +181,7 @@ private:
         afterValue = false;
     }
 
-    // No line has begun yet in what the element contains.
+    // Opens an element, in which no line has begun.
     void push(std::string_view name, std::uint32_t index, bool isMarker) noexcept
     {
         if (top == topLimit && !growStack()) return;
@@ -189,7 +189,7 @@ private:
         hasLine = false;
     }
     bool growStack() noexcept;
-    // Returns true if a line began in the element that ends.
+    // Closes the innermost element. Returns true if a line had begun in it.
     bool pop() noexcept
     {
         const bool had = hasLine;
@@ -198,10 +198,10 @@ private:
         return had;
     }
 
-    // One character that is not plain, or the sequence of bytes that is one; takes it off `text`.
+    // Escapes the first character of `text`, which may be several bytes of UTF-8, and removes it from `text`.
     static char* escape(char* to, std::string_view& text) noexcept;
 
-    // Copies a short text in two steps of fixed size that may overlap, which beats a call where most texts are names.
+    // Copies a text, most often a name: two copies of fixed size that may overlap are faster than a call.
     static char* put(char* to, std::string_view text) noexcept
     {
         const std::size_t size = text.size();
@@ -235,15 +235,15 @@ private:
     }
     static char* putNumber(char* to, std::int64_t number) noexcept
     {
-        if (number < 0 || number > 9) return std::to_chars(to, to + mostDigits, number).ptr;
+        if (number < 0 || number > 9) return std::to_chars(to, to + maxDigits, number).ptr;
         *to = static_cast<char>('0' + number);
         return to + 1;
     }
 
-    char* first = nullptr;  // the text is [first, at), with a line's end before each line, even the first
+    char* first = nullptr;  // the text is [first, at), with a '\n' before each line, even the first
     char* at = nullptr;
     char* limit = nullptr;
-    std::size_t blanks = 0;  // at the beginning of a line
+    std::size_t blanks = 0;  // spaces at the beginning of a line
     Element* elements = nullptr;
     Element* top = nullptr;  // after the innermost open one
     Element* topLimit = nullptr;
@@ -251,12 +251,12 @@ private:
     std::uint32_t rootMarkers = 0;
     bool lineFeed = true;
     bool afterValue = false;
-    bool hasLine = false;  // whether a line began in the innermost open element
+    bool hasLine = false;  // true if a line began in the innermost open element
     bool exhausted = false;
 };
 
-// While it exists, every stream that this thread makes has the same sink: the way to the trace of passes that go
-// through the drivers, which make their own stream. Scopes nest.
+// Gives every stream that this thread makes during its lifetime the same sink. It collects the trace of passes through
+// the drivers, which make their own streams. Scopes nest.
 class ScopedTrace {
 public:
     explicit ScopedTrace(TraceText& sink) noexcept;
@@ -268,7 +268,7 @@ public:
     static TraceText* current() noexcept { return innermost; }
 
 private:
-    // Every stream looks at it when it is made; this way of reaching it costs no call.
+    // The constructor of every stream reads it; this model of thread-local storage needs no call.
     [[gnu::tls_model("initial-exec")]] static constinit thread_local TraceText* innermost;
 
     TraceText* outer;

@@ -1,5 +1,5 @@
-// Collections of one element type: arrays in place, counted blocks, optional values. The exported primitives code their
-// elements by a routine, the interpreter by a description; `Element` is the callable `bool(void*)` of either.
+// Fixed-length arrays, variable-length arrays and optional data. `Element` is a callable `bool(void*)` that codes one
+// element: the exported primitives call a routine in it, the interpreter follows a description.
 #pragma once
 
 #include <quorvaruntime/stream.h>
@@ -11,9 +11,9 @@
 
 namespace quorva {
 
-inline constexpr std::uint32_t mostElements = 65535;  // counts have 16 bits
+inline constexpr std::uint32_t maxElements = 65535;  // counts have 16 bits
 
-// The pointer at `place`, a `T**` of some element type.
+// Reads and writes the pointer at `place`, a `T**` for some element type `T`.
 inline void* load(const void* place)
 {
     void* pointer;
@@ -26,13 +26,14 @@ inline void store(void* place, void* pointer)
     std::memcpy(place, &pointer, sizeof pointer);
 }
 
-// `count` elements of `size` bytes, not cleared; null where memory is short or the size overflows.
+// Allocates `count` elements of `size` bytes, not cleared. Returns null when memory is short or the size overflows.
 inline void* newBlock(std::size_t count, std::size_t size)
 {
-    return size > SIZE_MAX / count ? nullptr : ::operator new[](count* size, std::nothrow);
+    if (size > SIZE_MAX / count) return nullptr;
+    return ::operator new[](count* size, std::nothrow);
 }
 
-// Most elements are numbers, for which a call would cost more than the work.
+// Most elements are numbers: a store of four bytes is cheaper than a call.
 inline void zero(void* at, std::size_t size)
 {
     if (size == 4)
@@ -41,8 +42,9 @@ inline void zero(void* at, std::size_t size)
         std::memset(at, 0, size);
 }
 
-// Codes `count` elements. Storage that the pass itself allocated is `fresh`: each element is zeroed just before it is
-// coded, and after a failure so are those that were not reached, so that a release pass finds nothing undefined.
+// Codes `count` elements of `size` bytes from `first` on; returns false at the first that fails. `fresh` says that this
+// pass allocated the storage: each element is zeroed just before it is coded, and after a failure the elements that
+// were not reached are zeroed, so that a release pass reads no uninitialised memory.
 template <class Element>
 bool codeElements(Xdr* xdrs, void* first, std::uint32_t count, std::size_t size, bool fresh, Element element)
 {
@@ -62,13 +64,15 @@ bool codeElements(Xdr* xdrs, void* first, std::uint32_t count, std::size_t size,
     return true;
 }
 
+// A fixed-length array of `count` elements of `size` bytes.
 template <class Element>
 bool codeVector(Xdr* xdrs, void* first, std::uint32_t count, std::size_t size, Element element)
 {
-    return count <= mostElements && codeElements(xdrs, first, count, size, false, element);
+    return count <= maxElements && codeElements(xdrs, first, count, size, false, element);
 }
 
-// `block` is the address of the pointer to the elements.
+// A variable-length array of at most `maximum` elements. `block` is the address of the pointer to them. Decoding stores
+// the count, cut to 16 bits, before it compares it with the maximum.
 template <class Element>
 bool codeArray(Xdr* xdrs, void* block, std::uint16_t* count, std::uint32_t maximum, std::size_t size, Element element)
 {
@@ -87,14 +91,14 @@ bool codeArray(Xdr* xdrs, void* block, std::uint16_t* count, std::uint32_t maxim
     void* const held = load(block);
     if (modeOf(xdrs) == Mode::encode) return held && codeElements(xdrs, held, *count, size, false, element);
 
-    // A count whose block could not be allocated is left by a decode that failed; there is nothing to release.
+    // A decode that could not allocate the block leaves a count without one: nothing to release.
     if (!held) return true;
     const bool result = codeElements(xdrs, held, *count, size, false, element);
     ::operator delete[](held);
     return result;
 }
 
-// `pointer` is the address of the pointer to the value.
+// Optional data of `size` bytes. `pointer` is the address of the pointer to it, null when absent.
 template <class Element>
 bool codeOptional(Xdr* xdrs, void* pointer, std::size_t size, Element value)
 {
@@ -102,7 +106,7 @@ bool codeOptional(Xdr* xdrs, void* pointer, std::size_t size, Element value)
     unsigned char present = held != nullptr;
     if (!XdrBoolean(xdrs, &present)) return false;
 
-    if (present != 1) {  // 2 and the like mean absent, too
+    if (present != 1) {  // any byte but 1 means absent
         store(pointer, nullptr);
         return true;
     }

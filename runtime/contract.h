@@ -1,4 +1,4 @@
-// Holds the stream class in use to its contract at compile time, one sentence for each thing that may be missing.
+// Checks the stream class against its contract at compile time, with one message for each operation that it may lack.
 #pragma once
 
 #include <Xdr.h>

@@ -1,4 +1,4 @@
-// The five entry points: each makes a stream, runs one routine over one object and, but for one, tears the stream down.
+// The five drivers: each makes a stream and runs one routine over one object.
 
 #include "contract.h"
 
@@ -13,7 +13,7 @@ namespace {
 
 constexpr unsigned short bufferLength = 1024;  // of every caller's buffer; part of the interface
 
-// A stream programmed for one pass, or null when there is no memory for it. What its constructor throws passes on.
+// Makes a stream for one pass; null when memory is short. Lets through what the constructor of the class throws.
 std::unique_ptr<Xdr> programmed(Mode mode, unsigned char* buffer)
 {
     std::unique_ptr<Xdr> xdrs(new (std::nothrow) Xdr);
@@ -38,7 +38,7 @@ void ClientsXdrDeserialize(XdrRoutine routine, void* object, unsigned char* buff
 
 int TestDeserialize(XdrRoutine routine, void* object, unsigned char* buffer)
 {
-    // The stream is given up on purpose: with it a null object's storage stays where its slot points.
+    // Never destroyed, by contract: the slot of the stream keeps the address of an object allocated for a null one.
     Xdr* const xdrs = programmed(Mode::decode, buffer).release();
     return xdrs ? routine(xdrs, object) : 0;
 }
@@ -50,6 +50,6 @@ void XdrDeallocate(XdrRoutine routine, void* object, unsigned char* buffer)
 
 void DeallocateString(char** string)
 {
-    // The scalar form without a size, as this entry point has always done: callers' own allocators count on it.
+    // The scalar form without a size is part of the interface: allocators of callers depend on it.
     ::operator delete(*string);
 }

@@ -1,4 +1,4 @@
-// Follows a description through the stream: one function for each form of type.
+// Follows a description: one function for each kind of type and for each step of a pass.
 
 #include "interpreter.h"
 
@@ -29,7 +29,7 @@ public:
         case TypeKind::discriminatedUnion: return discriminatedUnion(type, object, 0);
         case TypeKind::typeDefinition: break;
         }
-        return held(type.members[0].use, object);
+        return declared(type.members[0].use, object);
     }
 
     bool structure(const Type& type, void* object, std::size_t first)
@@ -63,7 +63,7 @@ public:
             if (isAddedAtOnce(type)) return addAtOnce(xdrs, name, type, place);
         }
         open(name);
-        if (!held(member.use, place)) return false;
+        if (!declared(member.use, place)) return false;
         close(name);
         return true;
     }
@@ -94,7 +94,7 @@ private:
         return number.moved;
     }
 
-    // A number in an element of its own, where the stream exposes its sink: most of a trace is such elements.
+    // True for a number in its own element, where the stream class exposes its sink: most of a trace is such elements.
     bool isAddedAtOnce(const Type& type) const
     {
         return ExposesSink<Xdr> && traced && mode != Mode::release &&
@@ -110,7 +110,7 @@ private:
                 xdrs->sink()->element(name, type.nameOf(static_cast<int>(number.shown)), number.shown);
             } else if (number.moved) {
                 xdrs->sink()->element(name, number.shown);
-            } else {  // the element of what failed is open, with the number as it was
+            } else {  // the element that failed stays open around the number, which did not change
                 xdrs->sink()->open(name);
                 if (!type.nameOf) xdrs->sink()->value(number.shown);
                 xdrs->setLineFeed(false);
@@ -119,7 +119,7 @@ private:
         return number.moved;
     }
 
-    // A value without an enumerator is no error: the peer may be newer.
+    // A value without an enumerator is not an error: the peer may be newer.
     bool enumeration(const Type& type, void* object)
     {
         std::int32_t number;
@@ -147,7 +147,8 @@ private:
         }
     }
 
-    bool held(const Use& use, void* place)
+    // Codes what a declaration declares.
+    bool declared(const Use& use, void* place)
     {
         const auto element = [this, type = use.type ? &canonical(*use.type) : nullptr](void* at) {
             return value(*type, at);
@@ -167,7 +168,7 @@ private:
         return true;
     }
 
-    // Every counted block is held as a `Counted<T>` or has the same two members.
+    // Every variable-length array is a `Counted<T>` or has the same two members.
     static std::uint16_t* countAt(void* place) { return static_cast<std::uint16_t*>(place); }
     static void* elementsAt(void* place)
     {
@@ -188,7 +189,7 @@ private:
     const bool traced;
 };
 
-// The unit that a discriminant is on the wire, as the object holds it.
+// The discriminant in `object`, as a unit of the wire.
 std::uint32_t discriminantUnit(const Type& type, const void* object)
 {
     const Member& discriminant = type.members[0];

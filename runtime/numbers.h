@@ -1,4 +1,4 @@
-// Numbers on their way between an object and the wire.
+// Codes numbers: between an object and a unit of the wire.
 #pragma once
 
 #include <quorvaruntime/stream.h>
@@ -10,15 +10,15 @@
 
 namespace quorva {
 
-// The result of moving one number: `moved` is false if the stream refused the unit; the trace shows `shown`.
+// The result of coding one number: `moved` is false if the stream refused the unit; the trace shows `shown`.
 struct MovedNumber {
     bool moved;
     std::int64_t shown;
 };
 
-// `Unit` is the 32-bit type that a value widens to on the wire; its sign decides how it widens. `Shown` is the type
-// that the number is shown as. The unit is stored back into the value in every mode and also after a refusal, when it
-// still is what the value was.
+// Codes the number at `value` in encode or decode mode. `Unit` is the 32-bit type that it widens to on the wire; the
+// signedness of `Unit` decides how. The trace shows the number as a `Shown`. The unit is stored back into the value in
+// both modes; after a refusal that leaves the value as it was.
 template <class Value, class Unit, class Shown = Unit>
 MovedNumber moveNumber(Xdr* xdrs, void* value)
 {
@@ -38,8 +38,8 @@ MovedNumber moveNumber(Xdr* xdrs, void* value)
     return {moved, static_cast<Shown>(unit)};
 }
 
-// A number of a built-in type other than Boolean and Float, which the trace does not show as numbers. Eight bits travel
-// and show without their sign: receivers have always read them so.
+// The same for a built-in type other than Boolean and Float, which the trace does not show as integers. Numbers of
+// eight bits are sent and shown without their sign: receivers expect that.
 inline MovedNumber moveNumber(Xdr* xdrs, Builtin type, void* value)
 {
     switch (type) {

@@ -1,21 +1,22 @@
-// Runs of bytes: opaque data, texts with a length, counted byte arrays.
+// Opaque data of fixed and variable length, and strings.
+
+#include "collections.h"
 
 #include <quorvaruntime/stream.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <string_view>
 
 using namespace quorva;
 
 namespace {
 
-// Characters of opaque data, strings among them, that the trace shows.
+// The trace shows at most this many characters of a string or of opaque data.
 constexpr std::size_t shownCharacters = 4096;
 
-// The bytes and their padding. `show` adds them to the trace in between.
+// Codes the bytes and their padding. Calls `show` with the number of bytes, to add them to the trace, in between.
 template <class Show>
 int codeOpaque(Xdr* xdrs, unsigned char* bytes, std::uint32_t length, Show show)
 {
@@ -28,7 +29,7 @@ int codeOpaque(Xdr* xdrs, unsigned char* bytes, std::uint32_t length, Show show)
         xdrs->setLineFeed(false);
     }
     unsigned char padding[4] = {};
-    return xdrs->TransferWithoutSwap(padding, static_cast<unsigned short>((4 - size % 4) % 4));
+    return xdrs->TransferWithoutSwap(padding, static_cast<unsigned short>(padded(size) - size));
 }
 
 template <class Stream>
@@ -45,7 +46,7 @@ void addText(Stream* xdrs, std::string_view shown)
 
 unsigned char* newBytes(std::size_t size)
 {
-    return static_cast<unsigned char*>(::operator new[](size, std::nothrow));
+    return static_cast<unsigned char*>(newBlock(size, 1));
 }
 
 }  // namespace
@@ -79,8 +80,8 @@ int XdrString(Xdr* xdrs, char** string, std::uint32_t maximum)
     case Mode::decode:
         if (!XdrLongNatural2(xdrs, &length)) return 0;
         if (std::size_t{length} + 1 == 0) return 0;  // only where a size has 32 bits
-        // The interface wants the storage before the length is judged. Only its ends are touched: an absurd length
-        // costs address space, and what a failure leaves behind is still a text.
+        // The interface requires the allocation before the check of the length. Only both ends of the block are
+        // written: a huge length costs address space alone, and a failed pass leaves a zero-terminated string.
         *string = reinterpret_cast<char*>(newBytes(std::size_t{length} + 1));
         if (!*string) return 0;
         (*string)[0] = '\0';
@@ -89,9 +90,10 @@ int XdrString(Xdr* xdrs, char** string, std::uint32_t maximum)
         break;
     }
 
+    // A length beyond 16 bits moves only as many bytes as its low 16 bits say.
     const auto carried = static_cast<unsigned short>(length);
     if (!XdrOpaque(xdrs, reinterpret_cast<unsigned char*>(*string), carried)) return 0;
-    // A length beyond 16 bits carries only its low part; what follows was written by nobody.
+    // The rest of the block is uninitialised.
     if (carried != length && modeOf(xdrs) == Mode::decode) (*string)[carried] = '\0';
     return 1;
 }
@@ -121,7 +123,7 @@ int XdrBytes(Xdr* xdrs, unsigned char** bytes, std::uint16_t* count, std::uint32
         break;
     }
     if (XdrOpaque2(xdrs, *bytes, *count)) return 1;
-    // What did not come was written by nobody, and the object may still be encoded or printed.
+    // The block is uninitialised, and the caller may still encode or show the object.
     if (modeOf(xdrs) == Mode::decode) std::memset(*bytes, 0, *count);
     return 0;
 }

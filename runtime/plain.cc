@@ -1,4 +1,4 @@
-// What plain functions share: strings, blocks, and the ways into a pass and out of it to the interpreter.
+// Building blocks of the plain functions that are not inline: strings, opaque data, and the way to the interpreter.
 
 #include "collections.h"
 #include "interpreter.h"
@@ -9,7 +9,7 @@ namespace quorva {
 
 namespace {
 
-// A stream that does not expose its buffer never runs a plain function.
+// Plain functions run only with a stream class that exposes its buffer; for any other these do nothing.
 template <class Stream>
 unsigned char* cursorOf(Stream* xdrs)
 {
@@ -48,7 +48,7 @@ void printFloat()
 
 namespace {
 
-// Copies bytes, most often a few: in two steps of fixed size that may overlap, which beats a call.
+// Copies bytes, most often a few: two copies of fixed size that may overlap are faster than a call.
 void copy(void* to, const void* from, std::size_t size)
 {
     auto* const out = static_cast<unsigned char*>(to);
@@ -69,7 +69,7 @@ void copy(void* to, const void* from, std::size_t size)
     }
 }
 
-// A length and the bytes; the padding is written first, so that the bytes overwrite what of it they reach.
+// Writes a length and the bytes. The last unit is cleared first: that is the padding once the bytes are in it.
 unsigned char* putBytes(unsigned char* at, const void* bytes, std::uint32_t length)
 {
     putUnit(at, length);
@@ -134,7 +134,7 @@ unsigned char* Encoder::refuse(unsigned char* at)
 
 namespace {
 
-// Bytes of a member in memory.
+// The bytes that a declaration takes in memory.
 std::size_t sizeOf(const Use& use)
 {
     switch (use.form) {
@@ -152,17 +152,17 @@ std::size_t sizeOf(const Use& use)
 
 }  // namespace
 
-unsigned char* Decoder::after(bool succeeded, void* defined)
+unsigned char* Decoder::after(bool succeeded, void* initialised)
 {
     if (succeeded) return cursorOf(xdrs);
-    stop = static_cast<unsigned char*>(defined);
+    stop = static_cast<unsigned char*>(initialised);
     return nullptr;
 }
 
-unsigned char* Decoder::refuse(unsigned char* at, void* defined)
+unsigned char* Decoder::refuse(unsigned char* at, void* initialised)
 {
     move(xdrs, at);
-    return after(false, defined);
+    return after(false, initialised);
 }
 
 void* Decoder::newElements(std::size_t count, std::size_t size)
@@ -170,11 +170,11 @@ void* Decoder::newElements(std::size_t count, std::size_t size)
     return newBlock(count, size);
 }
 
-unsigned char* Decoder::abandon(bool outer, void* blockEnd, void* defined)
+unsigned char* Decoder::abandon(bool outer, void* blockEnd, void* initialised)
 {
     std::memset(stop, 0, static_cast<std::size_t>(static_cast<unsigned char*>(blockEnd) - stop));
     fresh = outer;
-    stop = static_cast<unsigned char*>(defined);
+    stop = static_cast<unsigned char*>(initialised);
     return nullptr;
 }
 
@@ -201,7 +201,7 @@ unsigned char* Decoder::opaque(unsigned char* at, unsigned char*& bytes, std::ui
         count = static_cast<std::uint16_t>(getUnit(at));
         at += 4;
         if (count == 0) {
-            if (fresh) bytes = nullptr;  // else a count of 0 leaves the pointer as it is
+            if (fresh) bytes = nullptr;  // else a count of 0 leaves the pointer unchanged
             return at;
         }
         bytes = static_cast<unsigned char*>(newBlock(count, 1));
@@ -228,8 +228,8 @@ unsigned char* Decoder::rest(unsigned char* at, void* object, const Type& type, 
 {
     auto* const bytes = static_cast<unsigned char*>(object);
     if (fresh) {
-        const std::size_t defined = first == 0 ? 0 : type.members[first].offset;
-        std::memset(bytes + defined, 0, type.size - defined);
+        const std::size_t initialised = first == 0 ? 0 : type.members[first].offset;
+        std::memset(bytes + initialised, 0, type.size - initialised);
     }
     move(xdrs, at);
     return after(interpretFrom(xdrs, object, type, first), bytes + type.size);

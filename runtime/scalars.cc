@@ -1,4 +1,4 @@
-// The scalar primitives: one value, one unit of four bytes, one text.
+// The scalar primitives: each codes one value as one unit and adds one text to the trace.
 
 #include "numbers.h"
 
@@ -10,13 +10,13 @@ using namespace quorva;
 
 namespace {
 
-// The caller's value, or four zero bytes of our own for a null, whatever the value's width.
+// `value`, or four zero bytes allocated for a null, whatever the width of the value.
 void* valueAt(Xdr* xdrs, void* value)
 {
     return value ? value : newRoot(xdrs, 4);
 }
 
-// A number with its text.
+// Codes an integer and adds its text.
 int codeNumber(Xdr* xdrs, Builtin type, void* value)
 {
     if (modeOf(xdrs) == Mode::release) return 1;
@@ -29,7 +29,7 @@ int codeNumber(Xdr* xdrs, Builtin type, void* value)
     return number.moved;
 }
 
-// What printf makes of "%4.6f", without its decimal comma in some locales.
+// The text that printf makes of "%4.6f", but with a decimal point in every locale.
 class FloatText {
 public:
     explicit FloatText(float number)
@@ -45,7 +45,7 @@ public:
     const char* text() const { return digits; }
 
 private:
-    char digits[64] = {};  // at most 39 of them before the point; cleared for checkers that cannot see into to_chars
+    char digits[64] = {};  // at most 39 before the point; cleared, as MemorySanitizer cannot see that to_chars writes
 };
 
 }  // namespace

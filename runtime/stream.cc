@@ -1,4 +1,4 @@
-// What the runtime does with the stream in use beyond moving bytes.
+// Allocation of the object of a routine that was given none.
 
 #include <quorvaruntime/stream.h>
 

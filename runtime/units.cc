@@ -1,10 +1,10 @@
-// Moves blocks of 32-bit numbers: the bytes of each unit are turned, the fastest way that the processor has.
+// Copies blocks of 32-bit numbers between memory and the wire, with AVX2 where the processor has it.
 
 #include <quorvaruntime/plain.h>
 
 #if defined(__x86_64__) && __has_include(<sys/platform/x86.h>)
 #include <immintrin.h>
-#define _Bool bool  // the header's word, which not every compiler of C++ knows
+#define _Bool bool  // the header uses it; not every C++ compiler knows it
 #include <sys/platform/x86.h>
 #undef _Bool
 #define QUORVA_HAS_AVX2
@@ -15,7 +15,8 @@ namespace quorva {
 namespace {
 
 #ifdef QUORVA_HAS_AVX2
-// Eight units at a time, the last eight of them again where they are not a multiple. At least eight.
+// Swaps eight units at a time; `count` is at least eight. Where it is not a multiple, the last step covers the last
+// eight units, some of them for the second time.
 [[gnu::target("avx2")]] void swapEights(unsigned char* to, const unsigned char* from, std::size_t count)
 {
     const __m256i turned = _mm256_set_epi8(12, 13, 14, 15, 8, 9, 10, 11, 4, 5, 6, 7, 0, 1, 2, 3,  //
@@ -28,7 +29,7 @@ namespace {
 }
 #endif
 
-// Two units at a time: processors turn eight bytes as fast as four.
+// Swaps two units at a time: eight bytes take as long as four.
 void swapPairs(unsigned char* to, const unsigned char* from, std::size_t count)
 {
     std::size_t i = 0;
@@ -51,7 +52,7 @@ void swapUnits(unsigned char* to, const unsigned char* from, std::size_t count)
         return;
     }
 #ifdef QUORVA_HAS_AVX2
-    constexpr std::size_t fewest = 16;  // for which it is worth asking the processor
+    constexpr std::size_t fewest = 16;  // below, the check of the processor costs more than AVX2 saves
     if (count >= fewest && CPU_FEATURE_ACTIVE(AVX2)) return swapEights(to, from, count);
 #endif
     swapPairs(to, from, count);

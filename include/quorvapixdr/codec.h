@@ -1,13 +1,13 @@
-// The C++ layer: encode a value, decode bytes, with automatic release and errors that say where.
+// The C++ layer: encodes values and decodes messages, with automatic release and errors that say where a pass failed.
 //
 //     quorva::Bytes message = quorva::encode(request);               // JobSOAParameters request
-//     auto reply = quorva::decode<JobSOAParameters>(message);        // released when `reply` goes
+//     auto reply = quorva::decode<JobSOAParameters>(message);        // releases its contents when it is destroyed
 //     reply->jobId.job
 //
-// A type is found by its C++ type. Where several interface types share one (aliases, bounded strings, bare scalars),
-// name the one that is meant: quorva::encode(number, quorva::coder::AttributeId).
+// The C++ type selects the interface type. Where several interface types share a C++ type (aliases, bounded strings,
+// built-in types), name the coder: quorva::encode(number, quorva::coder::AttributeId).
 //
-// Needs exceptions and the standard library; callers without them use <quorvapixdr/drivers.h>.
+// Needs exceptions; callers without them use <quorvapixdr/drivers.h>.
 #pragma once
 
 #include <quorvapixdr/primitives.h>
@@ -31,10 +31,10 @@ using Bytes = std::vector<unsigned char>;
 // The longest message that a stream can hold: its length has 16 bits.
 inline constexpr std::size_t longestMessage = 65535;
 
-// The buffer length of the drivers, and what `encode` allows unless told otherwise.
+// The buffer length of the drivers, and the default limit of `encode`.
 inline constexpr std::size_t driverMessage = 1024;
 
-// A pass that failed: over which type, in which element, after how many bytes of the message.
+// A failed pass: the type, the element that failed, and how many bytes of the message were coded before it.
 class CodingError : public std::runtime_error {
 public:
     CodingError(const std::string& what, std::string type, std::string path, std::size_t offset)
@@ -42,10 +42,12 @@ public:
     {
     }
 
+    // The name of the type that was coded.
     const std::string& type() const { return typeName; }
-    // The open elements from the outermost in: "value[2]/value/JobUnionUnion/jobName". Empty where the platform's
-    // stream collects no trace.
+    // The elements open at the failure, outermost first: "value[2]/value/JobUnionUnion/jobName". Empty where the
+    // platform's stream class collects no trace.
     const std::string& path() const { return elementPath; }
+    // Bytes from the start of the message.
     std::size_t offset() const { return byteOffset; }
 
 private:
@@ -54,15 +56,15 @@ private:
     std::size_t byteOffset;
 };
 
-// How one pass went, without the exceptions: the layer below `encode` and `decode`, for code that holds a routine and
-// an object whose type it does not know.
+// The outcome of one pass.
 struct Pass {
     bool succeeded = false;
-    std::size_t length = 0;  // bytes written or read
+    std::size_t length = 0;  // bytes written or read, also by a failed pass
 };
 
-// Runs `routine` over `object` and the `buffer`. `attach` is called with the stream before the pass, to set a trace or
-// to wrap the pass in an element. Throws only what `attach` throws.
+// Runs `routine` over `object` and the first 65535 bytes of `buffer`: the layer below `encode` and `decode`, for code
+// that knows the routine of an object but not its type. Calls `attach` with the stream before the pass, to set a trace
+// or to open an element around it. Throws only what `attach` or a constructor of the stream class throws.
 template <class Attach>
 Pass runPass(Mode mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer, Attach attach)
 {
@@ -79,13 +81,13 @@ inline Pass runPass(Mode mode, XdrRoutine routine, void* object, std::span<unsig
     return runPass(mode, routine, object, buffer, [](Xdr&) {});
 }
 
-// Releases what a decode allocated inside `object`, which itself stays its owner's.
+// Releases what a decode allocated inside `object`, but not the object itself. Needs no memory.
 inline void releaseContents(XdrRoutine routine, void* object)
 {
     runPass(Mode::release, routine, object, {});
 }
 
-// A class that collects a trace as the bundled one does.
+// A stream class that collects a trace as the bundled one does.
 template <class Stream>
 concept Traceable = requires(Stream& xdrs, typename Stream::Trace& trace)
 {
@@ -98,7 +100,7 @@ concept Traceable = requires(Stream& xdrs, typename Stream::Trace& trace)
         } -> std::convertible_to<std::string_view>;
 };
 
-// The same with the trace in `trace`, inside an element named after the type: after a success, an XML document.
+// The same, and adds the trace to `trace`, inside an element called `name`: after a success, an XML document.
 template <Traceable Stream = Xdr>
 Pass runTraced(Mode mode, XdrRoutine routine, const char* name, void* object, std::span<unsigned char> buffer,
                typename Stream::Trace& trace)
@@ -113,7 +115,8 @@ Pass runTraced(Mode mode, XdrRoutine routine, const char* name, void* object, st
 
 namespace detail {
 
-// Where a pass stopped. `again` runs the failed pass once more with a trace; only failures pay for one.
+// The path to the element where a pass failed. `again` repeats the failed pass with the trace that its argument
+// attaches: a pass that succeeds formats no trace.
 template <class Stream, class Again>
 std::string placeOf([[maybe_unused]] Again again)
 {
@@ -136,9 +139,9 @@ inline CodingError failure(const char* verb, const char* type, std::string path,
 
 }  // namespace detail
 
-// The wire form of `value`, at most `limit` bytes. Throws CodingError where the value cannot be coded: a text or list
-// beyond its maximum, a null text, a union value without an arm, or a message beyond the limit. The value is not const
-// because coding stores narrow numbers back, unchanged.
+// Encodes `value` into at most `limit` bytes, of which 65535 are the most. Throws CodingError for a value that cannot
+// be encoded: a string or array beyond its maximum, a null string, a union without an arm for its discriminant, or a
+// message longer than the limit. The value is not const, because coding stores narrow numbers back, unchanged.
 template <class T>
 Bytes encode(T& value, Coder<T> coder = coderOf<T>, std::size_t limit = driverMessage)
 {
@@ -153,7 +156,7 @@ Bytes encode(T& value, Coder<T> coder = coderOf<T>, std::size_t limit = driverMe
     return message;
 }
 
-// A decoded value and what it owns; the release pass runs when it goes.
+// A decoded value. It owns what the decode allocated, and releases it when it is destroyed.
 template <class T>
 class Owned {
 public:
@@ -190,15 +193,15 @@ private:
     T held;
 };
 
-// The value that `message` holds. Throws CodingError where the message is no such value, and where bytes are left over,
-// unless the caller asks in `consumed` how many were read.
+// Decodes `message`, at most 65535 bytes. Throws CodingError when the bytes are not such a value, and when bytes are
+// left over; with `consumed`, which receives the number of bytes read, left-over bytes are not an error.
 template <class T>
 Owned<T> decode(std::span<const unsigned char> message, Coder<T> coder = coderOf<T>, std::size_t* consumed = nullptr)
 {
     if (message.size() > longestMessage)
         throw CodingError("a message has at most 65535 bytes", coder.name, {}, longestMessage);
 
-    // A decode only reads the buffer; the stream's interface serves both directions.
+    // A decode only reads the buffer; the stream class has one interface for all modes.
     const std::span<unsigned char> buffer(const_cast<unsigned char*>(message.data()), message.size());
     Owned<T> value(coder);
     const Pass pass = runPass(Mode::decode, coder.routine, &*value, buffer);

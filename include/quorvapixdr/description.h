@@ -1,9 +1,9 @@
-// Descriptions: what an interface file says of each type, as constant data.
+// Descriptions: what an interface file says about each type, as constant data.
 //
-// One `Type` describes each definition of an interface file and each built-in type. The interpreter codes by it, and
-// the inspector, the JSON conversion and the property tests read it; no field list is written a second time. All
-// objects are constants with static storage. Texts are zero-terminated and never null. Documentation, files and lines
-// are in <quorvapixdr/documentation.h>.
+// One `Type` describes each definition of an interface file and each built-in type. The interpreter follows it, and the
+// inspector, the JSON conversion and the property tests read it; no field list is written a second time. All objects
+// are constants with static storage. Names are zero-terminated and never null. Documentation, files and lines are in
+// <quorvapixdr/documentation.h>.
 #pragma once
 
 #include <quorvapixdr/primitives.h>
@@ -15,11 +15,11 @@
 
 namespace quorva {
 
-// What a definition is. An alias, a sequence, a bounded string and every other `typedef` is a `typeDefinition`;
-// `foreign` is a type of another library, of which only the routine is known.
+// What a definition is. An alias, a sequence, a bounded string and every other `typedef` is a `typeDefinition`; of a
+// `foreign` type, which another library defines, only the routine is known.
 enum class TypeKind : std::uint8_t { builtin, enumeration, structure, discriminatedUnion, typeDefinition, foreign };
 
-// The built-in types, in the order of their widths; `none` for everything that an interface file defines.
+// The built-in types; `none` for everything that an interface file defines.
 enum class Builtin : std::uint8_t {
     none,
     Boolean,
@@ -33,15 +33,15 @@ enum class Builtin : std::uint8_t {
     Float,
 };
 
-// How a declaration holds its type.
+// The form of a declaration, with its RFC 4506 syntax and its C++ type.
 enum class Form : std::uint8_t {
     single,          // T name;
-    fixedArray,      // T name[bound];       T[bound] in place
+    fixedArray,      // T name[bound];       T[bound]
     variableArray,   // T name<bound>;       quorva::Counted<T>, or the two members of a sequence type
     optional,        // T *name;             T*
     string,          // string name<bound>;  char*
     variableOpaque,  // opaque name<bound>;  quorva::Counted<unsigned char>
-    fixedOpaque,     // opaque name[bound];  unsigned char[bound] in place
+    fixedOpaque,     // opaque name[bound];  unsigned char[bound]
     none,            // void;
 };
 
@@ -50,7 +50,7 @@ struct Type;
 // One use of a type: by a field, an arm, a discriminant or a typedef.
 struct Use {
     const Type* type = nullptr;  // the element type; null for string, opaque and void
-    std::uint32_t bound = 0;     // elements of a fixed form, maximum of a variable one; else 0
+    std::uint32_t bound = 0;     // element count of a fixed-length form, maximum of a variable-length one; else 0
     Form form = Form::none;
 };
 
@@ -65,34 +65,35 @@ struct Member {
     {
     }
 
-    const char* name = "";  // also the element in the trace; empty for a void arm and in a typedef
+    const char* name = "";  // also the name of the trace element; empty for a void arm and in a typedef
     Use use;
-    std::uint32_t offset = 0;      // bytes from the start of the enclosing object
-    std::uint32_t nameLength = 0;  // characters
+    std::uint32_t offset = 0;      // in bytes, from the start of the enclosing object
+    std::uint32_t nameLength = 0;  // in bytes
 };
 
-// A discriminant that selects an arm.
+// A discriminant value that selects an arm.
 struct Case {
-    std::uint32_t value = 0;   // its 32 bits: -1 is 0xFFFFFFFF
+    std::uint32_t value = 0;   // as on the wire: -1 is 0xFFFFFFFF
     std::uint32_t member = 0;  // index of the arm among the union's members
 };
 
+// A definition of an interface file, or a built-in type.
 struct Type {
     const char* name = "";
     TypeKind kind = TypeKind::builtin;
     Builtin builtin = Builtin::none;
-    bool hasDefault = false;      // union: a discriminant without a case is accepted and carries nothing
+    bool hasDefault = false;      // union: a discriminant without a case selects a void arm
     std::uint32_t size = 0;       // sizeof the C++ type
     std::uint32_t alignment = 0;  // alignof
     XdrRoutine routine = nullptr;
     const char* (*nameOf)(int) = nullptr;  // name function of an enumeration, else null
     std::span<const Member> members = {};  // struct: its fields; union: the discriminant, then its arms in the order of
-                                           // the file; typedef: the one that it names
+                                           // the file; typedef: its one declaration
     std::span<const Case> cases = {};      // union: by value, ascending
-    const char* armElement = "";           // union: the element around the arm in the trace
+    const char* armElement = "";           // union: the trace element around the arm
 };
 
-// What generated code makes descriptions with, one for each kind; `T` is the C++ type.
+// Generated code makes descriptions with these functions, one for each kind of definition; `T` is the C++ type.
 template <class T>
 constexpr Type enumeration(const char* name, XdrRoutine routine, const char* (*nameOf)(int))
 {
@@ -141,7 +142,8 @@ constexpr Type typeDefinition(const char* name, XdrRoutine routine, std::span<co
             .members = named};
 }
 
-// A built-in type, or one of another library: an alias of a built-in type, or of `Builtin::none`.
+// A type without members: a built-in type, or a foreign one, where `builtin` is the built-in type that it is an alias
+// of, or `Builtin::none`.
 template <class T>
 constexpr Type leaf(TypeKind kind, const char* name, XdrRoutine routine, Builtin builtin)
 {
@@ -149,7 +151,7 @@ constexpr Type leaf(TypeKind kind, const char* name, XdrRoutine routine, Builtin
         .name = name, .kind = kind, .builtin = builtin, .size = sizeof(T), .alignment = alignof(T), .routine = routine};
 }
 
-// The description of each built-in type; those of an interface's types are declared beside them.
+// The descriptions of the built-in types. Generated code declares those of the interface's types in this namespace.
 namespace types {
 extern const Type Boolean, ShortInteger, ShortNatural, Integer, Natural, LongInteger, LongNatural, UINT, Float;
 }

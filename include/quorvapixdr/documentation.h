@@ -1,5 +1,5 @@
-// Documentation of the described types: texts of the interface files, and where each definition is. Tools link it; the
-// library does not carry it.
+// Documentation of the described types: the texts of the interface files, and the place of each definition. Tools link
+// it; the library does not carry it.
 #pragma once
 
 #include <quorvapixdr/description.h>
@@ -9,7 +9,7 @@
 
 namespace quorva {
 
-// An enumerator, with the text that documents it.
+// An enumerator with its documentation. Here and below, texts are zero-terminated and, but for `provisional`, not null.
 struct Enumerator {
     const char* name = "";
     std::int32_t value = 0;
@@ -19,19 +19,20 @@ struct Enumerator {
 // What an interface file says about one field, arm or discriminant.
 struct MemberDocumentation {
     const char* text = "";
-    const char* provisional = nullptr;  // the reason beside the mark; null for a settled one
+    const char* provisional = nullptr;  // the reason given with the mark; null for a settled member
 };
 
 // What an interface file says about one type.
 struct Documentation {
     const Type* type = nullptr;
-    unsigned line = 0;                                  // in the module's file
+    unsigned line = 0;                                  // in the module's file, from 1
     const char* text = "";                              // without the provisional mark
-    const char* provisional = nullptr;                  // the reason beside the mark; null for a settled layout
+    const char* provisional = nullptr;                  // the reason given with the mark; null for a settled type
     std::span<const MemberDocumentation> members = {};  // one for each member of the type, or none
     std::span<const Enumerator> enumerators = {};       // of an enumeration: by value, ascending
 };
 
+// An interface file.
 struct Module {
     const char* name = "";  // "jobs/cover"
     const char* file = "";  // relative to its -I folder: "jobs/cover.x"
@@ -39,7 +40,7 @@ struct Module {
     std::span<const Documentation> types = {};  // in the order of the file
 };
 
-// The built-in types, and the modules that the library was built from, ordered by name.
+// The descriptions of the built-in types, and the modules of the library, ordered by name. Static storage.
 std::span<const Type* const> builtinTypes();
 std::span<const Module* const> modules();
 

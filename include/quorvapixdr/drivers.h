@@ -1,30 +1,30 @@
-// The five ways into the library for callers who bring a buffer of 1024 bytes.
+// The five drivers: entry points for callers with a buffer of 1024 bytes.
 //
-// Each pass makes a stream of its own, so passes over distinct objects need nothing from each other. Callers who want
-// a real buffer length, errors with a place and automatic release use <quorvapixdr/codec.h>.
+// Each call makes its own stream, so passes over distinct objects share nothing. <quorvapixdr/codec.h> has real buffer
+// lengths, errors that say where a pass failed, and automatic release.
 #pragma once
 
 #include <quorvapixdr/primitives.h>
 
 extern "C" {
 
-// Encodes `object` into `buffer` (1024 bytes, the caller's). Returns the bytes written, also when the pass failed on
-// the way; it does not tell which.
+// Encodes `object` into `buffer` (1024 bytes, owned by the caller). Returns the number of bytes written, also when the
+// pass failed; the result does not tell a failure from a success. Returns 0 without memory for a stream.
 QUORVA_EXPORT unsigned short ClientsXdrSupport(XdrRoutine routine, void* object, unsigned char* buffer);
 
-// Decodes `buffer` (1024 bytes) into `object`. What it allocates belongs to the object until `XdrDeallocate`. Zero the
-// object first: then a release pass is safe however far the decode came. `object` must not be null, because the object
-// that the routine would allocate cannot be reached afterwards.
+// Decodes `buffer` (1024 bytes) into `object`, which owns what is allocated until `XdrDeallocate`. Zero the object
+// first: a release pass is then safe wherever the decode stopped. `object` must not be null, because the caller could
+// not reach the object that the routine would allocate. Does not tell a failure from a success.
 QUORVA_EXPORT void ClientsXdrDeserialize(XdrRoutine routine, void* object, unsigned char* buffer);
 
-// The same, and tells how it went: 1 or 0. Its stream is never destroyed; for test benches only.
+// The same, but returns 1 for success and 0 for failure. Its stream is never destroyed: for test benches only.
 QUORVA_EXPORT int TestDeserialize(XdrRoutine routine, void* object, unsigned char* buffer);
 
-// Releases everything that a decode allocated inside `object`, not the object itself, and leaves its pointers as they
-// were. `buffer` is not touched.
+// Releases everything that a decode allocated inside `object`, but not the object itself, and leaves its pointers as
+// they were. `buffer` is not touched. Without memory for a stream nothing is released.
 QUORVA_EXPORT void XdrDeallocate(XdrRoutine routine, void* object, unsigned char* buffer);
 
-// Releases one decoded text, `*string`, and leaves the pointer.
+// Releases one decoded string, `*string`, and leaves the pointer.
 QUORVA_EXPORT void DeallocateString(char** string);
 
 }  // extern "C"

@@ -1,18 +1,18 @@
-// What generated code is written with: plain functions that encode, decode and release one type without a trace.
+// Building blocks of the plain functions: generated code that encodes, decodes and releases one type without a trace.
 //
-// For each struct, union and sequence `T` the interface compiler writes
+// For each struct, union and sequence `T` the interface compiler prints
 //
 //     unsigned char* encode(Encoder& out, unsigned char* at, const T& value)    memory to wire
 //     unsigned char* decode(Decoder& in, unsigned char* at, T& value)           wire to memory
 //     bool release(Xdr* xdrs, T& value)                                         what a decode allocated
 //
-// `at` is the next byte of the message. Each returns the byte after the value, and null (false) when the pass has
-// failed. They know the way of success only. Where something does not fit, they hand the object over to the interpreter
-// from that member on, which fails with the same bytes, the same coded length and the same object as if it had run from
-// the start.
+// `at` is the next byte of the message. `encode` and `decode` return the byte after the value, or null when the pass
+// fails; `release` returns false then. They handle success only. Where a member does not fit, they hand the object over
+// to the interpreter from that member on: it fails with the same bytes, the same coded length and the same object as if
+// it had run from the start.
 //
-// A struct that always takes the same number of bytes has `put` and `get` instead, for callers that made sure of the
-// room.
+// A struct that always takes the same number of bytes has `put` and `get` instead. Their callers check how many bytes
+// are left.
 #pragma once
 
 #include <quorvapixdr/description.h>
@@ -31,6 +31,7 @@ namespace quorva {
 
 // ---- Units ---------------------------------------------------------------------------------------------------------
 
+// Writes or reads the unit at `at`, big-endian on the wire.
 inline void putUnit(unsigned char* at, std::uint32_t unit)
 {
     if constexpr (std::endian::native == std::endian::little) unit = __builtin_bswap32(unit);
@@ -45,7 +46,7 @@ inline std::uint32_t getUnit(const unsigned char* at)
     return unit;
 }
 
-// One number as a unit. Eight bits travel without their sign: receivers have always read them so.
+// Writes one number as a unit. Numbers of eight bits are sent without their sign: receivers expect that.
 inline void put(unsigned char* at, std::uint8_t value)
 {
     putUnit(at, value);
@@ -70,9 +71,9 @@ inline void put(unsigned char* at, std::int32_t value)
 {
     putUnit(at, static_cast<std::uint32_t>(value));
 }
-void put(unsigned char* at, float value);  // with the platform's diagnostic print
+void put(unsigned char* at, float value);  // and makes the platform's diagnostic print
 
-// The same numbers back; what does not fit into the type is cut off.
+// Reads one number from a unit, and keeps the low bits that its type has.
 inline void get(const unsigned char* at, std::uint8_t& value)
 {
     value = static_cast<std::uint8_t>(getUnit(at));
@@ -99,7 +100,7 @@ inline void get(const unsigned char* at, std::int32_t& value)
 }
 void get(const unsigned char* at, float& value);
 
-// An enumeration.
+// The same for enumerations.
 template <class E>
 requires std::is_enum_v<E>
 void put(unsigned char* at, E value)
@@ -114,23 +115,18 @@ void get(const unsigned char* at, E& value)
     value = static_cast<E>(getUnit(at));
 }
 
-// `count` units of 32-bit numbers or enumerations, one after the other.
+// Writes or reads `count` units: an array of 32-bit numbers or enumerations.
 void putUnits(unsigned char* at, const void* values, std::size_t count);
 void getUnits(const unsigned char* at, void* values, std::size_t count);
 
-// The elements of a counted block: a `Counted<T>`, or a sequence type, which has the same two members.
+// The elements of a variable-length array: of a `Counted<T>`, or of a sequence type, which has the same two members.
 template <class Block>
 auto elementsOf(Block& block)
 {
     return std::span(block.elements, block.count);
 }
 
-// Opaque data of a fixed length, with its padding.
-inline constexpr std::size_t padded(std::size_t length)
-{
-    return (length + 3) & ~std::size_t{3};
-}
-
+// Writes fixed-length opaque data with its padding, or reads it.
 template <std::size_t length>
 void putOpaque(unsigned char* at, const unsigned char (&bytes)[length])
 {
@@ -146,7 +142,8 @@ void getOpaque(const unsigned char* at, unsigned char (&bytes)[length])
 
 // ---- One pass ------------------------------------------------------------------------------------------------------
 
-// Memory to wire.
+// An encode pass over the buffer of `stream`, which ends at `bufferEnd`. The functions that return a pointer return the
+// next byte of the message, or null when the pass fails.
 class Encoder {
 public:
     Encoder(Xdr* stream, unsigned char* bufferEnd) : xdrs(stream), end(bufferEnd) {}
@@ -154,14 +151,15 @@ public:
     // True if fewer than `size` bytes are left after `at`.
     bool lacks(const unsigned char* at, std::size_t size) const { return static_cast<std::size_t>(end - at) < size; }
 
-    // True if a block with its count, whose elements take `size` bytes each, cannot be written at once.
+    // True if a variable-length array of elements of `size` bytes each does not fit, exceeds its maximum, or has a
+    // count without elements.
     template <class Block>
     bool lacksArray(const unsigned char* at, const Block& block, std::uint32_t maximum, std::size_t size) const
     {
         return block.count > maximum || (!block.elements && block.count != 0) || lacks(at, 4 + size * block.count);
     }
 
-    // A length and the bytes. Null where the interpreter refused them.
+    // Writes a length and the bytes.
     unsigned char* string(unsigned char* at, char* const& text, std::uint32_t maximum);
     template <class Block>
     unsigned char* opaque(unsigned char* at, const Block& block, std::uint32_t maximum)
@@ -169,18 +167,18 @@ public:
         return opaque(at, block.elements, block.count, maximum);
     }
 
-    // A value of another library's type.
+    // Writes a value of another library's type, by that type's routine.
     template <class T>
     unsigned char* foreign(unsigned char* at, const T& value, XdrRoutine routine)
     {
         return foreign(at, static_cast<const void*>(&value), routine);
     }
 
-    // Hands `object` over to the interpreter: from the member `first` on, or the one member alone.
+    // Hands `object` over to the interpreter: from the member `first` on, or the member `index` alone.
     unsigned char* rest(unsigned char* at, const void* object, const Type& type, std::size_t first);
     unsigned char* member(unsigned char* at, const void* object, const Type& type, std::size_t index);
 
-    // A discriminant that selects no arm.
+    // Ends the pass after `at`, for a discriminant that selects no arm. Returns null.
     unsigned char* refuse(unsigned char* at);
 
 private:
@@ -193,18 +191,20 @@ private:
     unsigned char* end;
 };
 
-// Wire to memory.
+// A decode pass over the buffer of `stream`, which ends at `bufferEnd`. The functions that return a pointer return the
+// next byte of the message, or null when the pass fails.
 //
-// A block that the pass allocates is not cleared. While a pass is inside of one, `fresh` is true, and a failure leaves
-// in `stop` where the defined contents of the block end: the block is zeroed from there on, so that a release pass
-// finds nothing undefined.
+// A block that the pass allocates is not cleared. While the pass is inside of one, `fresh` is true, and a failure sets
+// `stop` to the end of the initialised part of the block. The rest is zeroed then, so that a release pass reads no
+// uninitialised memory.
 class Decoder {
 public:
     Decoder(Xdr* stream, unsigned char* bufferEnd) : xdrs(stream), end(bufferEnd) {}
 
+    // True if fewer than `size` bytes are left after `at`.
     bool lacks(const unsigned char* at, std::size_t size) const { return static_cast<std::size_t>(end - at) < size; }
 
-    // True if an array of elements that take `size` bytes each is not at `at` with its count and all of its elements.
+    // True if the count at `at` exceeds the maximum, or the elements of `size` bytes each are not all in the message.
     bool lacksArray(const unsigned char* at, std::uint32_t maximum, std::size_t size) const
     {
         if (lacks(at, 4)) return true;
@@ -212,7 +212,7 @@ public:
         return count > maximum || lacks(at + 4, size * count);
     }
 
-    // Reads the count and allocates the block. Null when memory is short.
+    // Reads the count and allocates the elements.
     template <class Block>
     unsigned char* allocate(unsigned char* at, Block& block)
     {
@@ -220,19 +220,19 @@ public:
         if (block.count != 0) {
             block.elements = static_cast<decltype(block.elements)>(newElements(block.count, sizeof *block.elements));
             if (!block.elements) return refuse(at + 4, &block + 1);
-        } else if (fresh) {  // else a count of 0 leaves the pointer as it is
+        } else if (fresh) {  // else a count of 0 leaves the pointer unchanged
             block.elements = nullptr;
         }
         return at + 4;
     }
 
-    // True if a presence unit, and where it means present a value of `size` bytes, is not at `at`.
+    // True if the presence unit, or a present value of `size` bytes, is not in the message.
     bool lacksOptional(const unsigned char* at, std::size_t size) const
     {
         return lacks(at, 4) || (isPresent(at) && lacks(at + 4, size));
     }
 
-    // Reads the presence unit and allocates the value. `pointer` is null where the value is absent.
+    // Reads the presence unit and allocates the value; `pointer` becomes null for an absent one.
     template <class T>
     unsigned char* optional(unsigned char* at, T*& pointer)
     {
@@ -241,7 +241,8 @@ public:
         return present && !pointer ? refuse(at + 4, &pointer + 1) : at + 4;
     }
 
-    // Around the elements of a block: `enter` returns what `leave` wants back. `abandon` is for an element that failed.
+    // Called before and after the elements of a block: `enter` returns the state that `leave` restores. `abandon`
+    // replaces `leave` after an element that failed: it zeroes the rest of the block, and returns null.
     bool enter()
     {
         const bool outer = fresh;
@@ -260,7 +261,7 @@ public:
         return abandon(outer, optional + 1, &optional + 1);
     }
 
-    // A length and the bytes, which are allocated. Null where the interpreter refused them or memory is short.
+    // Reads a length and the bytes, which it allocates.
     unsigned char* string(unsigned char* at, char*& text, std::uint32_t maximum);
     template <class Block>
     unsigned char* opaque(unsigned char* at, Block& block, std::uint32_t maximum)
@@ -268,29 +269,29 @@ public:
         return opaque(at, block.elements, block.count, maximum);
     }
 
-    // A value of another library's type.
+    // Reads a value of another library's type, by that type's routine.
     template <class T>
     unsigned char* foreign(unsigned char* at, T& value, XdrRoutine routine)
     {
         return foreign(at, &value, sizeof value, routine);
     }
 
-    // Hands `object` over to the interpreter: from the member `first` on, or the one member alone.
+    // Hands `object` over to the interpreter: from the member `first` on, or the member `index` alone.
     unsigned char* rest(unsigned char* at, void* object, const Type& type, std::size_t first);
     unsigned char* member(unsigned char* at, void* object, const Type& type, std::size_t index);
 
-    // Stops the pass after `at`; the object is defined up to `defined`.
-    unsigned char* refuse(unsigned char* at, void* defined);
+    // Ends the pass after `at`. The object is initialised up to `initialised`. Returns null.
+    unsigned char* refuse(unsigned char* at, void* initialised);
 
 private:
     unsigned char* opaque(unsigned char* at, unsigned char*& bytes, std::uint16_t& count, std::uint32_t maximum);
     unsigned char* foreign(unsigned char* at, void* value, std::size_t size, XdrRoutine routine);
-    unsigned char* abandon(bool outer, void* blockEnd, void* defined);
+    unsigned char* abandon(bool outer, void* blockEnd, void* initialised);
 
     // Only a low byte of 1 means present.
     static bool isPresent(const unsigned char* at) { return static_cast<std::uint8_t>(getUnit(at)) == 1; }
     static void* newElements(std::size_t count, std::size_t size);
-    unsigned char* after(bool succeeded, void* defined);
+    unsigned char* after(bool succeeded, void* initialised);
 
     Xdr* xdrs;
     unsigned char* end;
@@ -298,9 +299,11 @@ private:
     bool fresh = false;
 };
 
-// Releases a block alone, or after its elements, which `releaseOne` releases one by one up to the first that it
-// refuses.
+// Releases a block. Null is fine.
 void releaseBlock(void* block);
+
+// Releases the elements of a block by `releaseOne`, up to the first that it refuses, and then the block. Returns false
+// if an element was refused.
 
 template <class Elements, class ReleaseOne>
 bool releaseElements(Elements elements, ReleaseOne releaseOne)
@@ -311,17 +314,17 @@ bool releaseElements(Elements elements, ReleaseOne releaseOne)
     return released;
 }
 
-// A value of another library's type.
+// Releases a value of another library's type, by that type's routine.
 template <class T>
 bool releaseForeign(Xdr* xdrs, T& value, XdrRoutine routine)
 {
     return routine(xdrs, &value) != 0;
 }
 
-// The member `index` of `object`, by the interpreter.
+// Releases the member `index` of `object`, by the interpreter.
 bool releaseMember(Xdr* xdrs, void* object, const Type& type, std::size_t index);
 
-// The diagnostic print that every pass over a float makes.
+// Makes the platform's diagnostic print, as every pass over a float does.
 void printFloat();
 
 // ---- The functions that are generated for each type ----------------------------------------------------------------
@@ -341,11 +344,11 @@ void get(const unsigned char* at, T& value);
 
 }  // namespace plain
 
-// The body of any other routine.
+// The body of the routine of a type without plain functions.
 int interpret(Xdr* xdrs, void* object, const Type& type);
 
-// The body of the routine of a type that has plain functions. They run if no trace is collected and the stream exposes
-// its buffer; otherwise the interpreter runs. `Functions` has the type's functions, one for each mode.
+// The body of the routine of a type with plain functions. They run if no trace is collected and the stream class
+// exposes its buffer; otherwise the interpreter runs. `Functions` has one function for each mode. Returns 1 or 0.
 template <class Functions, class Stream, class T>
 int run(Stream* xdrs, T* value, const Type& type)
 {
@@ -373,6 +376,8 @@ int run(Stream* xdrs, T* value, const Type& type)
     return interpret(xdrs, value, type);
 }
 
+// The plain functions of a type whose size on the wire varies. `owns` is true if a release pass has something to
+// release, or may fail.
 template <class T, bool owns>
 struct Varying {
     static unsigned char* encode(Encoder& out, unsigned char* at, const T& value, const Type&)
@@ -390,6 +395,7 @@ struct Varying {
     }
 };
 
+// Those of a struct that always takes `size` bytes.
 template <class T, std::size_t size, bool owns>
 struct Fixed : Varying<T, owns> {
     static unsigned char* encode(Encoder& out, unsigned char* at, const T& value, const Type& type)
@@ -406,15 +412,13 @@ struct Fixed : Varying<T, owns> {
     }
 };
 
-// The body of the routine of a type whose size varies. `owns` tells whether a release pass has anything to do, or to
-// refuse.
+// The bodies that generated routines have. `size` and `owns` are those of `Varying` and `Fixed`.
 template <class T, bool owns>
 int code(Xdr* xdrs, void* object, const Type& type)
 {
     return run<Varying<T, owns>>(xdrs, static_cast<T*>(object), type);
 }
 
-// The same of a struct that always takes `size` bytes.
 template <class T, std::size_t size, bool owns>
 int codeFixed(Xdr* xdrs, void* object, const Type& type)
 {

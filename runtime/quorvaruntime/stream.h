@@ -1,4 +1,4 @@
-// The stream in use, as the runtime sees it: its mode, and what its class offers beyond the contract.
+// How the runtime uses the stream: its mode, and what its class offers beyond the contract.
 #pragma once
 
 #include <quorvapixdr/primitives.h>
@@ -13,7 +13,7 @@
 
 namespace quorva {
 
-// A class that tells whether anybody collects the trace. Any other is always told everything.
+// A stream class that tells if a trace is collected. Any other is given every element and text of it.
 template <class Stream>
 concept TellsTracing = requires(const Stream& xdrs)
 {
@@ -22,7 +22,7 @@ concept TellsTracing = requires(const Stream& xdrs)
         } -> std::convertible_to<bool>;
 };
 
-// A class that exposes its buffer: the next byte to move, the end, and a way to say how far bytes were moved.
+// A stream class that exposes its buffer: the next byte, the end, and a way to set the next byte.
 template <class Stream>
 concept ExposesBuffer = TellsTracing<Stream> && requires(Stream& xdrs, unsigned char* at)
 {
@@ -35,7 +35,7 @@ concept ExposesBuffer = TellsTracing<Stream> && requires(Stream& xdrs, unsigned 
     xdrs.moveTo(at);
 };
 
-// A class that exposes what collects its trace: names are handed over with their length, numbers as numbers.
+// A stream class that exposes the sink of its trace, which takes names with their lengths, and numbers as numbers.
 template <class Stream>
 concept ExposesSink = TellsTracing<Stream> && requires(Stream& xdrs, std::string_view name, std::int64_t number)
 {
@@ -49,12 +49,13 @@ concept ExposesSink = TellsTracing<Stream> && requires(Stream& xdrs, std::string
     xdrs.sink()->element(name, name, number);
 };
 
-// The mode is compared as a number: a platform's class may name its enumerators as it likes.
+// The stream's mode, read as a number: a platform's class may name its enumerators differently.
 inline Mode modeOf(const Xdr* xdrs)
 {
     return static_cast<Mode>(xdrs->streamMode);
 }
 
+// True if a trace is collected, or may be.
 template <class Stream>
 bool isTraced(const Stream* xdrs)
 {
@@ -64,8 +65,8 @@ bool isTraced(const Stream* xdrs)
         return true;
 }
 
-// Opens and closes an element of the trace. `name` is zero-terminated after its last character. Call these only while
-// the stream is traced.
+// Opens or closes an element of the trace. A zero byte must follow the last character of `name`. Call these only if
+// `isTraced`.
 template <class Stream>
 void openElement(Stream* xdrs, std::string_view name)
 {
@@ -84,7 +85,7 @@ void closeElement(Stream* xdrs, std::string_view name)
         xdrs->addCloseTag(name.data());
 }
 
-// Adds a number in decimal, as printf writes it. Call it only while the stream is traced.
+// Adds a number to the trace, in decimal. Call it only if `isTraced`.
 template <class Stream>
 void showNumber(Stream* xdrs, std::int64_t number)
 {
@@ -97,7 +98,7 @@ void showNumber(Stream* xdrs, std::int64_t number)
     }
 }
 
-// Around an element of an array that is decoded.
+// Opens or closes the marker around an element of a decoded array. Call these only if `isTraced`.
 template <class Stream>
 void openValue(Stream* xdrs)
 {
@@ -119,8 +120,8 @@ void closeValue(Stream* xdrs)
         xdrs->addString("</value>");
 }
 
-// `size` zeroed bytes for an object that the caller did not bring, left in the stream's root allocation slot; null
-// where memory is short.
+// Allocates an object of `size` zeroed bytes and stores it in the stream's root allocation slot, for a routine that was
+// given a null object. Returns null when memory is short.
 void* newRoot(Xdr* xdrs, std::size_t size);
 
 }  // namespace quorva
