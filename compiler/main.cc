@@ -1,4 +1,4 @@
-// quorvaxdrc: reads interface files, reports their faults, and writes what is made from them.
+// quorvaxdrc: the command line of the interface compiler.
 #include "emit/emit.h"
 #include "evolve/compare.h"
 #include "evolve/flatten.h"
@@ -33,9 +33,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int success = 0;
-constexpr int faultyInput = 1;
-constexpr int broken = 1;     // the interface is no longer what it was
-constexpr int cannotRun = 2;  // the command line is wrong, or a file cannot be read or written
+constexpr int faultyInput = 1;  // errors or warnings
+constexpr int broken = 1;       // compare found breaks
+constexpr int cannotRun = 2;    // the command line is wrong, or a file cannot be read or written
 
 constexpr std::string_view usage =
     R"(usage: quorvaxdrc generate --out DIR [-I DIR]... [option]... FILE.x...
@@ -122,7 +122,7 @@ OLD and NEW are each a folder of interface files, or one file, such as a flatten
 The status is 0 when nothing is broken, 1 when something is, and 2 when the two cannot be compared.
 )";
 
-// A command line that cannot be understood; the sentence names the argument.
+// An error in the command line; the sentence names the argument.
 struct UsageError {
     std::string sentence;
 };
@@ -142,7 +142,7 @@ struct Arguments {
     bool list = false;
 };
 
-// An option of one or all commands. One of the two places is set: for a value, or for a switch.
+// An option of one command, or of all. One of the two members is set: `text` takes a value, `flag` does not.
 struct Option {
     std::string_view name;
     std::optional<Verb> verb;
@@ -193,7 +193,7 @@ private:
     void complete() const;
 
     const std::vector<std::string>& words_;
-    std::size_t at_ = 1;  // behind the verb
+    std::size_t at_ = 1;  // after the verb
     Arguments read_;
 };
 
@@ -301,7 +301,7 @@ void complain(const std::string& sentence)
 
 // Output
 
-// What one module is made into: where each file is written, and how its text is made.
+// A file that is generated from each module.
 struct Product {
     const char* folder;  // below --out
     const char* suffix;
@@ -326,7 +326,7 @@ std::string indexPath(const std::string& out)
     return (fs::path(out) / "modules.cc").string();
 }
 
-// False with a complaint where the file cannot be written. The file is replaced as a whole or not at all.
+// Replaces the whole file, or nothing of it. Returns false after printing why the file cannot be written.
 bool writeFile(const std::string& path, const std::string& text)
 {
     const auto failed = [&](const std::string& reason) {
@@ -416,17 +416,17 @@ int list(const Arguments& arguments, const SearchPath& folders)
     return success;
 }
 
-// Nothing where the input has faults, which are printed; `status` says then which kind.
+// Returns nullopt if the input has errors, which are printed. Sets the exit status.
 std::optional<Program> readInterface(const std::vector<std::string>& files, const SearchPath& folders, int& status)
 {
-    Diagnostics faults;
+    Diagnostics errors;
     std::vector<std::string> unreadable;
-    Program program = readProgram(files, folders, faults, unreadable);
-    resolve(program, faults);
-    check(program, faults);
-    faults.print(std::cerr);
+    Program program = readProgram(files, folders, errors, unreadable);
+    resolve(program, errors);
+    check(program, errors);
+    errors.print(std::cerr);
     for (const std::string& sentence : unreadable) complain(sentence);
-    status = !unreadable.empty() ? cannotRun : faults.count() > 0 ? faultyInput : success;
+    status = !unreadable.empty() ? cannotRun : errors.count() > 0 ? faultyInput : success;
     return status == success ? std::optional(std::move(program)) : std::nullopt;
 }
 
@@ -438,8 +438,8 @@ int lint(const Program& program)
     return warnings.count() > 0 ? faultyInput : success;
 }
 
-// One side of a comparison: a folder stands for all interface files below it and is the first to be searched.
-std::optional<Program> readState(const std::string& path, std::vector<std::string> folders)
+// Reads one side of a comparison. A folder means all interface files below it, and is searched before `folders`.
+std::optional<Program> readVersion(const std::string& path, std::vector<std::string> folders)
 {
     std::vector<std::string> files = {path};
     if (fs::is_directory(path)) {
@@ -457,11 +457,11 @@ std::optional<Program> readState(const std::string& path, std::vector<std::strin
 
 int compare(const Arguments& arguments)
 {
-    const std::optional<Program> before = readState(arguments.files[0], arguments.folders);
-    const std::optional<Program> after = readState(arguments.files[1], arguments.folders);
+    const std::optional<Program> before = readVersion(arguments.files[0], arguments.folders);
+    const std::optional<Program> after = readVersion(arguments.files[1], arguments.folders);
     if (!before || !after) return cannotRun;
-    const State was{*before, fs::is_directory(arguments.files[0])};
-    const State is{*after, fs::is_directory(arguments.files[1])};
+    const InterfaceVersion was{*before, fs::is_directory(arguments.files[0])};
+    const InterfaceVersion is{*after, fs::is_directory(arguments.files[1])};
     return compare(was, is, std::cout) > 0 ? broken : success;
 }
 
@@ -516,7 +516,7 @@ int main(int count, char** values)
     } catch (const UsageError& error) {
         complain(error.sentence + "; try 'quorvaxdrc --help'");
     } catch (const std::exception& error) {
-        complain(error.what());  // no memory, or a path that the system cannot take
+        complain(error.what());  // out of memory, or a path that the system refuses
     }
     return cannotRun;
 }

@@ -1,4 +1,4 @@
-// Prints the descriptions of a module's types, and the documentation that tools link beside them.
+// Emits the descriptions of a module's types, and the documentation that tools link.
 #include "emit.h"
 #include "front/resolve.h"
 #include "front/structure.h"
@@ -12,20 +12,20 @@ namespace quorva::compiler {
 
 namespace {
 
-// The constants are in namespaces where nothing else is declared, and all that they mention is spelled from the global
-// namespace on, so that an interface may name a type as it likes.
+// The constants have namespaces of their own, and all names in them start at the global namespace, so an interface may
+// give a type any name.
 
 std::string formOf(Form form)
 {
     switch (form) {
     case Form::single: return "single";
-    case Form::vector: return "fixedArray";
-    case Form::list: return "variableArray";
+    case Form::fixedArray: return "fixedArray";
+    case Form::variableArray: return "variableArray";
     case Form::optional: return "optional";
     case Form::string: return "string";
-    case Form::bytes: return "variableOpaque";
-    case Form::opaque: return "fixedOpaque";
-    case Form::nothing: break;
+    case Form::variableOpaque: return "variableOpaque";
+    case Form::fixedOpaque: return "fixedOpaque";
+    case Form::none: break;
     }
     return "none";
 }
@@ -37,7 +37,7 @@ std::string joinedLines(const std::vector<std::string>& all)
     return out;
 }
 
-// Arrays in a namespace where only such arrays are; empty where there are none.
+// The arrays in a namespace of their own; empty if there are none.
 std::string arrays(const std::string& space, const std::vector<std::string>& all)
 {
     return all.empty() ? ""
@@ -74,7 +74,7 @@ public:
         return rows;
     }
 
-    // By value, for a binary search.
+    // The rows of a union's cases, sorted by value for a binary search.
     static std::string casesOf(const Definition& definition)
     {
         std::vector<std::pair<std::uint32_t, std::size_t>> cases;
@@ -94,6 +94,7 @@ public:
         return line.empty() ? rows : rows + std::string(indentWidth, ' ') + line + "\n";
     }
 
+    // The description itself.
     std::string of(const Definition& definition) const
     {
         const std::string& name = definition.name;
@@ -101,19 +102,19 @@ public:
         const std::string head = "constinit const ::quorva::Type quorva::types::" + name + " = ::quorva::";
         const std::string first = "<::" + name + ">(" + literal(name) + ", ::Xdr" + name + ", ";
         switch (definition.kind) {
-        case Kind::enumeration: return head + "enumeration" + first + "::" + name + "String);\n";
-        case Kind::record: return head + "structure" + first + members + ");\n";
-        case Kind::discriminated:
+        case DefinitionKind::enumeration: return head + "enumeration" + first + "::" + name + "String);\n";
+        case DefinitionKind::structure: return head + "structure" + first + members + ");\n";
+        case DefinitionKind::discriminatedUnion:
             return head + "discriminatedUnion" + first + members + ", ::quorva::cases::" + name + ", " +
                    literal(name + "Union") + ", " + (definition.defaultArm ? "true" : "false") + ");\n";
-        case Kind::definedAs: break;
-        case Kind::constant: return "";
+        case DefinitionKind::typeDefinition: break;
+        case DefinitionKind::constant: return "";
         }
         return head + "typeDefinition" + first + members + ");\n";
     }
 
-    // What is known of another library's type: how long it is, and its routine.
-    static std::string stub(const Definition& definition)
+    // The description of another library's type, which has only its size and its routine.
+    static std::string foreignType(const Definition& definition)
     {
         const std::string& name = definition.name;
         return "constexpr ::quorva::Type " + name + " = ::quorva::leaf<::" + name + ">(::quorva::TypeKind::foreign, " +
@@ -136,22 +137,23 @@ private:
     std::string memberRow(const Definition& owner, const Declaration& declaration)
     {
         const Form form = declaration.form;
-        const bool hasBound = form != Form::single && form != Form::optional && form != Form::nothing;
+        const bool hasBound = form != Form::single && form != Form::optional && form != Form::none;
         const std::string use = "{" + (declaration.type.name.empty() ? "nullptr" : "&" + typeOf(declaration.type)) +
                                 ", " + std::to_string(hasBound ? declaration.bound : 0) +
                                 ", ::quorva::Form::" + formOf(form) + "}";
-        const bool isNamed = owner.kind != Kind::definedAs && form != Form::nothing;
+        const bool isNamed = owner.kind != DefinitionKind::typeDefinition && form != Form::none;
         return "    {" + literal(isNamed ? declaration.name : "") + ", " + use + ", " +
                (isNamed ? "offsetof(::" + owner.name + ", " + declaration.name + ")" : "0") + "},\n";
     }
 
-    // The built-in type that an alias names.
+    // The built-in type that an alias names, or "none".
     static std::string builtinOf(const Definition& definition)
     {
         static constexpr const char* names[] = {"none",    "Boolean",     "ShortInteger", "ShortNatural", "Integer",
                                                 "Natural", "LongInteger", "LongNatural",  "UINT",         "Float"};
-        if (definition.kind != Kind::definedAs || definition.target.form != Form::single) return names[0];
-        return names[static_cast<int>(behindAliases(definition.target.type).builtin)];
+        if (definition.kind != DefinitionKind::typeDefinition || definition.target.form != Form::single)
+            return names[0];
+        return names[static_cast<int>(canonicalType(definition.target.type).builtin)];
     }
 
     Plans plans_;
@@ -159,9 +161,9 @@ private:
 
 // ---- Documentation -------------------------------------------------------------------------------------------------
 
-std::string text(const std::string& words)
+std::string text(const std::string& doc)
 {
-    return words.empty() ? "\"\"" : literal(words);
+    return doc.empty() ? "\"\"" : literal(doc);
 }
 
 std::string provisional(const std::optional<std::string>& reason)
@@ -169,7 +171,7 @@ std::string provisional(const std::optional<std::string>& reason)
     return reason ? text(*reason) : "nullptr";
 }
 
-// By value, ascending.
+// The rows of the enumerators, in ascending order of value.
 std::string enumeratorRows(const Definition& definition)
 {
     std::vector<const Enumerator*> byValue;
@@ -182,19 +184,19 @@ std::string enumeratorRows(const Definition& definition)
     return rows;
 }
 
-// One for each member; none where nothing is said of any.
+// A row for each member; no rows if no member is documented or provisional.
 std::string memberRows(const Definition& definition)
 {
     std::string rows;
-    bool says = false;
+    bool isDocumented = false;
     for (const Declaration* each : declarationsOf(definition)) {
-        says = says || !each->doc.empty() || each->provisional;
+        isDocumented = isDocumented || !each->doc.empty() || each->provisional;
         rows += "    {" + text(each->doc) + ", " + provisional(each->provisional) + "},\n";
     }
-    return says ? rows : "";
+    return isDocumented ? rows : "";
 }
 
-// A name of its own for each module: letters and digits stand for themselves, '_' and '/' for two characters.
+// A unique identifier for each module: letters and digits are kept, '_' becomes "_u" and '/' becomes "_s".
 std::string identifierOf(const Module& module)
 {
     std::string out = "module_";
@@ -209,16 +211,16 @@ std::string emitDescriptions(const Module& module)
     DescriptionPrinter printer(module);
     std::vector<std::string> members, cases;
     std::string stubs, types;
-    for (const Definition* definition : printer.foreignOf(module)) stubs += printer.stub(*definition);
+    for (const Definition* definition : printer.foreignOf(module)) stubs += printer.foreignType(*definition);
     for (const Definition* definition : typesOf(module)) {
         const std::string rows = printer.membersOf(*definition);
         if (!rows.empty()) members.push_back(arrayOf("Member", definition->name, rows));
-        if (definition->kind == Kind::discriminated)
+        if (definition->kind == DefinitionKind::discriminatedUnion)
             cases.push_back(arrayOf("Case", definition->name, DescriptionPrinter::casesOf(*definition)));
         types += printer.of(*definition);
     }
     return sections(
-        {madeFrom(module) + "#include <" + privateHeader(module.source.module) + ">\n\n#include <cstddef>\n",
+        {generatedBanner(module) + "#include <" + privateHeader(module.source.module) + ">\n\n#include <cstddef>\n",
          stubs.empty() ? "" : "namespace quorva::foreign {\n" + stubs + "}  // namespace quorva::foreign\n",
          arrays("members", members), arrays("cases", cases), types});
 }
@@ -230,17 +232,17 @@ std::string emitDocumentation(const Module& module)
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
         const std::string named = enumeratorRows(*definition);
-        const std::string said = memberRows(*definition);
+        const std::string documented = memberRows(*definition);
         if (!named.empty()) enumerators.push_back(arrayOf("Enumerator", name, named));
-        if (!said.empty()) members.push_back(arrayOf("MemberDocumentation", name, said));
+        if (!documented.empty()) members.push_back(arrayOf("MemberDocumentation", name, documented));
         rows += "    {&::quorva::types::" + name + ", " + std::to_string(definition->at.line) + ", " +
                 text(definition->doc) + ", " + provisional(definition->provisional) + ", " +
-                (said.empty() ? "{}" : "::quorva::texts::" + name) + ", " +
+                (documented.empty() ? "{}" : "::quorva::texts::" + name) + ", " +
                 (named.empty() ? "{}" : "::quorva::enumerators::" + name) + "},\n";
     }
     const std::string identifier = identifierOf(module);
     const std::string types = identifier + "_types";
-    return sections({madeFrom(module) + "#include <" + privateHeader(module.source.module) +
+    return sections({generatedBanner(module) + "#include <" + privateHeader(module.source.module) +
                          ">\n#include <quorvapixdr/documentation.h>\n",
                      arrays("enumerators", enumerators), arrays("texts", members),
                      "namespace quorva::documentation {\n\n" +

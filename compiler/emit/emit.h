@@ -1,8 +1,7 @@
-// The back ends of the compiler: each prints one kind of text from a tree in which every name is resolved.
+// The emitters of the compiler: each returns one kind of text that is generated from a resolved tree.
 //
-// They expect a tree without faults and make no decisions of their own. What they print depends on that tree alone,
-// ends with a newline and is meant to be read: formatted, documented in the words of the interface file, and free of
-// warnings in C++20.
+// They expect a tree without errors. The text depends on that tree alone and ends with a newline. It is meant to be
+// read: formatted, with the comments of the interface file, and free of warnings in C++20.
 #pragma once
 
 #include "front/model.h"
@@ -12,30 +11,29 @@
 
 namespace quorva::compiler {
 
-// The public header of a module, installed as <quorvapixdr/types/MODULE.h>: constants, types, name functions, routines
-// and coders.
+// The public header of a module, <quorvapixdr/types/MODULE.h>: constants, types, name functions, routines and coders.
 std::string emitHeader(const Module& module);
 
-// The routines and name functions that the header declares, and the plain functions of the module's types.
+// The source file of a module: the routines and name functions that the header declares, and the plain functions.
 std::string emitUnit(const Module& module);
 
-// What units of one library need of each other: <quorvapixdr/private/MODULE.h>.
+// The private header of a module, <quorvapixdr/private/MODULE.h>: what generated source files of one library share.
 std::string emitPrivateHeader(const Module& module);
 
 // The descriptions of the module's types (see <quorvapixdr/description.h>).
 std::string emitDescriptions(const Module& module);
 
-// Their documentation (see <quorvapixdr/documentation.h>).
+// The documentation of the module's types (see <quorvapixdr/documentation.h>).
 std::string emitDocumentation(const Module& module);
 
-// The definition of quorva::`function`() over the documentation of the given modules, whatever their order.
+// The definition of quorva::`function`(), which returns the documentation of the modules in the order of their names.
 std::string emitModuleList(const std::vector<const Module*>& modules, const std::string& function);
 
 struct PlainOptions {
-    std::string prefix;  // put before the name of every type, enumerator and constant: C has one name space for all
+    std::string prefix;  // of every type, enumerator and constant, because C has one name space for all
 };
 
-// All modules of a program as one file of RFC 4506 for other XDR tools, every name defined before it is used.
+// All modules of a program as one file of RFC 4506 for other XDR tools. Every name is defined before it is used.
 std::string emitPlain(const Program& program, const PlainOptions& options = {});
 
 }  // namespace quorva::compiler

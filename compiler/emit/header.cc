@@ -20,13 +20,13 @@ std::string bound(const Declaration& declaration)
 
 // ---- Comments -------------------------------------------------------------------------------------------------------
 
-// What the C++ declaration does not show of the declaration.
+// What the C++ declaration does not tell: bounds, and what null means.
 std::string limitOf(const Declaration& declaration)
 {
     switch (declaration.form) {
     case Form::string: return "at most " + bound(declaration) + " characters";
-    case Form::bytes: return declaration.written ? "at most " + bound(declaration) + " bytes" : "";
-    case Form::list: return declaration.written ? "at most " + bound(declaration) + " elements" : "";
+    case Form::variableOpaque: return declaration.written ? "at most " + bound(declaration) + " bytes" : "";
+    case Form::variableArray: return declaration.written ? "at most " + bound(declaration) + " elements" : "";
     case Form::optional: return "null when absent";
     default: return "";
     }
@@ -34,12 +34,12 @@ std::string limitOf(const Declaration& declaration)
 
 std::string casesOf(const std::vector<const Value*>& values)
 {
-    std::vector<std::string> words;
-    for (const Value* value : values) words.push_back(value->text);
-    return (words.size() == 1 ? "case " : "cases ") + joined(words);
+    std::vector<std::string> cases;
+    for (const Value* value : values) cases.push_back(value->text);
+    return (cases.size() == 1 ? "case " : "cases ") + joined(cases);
 }
 
-// A line of comment alone, within a body.
+// A comment on a line of its own within a body.
 void addRemark(std::vector<BodyLine>& lines, const std::string& remark, std::size_t indent)
 {
     for (const std::string& line : wrapped(remark, lineWidth - indent - 3)) lines.push_back({"// " + line, "", ""});
@@ -52,32 +52,32 @@ std::string typeName(const TypeRef& type)
 
 // ---- Declarations ---------------------------------------------------------------------------------------------------
 
-// A field or an arm as a member of its structure.
+// A field or an arm as a member of a struct.
 std::string memberOf(const Declaration& declaration)
 {
     const std::string& name = declaration.name;
     switch (declaration.form) {
     case Form::single: return typeName(declaration.type) + " " + name + ";";
-    case Form::vector: return typeName(declaration.type) + " " + name + "[" + bound(declaration) + "];";
-    case Form::list: return "quorva::Counted<" + typeName(declaration.type) + "> " + name + ";";
+    case Form::fixedArray: return typeName(declaration.type) + " " + name + "[" + bound(declaration) + "];";
+    case Form::variableArray: return "quorva::Counted<" + typeName(declaration.type) + "> " + name + ";";
     case Form::optional: return typeName(declaration.type) + "* " + name + ";";
     case Form::string: return "char* " + name + ";";
-    case Form::bytes: return "quorva::Counted<unsigned char> " + name + ";";
-    case Form::opaque:
-    case Form::nothing: break;  // which is no member
+    case Form::variableOpaque: return "quorva::Counted<unsigned char> " + name + ";";
+    case Form::fixedOpaque:
+    case Form::none: break;  // void is not a member
     }
     return "unsigned char " + name + "[" + bound(declaration) + "];";
 }
 
-// The type of a typedef that is another name.
+// The C++ type of a typedef that is another name of a type.
 std::string typeOf(const Declaration& declaration)
 {
     switch (declaration.form) {
     case Form::single: return typeName(declaration.type);
-    case Form::vector: return typeName(declaration.type) + "[" + bound(declaration) + "]";
+    case Form::fixedArray: return typeName(declaration.type) + "[" + bound(declaration) + "]";
     case Form::optional: return typeName(declaration.type) + "*";
     case Form::string: return "char*";
-    default: return "unsigned char[" + bound(declaration) + "]";  // the others are types of their own
+    default: return "unsigned char[" + bound(declaration) + "]";  // C++ declares the other forms as counted structs
     }
 }
 
@@ -100,7 +100,7 @@ std::string enumeration(const Definition& definition)
     return "enum class " + definition.name + " : std::int32_t {\n" + body(lines, indentWidth) + "};\n";
 }
 
-std::string record(const Definition& definition)
+std::string structure(const Definition& definition)
 {
     std::vector<BodyLine> lines;
     for (const Declaration& field : definition.fields) lines.push_back({memberOf(field), limitOf(field), docOf(field)});
@@ -129,7 +129,7 @@ std::string arms(const Definition& definition)
     return "    union {\n" + body(lines, indent) + "    };\n";
 }
 
-std::string discriminated(const Definition& definition)
+std::string discriminatedUnion(const Definition& definition)
 {
     const bool hasArms = !armMembersOf(definition).empty();
     std::vector<BodyLine> lines = {{memberOf(definition.discriminant), "", docOf(definition.discriminant)}};
@@ -137,16 +137,16 @@ std::string discriminated(const Definition& definition)
     return "struct " + definition.name + " {\n" + body(lines, indentWidth) + (hasArms ? arms(definition) : "") + "};\n";
 }
 
-std::string counted(const Definition& definition)
+std::string countedStruct(const Definition& definition)
 {
     const std::string element =
-        definition.target.form == Form::bytes ? "unsigned char" : typeName(definition.target.type);
+        definition.target.form == Form::variableOpaque ? "unsigned char" : typeName(definition.target.type);
     const std::string limit = definition.target.written ? "at most " + bound(definition.target) : "";
     return "struct " + definition.name + " {\n" +
            body({{"std::uint16_t count;", limit, ""}, {element + "* elements;", "", ""}}, indentWidth) + "};\n";
 }
 
-BodyLine otherName(const Definition& definition)
+BodyLine alias(const Definition& definition)
 {
     return {"using " + definition.name + " = " + typeOf(definition.target) + ";", limitOf(definition.target),
             docOf(definition)};
@@ -156,24 +156,24 @@ void add(Paragraphs& out, const Definition& definition)
 {
     const std::string doc = lineComment(docOf(definition));
     switch (definition.kind) {
-    case Kind::constant: return out.add(constant(definition));
-    case Kind::enumeration: return out.add(doc + enumeration(definition));
-    case Kind::record: return out.add(doc + record(definition));
-    case Kind::discriminated: return out.add(doc + discriminated(definition));
-    case Kind::definedAs:
-        return isCounted(definition) ? out.add(doc + counted(definition)) : out.add(otherName(definition));
+    case DefinitionKind::constant: return out.add(constant(definition));
+    case DefinitionKind::enumeration: return out.add(doc + enumeration(definition));
+    case DefinitionKind::structure: return out.add(doc + structure(definition));
+    case DefinitionKind::discriminatedUnion: return out.add(doc + discriminatedUnion(definition));
+    case DefinitionKind::typeDefinition:
+        return isCountedStruct(definition) ? out.add(doc + countedStruct(definition)) : out.add(alias(definition));
     }
 }
 
-// ---- The parts of the header ----------------------------------------------------------------------------------------
+// ---- Sections of the header -----------------------------------------------------------------------------------------
 
-// Names that the definition puts behind a pointer before the header comes to define them.
+// Declares the types that the definition has pointers to and the header defines later.
 std::string forwardDeclarations(const Definition& user, std::unordered_set<const Definition*>& declared)
 {
     std::string out;
     for (const Declaration* declaration : declarationsOf(user)) {
         const Definition* used = declaration->type.definition;
-        if (!used || used == &user || used->at.source != user.at.source || !canBeForward(*used)) continue;
+        if (!used || used == &user || used->at.source != user.at.source || !canBeForwardDeclared(*used)) continue;
         if (declared.insert(used).second) out += "struct " + used->name + ";\n";
     }
     return out;
@@ -186,7 +186,7 @@ std::string constants(const Module& module)
     return out.text();
 }
 
-// Types in an order that C++ accepts.
+// The types, in an order that C++ accepts.
 std::string types(const Module& module)
 {
     Paragraphs out;
@@ -203,7 +203,8 @@ std::string nameFunctions(const Module& module)
 {
     std::string out;
     for (const Definition* definition : typesOf(module))
-        if (definition->kind == Kind::enumeration) out += "const char* " + definition->name + "String(int value);\n";
+        if (definition->kind == DefinitionKind::enumeration)
+            out += "const char* " + definition->name + "String(int value);\n";
     if (out.empty()) return "";
     return "// The name of the enumerator that has the value, else \"Error_in_Function\".\n" + out;
 }
@@ -218,7 +219,7 @@ std::string routines(const Module& module)
            "\n}  // extern \"C\"\n";
 }
 
-// What a library exports, however its units are compiled.
+// Makes the declarations visible outside a library that is compiled with hidden visibility.
 std::string exported(const std::string& declarations)
 {
     if (declarations.empty()) return "";
@@ -241,7 +242,7 @@ std::string coderChoices(const Module& module)
     std::string out;
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
-        if (!isOwnType(*definition)) continue;
+        if (!isDistinctType(*definition)) continue;
         out += "template <> inline constexpr quorva::Coder<::" + name + "> quorva::coderOf<::" + name +
                "> = quorva::coder::" + name + ";\n";
     }
@@ -250,7 +251,7 @@ std::string coderChoices(const Module& module)
 
 std::string banner(const Module& module)
 {
-    return madeFrom(module) + (module.doc.empty() ? "" : "//\n" + lineComment(module.doc));
+    return generatedBanner(module) + (module.doc.empty() ? "" : "//\n" + lineComment(module.doc));
 }
 
 std::string includes(const Module& module)

@@ -1,4 +1,4 @@
-// How generated code spells files, types and descriptions: always in full.
+// The names of files, types and descriptions in generated code.
 #pragma once
 
 #include "front/model.h"
@@ -8,7 +8,8 @@
 
 namespace quorva::compiler {
 
-// Generated headers have folders of their own, so that no module's name can shadow a header of the library.
+// Paths of generated headers in #include lines. They have folders of their own, so no module can hide a header of the
+// library.
 inline std::string publicHeader(const std::string& module)
 {
     return "quorvapixdr/types/" + module + ".h";
@@ -19,17 +20,20 @@ inline std::string privateHeader(const std::string& module)
     return "quorvapixdr/private/" + module + ".h";
 }
 
+// The C++ type, from the global namespace on.
 inline std::string typeName(const Definition& definition)
 {
     return "::" + definition.name;
 }
 
+// The constant that describes the type.
 inline std::string description(const Definition& definition)
 {
     return "quorva::types::" + definition.name;
 }
 
-inline std::string madeFrom(const Module& module)
+// The comment at the start of every generated file.
+inline std::string generatedBanner(const Module& module)
 {
     return lineComment("Made from " + module.source.module +
                        ".x by quorvaxdrc. Change the interface file, not this one.");

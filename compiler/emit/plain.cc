@@ -1,4 +1,4 @@
-// Prints a program as one file in the XDR language of RFC 4506, in the subset that every XDR tool reads.
+// Emits a program as one file of RFC 4506, in the subset that every XDR tool reads.
 #include "emit.h"
 #include "front/structure.h"
 #include "text.h"
@@ -11,8 +11,7 @@ namespace quorva::compiler {
 
 namespace {
 
-// Words that other XDR compilers keep for themselves, or that are reserved in the C which they print. What is a word of
-// C++ as well has no chance to be a name here.
+// True if the name is reserved by other XDR compilers or in the C that they generate. Keywords of C++ are never names.
 bool isReserved(const std::string& name)
 {
     return name == "program" || name == "quad" || name == "restrict" || name == "typeof" || name == "version";
@@ -23,7 +22,7 @@ std::string spelled(const std::string& name)
     return isReserved(name) ? name + "_" : name;
 }
 
-// The type that carries the same units, for tools that know no narrow integers.
+// The RFC 4506 type with the same wire format. RFC 4506 has no integers of 8 and 16 bits.
 std::string wireType(Builtin builtin)
 {
     switch (builtin) {
@@ -41,10 +40,10 @@ std::string wireType(Builtin builtin)
     return "float";
 }
 
-// Prints definitions and keeps in mind which of them are out already.
-class Printer {
+// Emits definitions, and remembers which are emitted already.
+class PlainPrinter {
 public:
-    explicit Printer(const PlainOptions& options) : prefix_(options.prefix) {}
+    explicit PlainPrinter(const PlainOptions& options) : prefix_(options.prefix) {}
 
     std::string module(const Module& module);
 
@@ -58,54 +57,56 @@ private:
 
     std::string constant(const Definition& definition) const;
     std::string enumeration(const Definition& definition) const;
-    std::string record(const Definition& definition) const;
-    std::string discriminated(const Definition& definition) const;
-    std::string definedAs(const Definition& definition) const;
+    std::string structure(const Definition& definition) const;
+    std::string discriminatedUnion(const Definition& definition) const;
+    std::string typeDefinition(const Definition& definition) const;
     std::string definition(const Definition& definition) const;
 
     std::string prefix_;
     std::unordered_set<const Definition*> printed_;
 };
 
-// A type that is still to come is one that the user's own definition leads back to. There, and for a list of the user's
-// own type, C compilers need the keyword before the name; nowhere else, since not every tool knows that form.
-std::string Printer::type(const Declaration& declaration, const Definition& user) const
+// A type that is not emitted yet is part of a cycle with the user. There, and for an array of the user's own type, C
+// compilers need the keyword before the name. Other names have no keyword, because not every tool accepts it.
+std::string PlainPrinter::type(const Declaration& declaration, const Definition& user) const
 {
     const Definition* used = declaration.type.definition;
     if (!used) return wireType(declaration.type.builtin);
-    const bool isStructure = used->kind == Kind::record || used->kind == Kind::discriminated;
-    const bool isAhead = used == &user ? declaration.form == Form::list : !printed_.contains(used);
+    const bool isStructure =
+        used->kind == DefinitionKind::structure || used->kind == DefinitionKind::discriminatedUnion;
+    const bool isAhead = used == &user ? declaration.form == Form::variableArray : !printed_.contains(used);
     return (isAhead && isStructure ? "struct " : "") + global(used->name);
 }
 
-std::string Printer::bound(const Declaration& declaration) const
+std::string PlainPrinter::bound(const Declaration& declaration) const
 {
     const auto& written = declaration.written;
-    if (written && written->owner && written->owner->kind == Kind::constant) return global(written->text);
+    if (written && written->owner && written->owner->kind == DefinitionKind::constant) return global(written->text);
     return std::to_string(declaration.bound);
 }
 
-std::string Printer::declaration(const Declaration& declaration, const std::string& name, const Definition& user) const
+std::string PlainPrinter::declaration(const Declaration& declaration, const std::string& name,
+                                      const Definition& user) const
 {
     switch (declaration.form) {
     case Form::single: return type(declaration, user) + " " + name + ";";
-    case Form::vector: return type(declaration, user) + " " + name + "[" + bound(declaration) + "];";
-    case Form::list: return type(declaration, user) + " " + name + "<" + bound(declaration) + ">;";
+    case Form::fixedArray: return type(declaration, user) + " " + name + "[" + bound(declaration) + "];";
+    case Form::variableArray: return type(declaration, user) + " " + name + "<" + bound(declaration) + ">;";
     case Form::optional: return type(declaration, user) + " *" + name + ";";
     case Form::string: return "string " + name + "<" + bound(declaration) + ">;";
-    case Form::bytes: return "opaque " + name + "<" + bound(declaration) + ">;";
-    case Form::opaque: return "opaque " + name + "[" + bound(declaration) + "];";
-    case Form::nothing: break;
+    case Form::variableOpaque: return "opaque " + name + "<" + bound(declaration) + ">;";
+    case Form::fixedOpaque: return "opaque " + name + "[" + bound(declaration) + "];";
+    case Form::none: break;
     }
     return "void;";
 }
 
-std::string Printer::constant(const Definition& definition) const
+std::string PlainPrinter::constant(const Definition& definition) const
 {
     return "const " + global(definition.name) + " = " + std::to_string(definition.constant.number) + ";\n";
 }
 
-std::string Printer::enumeration(const Definition& definition) const
+std::string PlainPrinter::enumeration(const Definition& definition) const
 {
     std::string out = "enum " + global(definition.name) + " {\n";
     for (const Enumerator& each : definition.enumerators)
@@ -114,7 +115,7 @@ std::string Printer::enumeration(const Definition& definition) const
     return out + "};\n";
 }
 
-std::string Printer::record(const Definition& definition) const
+std::string PlainPrinter::structure(const Definition& definition) const
 {
     std::string out = "struct " + global(definition.name) + " {\n";
     for (const Declaration& field : definition.fields)
@@ -123,8 +124,8 @@ std::string Printer::record(const Definition& definition) const
     return out + "};\n";
 }
 
-// Arms that share a member are brought together, because the C that is made from the file has one member for each arm.
-std::string Printer::discriminated(const Definition& definition) const
+// Cases that share a member become one arm, because XDR tools generate one member for each arm.
+std::string PlainPrinter::discriminatedUnion(const Definition& definition) const
 {
     const Discriminant discriminant = discriminantOf(definition);
     std::unordered_map<std::int64_t, std::string> names;
@@ -137,9 +138,10 @@ std::string Printer::discriminated(const Definition& definition) const
         return named == names.end() ? std::to_string(value.number) : named->second;
     };
 
-    const std::string told = blockComment(docOf(definition.discriminant), indentWidth);
-    std::string out = "union " + global(definition.name) + " switch (" + (told.empty() ? "" : "\n" + told + "    ") +
-                      type(definition.discriminant, definition) + " " + spelled(definition.discriminant.name) + ") {\n";
+    const std::string comment = blockComment(docOf(definition.discriminant), indentWidth);
+    std::string out = "union " + global(definition.name) + " switch (" +
+                      (comment.empty() ? "" : "\n" + comment + "    ") + type(definition.discriminant, definition) +
+                      " " + spelled(definition.discriminant.name) + ") {\n";
     const auto add = [&](const std::vector<const Value*>& cases, const Declaration& arm, const std::string& doc) {
         for (const Value* value : cases) out += "case " + label(*value) + ":\n";
         out += blockComment(doc, indentWidth) + "    " + declaration(arm, spelled(arm.name), definition) + "\n";
@@ -152,25 +154,25 @@ std::string Printer::discriminated(const Definition& definition) const
     return out + "};\n";
 }
 
-std::string Printer::definedAs(const Definition& definition) const
+std::string PlainPrinter::typeDefinition(const Definition& definition) const
 {
     return "typedef " + declaration(definition.target, global(definition.name), definition) + "\n";
 }
 
-std::string Printer::definition(const Definition& definition) const
+std::string PlainPrinter::definition(const Definition& definition) const
 {
     const std::string comment = blockComment(docOf(definition));
     switch (definition.kind) {
-    case Kind::constant: return comment + constant(definition);
-    case Kind::enumeration: return comment + enumeration(definition);
-    case Kind::record: return comment + record(definition);
-    case Kind::discriminated: return comment + discriminated(definition);
-    case Kind::definedAs: break;
+    case DefinitionKind::constant: return comment + constant(definition);
+    case DefinitionKind::enumeration: return comment + enumeration(definition);
+    case DefinitionKind::structure: return comment + structure(definition);
+    case DefinitionKind::discriminatedUnion: return comment + discriminatedUnion(definition);
+    case DefinitionKind::typeDefinition: break;
     }
-    return comment + definedAs(definition);
+    return comment + typeDefinition(definition);
 }
 
-std::string Printer::module(const Module& module)
+std::string PlainPrinter::module(const Module& module)
 {
     std::vector<std::string> parts = {
         blockComment("Module " + module.source.module + (module.doc.empty() ? "" : "\n\n" + module.doc))};
@@ -186,7 +188,7 @@ std::string Printer::module(const Module& module)
 
 std::string emitPlain(const Program& program, const PlainOptions& options)
 {
-    Printer printer(options);
+    PlainPrinter printer(options);
     std::vector<std::string> parts = {blockComment("Made by quorvaxdrc. Change the interface files, not this one.")};
     for (const auto& module : program.modules) parts.push_back(printer.module(*module));
     return sections(parts);

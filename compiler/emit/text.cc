@@ -1,5 +1,7 @@
-// Lays out what the back ends print.
+// Line breaks, escapes and aligned comments.
 #include "text.h"
+
+#include "support/text.h"
 
 #include <algorithm>
 
@@ -7,12 +9,8 @@ namespace quorva::compiler {
 
 namespace {
 
-// Columns that UTF-8 text takes, one for each code point.
-std::size_t columns(std::string_view text)
-{
-    return static_cast<std::size_t>(
-        std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
+using support::columns;
+using support::linesOf;
 
 std::string blanks(std::size_t count)
 {
@@ -25,16 +23,7 @@ std::string_view withoutTrailingBlanks(std::string_view text)
     return last == std::string_view::npos ? std::string_view() : text.substr(0, last + 1);
 }
 
-std::vector<std::string_view> linesOf(std::string_view text)
-{
-    std::vector<std::string_view> lines;
-    for (std::size_t end; (end = text.find('\n')) != std::string_view::npos; text.remove_prefix(end + 1))
-        lines.push_back(text.substr(0, end));
-    lines.push_back(text);
-    return lines;
-}
-
-// Where to end the first of several lines of at most `width` columns: before a blank, or behind a word that is longer.
+// The end of the first line of at most `width` columns: before a blank, or after a word that is longer.
 std::size_t breakOf(std::string_view text, std::size_t width)
 {
     const std::size_t indentation = std::min(text.find_first_not_of(' '), text.size());
@@ -46,14 +35,14 @@ std::size_t breakOf(std::string_view text, std::size_t width)
     return std::min(end, text.size());
 }
 
-// A comment line that ends in a backslash would swallow the line below it.
+// A comment line that ends in a backslash would continue on the line below it.
 std::string safeAtLineEnd(std::string text)
 {
     if (text.ends_with('\\') || text.ends_with("\?\?/")) text += '.';
     return text;
 }
 
-// Neither mark of a block comment may stand inside one.
+// Neither mark of a block comment may occur inside one.
 std::string safeInBlock(std::string text)
 {
     for (const char* mark : {"*/", "/*"})
@@ -61,7 +50,7 @@ std::string safeInBlock(std::string text)
     return text;
 }
 
-// Documentation has no other control characters.
+// Newlines are the only control characters in documentation.
 std::string escaped(std::string_view text)
 {
     std::string out;
@@ -81,14 +70,14 @@ std::string joinedWith(const std::string& first, const std::string& second, cons
     return first.empty() || second.empty() ? first + second : first + between + second;
 }
 
-// A line of a body once it is clear which comments stand where.
-struct Placed {
-    std::string above;
+// A line of a body with its comments assigned to their places.
+struct PlacedLine {
+    std::string above;  // comment lines that precede the code
     std::string code;
-    std::string behind;
+    std::string beside;  // comment that follows the code on its line
 };
 
-Placed placed(const BodyLine& line, std::size_t indent)
+PlacedLine placed(const BodyLine& line, std::size_t indent)
 {
     const auto fits = [&](const std::string& comment) {
         return comment.find('\n') == std::string::npos &&
@@ -100,26 +89,27 @@ Placed placed(const BodyLine& line, std::size_t indent)
     return {joinedWith(line.notes, line.doc, "\n"), line.code, ""};
 }
 
-// The longest run of neighbouring lines from `first` on whose comments can stand behind them in one column.
-struct Run {
-    std::size_t last = 0;  // behind the run
+// Consecutive lines whose comments start in one column.
+struct AlignedLines {
+    std::size_t end = 0;  // index after the last line
     std::size_t column = 0;
 };
 
-Run alignedRun(const std::vector<Placed>& lines, std::size_t first, std::size_t indent)
+// The longest such group from the line `first` on.
+AlignedLines alignedLines(const std::vector<PlacedLine>& lines, std::size_t first, std::size_t indent)
 {
-    Run run{first, 0};
+    AlignedLines group{first, 0};
     std::size_t widestCode = 0;
     std::size_t widestComment = 0;
-    for (; run.last < lines.size(); ++run.last) {
-        const auto& [above, code, behind] = lines[run.last];
-        if (behind.empty() || (run.last > first && !above.empty())) break;
+    for (; group.end < lines.size(); ++group.end) {
+        const auto& [above, code, beside] = lines[group.end];
+        if (beside.empty() || (group.end > first && !above.empty())) break;
         widestCode = std::max(widestCode, columns(code));
-        widestComment = std::max(widestComment, columns(behind));
+        widestComment = std::max(widestComment, columns(beside));
         if (indent + widestCode + columns("  // ") + widestComment > lineWidth) break;
-        run.column = widestCode;
+        group.column = widestCode;
     }
-    return run;
+    return group;
 }
 
 }  // namespace
@@ -187,41 +177,41 @@ std::string argumentList(std::size_t indent, const std::string& head, const std:
     const std::string start = blanks(columns(out));
     std::size_t column = columns(out);
     for (std::size_t at = 0; at < arguments.size(); ++at) {
-        const std::string word = arguments[at] + (at + 1 < arguments.size() ? "," : tail);
+        const std::string argument = arguments[at] + (at + 1 < arguments.size() ? "," : tail);
         const bool isFirst = at == 0;
-        if (!isFirst && column + 1 + columns(word) > lineWidth) {
+        if (!isFirst && column + 1 + columns(argument) > lineWidth) {
             out += "\n" + start;
             column = columns(start);
         } else if (!isFirst) {
             out += ' ';
             ++column;
         }
-        out += word;
-        column += columns(word);
+        out += argument;
+        column += columns(argument);
     }
     return arguments.empty() ? out + tail : out;
 }
 
-std::string joined(const std::vector<std::string>& words)
+std::string joined(const std::vector<std::string>& items)
 {
     std::string out;
-    for (const std::string& word : words) out += (out.empty() ? "" : ", ") + word;
+    for (const std::string& item : items) out += (out.empty() ? "" : ", ") + item;
     return out;
 }
 
 std::string body(const std::vector<BodyLine>& lines, std::size_t indent)
 {
-    std::vector<Placed> all;
+    std::vector<PlacedLine> all;
     for (const BodyLine& line : lines) all.push_back(placed(line, indent));
 
     std::string out;
-    Run run;
+    AlignedLines group;
     for (std::size_t at = 0; at < all.size(); ++at) {
-        const auto& [above, code, behind] = all[at];
-        if (at == run.last) run = alignedRun(all, at, indent);
+        const auto& [above, code, beside] = all[at];
+        if (at == group.end) group = alignedLines(all, at, indent);
         out += lineComment(above, indent) + blanks(indent) + code;
-        if (at < run.last) out += blanks(run.column - columns(code)) + "  // " + safeAtLineEnd(behind);
-        if (at == run.last) ++run.last;  // a line on its own
+        if (at < group.end) out += blanks(group.column - columns(code)) + "  // " + safeAtLineEnd(beside);
+        if (at == group.end) ++group.end;  // a line without a comment beside it
         out += '\n';
     }
     return out;
@@ -238,27 +228,27 @@ std::string sections(const std::vector<std::string>& parts)
 void Paragraphs::add(const BodyLine& line)
 {
     if (placed(line, 0).above.empty())
-        run_.push_back(line);
+        group_.push_back(line);
     else
         add(body({line}, 0));
 }
 
 void Paragraphs::add(const std::string& text)
 {
-    endRun();
+    endGroup();
     parts_.push_back(text);
 }
 
 std::string Paragraphs::text()
 {
-    endRun();
+    endGroup();
     return sections(parts_);
 }
 
-void Paragraphs::endRun()
+void Paragraphs::endGroup()
 {
-    if (!run_.empty()) parts_.push_back(body(run_, 0));
-    run_.clear();
+    if (!group_.empty()) parts_.push_back(body(group_, 0));
+    group_.clear();
 }
 
 }  // namespace quorva::compiler

@@ -1,4 +1,4 @@
-// How the back ends lay out text: comments, literals and calls that keep to the width of a line.
+// Lays out generated text: comments, literals and calls within the width of a line.
 #pragma once
 
 #include "front/source.h"
@@ -10,53 +10,55 @@
 
 namespace quorva::compiler {
 
-inline constexpr std::size_t indentWidth = 4;  // columns of one step
+inline constexpr std::size_t indentWidth = 4;  // columns of one level
 
-// `text` in lines of at most `width` columns: its own lines, the overlong ones broken at blanks.
+// The lines of `text`, each broken at blanks into lines of at most `width` columns. A longer word is not broken.
 std::vector<std::string> wrapped(std::string_view text, std::size_t width);
 
-// `text` as // comment lines, each with `indent` columns before it and a newline behind it; empty for an empty text.
+// `text` as // comment lines, each indented by `indent` columns and ended by a newline; empty for an empty text.
 std::string lineComment(std::string_view text, std::size_t indent = 0);
 
-// The same between /* and */, for tools that know no other comments.
+// The same between /* and */, for tools that know no // comments.
 std::string blockComment(std::string_view text, std::size_t indent = 0);
 
-// `text` as a string literal of C++, cut into several where a line would become too long; the first line starts in the
+// `text` as a C++ string literal, split into several if the line would become too long. The first one starts in the
 // column `indent`, and the others are aligned with it.
 std::string literal(std::string_view text, std::size_t indent = 0);
 
-// `head`, the arguments, `tail`: on one line, or with the arguments that do not fit under the first one. The first line
-// includes the indentation by `indent` columns.
+// `head`, the arguments and `tail`. Arguments that do not fit on the line continue below the first one. The result
+// includes the indentation of the first line by `indent` columns.
 std::string argumentList(std::size_t indent, const std::string& head, const std::vector<std::string>& arguments,
                          const std::string& tail);
 
-// The words with commas between them.
-std::string joined(const std::vector<std::string>& words);
+// The items, separated by ", ".
+std::string joined(const std::vector<std::string>& items);
 
-// One line of a definition's body. `notes` and `doc` stand behind the code where they fit, else above it.
+// One line of a definition's body. Its comments follow the code if they fit on the line, else they precede it.
 struct BodyLine {
     std::string code;
-    std::string notes;  // what the back end has to say
-    std::string doc;    // what the interface file says
+    std::string notes;  // the comment of the emitter: cases, bounds
+    std::string doc;    // the comment of the interface file
 };
 
-// The lines, indented, their comments aligned.
+// The lines, indented by `indent` columns, with neighbouring comments aligned.
 std::string body(const std::vector<BodyLine>& lines, std::size_t indent);
 
-// Sections with one empty line between each two of them; empty sections leave no trace.
+// The sections with an empty line between each two; empty sections are left out.
 std::string sections(const std::vector<std::string>& parts);
 
-// Definitions one below the other: those of one line follow each other closely, others stand between empty lines.
+// Collects definitions: consecutive ones of one line form a group, others are separated by empty lines.
 class Paragraphs {
 public:
     void add(const BodyLine& line);
     void add(const std::string& text);
+
+    // All that was added, as one text.
     std::string text();
 
 private:
-    void endRun();
+    void endGroup();
 
-    std::vector<BodyLine> run_;
+    std::vector<BodyLine> group_;  // definitions of one line, not yet in parts_
     std::vector<std::string> parts_;
 };
 

@@ -1,5 +1,5 @@
-// Pairs the definitions of two programs by name, then fields, enumerators and arms within each pair. A change is
-// reported where it is written down, not at every type that holds the changed one.
+// Compares the paired definitions of two programs: fields by position and name, enumerators by name and value, arms by
+// case. A change is reported at the changed definition, not at every type that holds it.
 #include "compare.h"
 
 #include "front/diagnostics.h"
@@ -25,58 +25,59 @@ namespace quorva::compiler {
 
 namespace {
 
-// The worst consequence of a change, the worst first; the last two are none.
-enum class Weight { wire, source, trace, addition, provisional };
+// The worst consequence of a change, in descending order; the last two break nothing.
+enum class Impact { wire, source, trace, addition, provisional };
 
 constexpr std::array<std::string_view, 5> headings = {"Breaks the wire", "Breaks source", "Breaks only the trace",
                                                       "New", "Provisional"};
-constexpr std::array<std::string_view, 5> countedAs = {"wire", "source", "trace", "new", "provisional"};
+constexpr std::array<std::string_view, 5> summaryWords = {"wire", "source", "trace", "new", "provisional"};
 
 struct Finding {
-    Weight weight = Weight::wire;
-    Span before;  // without a source where there is nothing to point at
-    Span after;
+    Impact impact = Impact::wire;
+    Span before;  // without a source if the definition is new
+    Span after;   // without a source if the definition is removed
     std::string sentence;
 };
 
-Weight weightOf(const Difference& difference)
+Impact impactOf(const Difference& difference)
 {
-    if (difference.provisional) return Weight::provisional;
-    if (difference.wire) return Weight::wire;
-    return difference.source ? Weight::source : Weight::trace;
+    if (difference.provisional) return Impact::provisional;
+    if (difference.wire) return Impact::wire;
+    return difference.source ? Impact::source : Impact::trace;
 }
 
-// Words
+// Text
 
-std::string called(const Definition& definition)
+// Keyword and name, as the interface file has them: "struct 'Locker'".
+std::string withKeyword(const Definition& definition)
 {
-    constexpr std::array<std::string_view, 5> words = {"const ", "enum ", "struct ", "union ", "typedef "};
-    return std::string(words[static_cast<std::size_t>(definition.kind)]) + inQuotes(definition.name);
+    constexpr std::array<std::string_view, 5> keywords = {"const ", "enum ", "struct ", "union ", "typedef "};
+    return std::string(keywords[static_cast<std::size_t>(definition.kind)]) + inQuotes(definition.name);
 }
 
 bool hasMaximum(Form form)
 {
-    return form == Form::list || form == Form::string || form == Form::bytes;
+    return form == Form::variableArray || form == Form::string || form == Form::variableOpaque;
 }
 
 std::string typeText(const Declaration& declaration)
 {
     const std::string number = std::to_string(declaration.bound);
-    const std::string maximum = "<" + (declaration.bound == 65535 ? "" : number) + ">";
+    const std::string maximum = "<" + (declaration.bound == mostElements ? "" : number) + ">";
     switch (declaration.form) {
     case Form::single: return declaration.type.name;
-    case Form::vector: return declaration.type.name + "[" + number + "]";
-    case Form::list: return declaration.type.name + maximum;
+    case Form::fixedArray: return declaration.type.name + "[" + number + "]";
+    case Form::variableArray: return declaration.type.name + maximum;
     case Form::optional: return declaration.type.name + "*";
     case Form::string: return "string" + maximum;
-    case Form::bytes: return "opaque" + maximum;
-    case Form::opaque: return "opaque[" + number + "]";
-    case Form::nothing: break;
+    case Form::variableOpaque: return "opaque" + maximum;
+    case Form::fixedOpaque: return "opaque[" + number + "]";
+    case Form::none: break;
     }
     return "void";
 }
 
-std::string list(const std::vector<std::string_view>& names)
+std::string quotedList(const std::vector<std::string_view>& names)
 {
     constexpr std::size_t shown = 5;
     std::string out;
@@ -88,7 +89,7 @@ std::string list(const std::vector<std::string_view>& names)
 
 class Comparison {
 public:
-    Comparison(const State& before, const State& after)
+    Comparison(const InterfaceVersion& before, const InterfaceVersion& after)
         : before_(before.program, before.isFolder),
           after_(after.program, after.isFolder),
           pairs_(before_, after_),
@@ -100,78 +101,79 @@ public:
     std::size_t print(std::ostream& out) const;
 
 private:
-    void add(Weight weight, const Span& before, const Span& after, std::string sentence);
-    void change(Weight weight, const Span& before, const Span& after, const std::string& what);
-    void change(Weight weight, const Declaration& before, const Span& after, const std::string& what);
+    void add(Impact impact, const Span& before, const Span& after, std::string sentence);
+    void change(Impact impact, const Span& before, const Span& after, const std::string& what);
+    void change(Impact impact, const Declaration& before, const Span& after, const std::string& what);
     void mark(const std::string& subject, const Declaration& before, const Declaration& after, bool isChanged);
     void modules();
-    void gone(const Definition& before);
-    void fresh(const Definition& after);
+    void removed(const Definition& before);
+    void added(const Definition& after);
     void definition(const Definition& before, const Definition& after);
-    void nameAndHome(const Definition& before, const Definition& after);
+    void nameAndModule(const Definition& before, const Definition& after);
     void content(const Definition& before, const Definition& after);
     void type(const std::string& subject, const Declaration& before, const Declaration& after);
 
-    void record(const Definition& before, const Definition& after);
-    void order(const std::vector<const Declaration*>& before, const std::vector<const Declaration*>& after,
-               const std::vector<bool>& stays);
-    void exchanged(const std::vector<const Declaration*>& before, const std::vector<const Declaration*>& after);
+    void structure(const Definition& before, const Definition& after);
+    void fieldOrder(const std::vector<const Declaration*>& before, const std::vector<const Declaration*>& after,
+                    const std::vector<bool>& stays);
+    void replacedFields(const std::vector<const Declaration*>& before, const std::vector<const Declaration*>& after);
 
     void enumeration(const Definition& before, const Definition& after);
 
-    struct Label {
+    struct ArmCase {
         const Value* value = nullptr;
         const Declaration* declaration = nullptr;
     };
-    void discriminated(const Definition& before, const Definition& after);
+    void discriminatedUnion(const Definition& before, const Definition& after);
     void arms(const Definition& before, const Definition& after);
-    void arm(const Label& before, const Label& after);
-    void armGone(const Label& before);
-    void armNew(const Label& after);
+    void arm(const ArmCase& before, const ArmCase& after);
+    void removedArm(const ArmCase& before);
+    void addedArm(const ArmCase& after);
 
-    Library before_;
-    Library after_;
+    InterfaceIndex before_;
+    InterfaceIndex after_;
     Pairs pairs_;
-    Types types_;
+    TypeComparison types_;
     std::vector<Finding> findings_;
-    const Definition* was_ = nullptr;  // at hand
-    const Definition* is_ = nullptr;
-    std::optional<std::size_t> holders_;  // of it, once counted
+    const Definition* oldDefinition_ = nullptr;  // the pair under comparison
+    const Definition* newDefinition_ = nullptr;
+    std::optional<std::size_t> holders_;  // of oldDefinition_, once counted
 };
 
-void Comparison::add(Weight weight, const Span& before, const Span& after, std::string sentence)
+void Comparison::add(Impact impact, const Span& before, const Span& after, std::string sentence)
 {
-    findings_.push_back({weight, before, after, std::move(sentence)});
+    findings_.push_back({impact, before, after, std::move(sentence)});
 }
 
-// A change within the definition at hand.
-void Comparison::change(Weight weight, const Span& before, const Span& after, const std::string& what)
+// Adds a change within the pair under comparison.
+void Comparison::change(Impact impact, const Span& before, const Span& after, const std::string& what)
 {
     std::string holders;
-    if (weight != Weight::addition) {
-        if (!holders_) holders_ = before_.holdersOf(*was_);
-        const bool isMore = *holders_ == Library::mostHolders;
+    if (impact != Impact::addition) {
+        if (!holders_) holders_ = before_.holdersOf(*oldDefinition_);
+        const bool isMore = *holders_ == InterfaceIndex::mostHolders;
         if (*holders_ == 1) holders = " (1 type holds it)";
         if (*holders_ > 1) holders = (isMore ? " (at least " : " (") + std::to_string(*holders_) + " types hold it)";
     }
-    add(was_->provisional ? Weight::provisional : weight, before, after, called(*was_) + ": " + what + holders);
+    add(oldDefinition_->provisional ? Impact::provisional : impact, before, after,
+        withKeyword(*oldDefinition_) + ": " + what + holders);
 }
 
-// A change of a member. It breaks nothing if the old member was provisional.
-void Comparison::change(Weight weight, const Declaration& before, const Span& after, const std::string& what)
+// Adds a change of a member. It breaks nothing if the old member was provisional.
+void Comparison::change(Impact impact, const Declaration& before, const Span& after, const std::string& what)
 {
-    change(before.provisional ? Weight::provisional : weight, before.at, after, what);
+    change(before.provisional ? Impact::provisional : impact, before.at, after, what);
 }
 
-// Reports that a member lost its mark and is otherwise the same, or that it got one. The marks within a type that is
-// provisional as a whole say nothing.
+// Adds a finding if a member lost its provisional mark and is otherwise the same, or if it got one. Marks within a
+// provisional type do not count.
 void Comparison::mark(const std::string& subject, const Declaration& before, const Declaration& after, bool isChanged)
 {
-    if (was_->provisional || is_->provisional) return;
+    if (oldDefinition_->provisional || newDefinition_->provisional) return;
     if (before.provisional && !after.provisional && !isChanged) {
-        change(Weight::provisional, before, after.at, subject + " is settled as it was");
+        change(Impact::provisional, before, after.at, subject + " is settled as it was");
     } else if (!before.provisional && after.provisional) {
-        change(Weight::provisional, before, after.at, subject + " was settled and is marked provisional");
+        change(Impact::provisional, before, after.at, subject + " was settled and is marked provisional");
     }
 }
 
@@ -184,61 +186,61 @@ void Comparison::modules()
     for (const auto& [name, definitions] : before_.contents()) {
         if (after_.contents().contains(name)) continue;
         const bool open = !definitions.empty() && std::all_of(definitions.begin(), definitions.end(), isOpen);
-        add(open ? Weight::provisional : Weight::source, before_.place(name), {},
+        add(open ? Impact::provisional : Impact::source, before_.startOf(name), {},
             "module " + inQuotes(name) + " is gone, and with it its header");
     }
     for (const auto& [name, definitions] : after_.contents()) {
         if (before_.contents().contains(name)) continue;
         const auto count = std::count_if(definitions.begin(), definitions.end(),
                                          [&](const Definition* each) { return !pairs_.isPaired(each); });
-        add(Weight::addition, {}, after_.place(name),
+        add(Impact::addition, {}, after_.startOf(name),
             "module " + inQuotes(name) + ", new definitions in it: " + std::to_string(count));
     }
 }
 
-void Comparison::gone(const Definition& before)
+void Comparison::removed(const Definition& before)
 {
-    add(before.provisional ? Weight::provisional : Weight::source, before.at, {}, called(before) + " is gone");
+    add(before.provisional ? Impact::provisional : Impact::source, before.at, {}, withKeyword(before) + " is gone");
 }
 
-void Comparison::fresh(const Definition& after)
+void Comparison::added(const Definition& after)
 {
-    const bool listed = after_.knowsModules() && before_.knowsModules() &&
-                        !before_.contents().contains(after_.homeOf(after));  // with its module
-    if (!listed) add(Weight::addition, {}, after.at, called(after));
+    const bool isInNewModule =
+        after_.knowsModules() && before_.knowsModules() && !before_.contents().contains(after_.moduleOf(after));
+    if (!isInNewModule) add(Impact::addition, {}, after.at, withKeyword(after));
 }
 
-void Comparison::nameAndHome(const Definition& before, const Definition& after)
+void Comparison::nameAndModule(const Definition& before, const Definition& after)
 {
     if (before.name != after.name) {
-        const bool inTrace = before.kind == Kind::discriminated;
-        change(Weight::source, before.at, after.at,
+        const bool inTrace = before.kind == DefinitionKind::discriminatedUnion;
+        change(Impact::source, before.at, after.at,
                "is named " + inQuotes(after.name) + (inTrace ? ", in the trace, too" : ""));
     }
     if (!before_.knowsModules() || !after_.knowsModules()) return;
-    const std::string& from = before_.homeOf(before);
-    const std::string& to = after_.homeOf(after);
+    const std::string& from = before_.moduleOf(before);
+    const std::string& to = after_.moduleOf(after);
     if (from == to || after_.reaches(from, to)) return;
-    change(Weight::source, before.at, after.at,
+    change(Impact::source, before.at, after.at,
            "moved from module " + inQuotes(from) + " to " + inQuotes(to) + ", which the former does not import");
 }
 
 void Comparison::definition(const Definition& before, const Definition& after)
 {
-    was_ = &before;
-    is_ = &after;
+    oldDefinition_ = &before;
+    newDefinition_ = &after;
     holders_.reset();
-    nameAndHome(before, after);
+    nameAndModule(before, after);
     const std::size_t first = findings_.size();
     content(before, after);
     if (before.provisional && !after.provisional) {
         const bool same = findings_.size() == first;
         findings_.erase(findings_.begin() + static_cast<std::ptrdiff_t>(first), findings_.end());
-        change(Weight::provisional, before.at, after.at,
+        change(Impact::provisional, before.at, after.at,
                same ? "the provisional layout is settled as it was"
                     : "the provisional layout is replaced by a settled one");
     } else if (!before.provisional && after.provisional) {
-        change(Weight::provisional, before.at, after.at, "was settled and is marked provisional");
+        change(Impact::provisional, before.at, after.at, "was settled and is marked provisional");
     }
 }
 
@@ -246,31 +248,31 @@ void Comparison::content(const Definition& before, const Definition& after)
 {
     if (before.kind == after.kind) {
         switch (before.kind) {
-        case Kind::constant:
+        case DefinitionKind::constant:
             if (before.constant.number == after.constant.number) return;
-            change(Weight::source, before.at, after.at,
+            change(Impact::source, before.at, after.at,
                    "was " + std::to_string(before.constant.number) + ", is " + std::to_string(after.constant.number));
             return;
-        case Kind::enumeration: enumeration(before, after); return;
-        case Kind::record: record(before, after); return;
-        case Kind::discriminated: discriminated(before, after); return;
-        case Kind::definedAs: type("", before.target, after.target); return;
+        case DefinitionKind::enumeration: enumeration(before, after); return;
+        case DefinitionKind::structure: structure(before, after); return;
+        case DefinitionKind::discriminatedUnion: discriminatedUnion(before, after); return;
+        case DefinitionKind::typeDefinition: type("", before.target, after.target); return;
         }
     }
-    const std::string what = "is a definition of another kind: " + called(after);
-    if (before.kind == Kind::constant || after.kind == Kind::constant) {
-        change(Weight::source, before.at, after.at, what);
+    const std::string what = "is a definition of another kind: " + withKeyword(after);
+    if (before.kind == DefinitionKind::constant || after.kind == DefinitionKind::constant) {
+        change(Impact::source, before.at, after.at, what);
         return;
     }
-    const bool aliased = before.kind == Kind::definedAs || after.kind == Kind::definedAs;
+    const bool aliased = before.kind == DefinitionKind::typeDefinition || after.kind == DefinitionKind::typeDefinition;
     const auto declarationOf = [](const Definition& definition) {
-        return definition.kind == Kind::definedAs ? definition.target : singleOf(definition);
+        return definition.kind == DefinitionKind::typeDefinition ? definition.target : singleOf(definition);
     };
     const bool wire = !aliased || types_.difference(declarationOf(before), declarationOf(after)).wire;
-    change(wire ? Weight::wire : Weight::source, before.at, after.at, what);
+    change(wire ? Impact::wire : Impact::source, before.at, after.at, what);
 }
 
-// Reports what `subject`, a field or an arm, or else the typedef at hand, became where that is something else.
+// Adds a finding if the type of `subject`, a field or an arm, changed. An empty subject means the typedef itself.
 void Comparison::type(const std::string& subject, const Declaration& before, const Declaration& after)
 {
     const Difference found = types_.difference(before, after);
@@ -282,25 +284,26 @@ void Comparison::type(const std::string& subject, const Declaration& before, con
         onlyMaximum ? "the maximum" + (subject.empty() ? "" : " of " + subject) + " was " +
                           std::to_string(before.bound) + ", is " + std::to_string(after.bound)
                     : subject + (subject.empty() ? "" : " ") + "was " + typeText(before) + ", is " + typeText(after);
-    change(weightOf(found), before, after.at, what);
+    change(impactOf(found), before, after.at, what);
 }
 
 // Structures
 
-// Which of the distinct numbers form the longest ascending run, with gaps.
+// Marks the longest ascending subsequence of distinct numbers.
 std::vector<bool> ascending(const std::vector<std::size_t>& numbers)
 {
     constexpr auto none = std::numeric_limits<std::size_t>::max();
-    std::vector<std::size_t> ends;  // ends[n]: where the run of n + 1 numbers with the smallest last one ends
+    std::vector<std::size_t> ends;  // ends[n]: index of the smallest number that ends a subsequence of n + 1
     std::vector<std::size_t> previous(numbers.size(), none);
     for (std::size_t at = 0; at < numbers.size(); ++at) {
-        const auto place = std::lower_bound(ends.begin(), ends.end(), numbers[at],
-                                            [&](std::size_t end, std::size_t number) { return numbers[end] < number; });
-        if (place != ends.begin()) previous[at] = *(place - 1);
-        if (place == ends.end()) {
+        const auto position =
+            std::lower_bound(ends.begin(), ends.end(), numbers[at],
+                             [&](std::size_t end, std::size_t number) { return numbers[end] < number; });
+        if (position != ends.begin()) previous[at] = *(position - 1);
+        if (position == ends.end()) {
             ends.push_back(at);
         } else {
-            *place = at;
+            *position = at;
         }
     }
     std::vector<bool> chosen(numbers.size(), false);
@@ -308,9 +311,9 @@ std::vector<bool> ascending(const std::vector<std::size_t>& numbers)
     return chosen;
 }
 
-// The fields that both have, in the order of each. `stays` tells which of them moved in relation to others.
-void Comparison::order(const std::vector<const Declaration*>& before, const std::vector<const Declaration*>& after,
-                       const std::vector<bool>& stays)
+// Compares the order of the fields that both have. `stays` marks the fields of `before` that did not move.
+void Comparison::fieldOrder(const std::vector<const Declaration*>& before, const std::vector<const Declaration*>& after,
+                            const std::vector<bool>& stays)
 {
     std::vector<std::size_t> elsewhere;
     for (std::size_t at = 0; at < before.size(); ++at) {
@@ -328,10 +331,10 @@ void Comparison::order(const std::vector<const Declaration*>& before, const std:
         }
         return names;
     };
-    const Weight weight = settled(before) == settled(after) ? Weight::provisional : Weight::wire;
+    const Impact impact = settled(before) == settled(after) ? Impact::provisional : Impact::wire;
     const std::size_t first = elsewhere.front();
     if (elsewhere.size() == 2) {
-        change(weight, before[first]->at, after[first]->at,
+        change(impact, before[first]->at, after[first]->at,
                "fields " + inQuotes(before[first]->name) + " and " + inQuotes(after[first]->name) +
                    " have changed places");
         return;
@@ -340,18 +343,19 @@ void Comparison::order(const std::vector<const Declaration*>& before, const std:
     for (std::size_t at = 0; at < before.size(); ++at) {
         if (!stays[at]) moved.emplace_back(before[at]->name);
     }
-    change(weight, before[first]->at, after[first]->at, "fields have moved to another place: " + list(moved));
+    change(impact, before[first]->at, after[first]->at, "fields have moved to another place: " + quotedList(moved));
 }
 
-// Fields that stand between the same neighbours and have no namesakes on the other side.
-void Comparison::exchanged(const std::vector<const Declaration*>& before, const std::vector<const Declaration*>& after)
+// Compares fields without namesakes between the same two fields that stayed.
+void Comparison::replacedFields(const std::vector<const Declaration*>& before,
+                                const std::vector<const Declaration*>& after)
 {
     if (before.size() != after.size()) {
         for (const Declaration* field : before) {
-            change(Weight::wire, *field, is_->at, "field " + inQuotes(field->name) + " is gone");
+            change(Impact::wire, *field, newDefinition_->at, "field " + inQuotes(field->name) + " is gone");
         }
         for (const Declaration* field : after) {
-            change(Weight::wire, was_->at, field->at, "field " + inQuotes(field->name) + " is new");
+            change(Impact::wire, oldDefinition_->at, field->at, "field " + inQuotes(field->name) + " is new");
         }
         return;
     }
@@ -360,27 +364,27 @@ void Comparison::exchanged(const std::vector<const Declaration*>& before, const 
         const Declaration& is = *after[at];
         const Difference found = types_.difference(was, is);
         if (found.wire) {
-            change(weightOf(found), was, is.at,
+            change(impactOf(found), was, is.at,
                    "field " + inQuotes(was.name) + " of type " + typeText(was) + " gave way to " + inQuotes(is.name) +
                        " of type " + typeText(is));
         } else {
-            change(Weight::source, was, is.at,
+            change(Impact::source, was, is.at,
                    "field " + inQuotes(was.name) + " is named " + inQuotes(is.name) + ", in the trace, too");
         }
     }
 }
 
-void Comparison::record(const Definition& before, const Definition& after)
+void Comparison::structure(const Definition& before, const Definition& after)
 {
-    std::unordered_map<std::string_view, std::size_t> places;
-    for (std::size_t at = 0; at < after.fields.size(); ++at) places.emplace(after.fields[at].name, at);
+    std::unordered_map<std::string_view, std::size_t> indexOf;
+    for (std::size_t at = 0; at < after.fields.size(); ++at) indexOf.emplace(after.fields[at].name, at);
 
     std::vector<const Declaration*> kept;
     std::vector<std::size_t> keptAt;
     std::vector<bool> isKept(after.fields.size(), false);
     for (const Declaration& field : before.fields) {
-        const auto same = places.find(field.name);
-        if (same == places.end()) continue;
+        const auto same = indexOf.find(field.name);
+        if (same == indexOf.end()) continue;
         kept.push_back(&field);
         keptAt.push_back(same->second);
         isKept[same->second] = true;
@@ -392,23 +396,23 @@ void Comparison::record(const Definition& before, const Definition& after)
     for (std::size_t at = 0; at < after.fields.size(); ++at) {
         if (isKept[at]) keptAfter.push_back(&after.fields[at]);
     }
-    order(kept, keptAfter, stays);
+    fieldOrder(kept, keptAfter, stays);
 
-    // From one field that stays to the next.
+    // Compares the fields between each two that stayed.
     std::size_t was = 0;
     std::size_t is = 0;
     for (std::size_t at = 0; at <= kept.size(); ++at) {
         if (at < kept.size() && !stays[at]) continue;
         const bool end = at == kept.size();
-        std::vector<const Declaration*> gone;
-        std::vector<const Declaration*> fresh;
+        std::vector<const Declaration*> removedFields;
+        std::vector<const Declaration*> addedFields;
         for (; was < before.fields.size() && (end || &before.fields[was] != kept[at]); ++was) {
-            if (!places.contains(before.fields[was].name)) gone.push_back(&before.fields[was]);
+            if (!indexOf.contains(before.fields[was].name)) removedFields.push_back(&before.fields[was]);
         }
         for (; is < after.fields.size() && (end || is != keptAt[at]); ++is) {
-            if (!isKept[is]) fresh.push_back(&after.fields[is]);
+            if (!isKept[is]) addedFields.push_back(&after.fields[is]);
         }
-        exchanged(gone, fresh);
+        replacedFields(removedFields, addedFields);
     }
 }
 
@@ -431,22 +435,22 @@ void Comparison::enumeration(const Definition& before, const Definition& after)
         if (const auto same = names.find(was.name); same != names.end()) {
             const Enumerator& is = *same->second;
             if (was.value.number == is.value.number) continue;
-            change(Weight::wire, was.at, is.at,
+            change(Impact::wire, was.at, is.at,
                    what + " was " + std::to_string(was.value.number) + ", is " + std::to_string(is.value.number));
             continue;
         }
-        const auto heir = values.find(was.value.number);
-        if (heir != values.end() && !known.contains(heir->second->name)) {
-            renamed.insert(heir->second);
-            change(Weight::source, was.at, heir->second->at,
-                   what + " is named " + inQuotes(heir->second->name) + ", in the trace, too");
+        const auto renamedTo = values.find(was.value.number);
+        if (renamedTo != values.end() && !known.contains(renamedTo->second->name)) {
+            renamed.insert(renamedTo->second);
+            change(Impact::source, was.at, renamedTo->second->at,
+                   what + " is named " + inQuotes(renamedTo->second->name) + ", in the trace, too");
         } else {
-            change(Weight::source, was.at, after.at, what + " is gone, from the trace, too");
+            change(Impact::source, was.at, after.at, what + " is gone, from the trace, too");
         }
     }
     for (const Enumerator& each : after.enumerators) {
         if (known.contains(each.name) || renamed.contains(&each)) continue;
-        change(Weight::addition, before.at, each.at,
+        change(Impact::addition, before.at, each.at,
                "enumerator " + inQuotes(each.name) + " = " + std::to_string(each.value.number));
     }
 }
@@ -456,53 +460,54 @@ void Comparison::enumeration(const Definition& before, const Definition& after)
 std::string armText(const Value& value, const Declaration& declaration)
 {
     const std::string label = "case " + value.text;
-    return declaration.form == Form::nothing ? label : "arm " + inQuotes(declaration.name) + " (" + label + ")";
+    return declaration.form == Form::none ? label : "arm " + inQuotes(declaration.name) + " (" + label + ")";
 }
 
-void Comparison::armGone(const Label& before)
+void Comparison::removedArm(const ArmCase& before)
 {
     const std::string what = armText(*before.value, *before.declaration) + " is gone";
-    if (is_->defaultArm && before.declaration->form == Form::nothing) {
-        change(Weight::trace, *before.declaration, is_->at, what + "; its value shows as 'default'");
+    if (newDefinition_->defaultArm && before.declaration->form == Form::none) {
+        change(Impact::trace, *before.declaration, newDefinition_->at, what + "; its value shows as 'default'");
     } else {
-        change(Weight::wire, *before.declaration, is_->at, what);
+        change(Impact::wire, *before.declaration, newDefinition_->at, what);
     }
 }
 
-// A value that a default arm took has travelled already, with nothing behind it.
-void Comparison::armNew(const Label& after)
+// The default arm already coded the value, with no data after the discriminant.
+void Comparison::addedArm(const ArmCase& after)
 {
     const std::string what = armText(*after.value, *after.declaration) + " is new";
-    if (!was_->defaultArm) {
-        change(Weight::addition, was_->at, after.declaration->at, what);
-    } else if (was_->defaultArm->declaration.provisional) {
-        change(Weight::provisional, was_->at, after.declaration->at, what);
-    } else if (after.declaration->form == Form::nothing) {
-        change(Weight::trace, was_->at, after.declaration->at, what + "; its value showed as 'default'");
+    if (!oldDefinition_->defaultArm) {
+        change(Impact::addition, oldDefinition_->at, after.declaration->at, what);
+    } else if (oldDefinition_->defaultArm->declaration.provisional) {
+        change(Impact::provisional, oldDefinition_->at, after.declaration->at, what);
+    } else if (after.declaration->form == Form::none) {
+        change(Impact::trace, oldDefinition_->at, after.declaration->at, what + "; its value showed as 'default'");
     } else {
-        change(Weight::wire, was_->at, after.declaration->at, what + "; its value carried nothing, as 'default'");
+        change(Impact::wire, oldDefinition_->at, after.declaration->at,
+               what + "; its value carried nothing, as 'default'");
     }
 }
 
-void Comparison::arm(const Label& before, const Label& after)
+void Comparison::arm(const ArmCase& before, const ArmCase& after)
 {
     const Declaration& was = *before.declaration;
     const Declaration& is = *after.declaration;
     const std::string what = armText(*before.value, was);
-    if (was.name == is.name || was.form == Form::nothing || is.form == Form::nothing) {
+    if (was.name == is.name || was.form == Form::none || is.form == Form::none) {
         type(what, was, is);
         return;
     }
     const Difference found = types_.difference(was, is);
     if (found.wire) {
-        change(weightOf(found), was, is.at,
+        change(impactOf(found), was, is.at,
                what + " of type " + typeText(was) + " gave way to " + inQuotes(is.name) + " of type " + typeText(is));
     } else {
-        change(Weight::source, was, is.at, what + " is named " + inQuotes(is.name) + ", in the trace, too");
+        change(Impact::source, was, is.at, what + " is named " + inQuotes(is.name) + ", in the trace, too");
     }
 }
 
-// Values of an enumeration that got other numbers are followed: the enumeration itself is where that is reported.
+// The new numbers of the enumerators that both have. A changed number is reported at the enumeration, not at cases.
 std::map<std::int64_t, std::int64_t> renumbered(const Definition* before, const Definition* after)
 {
     std::map<std::int64_t, std::int64_t> numbers;
@@ -517,38 +522,37 @@ std::map<std::int64_t, std::int64_t> renumbered(const Definition* before, const 
     return numbers;
 }
 
-// Arms that kept number and name first, then those that took their name to another number; what is left of a number
-// then is another arm, or none.
+// Matches cases in three steps: by number and arm name, then by arm name alone, then by number alone.
 void Comparison::arms(const Definition& before, const Definition& after)
 {
-    std::map<std::int64_t, Label> left;  // of the new arms
+    std::map<std::int64_t, ArmCase> left;  // new cases without a match
     struct Numbers {
         std::vector<std::int64_t> all;
-        std::size_t next = 0;  // those before it are not left
+        std::size_t next = 0;  // those before it are matched
     };
     std::unordered_map<std::string_view, Numbers> named;
     for (const Arm& each : after.arms) {
         for (const Value& value : each.cases) {
-            left.emplace(value.number, Label{&value, &each.declaration});
+            left.emplace(value.number, ArmCase{&value, &each.declaration});
             named[each.declaration.name].all.push_back(value.number);
         }
     }
     const auto numbers = renumbered(discriminantOf(before).enumeration, discriminantOf(after).enumeration);
-    const auto withNumber = [&](const Label& was) {
+    const auto withNumber = [&](const ArmCase& was) {
         const auto followed = numbers.find(was.value->number);
         return left.find(followed == numbers.end() ? was.value->number : followed->second);
     };
-    const auto withName = [&](const Label& was) {
+    const auto withName = [&](const ArmCase& was) {
         Numbers& known = named[was.declaration->name];
         while (known.next < known.all.size() && !left.contains(known.all[known.next])) ++known.next;
         return known.next < known.all.size() ? left.find(known.all[known.next]) : left.end();
     };
 
-    std::vector<Label> otherName;
-    std::set<std::pair<const Declaration*, const Declaration*>> reported;  // of several cases the first
+    std::vector<ArmCase> otherName;
+    std::set<std::pair<const Declaration*, const Declaration*>> reported;  // one finding for several cases
     for (const Arm& each : before.arms) {
         for (const Value& value : each.cases) {
-            const Label was{&value, &each.declaration};
+            const ArmCase was{&value, &each.declaration};
             const auto same = withNumber(was);
             if (same == left.end() || same->second.declaration->name != each.declaration.name) {
                 otherName.push_back(was);
@@ -558,36 +562,36 @@ void Comparison::arms(const Definition& before, const Definition& after)
             left.erase(same);
         }
     }
-    std::vector<Label> otherNumber;
-    for (const Label& was : otherName) {
-        const auto moved = was.declaration->form == Form::nothing ? left.end() : withName(was);
+    std::vector<ArmCase> otherNumber;
+    for (const ArmCase& was : otherName) {
+        const auto moved = was.declaration->form == Form::none ? left.end() : withName(was);
         if (moved == left.end() || types_.difference(*was.declaration, *moved->second.declaration).wire) {
             otherNumber.push_back(was);
             continue;
         }
-        change(Weight::wire, *was.declaration, moved->second.declaration->at,
+        change(Impact::wire, *was.declaration, moved->second.declaration->at,
                armText(*was.value, *was.declaration) + " is under case " + moved->second.value->text);
         left.erase(moved);
     }
-    for (const Label& was : otherNumber) {
+    for (const ArmCase& was : otherNumber) {
         const auto same = withNumber(was);
         if (same == left.end()) {
-            armGone(was);
+            removedArm(was);
             continue;
         }
         if (reported.emplace(was.declaration, same->second.declaration).second) arm(was, same->second);
         left.erase(same);
     }
-    for (const auto& [number, label] : left) armNew(label);
+    for (const auto& [number, label] : left) addedArm(label);
 }
 
-void Comparison::discriminated(const Definition& before, const Definition& after)
+void Comparison::discriminatedUnion(const Definition& before, const Definition& after)
 {
-    const Declaration& selector = before.discriminant;
-    type("the discriminant", selector, after.discriminant);
-    if (selector.name != after.discriminant.name) {
-        change(Weight::source, selector, after.discriminant.at,
-               "the discriminant " + inQuotes(selector.name) + " is named " + inQuotes(after.discriminant.name) +
+    const Declaration& discriminant = before.discriminant;
+    type("the discriminant", discriminant, after.discriminant);
+    if (discriminant.name != after.discriminant.name) {
+        change(Impact::source, discriminant, after.discriminant.at,
+               "the discriminant " + inQuotes(discriminant.name) + " is named " + inQuotes(after.discriminant.name) +
                    ", in the trace, too");
     }
 
@@ -595,9 +599,9 @@ void Comparison::discriminated(const Definition& before, const Definition& after
     if (before.defaultArm && after.defaultArm) {
         type("the default arm", before.defaultArm->declaration, after.defaultArm->declaration);
     } else if (before.defaultArm) {
-        change(Weight::wire, before.defaultArm->declaration, after.at, "the default arm is gone");
+        change(Impact::wire, before.defaultArm->declaration, after.at, "the default arm is gone");
     } else if (after.defaultArm) {
-        change(Weight::wire, before.at, after.defaultArm->declaration.at, "the default arm is new");
+        change(Impact::wire, before.at, after.defaultArm->declaration.at, "the default arm is new");
     }
 }
 
@@ -609,18 +613,18 @@ void Comparison::run()
             if (const Definition* after = pairs_.of(before)) {
                 definition(*before, *after);
             } else {
-                gone(*before);
+                removed(*before);
             }
         }
     }
     for (const auto& [module, definitions] : after_.contents()) {
         for (const Definition* after : definitions) {
-            if (!pairs_.isPaired(after)) fresh(*after);
+            if (!pairs_.isPaired(after)) added(*after);
         }
     }
 }
 
-std::string placeText(const Span& span)
+std::string positionText(const Span& span)
 {
     return span.source ? span.source->path + ":" + std::to_string(span.line) : "-";
 }
@@ -628,19 +632,19 @@ std::string placeText(const Span& span)
 std::size_t Comparison::print(std::ostream& out) const
 {
     std::array<std::size_t, headings.size()> counts{};
-    for (const Finding& finding : findings_) ++counts[static_cast<std::size_t>(finding.weight)];
-    for (std::size_t weight = 0; weight < headings.size(); ++weight) {
-        if (counts[weight] == 0) continue;
-        out << headings[weight] << '\n';
+    for (const Finding& finding : findings_) ++counts[static_cast<std::size_t>(finding.impact)];
+    for (std::size_t impact = 0; impact < headings.size(); ++impact) {
+        if (counts[impact] == 0) continue;
+        out << headings[impact] << '\n';
         for (const Finding& finding : findings_) {
-            if (static_cast<std::size_t>(finding.weight) != weight) continue;
-            out << "  " << placeText(finding.before) << " -> " << placeText(finding.after) << ": " << finding.sentence
-                << '\n';
+            if (static_cast<std::size_t>(finding.impact) != impact) continue;
+            out << "  " << positionText(finding.before) << " -> " << positionText(finding.after) << ": "
+                << finding.sentence << '\n';
         }
         out << '\n';
     }
-    for (std::size_t weight = 0; weight < headings.size(); ++weight) {
-        out << (weight == 0 ? "" : ", ") << countedAs[weight] << ": " << counts[weight];
+    for (std::size_t impact = 0; impact < headings.size(); ++impact) {
+        out << (impact == 0 ? "" : ", ") << summaryWords[impact] << ": " << counts[impact];
     }
     out << '\n';
     return counts[0] + counts[1] + counts[2];
@@ -648,7 +652,7 @@ std::size_t Comparison::print(std::ostream& out) const
 
 }  // namespace
 
-std::size_t compare(const State& before, const State& after, std::ostream& out)
+std::size_t compare(const InterfaceVersion& before, const InterfaceVersion& after, std::ostream& out)
 {
     Comparison comparison(before, after);
     comparison.run();

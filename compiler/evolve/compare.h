@@ -1,4 +1,4 @@
-// Tells what a change of the interface files does to peers, to callers and to readers of the trace.
+// Compares two versions of an interface: what a change breaks on the wire, in the source of callers, and in the trace.
 #pragma once
 
 #include "front/model.h"
@@ -8,15 +8,15 @@
 
 namespace quorva::compiler {
 
-// One of two states of an interface, resolved and without faults. The modules of a single file that is no flattened
-// interface bear the names of where it happens to lie; they are then not compared.
-struct State {
+// A resolved program without errors, which must outlive the comparison.
+struct InterfaceVersion {
     const Program& program;
-    bool isFolder = false;
+    bool isFolder = false;  // all files below a folder: the names of the modules count
 };
 
-// Prints what is different, under one heading for each kind of consequence, and a line that counts them. The result is
-// the number of breaks: findings other than additions and changes of what was provisional.
-std::size_t compare(const State& before, const State& after, std::ostream& out);
+// Prints the differences, grouped by what they break, and a line of counts. Returns the number of breaks: additions and
+// changes of what was provisional are not counted. The modules of single files are compared only if the files are
+// flattened, because other file names do not belong to the interface.
+std::size_t compare(const InterfaceVersion& before, const InterfaceVersion& after, std::ostream& out);
 
 }  // namespace quorva::compiler

@@ -1,5 +1,7 @@
-// Prints definitions in the interface language, one member a line, so that differences show line by line.
+// Prints definitions in the interface language, one member a line, so that line-based tools show the differences.
 #include "flatten.h"
+
+#include "support/text.h"
 
 #include <iterator>
 #include <optional>
@@ -29,18 +31,18 @@ std::string text(const Declaration& declaration)
     const std::string& name = declaration.name;
     switch (declaration.form) {
     case Form::single: return type + " " + name;
-    case Form::vector: return type + " " + name + "[" + bound(declaration) + "]";
-    case Form::list: return type + " " + name + "<" + bound(declaration) + ">";
+    case Form::fixedArray: return type + " " + name + "[" + bound(declaration) + "]";
+    case Form::variableArray: return type + " " + name + "<" + bound(declaration) + ">";
     case Form::optional: return type + " *" + name;
     case Form::string: return "string " + name + "<" + bound(declaration) + ">";
-    case Form::bytes: return "opaque " + name + "<" + bound(declaration) + ">";
-    case Form::opaque: return "opaque " + name + "[" + bound(declaration) + "]";
-    case Form::nothing: break;
+    case Form::variableOpaque: return "opaque " + name + "<" + bound(declaration) + ">";
+    case Form::fixedOpaque: return "opaque " + name + "[" + bound(declaration) + "]";
+    case Form::none: break;
     }
     return "void";
 }
 
-// The provisional mark as a comment, or nothing.
+// The provisional mark as a comment; empty if there is none.
 std::string mark(const std::optional<std::string>& provisional)
 {
     if (!provisional) return "";
@@ -60,11 +62,11 @@ std::string arm(const Arm& arm)
     return member(labels, arm.declaration);
 }
 
-// The mark of a discriminant takes the rest of its line.
-std::string unionHead(const Definition& discriminated)
+// The mark of a discriminant is a // comment, so the line ends after it.
+std::string unionHead(const Definition& discriminatedUnion)
 {
-    const Declaration& discriminant = discriminated.discriminant;
-    const std::string code = "union " + discriminated.name + " switch (" + text(discriminant);
+    const Declaration& discriminant = discriminatedUnion.discriminant;
+    const std::string code = "union " + discriminatedUnion.name + " switch (" + text(discriminant);
     return code + (discriminant.provisional ? "  " + mark(discriminant.provisional) + "\n" : "") + ") {\n";
 }
 
@@ -72,36 +74,34 @@ std::string body(const Definition& definition)
 {
     std::string out;
     switch (definition.kind) {
-    case Kind::constant: return "const " + definition.name + " = " + number(definition.constant) + ";\n";
-    case Kind::enumeration:
+    case DefinitionKind::constant: return "const " + definition.name + " = " + number(definition.constant) + ";\n";
+    case DefinitionKind::enumeration:
         for (const Enumerator& each : definition.enumerators) {
             out += (out.empty() ? "    " : ",\n    ") + each.name + " = " + number(each.value);
         }
         return "enum " + definition.name + " {\n" + out + "\n};\n";
-    case Kind::record:
+    case DefinitionKind::structure:
         for (const Declaration& field : definition.fields) out += member("", field);
         return "struct " + definition.name + " {\n" + out + "};\n";
-    case Kind::discriminated:
+    case DefinitionKind::discriminatedUnion:
         for (const Arm& each : definition.arms) out += arm(each);
         if (definition.defaultArm) out += member("default: ", definition.defaultArm->declaration);
         return unionHead(definition) + out + "};\n";
-    case Kind::definedAs: break;
+    case DefinitionKind::typeDefinition: break;
     }
     return "typedef " + text(definition.target) + ";\n";
 }
 
-// The modules of a flattened file and the lines at which they begin.
+// The modules of a flattened file, each with the line on which it begins.
 std::vector<std::pair<unsigned, std::string>> moduleLines(std::string_view text)
 {
     std::vector<std::pair<unsigned, std::string>> lines;
-    for (unsigned number = 1; !text.empty(); ++number) {
-        const auto end = text.find('\n');
-        std::string_view line = text.substr(0, end);
-        if (line.starts_with(moduleMark)) {
-            line.remove_prefix(moduleMark.size());
-            lines.emplace_back(number, line.substr(0, line.find_last_not_of(" \t\r") + 1));
-        }
-        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    unsigned number = 0;
+    for (std::string_view line : support::linesOf(text)) {
+        ++number;
+        if (!line.starts_with(moduleMark)) continue;
+        line.remove_prefix(moduleMark.size());
+        lines.emplace_back(number, line.substr(0, line.find_last_not_of(" \t\r") + 1));
     }
     return lines;
 }
@@ -113,9 +113,9 @@ bool isFlattened(const Source& source)
     return source.text.starts_with(head);
 }
 
-Contents contentsOf(const Program& program)
+DefinitionsByModule definitionsByModule(const Program& program)
 {
-    Contents contents;
+    DefinitionsByModule contents;
     for (const auto& module : program.modules) {
         const Source& source = module->source;
         std::vector<std::pair<unsigned, std::string>> starts;
@@ -135,7 +135,7 @@ Contents contentsOf(const Program& program)
 std::string flatten(const Program& program)
 {
     std::string out = std::string(head) + "\n";
-    for (const auto& [module, definitions] : contentsOf(program)) {
+    for (const auto& [module, definitions] : definitionsByModule(program)) {
         out.append("\n").append(moduleMark).append(module).append("\n");
         for (const Definition* definition : definitions) {
             out += "\n" + mark(definition->provisional) + (definition->provisional ? "\n" : "") + body(*definition);

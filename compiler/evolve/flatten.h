@@ -1,4 +1,4 @@
-// A whole program as one interface file: what its messages and headers are made of, and nothing for readers.
+// Prints a whole program as one interface file, with what affects messages and headers and without documentation.
 #pragma once
 
 #include "front/model.h"
@@ -9,18 +9,18 @@
 
 namespace quorva::compiler {
 
-// The definitions of a module, in the order of the file.
-using Contents = std::map<std::string, std::vector<const Definition*>>;
+// Definitions by the name of their module, in the order of the file.
+using DefinitionsByModule = std::map<std::string, std::vector<const Definition*>>;
 
-// What the program's modules define, by the names of the modules: for a flattened file, of those that it was made of.
-Contents contentsOf(const Program& program);
+// The definitions of the program, which must outlive the result. Those of a flattened file have the modules from which
+// it was made.
+DefinitionsByModule definitionsByModule(const Program& program);
 
-// Whether flatten() made the file.
+// True if flatten() made the file.
 bool isFlattened(const Source& source);
 
-// Every module of the program, ordered by name, each behind a line with that name. Documentation is left out; of the
-// comments only the provisional marks stay, of definitions and of members. The text is an interface file itself, and
-// flattening it changes nothing.
+// The modules of the program, ordered by name, each after a line with its name. Of the comments only the provisional
+// marks of definitions and members are kept. The text is an interface file; flattening it again returns the same text.
 std::string flatten(const Program& program);
 
 }  // namespace quorva::compiler

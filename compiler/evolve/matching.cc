@@ -1,4 +1,4 @@
-// The tables, and the way from declared types to what they are on the wire and in memory.
+// The tables, and the wire format and C++ type of declarations.
 #include "matching.h"
 
 #include "front/structure.h"
@@ -13,44 +13,45 @@ namespace quorva::compiler {
 
 namespace {
 
-// A declaration behind the typedefs that it names.
-struct Shape {
-    Form form = Form::nothing;
+// A declaration with its typedefs resolved.
+struct ResolvedType {
+    Form form = Form::none;
     const TypeRef* type = nullptr;  // of the value or the elements
     std::uint32_t bound = 0;
-    const Definition* counted = nullptr;  // the typedef that makes a list or counted bytes a type of its own
-    bool provisional = false;             // such a typedef was provisional
+    const Definition* counted = nullptr;  // the typedef, if C++ declares a counted struct for it
+    bool provisional = false;             // one of the typedefs is
 };
 
-Shape shapeOf(const Declaration& declaration)
+ResolvedType resolvedTypeOf(const Declaration& declaration)
 {
-    Shape shape{declaration.form, &declaration.type, declaration.bound, nullptr, false};
-    while (shape.form == Form::single && shape.type->definition && shape.type->definition->kind == Kind::definedAs) {
-        const Definition& alias = *shape.type->definition;
-        if (isCounted(alias)) shape.counted = &alias;
-        shape.provisional = shape.provisional || alias.provisional;
-        shape.form = alias.target.form;
-        shape.bound = alias.target.bound;
-        shape.type = &alias.target.type;
+    ResolvedType resolved{declaration.form, &declaration.type, declaration.bound, nullptr, false};
+    while (resolved.form == Form::single && resolved.type->definition &&
+           resolved.type->definition->kind == DefinitionKind::typeDefinition) {
+        const Definition& alias = *resolved.type->definition;
+        if (isCountedStruct(alias)) resolved.counted = &alias;
+        resolved.provisional = resolved.provisional || alias.provisional;
+        resolved.form = alias.target.form;
+        resolved.bound = alias.target.bound;
+        resolved.type = &alias.target.type;
     }
-    return shape;
+    return resolved;
 }
 
-// What of a unit a number type takes and gives.
-struct Units {
+// The values that a number type accepts from a unit.
+struct UnitRange {
     std::int64_t least = 0;
     std::int64_t most = 0;
     bool isFloat = false;
 
-    bool operator==(const Units&) const = default;
+    bool operator==(const UnitRange&) const = default;
 };
 
-Units unitsOf(Builtin builtin)
+UnitRange unitRangeOf(Builtin builtin)
 {
     switch (builtin) {
     case Builtin::Boolean:
     case Builtin::ShortInteger:
-    case Builtin::ShortNatural: return {0, 255, false};  // also the signed one: it is zero-extended
+    case Builtin::ShortNatural: return {0, 255, false};  // ShortInteger, too, is zero-extended
     case Builtin::Integer: return {-32768, 32767, false};
     case Builtin::Natural: return {0, 65535, false};
     case Builtin::LongInteger:
@@ -62,8 +63,8 @@ Units unitsOf(Builtin builtin)
     return {};
 }
 
-// Built-in types that are one in C++.
-Builtin inMemory(Builtin builtin)
+// One built-in type for all that are the same type in C++.
+Builtin cppType(Builtin builtin)
 {
     if (builtin == Builtin::UINT) return Builtin::LongNatural;
     return builtin == Builtin::Boolean ? Builtin::ShortNatural : builtin;
@@ -71,7 +72,7 @@ Builtin inMemory(Builtin builtin)
 
 bool isEnumeration(const TypeRef& type)
 {
-    return type.definition && type.definition->kind == Kind::enumeration;
+    return type.definition && type.definition->kind == DefinitionKind::enumeration;
 }
 
 std::set<std::int64_t> valuesOf(const Definition& enumeration)
@@ -83,7 +84,8 @@ std::set<std::int64_t> valuesOf(const Definition& enumeration)
 
 }  // namespace
 
-Library::Library(const Program& program, bool isFolder) : program_(program), contents_(contentsOf(program))
+InterfaceIndex::InterfaceIndex(const Program& program, bool isFolder)
+    : program_(program), contents_(definitionsByModule(program))
 {
     const auto& modules = program_.modules;
     knowsModules_ = isFolder || std::any_of(modules.begin(), modules.end(),
@@ -91,7 +93,7 @@ Library::Library(const Program& program, bool isFolder) : program_(program), con
     for (const auto& [name, definitions] : contents_) {
         for (const Definition* definition : definitions) {
             byName_.emplace(definition->name, definition);
-            homes_.emplace(definition, &name);
+            modules_.emplace(definition, &name);
             for (const Declaration* declaration : declarationsOf(*definition)) {
                 if (declaration->type.definition) users_[declaration->type.definition].push_back(definition);
             }
@@ -99,13 +101,13 @@ Library::Library(const Program& program, bool isFolder) : program_(program), con
     }
 }
 
-const Definition* Library::find(const std::string& name) const
+const Definition* InterfaceIndex::find(const std::string& name) const
 {
     const auto found = byName_.find(name);
     return found == byName_.end() ? nullptr : found->second;
 }
 
-Span Library::place(const std::string& module) const
+Span InterfaceIndex::startOf(const std::string& module) const
 {
     const auto found = contents_.find(module);
     if (found != contents_.end() && !found->second.empty()) return found->second.front()->at;
@@ -115,7 +117,7 @@ Span Library::place(const std::string& module) const
     return {};
 }
 
-bool Library::reaches(const std::string& from, const std::string& to) const
+bool InterfaceIndex::reaches(const std::string& from, const std::string& to) const
 {
     std::vector<const Module*> waiting;
     for (const auto& module : program_.modules) {
@@ -133,7 +135,7 @@ bool Library::reaches(const std::string& from, const std::string& to) const
     return false;
 }
 
-std::size_t Library::holdersOf(const Definition& type) const
+std::size_t InterfaceIndex::holdersOf(const Definition& type) const
 {
     std::unordered_set<const Definition*> seen = {&type};
     std::vector<const Definition*> waiting = {&type};
@@ -148,14 +150,14 @@ std::size_t Library::holdersOf(const Definition& type) const
     return std::min(seen.size() - 1, mostHolders);
 }
 
-Pairs::Pairs(const Library& before, const Library& after)
+Pairs::Pairs(const InterfaceIndex& before, const InterfaceIndex& after)
 {
     for (const auto& [module, definitions] : before.contents()) {
         for (const Definition* definition : definitions) {
             if (const Definition* same = after.find(definition->name)) pair(*definition, *same);
         }
     }
-    // A type with a renamed field type is recognised once that type is.
+    // A renamed type whose field has a renamed type is found in the round after that type.
     constexpr int mostRounds = 16;
     for (int round = 0; round < mostRounds && pairRenamed(before, after); ++round) {}
 }
@@ -169,7 +171,7 @@ const Definition* Pairs::of(const Definition* before) const
 void Pairs::pair(const Definition& before, const Definition& after)
 {
     pairs_.emplace(&before, &after);
-    taken_.insert(&after);
+    paired_.insert(&after);
 }
 
 std::string Pairs::typeName(const TypeRef& type, const Definition& within, bool isBefore) const
@@ -179,22 +181,22 @@ std::string Pairs::typeName(const TypeRef& type, const Definition& within, bool 
     return other ? other->name : type.name;
 }
 
-// Everything of a definition but its name, in words that are equal where the content is.
+// A text of everything in a definition but its name, equal for equal content.
 std::string Pairs::content(const Definition& definition, bool isBefore) const
 {
     const auto text = [&](const Declaration& declaration) {
         return std::to_string(static_cast<int>(declaration.form)) + ' ' +
                typeName(declaration.type, definition, isBefore) + ' ' +
-               (definition.kind == Kind::definedAs ? "" : declaration.name) + ' ' + std::to_string(declaration.bound) +
-               ';';
+               (definition.kind == DefinitionKind::typeDefinition ? "" : declaration.name) + ' ' +
+               std::to_string(declaration.bound) + ';';
     };
     std::string out = std::to_string(static_cast<int>(definition.kind)) + ':';
-    if (definition.kind == Kind::constant) return out + std::to_string(definition.constant.number);
+    if (definition.kind == DefinitionKind::constant) return out + std::to_string(definition.constant.number);
     for (const Enumerator& each : definition.enumerators)
         out += each.name + '=' + std::to_string(each.value.number) + ';';
     for (const Declaration& field : definition.fields) out += text(field);
-    if (definition.kind == Kind::definedAs) out += text(definition.target);
-    if (definition.kind != Kind::discriminated) return out;
+    if (definition.kind == DefinitionKind::typeDefinition) out += text(definition.target);
+    if (definition.kind != DefinitionKind::discriminatedUnion) return out;
     out += text(definition.discriminant);
     for (const Arm& arm : definition.arms) {
         for (const Value& value : arm.cases) out += std::to_string(value.number) + ':';
@@ -203,12 +205,12 @@ std::string Pairs::content(const Definition& definition, bool isBefore) const
     return out + (definition.defaultArm ? "default" : "");
 }
 
-// Pairs what has no partner yet, where the content leaves one choice within a module.
-bool Pairs::pairRenamed(const Library& before, const Library& after)
+// Pairs definitions without a partner whose content is unique within a module. Returns true if it found any.
+bool Pairs::pairRenamed(const InterfaceIndex& before, const InterfaceIndex& after)
 {
     const bool comparesModules = before.knowsModules() && after.knowsModules();
     using Candidates = std::map<std::string, std::vector<const Definition*>>;
-    const auto collect = [&](const Library& library, bool isBefore) {
+    const auto collect = [&](const InterfaceIndex& library, bool isBefore) {
         Candidates candidates;
         for (const auto& [module, definitions] : library.contents()) {
             for (const Definition* definition : definitions) {
@@ -219,12 +221,12 @@ bool Pairs::pairRenamed(const Library& before, const Library& after)
         }
         return candidates;
     };
-    const Candidates gone = collect(before, true);
-    const Candidates fresh = collect(after, false);
+    const Candidates removed = collect(before, true);
+    const Candidates added = collect(after, false);
     bool found = false;
-    for (const auto& [key, definitions] : gone) {
-        const auto same = fresh.find(key);
-        if (definitions.size() != 1 || same == fresh.end() || same->second.size() != 1) continue;
+    for (const auto& [key, definitions] : removed) {
+        const auto same = added.find(key);
+        if (definitions.size() != 1 || same == added.end() || same->second.size() != 1) continue;
         pair(*definitions.front(), *same->second.front());
         found = true;
     }
@@ -247,14 +249,14 @@ Declaration singleOf(const Definition& definition)
     return singleOf(type);
 }
 
-bool Types::isSame(const TypeRef& before, const TypeRef& after) const
+bool TypeComparison::isSame(const TypeRef& before, const TypeRef& after) const
 {
     return before.builtin == after.builtin && pairs_.of(before.definition) == after.definition &&
            (before.definition == nullptr) == (after.definition == nullptr);
 }
 
-// Both are built-in types, enumerations or structures.
-Difference Types::values(const TypeRef& before, const TypeRef& after, Open& open) const
+// Compares built-in types, enumerations, structs and unions.
+Difference TypeComparison::values(const TypeRef& before, const TypeRef& after, PendingPairs& pending) const
 {
     Difference found;
     if (isSame(before, after)) return found;
@@ -267,25 +269,25 @@ Difference Types::values(const TypeRef& before, const TypeRef& after, Open& open
     } else if (numbers) {
         const Builtin was = before.definition ? Builtin::LongInteger : before.builtin;
         const Builtin is = after.definition ? Builtin::LongInteger : after.builtin;
-        found.wire = unitsOf(was) != unitsOf(is);
-        found.source = before.definition || after.definition || inMemory(was) != inMemory(is);
+        found.wire = unitRangeOf(was) != unitRangeOf(is);
+        found.source = before.definition || after.definition || cppType(was) != cppType(is);
     } else {
         found.source = true;
         found.wire = !before.definition || !after.definition || before.definition->kind != after.definition->kind;
-        if (!found.wire) open.emplace_back(before.definition, after.definition);
+        if (!found.wire) pending.emplace_back(before.definition, after.definition);
     }
     return found;
 }
 
-// Goes down through lists of lists, as long as both sides do.
-Difference Types::surface(Declaration before, Declaration after, Open& open) const
+// Follows arrays of arrays as long as both sides have the same form.
+Difference TypeComparison::declared(Declaration before, Declaration after, PendingPairs& pending) const
 {
     constexpr int deepest = 64;
     Difference found;
     for (int depth = 0; depth < deepest; ++depth) {
         if (before.form == Form::single && after.form == Form::single && isSame(before.type, after.type)) return found;
-        const Shape was = shapeOf(before);
-        const Shape is = shapeOf(after);
+        const ResolvedType was = resolvedTypeOf(before);
+        const ResolvedType is = resolvedTypeOf(after);
         found.provisional = found.provisional || was.provisional;
         if (was.form != is.form || was.bound != is.bound) {
             found.wire = true;
@@ -296,29 +298,29 @@ Difference Types::surface(Declaration before, Declaration after, Open& open) con
         }
         switch (was.form) {
         case Form::string:
-        case Form::bytes:
-        case Form::opaque:
-        case Form::nothing: return found;
+        case Form::variableOpaque:
+        case Form::fixedOpaque:
+        case Form::none: return found;
         case Form::single: {
-            const Difference deeper = values(*was.type, *is.type, open);
+            const Difference deeper = values(*was.type, *is.type, pending);
             return {found.wire || deeper.wire, found.source || deeper.source, found.trace || deeper.trace,
                     found.provisional || deeper.provisional};
         }
-        case Form::vector:
-        case Form::list:
+        case Form::fixedArray:
+        case Form::variableArray:
         case Form::optional: break;
         }
         before = singleOf(*was.type);
         after = singleOf(*is.type);
     }
-    found.wire = true;  // nobody looks deeper
+    found.wire = true;  // deeper types count as different
     return found;
 }
 
-bool Types::sameUnits(const Definition& before, const Definition& after, Open& open) const
+bool TypeComparison::haveSameWire(const Definition& before, const Definition& after, PendingPairs& pending) const
 {
-    const auto same = [&](const Declaration& a, const Declaration& b) { return !surface(a, b, open).wire; };
-    if (before.kind == Kind::record) {
+    const auto same = [&](const Declaration& a, const Declaration& b) { return !declared(a, b, pending).wire; };
+    if (before.kind == DefinitionKind::structure) {
         return std::equal(before.fields.begin(), before.fields.end(), after.fields.begin(), after.fields.end(), same);
     }
     const auto armsOf = [](const Definition& definition) {
@@ -336,24 +338,24 @@ bool Types::sameUnits(const Definition& before, const Definition& after, Open& o
                       [&](const auto& a, const auto& b) { return a.first == b.first && same(*a.second, *b.second); });
 }
 
-bool Types::sameUnits(Open& open) const
+bool TypeComparison::haveSameWire(PendingPairs& pending) const
 {
     constexpr std::size_t mostPairs = 10000;  // beyond, types count as different
     std::set<std::pair<const Definition*, const Definition*>> seen;
-    while (!open.empty()) {
-        const auto [before, after] = open.back();
-        open.pop_back();
+    while (!pending.empty()) {
+        const auto [before, after] = pending.back();
+        pending.pop_back();
         if (!seen.emplace(before, after).second) continue;
-        if (seen.size() > mostPairs || !sameUnits(*before, *after, open)) return false;
+        if (seen.size() > mostPairs || !haveSameWire(*before, *after, pending)) return false;
     }
     return true;
 }
 
-Difference Types::difference(const Declaration& before, const Declaration& after) const
+Difference TypeComparison::difference(const Declaration& before, const Declaration& after) const
 {
-    Open open;
-    Difference found = surface(before, after, open);
-    if (!found.wire) found.wire = !sameUnits(open);
+    PendingPairs pending;
+    Difference found = declared(before, after, pending);
+    if (!found.wire) found.wire = !haveSameWire(pending);
     return found;
 }
 

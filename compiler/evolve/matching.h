@@ -1,4 +1,4 @@
-// Two programs side by side: which definition of the one is which of the other, and what parts two declared types.
+// Matches the definitions of two programs, and compares declared types.
 #pragma once
 
 #include "flatten.h"
@@ -14,65 +14,70 @@
 
 namespace quorva::compiler {
 
-// One of the two programs, with its tables.
-class Library {
+// A program with tables for lookups. The program must outlive it.
+class InterfaceIndex {
 public:
-    // The program must outlive its tables. `isFolder`: its files are those below a folder.
-    Library(const Program& program, bool isFolder);
+    // `isFolder` tells that the program consists of all files below a folder.
+    InterfaceIndex(const Program& program, bool isFolder);
 
-    const Contents& contents() const { return contents_; }
-    const Definition* find(const std::string& name) const;  // null where there is none
+    const DefinitionsByModule& contents() const { return contents_; }
 
-    // Whether the names of modules say anything; those of a plain file say where it happens to lie.
+    // The definition of that name, or null.
+    const Definition* find(const std::string& name) const;
+
+    // True if the names of modules belong to the interface: the files are below a folder, or flattened.
     bool knowsModules() const { return knowsModules_; }
 
     // The module of one of the program's definitions.
-    const std::string& homeOf(const Definition& definition) const { return *homes_.at(&definition); }
+    const std::string& moduleOf(const Definition& definition) const { return *modules_.at(&definition); }
 
-    // Where the module begins; no source where there is no such module.
-    Span place(const std::string& module) const;
+    // The start of the module; a span without a source if the program has no such module.
+    Span startOf(const std::string& module) const;
 
-    // Whether who includes the header of one module gets the definitions of the other.
+    // True if the header of the module `from` includes the header of the module `to`, directly or through others.
     bool reaches(const std::string& from, const std::string& to) const;
 
-    // The number of types that hold the type, directly or within others, up to mostHolders.
+    // The number of types that hold the type, directly or within others; counting stops at mostHolders.
     static constexpr std::size_t mostHolders = 1000;
     std::size_t holdersOf(const Definition& type) const;
 
 private:
     const Program& program_;
-    Contents contents_;
+    DefinitionsByModule contents_;
     bool knowsModules_ = false;
     std::unordered_map<std::string_view, const Definition*> byName_;
-    std::unordered_map<const Definition*, const std::string*> homes_;
-    std::unordered_map<const Definition*, std::vector<const Definition*>> users_;
+    std::unordered_map<const Definition*, const std::string*> modules_;
+    std::unordered_map<const Definition*, std::vector<const Definition*>> users_;  // of each type
 };
 
-// Which definition of the one program is which of the other: those of the same name, and those that only got another.
+// Matches each definition of the earlier program with the one of the same name in the later program, or with the one
+// that has only been renamed. Both programs must outlive it.
 class Pairs {
 public:
-    Pairs(const Library& before, const Library& after);
+    Pairs(const InterfaceIndex& before, const InterfaceIndex& after);
 
-    // The partner in the later program, or null.
+    // The partner of an earlier definition, or null.
     const Definition* of(const Definition* before) const;
-    bool isPaired(const Definition* after) const { return taken_.contains(after); }
+
+    // True if the later definition has a partner.
+    bool isPaired(const Definition* after) const { return paired_.contains(after); }
 
 private:
     void pair(const Definition& before, const Definition& after);
-    bool pairRenamed(const Library& before, const Library& after);
+    bool pairRenamed(const InterfaceIndex& before, const InterfaceIndex& after);
     std::string content(const Definition& definition, bool isBefore) const;
     std::string typeName(const TypeRef& type, const Definition& within, bool isBefore) const;
 
     std::unordered_map<const Definition*, const Definition*> pairs_;
-    std::unordered_set<const Definition*> taken_;
+    std::unordered_set<const Definition*> paired_;  // later definitions
 };
 
-// What it takes to get from one declared type to another.
+// What a change from one declared type to another affects.
 struct Difference {
     bool wire = false;         // other bytes, or other values for the same bytes
     bool source = false;       // another type in C++
     bool trace = false;        // another text for the same value
-    bool provisional = false;  // what was left for another type was provisional
+    bool provisional = false;  // the earlier type was provisional
 
     bool any() const { return wire || source || trace; }
 };
@@ -81,23 +86,23 @@ struct Difference {
 Declaration singleOf(const TypeRef& type);
 Declaration singleOf(const Definition& definition);
 
-// Compares declared types behind their typedefs. Paired definitions count as the same: where one of them changed, that
-// is reported there.
-class Types {
+// Compares declared types with their typedefs resolved. Paired definitions count as the same type, because a change of
+// them is reported at the definition. The pairs must outlive it.
+class TypeComparison {
 public:
-    explicit Types(const Pairs& pairs) : pairs_(pairs) {}
+    explicit TypeComparison(const Pairs& pairs) : pairs_(pairs) {}
 
-    // What becomes of a field, an arm or a typedef; names are not compared.
+    // The difference between two fields, arms or targets of typedefs. Their names are not compared.
     Difference difference(const Declaration& before, const Declaration& after) const;
 
 private:
-    // Structures that have to carry the same units for the types that hold them to do so.
-    using Open = std::vector<std::pair<const Definition*, const Definition*>>;
+    // Structs and unions that must have the same wire format if the types that hold them have.
+    using PendingPairs = std::vector<std::pair<const Definition*, const Definition*>>;
 
-    Difference surface(Declaration before, Declaration after, Open& open) const;
-    Difference values(const TypeRef& before, const TypeRef& after, Open& open) const;
-    bool sameUnits(const Definition& before, const Definition& after, Open& open) const;
-    bool sameUnits(Open& open) const;
+    Difference declared(Declaration before, Declaration after, PendingPairs& pending) const;
+    Difference values(const TypeRef& before, const TypeRef& after, PendingPairs& pending) const;
+    bool haveSameWire(const Definition& before, const Definition& after, PendingPairs& pending) const;
+    bool haveSameWire(PendingPairs& pending) const;
     bool isSame(const TypeRef& before, const TypeRef& after) const;
 
     const Pairs& pairs_;

@@ -1,4 +1,4 @@
-// The rules of the API for the contents of definitions: numbers, forms, unions.
+// The rules of the API for numbers, forms and unions.
 #include "check.h"
 
 #include "check_names.h"
@@ -16,8 +16,6 @@ namespace quorva::compiler {
 
 namespace {
 
-constexpr std::int64_t mostElements = 65535;
-
 class Checker {
 public:
     explicit Checker(Diagnostics& errors) : errors_(errors) {}
@@ -25,16 +23,15 @@ public:
     void definition(const Definition& definition);
 
 private:
-    // The numbers of an enumeration; incomplete where one is unknown.
     struct Numbers {
-        std::unordered_set<std::int64_t> known;
-        bool isComplete = true;
+        std::unordered_set<std::int64_t> known;  // of the enumerators
+        bool isComplete = true;                  // false if the number of an enumerator could not be resolved
     };
 
     void constant(const Definition& definition);
     void enumeration(const Definition& definition);
-    void record(const Definition& definition);
-    void discriminated(const Definition& definition);
+    void structure(const Definition& definition);
+    void discriminatedUnion(const Definition& definition);
     void discriminant(const Definition& definition);
     void cases(const Definition& definition);
     void caseValue(const Definition& definition, const Value& value);
@@ -48,11 +45,11 @@ private:
 void Checker::definition(const Definition& definition)
 {
     switch (definition.kind) {
-    case Kind::constant: constant(definition); break;
-    case Kind::enumeration: enumeration(definition); break;
-    case Kind::record: record(definition); break;
-    case Kind::discriminated: discriminated(definition); break;
-    case Kind::definedAs: declaration(definition.target); break;
+    case DefinitionKind::constant: constant(definition); break;
+    case DefinitionKind::enumeration: enumeration(definition); break;
+    case DefinitionKind::structure: structure(definition); break;
+    case DefinitionKind::discriminatedUnion: discriminatedUnion(definition); break;
+    case DefinitionKind::typeDefinition: declaration(definition.target); break;
     }
 }
 
@@ -67,7 +64,7 @@ void Checker::constant(const Definition& definition)
 
 void Checker::enumeration(const Definition& definition)
 {
-    if (definition.enumerators.empty() && !definition.broken) {
+    if (definition.enumerators.empty() && !definition.hasErrors) {
         errors_.error(definition.at, describe(definition) + " has no enumerators");
     }
     std::unordered_map<std::int64_t, const Enumerator*> values;
@@ -88,25 +85,25 @@ void Checker::enumeration(const Definition& definition)
     }
 }
 
-void Checker::record(const Definition& definition)
+void Checker::structure(const Definition& definition)
 {
-    if (definition.fields.empty() && !definition.broken) {
+    if (definition.fields.empty() && !definition.hasErrors) {
         errors_.error(definition.at, describe(definition) + " has no fields");
     }
     for (const Declaration& field : definition.fields) {
         declaration(field);
-        if (field.form == Form::nothing)
+        if (field.form == Form::none)
             errors_.error(field.at, "'void' is for the arms of a union; a struct has no empty fields");
     }
 }
 
-void Checker::discriminated(const Definition& definition)
+void Checker::discriminatedUnion(const Definition& definition)
 {
     discriminant(definition);
-    if (definition.arms.empty() && !definition.broken) {
+    if (definition.arms.empty() && !definition.hasErrors) {
         errors_.error(definition.at, describe(definition) + " has no 'case'; it needs at least one");
     }
-    if (definition.defaultArm && definition.defaultArm->declaration.form != Form::nothing) {
+    if (definition.defaultArm && definition.defaultArm->declaration.form != Form::none) {
         errors_.error(
             definition.defaultArm->declaration.at,
             "a default arm carries nothing: only 'default: void;' is possible; give every value its own case");
@@ -118,7 +115,7 @@ void Checker::discriminated(const Definition& definition)
 void Checker::discriminant(const Definition& definition)
 {
     const TypeRef& written = definition.discriminant.type;
-    const TypeRef& type = behindAliases(written);
+    const TypeRef& type = canonicalType(written);
     switch (type.builtin) {
     case Builtin::Boolean:
     case Builtin::LongInteger:
@@ -135,8 +132,8 @@ void Checker::discriminant(const Definition& definition)
         return;
     case Builtin::none: break;
     }
-    if (!type.definition || type.definition->kind == Kind::enumeration) return;
-    if (isAlias(*type.definition)) return;  // of a cycle, or of too many others; both are found elsewhere
+    if (!type.definition || type.definition->kind == DefinitionKind::enumeration) return;
+    if (isAlias(*type.definition)) return;  // a cycle, or too many aliases; checkNesting() reports both
     errors_.error(written.at,
                   describe(*type.definition) +
                       " cannot select an arm; a discriminant is an enumeration, "
@@ -162,7 +159,7 @@ void Checker::cases(const Definition& definition)
 
 void Checker::caseValue(const Definition& definition, const Value& value)
 {
-    const TypeRef& type = behindAliases(definition.discriminant.type);
+    const TypeRef& type = canonicalType(definition.discriminant.type);
     const auto outside = [&](std::int64_t least, std::int64_t most) {
         if (value.number < least || value.number > most) {
             errors_.error(value.at, "case " + inQuotes(value.text) + " is out of range: the discriminant " +
@@ -179,7 +176,7 @@ void Checker::caseValue(const Definition& definition, const Value& value)
     if (type.builtin == Builtin::LongNatural || type.builtin == Builtin::UINT) {
         outside(0, std::numeric_limits<std::uint32_t>::max());
     }
-    if (!type.definition || type.definition->kind != Kind::enumeration || type.definition->broken) return;
+    if (!type.definition || type.definition->kind != DefinitionKind::enumeration || type.definition->hasErrors) return;
     const Definition& enumeration = *type.definition;
     if (value.owner == &enumeration) return;
     if (!hasNumber(enumeration, value.number)) {
@@ -190,7 +187,7 @@ void Checker::caseValue(const Definition& definition, const Value& value)
     }
 }
 
-// An enumerator whose number is unknown, which was reported, may have any.
+// True also if the enumeration may have the number: an enumerator's own could not be resolved, which was reported.
 bool Checker::hasNumber(const Definition& enumeration, std::int64_t number)
 {
     const auto [entry, isNew] = numbers_.try_emplace(&enumeration);
@@ -208,13 +205,13 @@ void Checker::declaration(const Declaration& declaration)
 {
     if (!declaration.written || !declaration.written->known) return;
     const Value& written = *declaration.written;
-    const bool fixed = declaration.form == Form::vector || declaration.form == Form::opaque;
+    const bool fixed = declaration.form == Form::fixedArray || declaration.form == Form::fixedOpaque;
     const std::string number =
         inQuotes(written.text) + (written.isName ? " (" + std::to_string(written.number) + ")" : "");
     if (written.number < 0) {
         errors_.error(written.at, number + " is negative, and nothing can be counted with it");
     } else if (fixed && written.number == 0) {
-        errors_.error(written.at, declaration.form == Form::opaque
+        errors_.error(written.at, declaration.form == Form::fixedOpaque
                                       ? "no bytes at all: 'opaque' with '[ ]' needs 1 or more"
                                       : "a vector of no elements; give it 1 or more");
     } else if (written.number > mostElements) {

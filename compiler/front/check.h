@@ -6,8 +6,9 @@
 
 namespace quorva::compiler {
 
-// Reports everything that stands between a resolved program and its generated code. What parse() and resolve() have
-// reported already is taken as known, and nothing is reported that only follows from it.
+// Reports what prevents code generation from a resolved program: names that clash or that C++ reserves, numbers out of
+// range, forms that the API does not have, types that nest too deep. Consequences of errors that parse() or resolve()
+// reported are not reported again.
 void check(const Program& program, Diagnostics& errors);
 
 }  // namespace quorva::compiler

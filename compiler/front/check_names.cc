@@ -1,4 +1,4 @@
-// The scopes of the generated code, and the claims of definitions and members to names in them.
+// The scopes of the generated code, and which definition or member declares a name in each.
 #include "check_names.h"
 
 #include "reserved_names.h"
@@ -11,19 +11,7 @@ namespace quorva::compiler {
 
 namespace {
 
-std::string_view kindWord(Kind kind)
-{
-    switch (kind) {
-    case Kind::constant: return "constant";
-    case Kind::enumeration: return "enumeration";
-    case Kind::record: return "struct";
-    case Kind::discriminated: return "union";
-    case Kind::definedAs: break;
-    }
-    return "type";
-}
-
-bool isSameContent(const Declaration& a, const Declaration& b)
+bool isSameType(const Declaration& a, const Declaration& b)
 {
     return a.form == b.form && a.bound == b.bound && a.type.builtin == b.type.builtin &&
            a.type.definition == b.type.definition;
@@ -38,7 +26,7 @@ public:
 private:
     enum class Role { itself, routine, nameFunction };
 
-    // Whose name it is: a definition's, or that of an enumerator in it.
+    // What declares a name: a definition, a function generated for it, or one of its enumerators.
     struct Owner {
         const Definition* definition = nullptr;
         Role role = Role::itself;
@@ -56,18 +44,18 @@ private:
     static std::string describeOwner(const Owner& owner);
 
     Diagnostics& errors_;
-    std::unordered_map<std::string, Owner> globals_;           // of the generated code
+    std::unordered_map<std::string, Owner> globals_;           // names in the global scope of the generated code
     std::unordered_map<std::string_view, Owner> enumerators_;  // of all enumerations
-    std::vector<const Definition*> firsts_;
+    std::vector<const Definition*> unique_;                    // without those that repeat a name
 };
 
 void NameChecker::moduleName(const Module& module)
 {
     const std::string& name = module.source.module;
-    const bool isOdd = std::any_of(name.begin(), name.end(), [](char c) {
+    const bool isMalformed = std::any_of(name.begin(), name.end(), [](char c) {
         return !(c >= 'a' && c <= 'z') && !(c >= 'A' && c <= 'Z') && !(c >= '0' && c <= '9') && c != '_' && c != '/';
     });
-    if (isOdd) {
+    if (isMalformed) {
         errors_.error({&module.source, 1, 1, 1}, "a module's name is made of letters, digits and '_', which " +
                                                      inQuotes(name) + " is not; rename this file");
     }
@@ -120,15 +108,16 @@ void NameChecker::definition(const Definition& definition)
                       Note{known->second.at, "first defined here"});
         return;
     }
-    firsts_.push_back(&definition);
+    unique_.push_back(&definition);
     claim(definition.name, {&definition, Role::itself, definition.at});
-    if (!isFree(definition.name, definition.at, NameScope::global) || definition.kind == Kind::constant) return;
+    if (!isFree(definition.name, definition.at, NameScope::global) || definition.kind == DefinitionKind::constant)
+        return;
     claimDerived("Xdr" + definition.name, {&definition, Role::routine, definition.at});
-    if (definition.kind == Kind::enumeration)
+    if (definition.kind == DefinitionKind::enumeration)
         claimDerived(definition.name + "String", {&definition, Role::nameFunction, definition.at});
 }
 
-// Enumerators are no globals of the generated code, but in the language they share one scope with constants and types.
+// The generated code scopes enumerators, but in RFC 4506 they share one scope with constants and types.
 void NameChecker::enumerators(const Definition& enumeration)
 {
     for (const Enumerator& enumerator : enumeration.enumerators) {
@@ -156,7 +145,7 @@ void NameChecker::fields(const Definition& definition)
 {
     std::unordered_map<std::string_view, const Declaration*> names;
     for (const Declaration& field : definition.fields) {
-        if (field.form == Form::nothing) continue;
+        if (field.form == Form::none) continue;
         isFree(field.name, field.at, NameScope::inner);
         if (const auto [first, isNew] = names.emplace(field.name, &field); !isNew) {
             errors_.error(field.at, describe(definition) + " has two fields " + inQuotes(field.name) + "; rename one",
@@ -165,7 +154,7 @@ void NameChecker::fields(const Definition& definition)
     }
 }
 
-// The arms are members of an anonymous union, which may repeat neither the discriminant nor the struct around them.
+// Arms are members of an anonymous union, so their names may equal neither the discriminant nor the enclosing struct.
 void NameChecker::arms(const Definition& definition)
 {
     const Declaration& discriminant = definition.discriminant;
@@ -173,7 +162,7 @@ void NameChecker::arms(const Definition& definition)
     std::unordered_map<std::string_view, const Declaration*> names;
     for (const Arm& arm : definition.arms) {
         const Declaration& held = arm.declaration;
-        if (held.form == Form::nothing) continue;
+        if (held.form == Form::none) continue;
         isFree(held.name, held.at, NameScope::inner);
         if (held.name == discriminant.name) {
             errors_.error(held.at, "arm " + inQuotes(held.name) + " has the name of the discriminant; rename one",
@@ -188,7 +177,7 @@ void NameChecker::arms(const Definition& definition)
             continue;
         }
         const auto [first, isNew] = names.emplace(held.name, &held);
-        if (!isNew && !isSameContent(held, *first->second)) {
+        if (!isNew && !isSameType(held, *first->second)) {
             errors_.error(held.at,
                           describe(definition) + " has two arms " + inQuotes(held.name) +
                               " with different types; rename one, or give both the same type",
@@ -203,12 +192,12 @@ std::vector<const Definition*> NameChecker::run(const Program& program)
         moduleName(*module);
         for (const auto& each : module->definitions) definition(*each);
     }
-    for (const Definition* definition : firsts_) {
+    for (const Definition* definition : unique_) {
         enumerators(*definition);
         fields(*definition);
-        if (definition->kind == Kind::discriminated) arms(*definition);
+        if (definition->kind == DefinitionKind::discriminatedUnion) arms(*definition);
     }
-    return std::move(firsts_);
+    return std::move(unique_);
 }
 
 }  // namespace
@@ -216,11 +205,6 @@ std::vector<const Definition*> NameChecker::run(const Program& program)
 std::vector<const Definition*> checkNames(const Program& program, Diagnostics& errors)
 {
     return NameChecker(errors).run(program);
-}
-
-std::string describe(const Definition& definition)
-{
-    return std::string(kindWord(definition.kind)) + " " + inQuotes(definition.name);
 }
 
 }  // namespace quorva::compiler

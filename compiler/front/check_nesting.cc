@@ -1,7 +1,6 @@
-// The graphs of types that are made of each other, and their bounds. Nothing here recurses, whatever the input.
+// Graphs of types that contain each other, and their limits. Nothing here recurses, so no input exhausts the stack.
 #include "check_nesting.h"
 
-#include "check_names.h"
 #include "cycles.h"
 #include "layout.h"
 #include "resolve.h"
@@ -24,18 +23,18 @@ struct Cycle {
     bool throughOptional = false;
 };
 
-// Types, and for each those that it is made of.
+// The definitions of a program as nodes, with an edge to each definition that they contain in some sense.
 class TypeGraph {
 public:
-    // True if the first definition is made of the type of the declaration, which stands in it.
+    // True if the definition contains the type of the declaration, which is one of its members.
     using IsEdge = bool (*)(const Definition&, const Declaration&);
 
     TypeGraph(const std::vector<const Definition*>& types, IsEdge isEdge);
 
-    // Calls `report` with each cycle until `errors` is full, and returns true if there was none.
+    // Calls `report` with each cycle until `errors` is full. Returns true if there is no cycle.
     bool isAcyclic(const Diagnostics& errors, const std::function<void(const Cycle&)>& report);
 
-    // The nodes, each after those that it has edges to. Known after isAcyclic().
+    // The nodes, each after the nodes that it has edges to. Call isAcyclic() first.
     const std::vector<std::size_t>& order() const { return order_; }
 
     const Definition& type(std::size_t node) const { return *types_[node]; }
@@ -63,26 +62,26 @@ TypeGraph::TypeGraph(const std::vector<const Definition*>& types, IsEdge isEdge)
             declarations_[from].push_back(&declaration);
         };
         for (const Declaration& field : types[from]->fields) add(field);
-        if (types[from]->kind == Kind::discriminated) add(types[from]->discriminant);
+        if (types[from]->kind == DefinitionKind::discriminatedUnion) add(types[from]->discriminant);
         for (const Arm& arm : types[from]->arms) add(arm.declaration);
-        if (types[from]->kind == Kind::definedAs) add(types[from]->target);
+        if (types[from]->kind == DefinitionKind::typeDefinition) add(types[from]->target);
     }
 }
 
 bool TypeGraph::isAcyclic(const Diagnostics& errors, const std::function<void(const Cycle&)>& report)
 {
     bool acyclic = true;
-    order_ = walk(edges_, [&](const std::vector<Step>& path, std::size_t first) {
+    order_ = depthFirst(edges_, [&](const std::vector<PathNode>& path, std::size_t first) {
         acyclic = false;
         if (errors.full()) return;
-        const Step& start = path[first];
+        const PathNode& start = path[first];
         Cycle cycle = {types_[start.node], declarations_[start.node][start.edge]->type.at, "", false};
         std::vector<std::string_view> names;
         for (std::size_t i = first; i < path.size(); ++i) {
             names.emplace_back(types_[path[i].node]->name);
             if (declarations_[path[i].node][path[i].edge]->form == Form::optional) cycle.throughOptional = true;
         }
-        cycle.path = circle(names);
+        cycle.path = cyclePath(names);
         report(cycle);
     });
     return acyclic;
@@ -90,13 +89,14 @@ bool TypeGraph::isAcyclic(const Diagnostics& errors, const std::function<void(co
 
 bool isHeldByValue(const Definition&, const Declaration& declaration)
 {
-    return declaration.form == Form::single || declaration.form == Form::vector;
+    return declaration.form == Form::single || declaration.form == Form::fixedArray;
 }
 
-// A typedef of typedefs alone has no name of its own in C++: its type is spelled out, pointers included.
+// C++ spells out the target of a typedef of typedefs, pointers included.
 bool isSpelledOut(const Definition& definition, const Declaration& declaration)
 {
-    return definition.kind == Kind::definedAs && declaration.type.definition->kind == Kind::definedAs &&
+    return definition.kind == DefinitionKind::typeDefinition &&
+           declaration.type.definition->kind == DefinitionKind::typeDefinition &&
            (isHeldByValue(definition, declaration) || declaration.form == Form::optional);
 }
 
@@ -115,12 +115,12 @@ private:
     std::unordered_set<const Definition*> tooDeep_;  // reported
 };
 
-// Reports only the types that are one level too deep, not all of those that are made of them.
+// Reports only the types that are one level too deep, not the types that contain them.
 void NestingChecker::depths(const TypeGraph& graph)
 {
     std::vector<std::size_t> depths(types_.size(), 1);
     for (const std::size_t node : graph.order()) {
-        for (const std::size_t part : graph.edges(node)) depths[node] = std::max(depths[node], depths[part] + 1);
+        for (const std::size_t inner : graph.edges(node)) depths[node] = std::max(depths[node], depths[inner] + 1);
         const Definition& type = graph.type(node);
         if (depths[node] != deepestNesting + 1 || !tooDeep_.insert(&type).second) continue;
         errors_.error(type.at, describe(type) + " nests " + std::to_string(depths[node]) +
@@ -137,16 +137,16 @@ void NestingChecker::sizes(const TypeGraph& graph)
         const Definition& type = graph.type(node);
         const Layout layout = layouts.add(type);
         const bool hasTooMany = layout.members > Layouts::mostMembers;
-        isTooLarge[node] = hasTooMany || layout.size > Layouts::largest;
-        const auto& parts = graph.edges(node);
-        if (!isTooLarge[node] || std::any_of(parts.begin(), parts.end(), [&](auto part) { return isTooLarge[part]; }))
+        isTooLarge[node] = hasTooMany || layout.size > Layouts::mostBytes;
+        const auto& inner = graph.edges(node);
+        if (!isTooLarge[node] || std::any_of(inner.begin(), inner.end(), [&](auto type) { return isTooLarge[type]; }))
             continue;
         const std::string sentence = hasTooMany
                                          ? " has " + std::to_string(layout.members) +
                                                " members, counting those of its members; the most is " +
                                                std::to_string(Layouts::mostMembers)
                                          : " takes " + std::to_string(layout.size) + " bytes in memory; the most is " +
-                                               std::to_string(Layouts::largest) + ", which is 64 MiB";
+                                               std::to_string(Layouts::mostBytes) + ", which is 64 MiB";
         errors_.error(type.at, describe(type) + sentence);
     }
 }
@@ -158,17 +158,17 @@ void NestingChecker::run()
         errors_.error(cycle.at, inQuotes(cycle.first->name) + " contains itself: " + cycle.path +
                                     "; hold one of them as an optional value ('*') or a list ('< >')");
     });
-    // `typedef A *B; typedef B *A;` is finite in memory, but no C++ type says it.
+    // `typedef A *B; typedef B *A;` is finite in memory, but C++ has no type for it.
     TypeGraph typedefs(types_, isSpelledOut);
     const bool areTypedefsFinite = typedefs.isAcyclic(errors_, [&](const Cycle& cycle) {
-        if (!cycle.throughOptional) return;  // the rest was found as contained by value
+        if (!cycle.throughOptional) return;  // reported above, as contained by value
         errors_.error(cycle.at, "typedef " + inQuotes(cycle.first->name) +
                                     " is made of nothing but typedefs: " + cycle.path + "; put a struct between them");
     });
     if (areTypedefsFinite) depths(typedefs);
     if (areValuesFinite) {
         depths(values);
-        if (tooDeep_.empty()) sizes(values);  // or the deepest types would be reported again
+        if (tooDeep_.empty()) sizes(values);  // else the deepest types would be reported twice
     }
 }
 

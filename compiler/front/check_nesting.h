@@ -1,4 +1,4 @@
-// Finds types that contain themselves, that nest too deep, and that are too large.
+// Finds types that contain themselves, nest too deep or are too large.
 #pragma once
 
 #include "diagnostics.h"
@@ -8,8 +8,8 @@
 
 namespace quorva::compiler {
 
-// Reports such types among `types`, which are all of a resolved program, each once. Later stages rely on these bounds:
-// they may follow what a type holds by value, and what a typedef is made of, by recursion.
+// Reports such types. `types` are all definitions of a resolved program, each once. Later stages rely on these bounds:
+// they recurse into the types that a type holds by value and into the targets of typedefs.
 void checkNesting(const std::vector<const Definition*>& types, Diagnostics& errors);
 
 }  // namespace quorva::compiler

@@ -1,8 +1,9 @@
-// Keeps the faults, sorts them, and draws the line and the caret below each.
+// Prints diagnostics, each with an excerpt of the source and a caret below it, and the text that messages share.
 #include "diagnostics.h"
 
+#include "support/text.h"
+
 #include <algorithm>
-#include <numeric>
 #include <ostream>
 #include <tuple>
 
@@ -10,9 +11,11 @@ namespace quorva::compiler {
 
 namespace {
 
-constexpr std::size_t longestName = 80;      // that is shown in full
-constexpr std::size_t longestExcerpt = 160;  // bytes of a source line that are shown
-constexpr std::size_t excerptLead = 60;      // bytes before the caret where a line is cut
+using support::continuesCharacter;
+
+constexpr std::size_t longestName = 80;      // bytes; a longer name is cut
+constexpr std::size_t longestExcerpt = 160;  // bytes of a source line that are printed
+constexpr std::size_t excerptLead = 60;      // bytes before the caret in the excerpt of a longer line
 
 std::string_view lineOf(const Span& span)
 {
@@ -25,12 +28,7 @@ std::string_view lineOf(const Span& span)
     return text.substr(0, text.find('\n'));
 }
 
-bool continuesCharacter(char c)
-{
-    return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U;
-}
-
-// A terminal must survive what a hostile file holds.
+// Control characters in a malformed file must not reach the terminal.
 char printable(char c)
 {
     const auto byte = static_cast<unsigned char>(c);
@@ -71,56 +69,27 @@ void printOne(std::ostream& out, const Span& at, std::string_view severity, std:
     printExcerpt(out, at);
 }
 
-// Edits that turn one name into the other: letters put in, left out, exchanged, or swapped with the next.
-std::size_t distance(std::string_view a, std::string_view b, std::vector<std::size_t>& scratch)
-{
-    const std::size_t width = b.size() + 1;
-    scratch.resize(3 * width);
-    std::size_t* before = scratch.data();
-    std::size_t* above = before + width;
-    std::size_t* row = above + width;
-    std::iota(above, above + width, std::size_t{0});
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const bool same = a[i - 1] == b[j - 1];
-            row[j] = std::min({above[j] + 1, row[j - 1] + 1, above[j - 1] + (same ? 0 : 1)});
-            if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
-                row[j] = std::min(row[j], before[j - 2] + 1);
-        }
-        std::swap(before, above);
-        std::swap(above, row);
-    }
-    return above[b.size()];
-}
-
-bool equalIgnoringCase(std::string_view a, std::string_view b)
-{
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
-}
-
 }  // namespace
 
 void Diagnostics::error(const Span& at, std::string sentence, std::optional<Note> note)
 {
-    if (!full()) faults_.push_back({at, std::move(sentence), std::move(note)});
+    if (!full()) entries_.push_back({at, std::move(sentence), std::move(note)});
 }
 
 void Diagnostics::print(std::ostream& out) const
 {
-    std::vector<const Fault*> ordered;
-    ordered.reserve(faults_.size());
-    for (const Fault& fault : faults_) ordered.push_back(&fault);
-    std::stable_sort(ordered.begin(), ordered.end(), [](const Fault* a, const Fault* b) {
+    std::vector<const Entry*> ordered;
+    ordered.reserve(entries_.size());
+    for (const Entry& entry : entries_) ordered.push_back(&entry);
+    std::stable_sort(ordered.begin(), ordered.end(), [](const Entry* a, const Entry* b) {
         return std::tie(a->at.source->path, a->at.line, a->at.column) <
                std::tie(b->at.source->path, b->at.line, b->at.column);
     });
-    for (const Fault* fault : ordered) {
-        printOne(out, fault->at, word_, fault->sentence);
-        if (fault->note) printOne(out, fault->note->at, "note", fault->note->sentence);
+    for (const Entry* entry : ordered) {
+        printOne(out, entry->at, severity_, entry->sentence);
+        if (entry->note) printOne(out, entry->note->at, "note", entry->note->sentence);
     }
-    if (full()) out << "quorvaxdrc: too many " << word_ << "s; only " << limit_ << " are shown\n";
+    if (full()) out << "quorvaxdrc: too many " << severity_ << "s; only " << limit_ << " are shown\n";
 }
 
 std::string inQuotes(std::string_view name)
@@ -131,29 +100,48 @@ std::string inQuotes(std::string_view name)
     return shown + "'";
 }
 
+std::string_view kindName(DefinitionKind kind)
+{
+    switch (kind) {
+    case DefinitionKind::constant: return "constant";
+    case DefinitionKind::enumeration: return "enumeration";
+    case DefinitionKind::structure: return "struct";
+    case DefinitionKind::discriminatedUnion: return "union";
+    case DefinitionKind::typeDefinition: break;
+    }
+    return "type";
+}
+
+std::string describe(const Definition& definition)
+{
+    const std::string kind(kindName(definition.kind));
+    return definition.name.empty() ? kind : kind + " " + inQuotes(definition.name);
+}
+
 std::string suggestion(std::string_view name, const std::vector<std::string_view>& candidates)
 {
-    constexpr std::size_t mostCandidates = 20000;  // several times a whole library; more would cost seconds
+    constexpr std::size_t mostCandidates = 20000;  // several times the API; more would take seconds
     if (candidates.size() > mostCandidates) return "";
     const std::size_t farthest = std::min<std::size_t>(3, std::max<std::size_t>(1, name.size() / 4));
     std::size_t best = farthest + 1;
     std::string_view nearest;
-    std::vector<std::size_t> scratch;
+    const std::string lowered = support::lowerCase(name);
     for (const std::string_view candidate : candidates) {
         const std::size_t longer = std::max(name.size(), candidate.size());
         if (longer - std::min(name.size(), candidate.size()) > farthest || candidate == name) continue;
-        const std::size_t away = equalIgnoringCase(name, candidate) ? 0 : distance(name, candidate, scratch);
-        if (away < best || (away == best && candidate < nearest)) {
-            best = away;
+        const bool differsInCase = support::lowerCase(candidate) == lowered;
+        const std::size_t distance = differsInCase ? 0 : support::editDistance(name, candidate);
+        if (distance < best || (distance == best && candidate < nearest)) {
+            best = distance;
             nearest = candidate;
         }
     }
     return best > farthest ? "" : "; did you mean " + inQuotes(nearest) + "?";
 }
 
-std::string circle(const std::vector<std::string_view>& names)
+std::string cyclePath(const std::vector<std::string_view>& names)
 {
-    constexpr std::size_t shown = 4;  // at either end
+    constexpr std::size_t shown = 4;  // names at either end
     std::string path;
     for (std::size_t i = 0; i < names.size(); ++i) {
         if (i == shown && names.size() > 2 * shown + 1) {
@@ -165,7 +153,7 @@ std::string circle(const std::vector<std::string_view>& names)
     return path.append(names.front());
 }
 
-Span behind(const Span& span)
+Span positionAfter(const Span& span)
 {
     return {span.source, span.line, span.column + span.length, 1};
 }

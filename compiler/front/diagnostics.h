@@ -1,4 +1,4 @@
-// Collects the faults of a run, or its warnings, and prints them with their places.
+// Collects the errors or the warnings of a run, and prints them with the source lines that they refer to.
 #pragma once
 
 #include "model.h"
@@ -12,55 +12,65 @@
 
 namespace quorva::compiler {
 
-// A second place that belongs to a fault, such as the first of two definitions.
+// A second position that belongs to a diagnostic, such as the first of two definitions.
 struct Note {
     Span at;
     std::string sentence;
 };
 
-// The sources that spans point into must outlive the collection.
+// A list of diagnostics of one severity. The sources that their spans point into must outlive it.
 class Diagnostics {
 public:
-    // A file with this many faults is no interface file that somebody is going to mend from the list.
+    // The default limit. A file with more errors is seldom an interface file.
     static constexpr std::size_t limit = 100;
 
+    // A list of at most `limit` errors.
     Diagnostics() = default;
 
-    // A collection of what `word` calls it ("warning") instead of errors, with a limit of its own.
-    Diagnostics(std::string_view word, std::size_t limit) : word_(word), limit_(limit) {}
+    // A list of another severity ("warning"), with a limit of its own.
+    Diagnostics(std::string_view severity, std::size_t limit) : severity_(severity), limit_(limit) {}
 
+    // Adds a diagnostic, of whatever severity the list has; dropped once the list is full.
     void error(const Span& at, std::string sentence, std::optional<Note> note = std::nullopt);
 
-    std::size_t count() const { return faults_.size(); }
+    std::size_t count() const { return entries_.size(); }
 
-    // Whether the limit is reached: further faults are dropped, so whoever looks for them may stop.
-    bool full() const { return faults_.size() >= limit_; }
+    // True if the limit is reached. Checks may stop then.
+    bool full() const { return entries_.size() >= limit_; }
 
-    // Ordered by file and place, whatever the order in which they were found.
+    // Prints the list ordered by file, line and column.
     void print(std::ostream& out) const;
 
 private:
-    struct Fault {
+    struct Entry {
         Span at;
         std::string sentence;
         std::optional<Note> note;
     };
 
-    std::string word_ = "error";
+    std::string severity_ = "error";
     std::size_t limit_ = limit;
-    std::vector<Fault> faults_;
+    std::vector<Entry> entries_;
 };
 
-// A name from an input as messages show it: in quotes, cut where it is overlong.
+// The functions below return text for messages.
+
+// A name from an input in quotes: cut where it is too long, control characters replaced by '?'.
 std::string inQuotes(std::string_view name);
 
-// "; did you mean 'X'?" with the candidate that is nearest to the name, or nothing where none is near.
+// "enumeration", "struct", ...; "type" for a typedef.
+std::string_view kindName(DefinitionKind kind);
+
+// Kind and name: "enumeration 'DoorState'"; the kind alone while the name is empty.
+std::string describe(const Definition& definition);
+
+// "; did you mean 'X'?" with the candidate that is most like the name; empty if no candidate is.
 std::string suggestion(std::string_view name, const std::vector<std::string_view>& candidates);
 
-// "A -> B -> A" for the names A and B, with dots in the middle of a long circle.
-std::string circle(const std::vector<std::string_view>& names);
+// A cycle of names: "A -> B -> A" for A and B. The middle of a long cycle is left out.
+std::string cyclePath(const std::vector<std::string_view>& names);
 
-// The place right behind a span, where something is missing.
-Span behind(const Span& span);
+// The position just after a span, where something is missing.
+Span positionAfter(const Span& span);
 
 }  // namespace quorva::compiler

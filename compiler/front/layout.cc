@@ -30,8 +30,8 @@ void append(Layout& layout, const Layout& member)
 Layout Layouts::add(const Definition& type)
 {
     const Layout layout = of(type);
-    known_.emplace(
-        &type, Layout{std::min(layout.size, largest + 1), layout.alignment, std::min(layout.members, mostMembers + 1)});
+    known_.emplace(&type, Layout{std::min(layout.size, mostBytes + 1), layout.alignment,
+                                 std::min(layout.members, mostMembers + 1)});
     return layout;
 }
 
@@ -57,16 +57,16 @@ Layout Layouts::of(const Declaration& declaration) const
 {
     switch (declaration.form) {
     case Form::single: return of(declaration.type);
-    case Form::vector: {
+    case Form::fixedArray: {
         const Layout element = of(declaration.type);
         return {element.size * declaration.bound, element.alignment, element.members};
     }
-    case Form::list:
-    case Form::bytes: return {16, 8};
+    case Form::variableArray:
+    case Form::variableOpaque: return {16, 8};
     case Form::optional:
     case Form::string: return {8, 8};
-    case Form::opaque: return {declaration.bound, 1};
-    case Form::nothing: break;
+    case Form::fixedOpaque: return {declaration.bound, 1};
+    case Form::none: break;
     }
     return {};
 }
@@ -75,16 +75,16 @@ Layout Layouts::of(const Definition& definition) const
 {
     Layout layout;
     switch (definition.kind) {
-    case Kind::constant: break;
-    case Kind::enumeration: return {4, 4};
-    case Kind::definedAs: return of(definition.target);
-    case Kind::record:
+    case DefinitionKind::constant: break;
+    case DefinitionKind::enumeration: return {4, 4};
+    case DefinitionKind::typeDefinition: return of(definition.target);
+    case DefinitionKind::structure:
         for (const Declaration& field : definition.fields) append(layout, asMember(of(field)));
         break;
-    case Kind::discriminated: {
+    case DefinitionKind::discriminatedUnion: {
         Layout arms;
         for (const Arm& arm : definition.arms) {
-            if (arm.declaration.form == Form::nothing) continue;
+            if (arm.declaration.form == Form::none) continue;
             const Layout held = asMember(of(arm.declaration));
             arms = {std::max(arms.size, held.size), std::max(arms.alignment, held.alignment),
                     arms.members + held.members};

@@ -1,4 +1,4 @@
-// The sizes of types in memory, and how much they are made of.
+// Computes the sizes of types in memory.
 #pragma once
 
 #include "model.h"
@@ -8,28 +8,29 @@
 
 namespace quorva::compiler {
 
-// What a type takes on a machine with 64-bit addresses, where it takes most.
+// The memory that a type takes on a machine with 64-bit addresses, where it takes most.
 struct Layout {
-    std::uint64_t size = 0;
-    std::uint64_t alignment = 1;
+    std::uint64_t size = 0;       // bytes
+    std::uint64_t alignment = 1;  // bytes
 
-    // Fields and arms, with those of the types that they hold by value; a vector counts like one element.
+    // Fields and arms, including those of the types that they hold by value; a fixed-length array counts as one
+    // element.
     std::uint64_t members = 0;
 };
 
-// The layouts of a program's types. Types are added one by one, each after those that it holds by value; one that is
-// missing then counts as empty.
+// The layouts of a program's types. Types are added one by one, each after the types that it holds by value; a type
+// that was not added counts as empty.
 class Layouts {
 public:
-    // The most bytes and members of a type. A type with more counts as one byte or member larger than that where others
-    // hold it, so no product or sum leaves 64 bits. The first compiler that would suffer is g++, which visits each
-    // member of each type, through all types in it.
-    static constexpr std::uint64_t largest = std::uint64_t{64} << 20U;
+    // The most bytes and members that a type may have; g++ becomes slow beyond, as it visits all members of all nested
+    // types. Within other types a larger type counts as one more than the limit, so that no sum exceeds 64 bits.
+    static constexpr std::uint64_t mostBytes = std::uint64_t{64} << 20U;
     static constexpr std::uint64_t mostMembers = 65536;
 
-    // Returns the layout of the type, with its true numbers however large these are.
+    // Adds the type and returns its layout, which may exceed the limits.
     Layout add(const Definition& type);
 
+    // The layout of one member; zero bytes for void.
     Layout of(const Declaration& declaration) const;
 
 private:

@@ -1,4 +1,4 @@
-// The scanner: one pass over the text, line by line and column by column, without recursion.
+// The scanner: one run over the text, without recursion.
 #include "lexer.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace quorva::compiler {
 
 namespace {
 
-constexpr std::size_t longestWord = 255;
+constexpr std::size_t longestWord = 255;  // bytes
 
 constexpr std::array<std::string_view, 18> keywords = {
     "bool",   "case",      "const",  "default", "double", "enum",    "float", "hyper",    "int",
@@ -44,9 +44,9 @@ bool isPunctuation(char c)
 
 class Lexer {
 public:
-    Lexer(Module& module, Diagnostics& faults) : module_(module), faults_(faults), text_(module.source.text) {}
+    Lexer(Module& module, Diagnostics& errors) : module_(module), errors_(errors), text_(module.source.text) {}
 
-    Lexed run();
+    LexResult run();
 
 private:
     char peek(std::size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
@@ -64,7 +64,7 @@ private:
     void illegal();
 
     Module& module_;
-    Diagnostics& faults_;
+    Diagnostics& errors_;
     std::string_view text_;
     std::size_t at_ = 0;
     std::size_t lineStart_ = 0;
@@ -72,7 +72,7 @@ private:
     unsigned lastIllegal_ = 0;  // line
     bool tokenOnLine_ = false;
     unsigned commentsSeen_ = 0;
-    Lexed out_;
+    LexResult out_;
 };
 
 Span Lexer::span(std::size_t from, std::size_t length) const
@@ -80,7 +80,7 @@ Span Lexer::span(std::size_t from, std::size_t length) const
     return {&module_.source, line_, static_cast<unsigned>(from - lineStart_ + 1), static_cast<unsigned>(length)};
 }
 
-// Call with at_ on the '\n'.
+// Expects at_ on the '\n'.
 void Lexer::newLine()
 {
     lineStart_ = ++at_;
@@ -116,7 +116,7 @@ void Lexer::blockComment()
     const bool alone = !tokenOnLine_;
     const std::size_t close = text_.find("*/", from + 2);
     if (close == std::string_view::npos) {
-        faults_.error(at, "this comment never ends: '*/' is missing");
+        errors_.error(at, "this comment never ends: '*/' is missing");
         module_.incomplete = true;  // the comment swallowed the rest of the file
         at_ = text_.size();
         return;
@@ -144,7 +144,7 @@ void Lexer::word()
     const bool keyword = std::find(keywords.begin(), keywords.end(), text) != keywords.end();
     add(keyword ? TokenKind::keyword : TokenKind::name, from);
     if (text.size() > longestWord) {
-        faults_.error(span(from, text.size()), "this name has " + std::to_string(text.size()) +
+        errors_.error(span(from, text.size()), "this name has " + std::to_string(text.size()) +
                                                    " characters; at most " + std::to_string(longestWord) +
                                                    " are taken");
         out_.tokens.back().text = text.substr(0, longestWord);
@@ -174,19 +174,19 @@ void Lexer::number()
     if (digits.empty() || (result != std::errc::result_out_of_range && stop != end)) {
         token.known = false;
         const bool octal = base == 8 && std::all_of(digits.begin(), digits.end(), isDigit);
-        faults_.error(token.at, inQuotes(token.text) +
+        errors_.error(token.at, inQuotes(token.text) +
                                     (octal ? " is no number: a leading 0 makes it octal, and octal has no 8 and 9"
                                            : " is no number, and a name cannot begin with a digit"));
     } else if (result == std::errc::result_out_of_range) {
         token.known = false;
-        faults_.error(token.at,
+        errors_.error(token.at,
                       "the number " + inQuotes(token.text) + " is out of range: the API's numbers have 32 bits");
     } else {
         token.number = negative ? -magnitude : magnitude;
     }
 }
 
-// rpcgen runs the C preprocessor over its input; this compiler does not, and says what to write instead.
+// rpcgen runs the C preprocessor over its input. This compiler does not, and tells what to write instead.
 void Lexer::preprocessorLine()
 {
     std::size_t end = endOfLine(at_);
@@ -213,9 +213,9 @@ void Lexer::preprocessorLine()
                    std::string(directive.substr(0, longestWord)) + "' line";
     }
     const auto shown = line.substr(0, line.find_last_not_of(" \t\r") + 1);
-    faults_.error(span(at_, shown.size()), std::move(sentence));
+    errors_.error(span(at_, shown.size()), std::move(sentence));
 
-    // A backslash carries the line on.
+    // A backslash continues the line.
     while (end < text_.size() && text_.substr(at_, end - at_).ends_with('\\')) {
         at_ = end;
         newLine();
@@ -240,14 +240,14 @@ void Lexer::illegal()
                (byte < 0x80 ? " stands in no text file" : " is no letter of ASCII; others may stand in comments only");
     }
     add(TokenKind::bad, from);
-    // Where one is, more follow, and one report a line says it all.
-    if (line_ != lastIllegal_) faults_.error(out_.tokens.back().at, std::move(what));
+    // Bad characters come in groups; one error a line is enough.
+    if (line_ != lastIllegal_) errors_.error(out_.tokens.back().at, std::move(what));
     lastIllegal_ = line_;
 }
 
-Lexed Lexer::run()
+LexResult Lexer::run()
 {
-    while (!atEnd() && !faults_.full()) {
+    while (!atEnd() && !errors_.full()) {
         const char c = peek();
         if (c == '\n') {
             newLine();
@@ -262,7 +262,7 @@ Lexed Lexer::run()
         } else if (isDigit(c) || (c == '-' && isDigit(peek(1)))) {
             number();
         } else if (c == '%' && !tokenOnLine_) {
-            at_ = endOfLine(at_);  // meant for the output of rpcgen
+            at_ = endOfLine(at_);  // rpcgen copies such lines to its output
         } else if (c == '#' && !tokenOnLine_) {
             preprocessorLine();
         } else if (isPunctuation(c)) {
@@ -277,91 +277,11 @@ Lexed Lexer::run()
     return std::move(out_);
 }
 
-// Length of the well-formed UTF-8 sequence at the start of `text`, 0 where there is none.
-std::size_t sequenceLength(std::string_view text)
-{
-    const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U; };
-    const auto follows = [&](std::size_t i, unsigned low = 0x80, unsigned high = 0xBF) {
-        return byte(i) >= low && byte(i) <= high;
-    };
-    const unsigned lead = byte(0);
-    if (lead < 0x80) return 1;
-    if (lead >= 0xC2 && lead <= 0xDF) return follows(1) ? 2 : 0;
-    if (lead >= 0xE0 && lead <= 0xEF) {
-        const bool second = follows(1, lead == 0xE0 ? 0xA0 : 0x80, lead == 0xED ? 0x9F : 0xBF);
-        return second && follows(2) ? 3 : 0;
-    }
-    if (lead >= 0xF0 && lead <= 0xF4) {
-        const bool second = follows(1, lead == 0xF0 ? 0x90 : 0x80, lead == 0xF4 ? 0x8F : 0xBF);
-        return second && follows(2) && follows(3) ? 4 : 0;
-    }
-    return 0;
-}
-
-// Comments reach C++ string literals and JSON, so they leave here as clean UTF-8.
-std::string cleanText(std::string_view text)
-{
-    std::string clean;
-    while (!text.empty()) {
-        const std::size_t length = sequenceLength(text);
-        if (length == 0) {
-            clean += "\xEF\xBF\xBD";
-        } else if (text.front() == '\t') {
-            clean += ' ';
-        } else if (static_cast<unsigned char>(text.front()) >= 0x20 && text.front() != 0x7F) {
-            clean += text.substr(0, length);
-        }
-        text.remove_prefix(std::max<std::size_t>(length, 1));
-    }
-    return clean;
-}
-
-bool isDecoration(std::string_view text)
-{
-    return !text.empty() && text.find_first_not_of("*-=/+_~ ") == std::string_view::npos;
-}
-
 }  // namespace
 
-Lexed lex(Module& module, Diagnostics& faults)
+LexResult lex(Module& module, Diagnostics& errors)
 {
-    return Lexer(module, faults).run();
-}
-
-void appendDoc(std::vector<DocLine>& lines, const Comment& comment)
-{
-    const std::size_t before = lines.size();
-    std::size_t pending = 0;  // empty lines that count only if text follows
-    std::string_view rest = comment.text;
-    bool first = true;
-    while (true) {
-        const auto end = rest.find('\n');
-        std::string_view line = rest.substr(0, end);
-        if (comment.block) {
-            const auto mark = line.find_first_not_of(first ? "*!" : " \t");
-            line.remove_prefix(std::min(mark, line.size()));
-            if (!first) line.remove_prefix(std::min(line.find_first_not_of('*'), line.size()));
-            if (end == std::string_view::npos) line = line.substr(0, line.find_last_not_of('*') + 1);
-        } else if (line.starts_with('/') || line.starts_with('!')) {
-            line.remove_prefix(1);
-        }
-        if (line.starts_with(' ')) line.remove_prefix(1);
-        line = line.substr(0, line.find_last_not_of(" \t\r") + 1);
-        if (isDecoration(line)) line = {};
-
-        // Consecutive `//` comments are one text: an empty one between them parts paragraphs.
-        if (line.empty() && comment.block) {
-            ++pending;
-        } else {
-            for (; pending > 0; --pending) {
-                if (lines.size() > before) lines.push_back({"", comment.at});
-            }
-            lines.push_back({cleanText(line), comment.at});
-        }
-        first = false;
-        if (end == std::string_view::npos) break;
-        rest.remove_prefix(end + 1);
-    }
+    return Lexer(module, errors).run();
 }
 
 }  // namespace quorva::compiler

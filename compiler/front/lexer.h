@@ -1,4 +1,4 @@
-// Cuts the text of an interface file into tokens and the comments between them.
+// Splits the text of an interface file into tokens and comments.
 #pragma once
 
 #include "diagnostics.h"
@@ -11,19 +11,19 @@
 namespace quorva::compiler {
 
 enum class TokenKind : std::uint8_t {
-    end,  // behind the last token of the file
+    end,  // after the last token of the file
     name,
-    keyword,  // a word of RFC 4506 that nothing can be named
+    keyword,  // a word that RFC 4506 reserves
     number,
     punctuation,  // one character
-    bad,          // characters of no token, already reported
+    bad,          // characters that form no token; already reported
 };
 
 struct Token {
     TokenKind kind = TokenKind::end;
     bool known = true;  // of a number: the literal is well-formed and `number` is its value
     bool firstOnLine = false;
-    unsigned firstComment = 0;  // index of the first comment behind the token before this one
+    unsigned firstComment = 0;  // index of the first comment after the previous token
     Span at;
     std::string_view text;  // within the source's text
     std::int64_t number = 0;
@@ -36,25 +36,18 @@ struct Comment {
     Span at;                // of its first line
     unsigned lastLine = 0;
     bool block = false;  // written between slash-star and star-slash
-    bool alone = false;  // no token stands before it on its first line
+    bool alone = false;  // no token precedes it on its first line
 };
 
-struct Lexed {
+// The tokens and the comments of one file, each in the order of the file. Their texts and spans point into the module's
+// source, which must outlive them.
+struct LexResult {
     std::vector<Token> tokens;  // never empty: the last one is the only `end`
     std::vector<Comment> comments;
 };
 
-// One line of a comment's text, cleaned of marks, decoration and control characters, in valid UTF-8.
-struct DocLine {
-    std::string text;
-    Span at;  // of the comment
-};
-
-// Names in lines that are skipped ('#define') are noted in the module, as is text that may define anything
-// ('#include').
-Lexed lex(Module& module, Diagnostics& faults);
-
-// Appends the lines of one comment, without empty ones at its start and end.
-void appendDoc(std::vector<DocLine>& lines, const Comment& comment);
+// Reports malformed tokens to `errors` and continues after them. Adds to `module.skipped` the names in lines that it
+// skips ('#define'), and sets `module.incomplete` where the skipped text may define any name ('#include').
+LexResult lex(Module& module, Diagnostics& errors);
 
 }  // namespace quorva::compiler

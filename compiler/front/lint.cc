@@ -1,9 +1,10 @@
-// One function for each habit, over the resolved tree and, for the width of lines, over the text.
+// One function for each habit, over the resolved tree; for the width of lines, over the text.
 #include "lint.h"
 
 #include "layout.h"
 #include "source.h"
 #include "structure.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <array>
@@ -19,7 +20,6 @@ namespace quorva::compiler {
 
 namespace {
 
-constexpr std::int64_t mostElements = 65535;
 constexpr std::uint64_t largeArm = 128;  // bytes
 
 bool isCapital(char c)
@@ -27,13 +27,13 @@ bool isCapital(char c)
     return c >= 'A' && c <= 'Z';
 }
 
-// Enumerations whose prefix a settled enumerator fixes.
+// Enumerations with settled enumerators, whose prefix cannot change.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 2> settledPrefixes = {{
     {"EPCBasicRecoveryAction", "BRA"},
     {"NVMReadWriteStatus", "NRS"},
 }};
 
-// The capitals and digits of an enumeration's name, with which its enumerators begin.
+// The prefix of an enumeration's enumerators: the capitals and digits of its name.
 std::string initialsOf(std::string_view name)
 {
     for (const auto& [enumeration, prefix] : settledPrefixes) {
@@ -102,29 +102,26 @@ void Linter::warn(const Span& at, std::string sentence, std::optional<Note> note
 
 void Linter::width(const Source& source)
 {
-    std::string_view rest = source.text;
-    for (unsigned number = 1; !rest.empty(); ++number) {
-        const auto end = rest.find('\n');
-        std::string_view line = rest.substr(0, end);
+    unsigned number = 0;
+    for (std::string_view line : support::linesOf(source.text)) {
+        ++number;
         if (line.ends_with('\r')) line.remove_suffix(1);
         std::size_t columns = 0;
-        std::size_t limit = 0;  // bytes that fit
+        std::size_t limit = 0;  // bytes within the width
         for (std::size_t at = 0; at < line.size(); ++at) {
-            if ((static_cast<unsigned char>(line[at]) & 0xC0U) == 0x80U) continue;
+            if (support::continuesCharacter(line[at])) continue;
             if (columns++ == lineWidth) limit = at;
         }
         if (columns > lineWidth) {
             warn({&source, number, static_cast<unsigned>(limit + 1), 1},
                  "this line has " + std::to_string(columns) + " columns; break it at " + std::to_string(lineWidth));
         }
-        if (end == std::string_view::npos) return;
-        rest.remove_prefix(end + 1);
     }
 }
 
 // Modules
 
-// Reports an import without which every name would still be found.
+// Warns of an import without which every name would still be found.
 void Linter::imports(const Module& module)
 {
     std::unordered_set<const Definition*> used;
@@ -187,7 +184,7 @@ void Linter::documentation(const Definition& definition)
 
 // Names
 
-// A name that a settled type refers to is as settled as that type.
+// A name that a settled type refers to is settled, too.
 void Linter::typeName(const Definition& definition)
 {
     const std::string& name = definition.name;
@@ -195,7 +192,7 @@ void Linter::typeName(const Definition& definition)
     warn(definition.at, inQuotes(name) + " is not written as types are: in capitalised words, without '_'");
 }
 
-// A known member may begin with a capital, so that much is left to the authors.
+// Settled members may begin with a capital, so members in general may.
 void Linter::memberName(const Declaration& member, std::string_view what)
 {
     if (member.name.find('_') == std::string::npos) return;
@@ -203,8 +200,8 @@ void Linter::memberName(const Declaration& member, std::string_view what)
                         " is not written as members are: in capitalised words but for the first, without '_'");
 }
 
-// A provisional enumeration may hold a few enumerators that are settled, and named by habits of their own. A name of
-// one word has no initials: there, two letters in common will do.
+// A provisional enumeration may have a few settled enumerators without the prefix, so half of them suffices. A name of
+// one word has no initials; two letters in common suffice there.
 void Linter::enumerators(const Definition& definition)
 {
     const std::vector<Enumerator>& all = definition.enumerators;
@@ -232,7 +229,7 @@ void Linter::sequence(const Definition& definition)
 {
     constexpr std::string_view suffix = "Seq";
     const std::string_view name = definition.name;
-    if (definition.target.form != Form::list || !name.ends_with(suffix)) return;
+    if (definition.target.form != Form::variableArray || !name.ends_with(suffix)) return;
     const std::string_view wanted = name.substr(0, name.size() - suffix.size());
     const std::string& element = definition.target.type.name;
     if (element.starts_with(wanted)) return;
@@ -246,7 +243,7 @@ void Linter::maximum(const Declaration& declaration)
 {
     const auto& written = declaration.written;
     if (!written || written->isName || written->number != mostElements) return;
-    if (declaration.form == Form::vector || declaration.form == Form::opaque) return;
+    if (declaration.form == Form::fixedArray || declaration.form == Form::fixedOpaque) return;
     warn(written->at, "65535 is the maximum without a number, too; write '<>'");
 }
 
@@ -267,7 +264,7 @@ void Linter::orderOfArms(const Definition& definition)
     }
 }
 
-// One arm decides how large every value of a union is.
+// The largest arm decides the size of every value of a union.
 void Linter::sizeOfArms(const Definition& definition)
 {
     const Declaration* largest = nullptr;
@@ -303,11 +300,11 @@ void Linter::definition(const Definition& definition)
     if (!definition.provisional) return;
 
     typeName(definition);
-    if (definition.kind == Kind::enumeration) enumerators(definition);
+    if (definition.kind == DefinitionKind::enumeration) enumerators(definition);
     sequence(definition);
     for (const Declaration& field : definition.fields) memberName(field, "field");
-    // Attributes bear the names that their numbers have everywhere.
-    if (definition.kind != Kind::discriminated || !discriminantOf(definition).enumeration) return;
+    // The arms of a union of attributes have the names of the attributes, whose numbers select them.
+    if (definition.kind != DefinitionKind::discriminatedUnion || !discriminantOf(definition).enumeration) return;
     memberName(definition.discriminant, "discriminant");
     for (const Arm& arm : definition.arms) memberName(arm.declaration, "arm");
 }

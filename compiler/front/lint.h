@@ -4,13 +4,15 @@
 #include "diagnostics.h"
 #include "model.h"
 
+#include <cstddef>
+
 namespace quorva::compiler {
 
-// More warnings than this are a list that nobody works off in one go.
+// The limit of the list that lint() fills.
 inline constexpr std::size_t mostWarnings = 1000;
 
-// Looks at the requested modules of a program without faults. Settled names cannot be changed, so habits of naming are
-// asked of provisional types and their members alone, and habits of layout where the layout is still open.
+// Adds warnings about the requested modules of a program without errors. Settled names and layouts cannot change, so
+// names are checked in provisional types and members only, and the size of arms where the layout is provisional.
 void lint(const Program& program, Diagnostics& warnings);
 
 }  // namespace quorva::compiler

@@ -1,4 +1,4 @@
-// The tree of an interface file, from the parser's view of the text to names that are resolved to definitions.
+// The syntax tree of an interface file. The parser fills it with names as written; resolve() adds what they refer to.
 #pragma once
 
 #include <cstdint>
@@ -10,23 +10,24 @@
 
 namespace quorva::compiler {
 
-// One interface file as it was read. `module` is the path below its -I folder without ".x": "jobs/cover".
+// The text of one interface file.
 struct Source {
-    std::string path;  // as diagnostics print it
-    std::string module;
+    std::string path;    // as diagnostics print it
+    std::string module;  // the path below its -I folder without ".x": "jobs/cover"
     std::string text;
 };
 
-// A stretch of one line of a source; lines and columns count from 1, columns and lengths in bytes.
+// A range within one line of a source. Lines and columns count from 1; columns and lengths are in bytes. The source
+// must outlive the span.
 struct Span {
-    const Source* source = nullptr;
+    const Source* source = nullptr;  // null where there is no position
     unsigned line = 0;
     unsigned column = 0;
     unsigned length = 0;
 };
 
 enum class Builtin {
-    none,
+    none,  // a type that an interface file defines, or no type
     Boolean,
     ShortInteger,
     ShortNatural,
@@ -38,42 +39,55 @@ enum class Builtin {
     Float,
 };
 
-enum class Kind { constant, enumeration, record, discriminated, definedAs };
+enum class DefinitionKind { constant, enumeration, structure, discriminatedUnion, typeDefinition };
 
 struct Definition;
 
-// A type as a declaration names it. After resolution either `builtin` or `definition` is set. `name` is the API's
-// spelling: "LongInteger" also where the file says "int".
+// A type as a declaration names it. After resolution either `builtin` or `definition` is set, unless an error was
+// reported.
 struct TypeRef {
-    std::string name;
+    std::string name;  // as the API spells it: "LongInteger" also where the file says "int"
     Span at;
     Builtin builtin = Builtin::none;
     const Definition* definition = nullptr;
-    std::optional<Kind> keyword;  // "struct", "union" or "enum" before the name: what the definition has to be
+    std::optional<DefinitionKind> keyword;  // "struct", "union" or "enum" before the name: the kind it must have
 };
 
-// A number as written: a literal, or the name of a constant or an enumerator. `number` holds where `known` is set;
-// after resolution that is everywhere but where a fault was reported.
+// A number as written: a literal, or the name of a constant or an enumerator.
 struct Value {
     std::string text;
     Span at;
     bool isName = false;
-    bool known = false;
+    bool known = false;  // `number` is valid. After resolution always true, unless an error was reported
     std::int64_t number = 0;
-    const Definition* owner = nullptr;  // of a name: the constant, or the enumeration that the enumerator stands in
+    const Definition* owner = nullptr;  // of a name: the constant, or the enumeration that declares the enumerator
 };
 
-enum class Form { single, vector, list, optional, string, bytes, opaque, nothing };
+// How a declaration holds its type; the same words as quorva::Form in <quorvapixdr/description.h>.
+enum class Form {
+    single,
+    fixedArray,
+    variableArray,
+    optional,
+    string,
+    variableOpaque,
+    fixedOpaque,
+    none,  // void
+};
 
+// Counts and lengths have 16 bits in memory: the most elements of an array, and the most bytes of a string or opaque.
+inline constexpr std::uint32_t mostElements = 65535;
+
+// A field, a discriminant, an arm, or the target of a typedef.
 struct Declaration {
-    Form form = Form::nothing;
-    TypeRef type;                  // unused for string, bytes, opaque and nothing
-    std::string name;              // empty for nothing
-    Span at;                       // of the name, or of "void"
-    std::optional<Value> written;  // the bound as written, if any
-    std::uint32_t bound = 0;       // resolved: elements, or the maximum (65535 where none is written)
-    std::string doc;               // comment text, lines joined by '\n', without comment marks and provisional line
-    std::optional<std::string> provisional;  // the text behind the mark, possibly empty
+    Form form = Form::none;
+    TypeRef type;                            // unused for string, opaque and void
+    std::string name;                        // empty for void
+    Span at;                                 // of the name, or of "void"
+    std::optional<Value> written;            // the bound in the file, if it gives one
+    std::uint32_t bound = 0;                 // resolved: elements of a fixed form, maximum of a variable one; else 0
+    std::string doc;                         // lines joined by '\n', without comment marks and provisional line
+    std::optional<std::string> provisional;  // the reason after the mark, possibly empty; nullopt if settled
 };
 
 struct Enumerator {
@@ -89,19 +103,19 @@ struct Arm {
 };
 
 struct Definition {
-    Kind kind = Kind::record;
+    DefinitionKind kind = DefinitionKind::structure;
     std::string name;
     Span at;                                 // of the name
-    std::string doc;                         // without the provisional line
-    std::optional<std::string> provisional;  // the text behind the mark, possibly empty
+    std::string doc;                         // lines joined by '\n', without comment marks and provisional line
+    std::optional<std::string> provisional;  // the reason after the mark, possibly empty; nullopt if settled
     Value constant;                          // constant
     std::vector<Enumerator> enumerators;     // enumeration, in the order of the file
-    std::vector<Declaration> fields;         // record
+    std::vector<Declaration> fields;         // struct
     Declaration discriminant;                // union
     std::vector<Arm> arms;                   // union, without the default arm
     std::optional<Arm> defaultArm;           // union
-    Declaration target;                      // definedAs; its name is the definition's
-    bool broken = false;                     // the parser reported a fault inside: parts may be missing
+    Declaration target;                      // typedef; its name is the definition's
+    bool hasErrors = false;                  // the parser reported an error in it: members may be missing
 };
 
 struct Module;
@@ -109,7 +123,7 @@ struct Module;
 struct Import {
     std::string name;  // "common/strings"
     Span at;
-    const Module* module = nullptr;
+    const Module* module = nullptr;  // null until the module is read, and where that failed
 };
 
 struct Module {
@@ -119,15 +133,15 @@ struct Module {
     std::vector<std::unique_ptr<Definition>> definitions;  // in the order of the file
     bool requested = false;                                // named on the command line, not only imported
 
-    // Names that may stand in text which the parser had to skip, and whether any name may be missing because a whole
-    // file is: an unknown name is then no fault of its own.
+    // What later stages must not report as unknown: names in text that the parser skipped, and any name if a whole file
+    // is missing.
     std::unordered_set<std::string> skipped;
     bool incomplete = false;
 };
 
-// Everything that one run of the compiler has read. Modules stand behind those that they import.
+// Everything that one run of the compiler has read.
 struct Program {
-    std::vector<std::unique_ptr<Module>> modules;
+    std::vector<std::unique_ptr<Module>> modules;  // each after the modules that it imports
 };
 
 }  // namespace quorva::compiler

@@ -1,4 +1,4 @@
-// Reads the text of one interface file into the tree.
+// Reads the text of one interface file into the syntax tree.
 #pragma once
 
 #include "diagnostics.h"
@@ -6,9 +6,9 @@
 
 namespace quorva::compiler {
 
-// Fills `module` from `module.source`: documentation, imports and definitions, with names as written and nothing looked
-// up. Every fault is reported and parsing goes on behind it; what was skipped is noted in the module, so that later
-// stages do not report what follows from it.
-void parse(Module& module, Diagnostics& faults);
+// Fills `module` from `module.source`: documentation, imports and definitions. Names stay as written; resolve() looks
+// them up. Every error is reported to `errors`, and parsing continues after it. Text that is skipped is noted in the
+// module, so that later stages do not report its consequences.
+void parse(Module& module, Diagnostics& errors);
 
 }  // namespace quorva::compiler

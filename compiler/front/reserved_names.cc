@@ -1,4 +1,4 @@
-// The table of reserved names. Its two long groups are in system_names.cc.
+// The table of reserved names. The two longest groups are in system_names.cc.
 #include "reserved_names.h"
 
 #include "system_names.h"
@@ -50,7 +50,7 @@ DiagnosticHook ScopedTrace TraceText Xdr XdrRoutine quorva setDiagnosticHook
 )";
 
 struct Group {
-    NameScope scope;  // `inner` means everywhere: what holds in a struct holds outside of it, too
+    NameScope scope;  // `inner` means every scope: what cannot be a member cannot be global either
     std::string_view reason;
     Names names;
 };

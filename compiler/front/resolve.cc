@@ -21,7 +21,7 @@ constexpr std::array<std::pair<std::string_view, Builtin>, 9> builtins = {{
     {"Float", Builtin::Float},
 }};
 
-// What other XDR compilers take for numbers, and what says the same here.
+// Type names of other XDR compilers, and the same types here.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 20> foreignTypes = {{
     {"char", "ShortInteger"},
     {"short", "Integer"},
@@ -47,30 +47,30 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 20> foreignT
 
 bool isEnumeration(const TypeRef& type)
 {
-    return type.definition && type.definition->kind == Kind::enumeration;
+    return type.definition && type.definition->kind == DefinitionKind::enumeration;
 }
 
-std::string_view described(Kind kind)
+std::string_view withArticle(DefinitionKind kind)
 {
     switch (kind) {
-    case Kind::enumeration: return "an enumeration";
-    case Kind::record: return "a struct";
-    case Kind::discriminated: return "a union";
-    case Kind::definedAs:
-    case Kind::constant: break;  // which is no type
+    case DefinitionKind::enumeration: return "an enumeration";
+    case DefinitionKind::structure: return "a struct";
+    case DefinitionKind::discriminatedUnion: return "a union";
+    case DefinitionKind::typeDefinition:
+    case DefinitionKind::constant: break;  // not a type
     }
     return "a typedef";
 }
 
 class Resolver {
 public:
-    Resolver(Program& program, Diagnostics& faults) : program_(program), faults_(faults) {}
+    Resolver(Program& program, Diagnostics& errors) : program_(program), errors_(errors) {}
 
     void run();
 
 private:
-    // A name that stands for a number. `state` guards against constants that are defined by each other.
-    struct Named {
+    // A constant or an enumerator. `state` detects constants that are defined by each other.
+    struct NamedNumber {
         enum class State { untouched, onChain, settled };
         std::string_view name;
         Value* value = nullptr;
@@ -78,7 +78,8 @@ private:
         std::size_t module = 0;
         State state = State::untouched;
     };
-    struct Typed {
+    // A definition of a type, and the index of its module.
+    struct TypeEntry {
         const Definition* definition = nullptr;
         std::size_t module = 0;
     };
@@ -86,7 +87,7 @@ private:
     void collect();
     void findVisible();
     void settleNumbers();
-    void settle(Named& start);
+    void settle(NamedNumber& start);
     void definition(Definition& definition);
     void declaration(Declaration& declaration);
     void type(TypeRef& type);
@@ -95,45 +96,46 @@ private:
     void value(Value& value);
     void label(Value& value, const TypeRef& discriminant);
     bool predeclared(Value& value) const;
-    Named* findNumber(const std::string& name);
-    Named* findEnumerator(const Definition& enumeration, const std::string& name);
-    Named* numberOrFault(const Value& value);
-    bool excused(const std::string& name) const;
+    NamedNumber* findNumber(const std::string& name);
+    NamedNumber* findEnumerator(const Definition& enumeration, const std::string& name);
+    NamedNumber* findOrReport(const Value& value);
+    bool followsFromReportedError(const std::string& name) const;
     const std::string& moduleName(std::size_t at) const { return program_.modules[at]->source.module; }
 
     Program& program_;
-    Diagnostics& faults_;
-    std::unordered_map<std::string_view, std::vector<Typed>> types_;
-    std::unordered_map<std::string_view, std::vector<std::size_t>> numbers_;  // indices into named_
-    std::unordered_map<const Definition*, std::unordered_map<std::string_view, std::size_t>> enumerators_;  // the same
-    std::vector<Named> named_;
-    std::vector<std::vector<bool>> visible_;  // visible_[a][b]: a sees what b defines
-    std::size_t module_ = 0;                  // at hand
+    Diagnostics& errors_;
+    std::unordered_map<std::string_view, std::vector<TypeEntry>> types_;
+    // By name the indices into namedNumbers_: of all names, and of the enumerators of each enumeration.
+    std::unordered_map<std::string_view, std::vector<std::size_t>> numbers_;
+    std::unordered_map<const Definition*, std::unordered_map<std::string_view, std::size_t>> enumerators_;
+    std::vector<NamedNumber> namedNumbers_;
+    std::vector<std::vector<bool>> visible_;  // visible_[a][b]: module a imports b, directly or through others
+    std::size_t module_ = 0;                  // the current one
 };
 
 void Resolver::collect()
 {
     for (std::size_t at = 0; at < program_.modules.size(); ++at) {
         for (const auto& definition : program_.modules[at]->definitions) {
-            if (definition->kind == Kind::constant) {
-                named_.push_back({definition->name, &definition->constant, definition.get(), at, {}});
+            if (definition->kind == DefinitionKind::constant) {
+                namedNumbers_.push_back({definition->name, &definition->constant, definition.get(), at, {}});
             } else {
                 types_[definition->name].push_back({definition.get(), at});
             }
             for (Enumerator& enumerator : definition->enumerators) {
-                enumerators_[definition.get()].emplace(enumerator.name, named_.size());
-                named_.push_back({enumerator.name, &enumerator.value, definition.get(), at, {}});
+                enumerators_[definition.get()].emplace(enumerator.name, namedNumbers_.size());
+                namedNumbers_.push_back({enumerator.name, &enumerator.value, definition.get(), at, {}});
             }
         }
     }
-    for (std::size_t i = 0; i < named_.size(); ++i) numbers_[named_[i].name].push_back(i);
+    for (std::size_t i = 0; i < namedNumbers_.size(); ++i) numbers_[namedNumbers_[i].name].push_back(i);
 }
 
 void Resolver::findVisible()
 {
     const std::size_t count = program_.modules.size();
-    std::unordered_map<const Module*, std::size_t> places;
-    for (std::size_t at = 0; at < count; ++at) places.emplace(program_.modules[at].get(), at);
+    std::unordered_map<const Module*, std::size_t> indexOf;
+    for (std::size_t at = 0; at < count; ++at) indexOf.emplace(program_.modules[at].get(), at);
 
     visible_.assign(count, std::vector<bool>(count, false));
     for (std::size_t at = 0; at < count; ++at) {
@@ -144,14 +146,14 @@ void Resolver::findVisible()
             if (visible_[at][next]) continue;
             visible_[at][next] = true;
             for (const Import& import : program_.modules[next]->imports) {
-                if (import.module) waiting.push_back(places.at(import.module));
+                if (import.module) waiting.push_back(indexOf.at(import.module));
             }
         }
     }
 }
 
-// Whether a fault that was reported already can be the reason that a name is unknown.
-bool Resolver::excused(const std::string& name) const
+// True if the name may be unknown only because of an error that was reported before.
+bool Resolver::followsFromReportedError(const std::string& name) const
 {
     for (std::size_t at = 0; at < program_.modules.size(); ++at) {
         const Module& module = *program_.modules[at];
@@ -160,75 +162,75 @@ bool Resolver::excused(const std::string& name) const
     return false;
 }
 
-Resolver::Named* Resolver::findNumber(const std::string& name)
+Resolver::NamedNumber* Resolver::findNumber(const std::string& name)
 {
     const auto found = numbers_.find(name);
     if (found == numbers_.end()) return nullptr;
     for (const std::size_t i : found->second) {
-        if (visible_[module_][named_[i].module]) return &named_[i];
+        if (visible_[module_][namedNumbers_[i].module]) return &namedNumbers_[i];
     }
     return nullptr;
 }
 
-// Null where the name is unknown, which is reported.
-Resolver::Named* Resolver::numberOrFault(const Value& value)
+// Returns null if the name is unknown, which is reported.
+Resolver::NamedNumber* Resolver::findOrReport(const Value& value)
 {
-    if (Named* const named = findNumber(value.text)) return named;
-    if (excused(value.text) || faults_.full()) return nullptr;
+    if (NamedNumber* const named = findNumber(value.text)) return named;
+    if (followsFromReportedError(value.text) || errors_.full()) return nullptr;
 
     if (const auto elsewhere = numbers_.find(value.text); elsewhere != numbers_.end()) {
-        const std::string& home = moduleName(named_[elsewhere->second.front()].module);
-        faults_.error(value.at, inQuotes(value.text) + " is defined in module " + inQuotes(home) +
+        const std::string& home = moduleName(namedNumbers_[elsewhere->second.front()].module);
+        errors_.error(value.at, inQuotes(value.text) + " is defined in module " + inQuotes(home) +
                                     ", which this file does not import; add 'import " + home + ";'");
         return nullptr;
     }
     if (types_.contains(value.text)) {
-        faults_.error(value.at, inQuotes(value.text) + " is a type; a number or a constant's name is wanted here");
+        errors_.error(value.at, inQuotes(value.text) + " is a type; a number or a constant's name is wanted here");
         return nullptr;
     }
     std::vector<std::string_view> candidates;
-    for (const Named& named : named_) {
+    for (const NamedNumber& named : namedNumbers_) {
         if (visible_[module_][named.module]) candidates.push_back(named.name);
     }
     const std::string near = suggestion(value.text, candidates);
-    faults_.error(value.at, "unknown constant " + inQuotes(value.text) +
+    errors_.error(value.at, "unknown constant " + inQuotes(value.text) +
                                 (near.empty() ? "; define it with 'const', or import the module that does" : near));
     return nullptr;
 }
 
 void Resolver::settleNumbers()
 {
-    for (Named& named : named_) settle(named);
+    for (NamedNumber& named : namedNumbers_) settle(named);
 }
 
-// Follows names until a literal or a settled number, then hands the number back along the chain.
-void Resolver::settle(Named& start)
+// Follows names to a literal or a settled number, then sets that number along the chain.
+void Resolver::settle(NamedNumber& start)
 {
-    std::vector<Named*> chain;
-    const Named* end = &start;
-    for (Named* next = &start; next && next->state != Named::State::settled;) {
-        if (next->state == Named::State::onChain) {
+    std::vector<NamedNumber*> chain;
+    const NamedNumber* end = &start;
+    for (NamedNumber* next = &start; next && next->state != NamedNumber::State::settled;) {
+        if (next->state == NamedNumber::State::onChain) {
             std::vector<std::string_view> names;
             for (auto it = std::find(chain.begin(), chain.end(), next); it != chain.end(); ++it) {
                 names.push_back((*it)->name);
             }
-            faults_.error(next->value->at, inQuotes(next->name) + " is defined by itself: " + circle(names));
+            errors_.error(next->value->at, inQuotes(next->name) + " is defined by itself: " + cyclePath(names));
             end = nullptr;
             break;
         }
-        next->state = Named::State::onChain;
+        next->state = NamedNumber::State::onChain;
         chain.push_back(next);
         if (!next->value->isName || predeclared(*next->value)) break;
         module_ = next->module;
-        Named* const target = numberOrFault(*next->value);
+        NamedNumber* const target = findOrReport(*next->value);
         if (target) next->value->owner = target->owner;
         next = target;
         end = target;
     }
     if (!chain.empty() && chain.back()->value->known) end = chain.back();
     for (auto it = chain.rbegin(); it != chain.rend(); ++it) {
-        Named& named = **it;
-        named.state = Named::State::settled;
+        NamedNumber& named = **it;
+        named.state = NamedNumber::State::settled;
         if (end && end->value->known) {
             named.value->number = end->value->number;
             named.value->known = true;
@@ -236,7 +238,7 @@ void Resolver::settle(Named& start)
     }
 }
 
-// TRUE and FALSE belong to the language.
+// RFC 4506 predeclares TRUE and FALSE.
 bool Resolver::predeclared(Value& value) const
 {
     if (value.text != "TRUE" && value.text != "FALSE") return false;
@@ -248,80 +250,80 @@ bool Resolver::predeclared(Value& value) const
 void Resolver::value(Value& value)
 {
     if (!value.isName || predeclared(value)) return;
-    if (const Named* const named = numberOrFault(value)) {
+    if (const NamedNumber* const named = findOrReport(value)) {
         value.owner = named->owner;
         value.known = named->value->known;
         value.number = named->value->number;
     }
 }
 
-Resolver::Named* Resolver::findEnumerator(const Definition& enumeration, const std::string& name)
+Resolver::NamedNumber* Resolver::findEnumerator(const Definition& enumeration, const std::string& name)
 {
     const auto names = enumerators_.find(&enumeration);
     if (names == enumerators_.end()) return nullptr;
     const auto found = names->second.find(name);
-    return found == names->second.end() ? nullptr : &named_[found->second];
+    return found == names->second.end() ? nullptr : &namedNumbers_[found->second];
 }
 
-// A case is looked up in the discriminant's enumeration first, so that a wrong one is answered from there.
+// Searches the discriminant's enumeration first, so that suggestions for a wrong name come from there.
 void Resolver::label(Value& value, const TypeRef& discriminant)
 {
-    const TypeRef& type = behindAliases(discriminant);
+    const TypeRef& type = canonicalType(discriminant);
     if (!value.isName || !isEnumeration(type)) {
         this->value(value);
         return;
     }
     const Definition& enumeration = *type.definition;
-    const Named* named = findEnumerator(enumeration, value.text);
+    const NamedNumber* named = findEnumerator(enumeration, value.text);
     if (!named) named = findNumber(value.text);
-    if (named && (named->owner == &enumeration || named->owner->kind == Kind::constant)) {
+    if (named && (named->owner == &enumeration || named->owner->kind == DefinitionKind::constant)) {
         value.owner = named->owner;
         value.known = named->value->known;
         value.number = named->value->number;
         return;
     }
-    if (enumeration.broken || (!named && excused(value.text)) || faults_.full()) return;
+    if (enumeration.hasErrors || (!named && followsFromReportedError(value.text)) || errors_.full()) return;
 
     std::vector<std::string_view> candidates;
     for (const Enumerator& enumerator : enumeration.enumerators) candidates.push_back(enumerator.name);
     std::string sentence = inQuotes(value.text) + " is no enumerator of " + inQuotes(enumeration.name);
     if (named) sentence += " but one of " + inQuotes(named->owner->name);
-    faults_.error(value.at, sentence + suggestion(value.text, candidates),
+    errors_.error(value.at, sentence + suggestion(value.text, candidates),
                   Note{enumeration.at, inQuotes(enumeration.name) + " is defined here"});
 }
 
 void Resolver::unknownType(const TypeRef& type)
 {
-    if (excused(type.name) || faults_.full()) return;
+    if (followsFromReportedError(type.name) || errors_.full()) return;
     if (const auto elsewhere = types_.find(type.name); elsewhere != types_.end()) {
         const std::string& home = moduleName(elsewhere->second.front().module);
-        faults_.error(type.at, "type " + inQuotes(type.name) + " is defined in module " + inQuotes(home) +
+        errors_.error(type.at, "type " + inQuotes(type.name) + " is defined in module " + inQuotes(home) +
                                    ", which this file does not import; add 'import " + home + ";'");
         return;
     }
-    if (const Named* const named = findNumber(type.name)) {
-        const bool constant = named->owner->kind == Kind::constant;
-        faults_.error(type.at,
+    if (const NamedNumber* const named = findNumber(type.name)) {
+        const bool constant = named->owner->kind == DefinitionKind::constant;
+        errors_.error(type.at,
                       inQuotes(type.name) + (constant ? " is a constant" : " is an enumerator") + ", not a type");
         return;
     }
     const auto foreign = std::find_if(foreignTypes.begin(), foreignTypes.end(),
                                       [&](const auto& pair) { return pair.first == type.name; });
     if (foreign != foreignTypes.end()) {
-        faults_.error(type.at,
+        errors_.error(type.at,
                       "unknown type " + inQuotes(type.name) + "; write " + inQuotes(foreign->second) + " instead");
         return;
     }
     std::vector<std::string_view> candidates;
     for (const auto& [name, definitions] : types_) {
         if (std::any_of(definitions.begin(), definitions.end(),
-                        [&](const Typed& typed) { return visible_[module_][typed.module]; })) {
+                        [&](const TypeEntry& typed) { return visible_[module_][typed.module]; })) {
             candidates.push_back(name);
         }
     }
     for (const auto& [name, builtin] : builtins) candidates.push_back(name);
     const std::string near = suggestion(type.name, candidates);
-    faults_.error(type.at, "unknown type " + inQuotes(type.name) +
+    errors_.error(type.at, "unknown type " + inQuotes(type.name) +
                                (near.empty() ? "; define it, or import the module that does" : near));
 }
 
@@ -333,12 +335,12 @@ void Resolver::type(TypeRef& type)
     if (builtin != builtins.end()) {
         type.builtin = builtin->second;
         if (type.keyword)
-            faults_.error(type.at,
-                          inQuotes(type.name) + " is a built-in type, not " + std::string(described(*type.keyword)));
+            errors_.error(type.at,
+                          inQuotes(type.name) + " is a built-in type, not " + std::string(withArticle(*type.keyword)));
         return;
     }
     if (const auto found = types_.find(type.name); found != types_.end()) {
-        for (const Typed& typed : found->second) {
+        for (const TypeEntry& typed : found->second) {
             if (visible_[module_][typed.module]) {
                 type.definition = typed.definition;
                 break;
@@ -348,25 +350,24 @@ void Resolver::type(TypeRef& type)
     if (!type.definition) {
         unknownType(type);
     } else if (type.keyword && type.definition->kind != *type.keyword) {
-        faults_.error(type.at,
-                      inQuotes(type.name) + " is " + std::string(described(type.definition->kind)) + ", not " +
-                          std::string(described(*type.keyword)),
+        errors_.error(type.at,
+                      inQuotes(type.name) + " is " + std::string(withArticle(type.definition->kind)) + ", not " +
+                          std::string(withArticle(*type.keyword)),
                       Note{type.definition->at, "defined here"});
     }
 }
 
-// The values that no vector or maximum can have are cut so that they stay what they are: too small or too large.
+// Values out of range are clamped to 0 or to one more than the maximum, so they stay out of range for check().
 void Resolver::bound(Declaration& declaration)
 {
-    constexpr std::uint32_t most = 65535;
-    declaration.bound =
-        declaration.form == Form::list || declaration.form == Form::string || declaration.form == Form::bytes ? most
-                                                                                                              : 0;
+    const bool isVariable = declaration.form == Form::variableArray || declaration.form == Form::string ||
+                            declaration.form == Form::variableOpaque;
+    declaration.bound = isVariable ? mostElements : 0;
     if (!declaration.written) return;
     value(*declaration.written);
     if (declaration.written->known) {
         declaration.bound =
-            static_cast<std::uint32_t>(std::clamp<std::int64_t>(declaration.written->number, 0, most + 1));
+            static_cast<std::uint32_t>(std::clamp<std::int64_t>(declaration.written->number, 0, mostElements + 1));
     }
 }
 
@@ -374,13 +375,13 @@ void Resolver::declaration(Declaration& declaration)
 {
     switch (declaration.form) {
     case Form::single:
-    case Form::vector:
-    case Form::list:
+    case Form::fixedArray:
+    case Form::variableArray:
     case Form::optional: type(declaration.type); break;
     case Form::string:
-    case Form::bytes:
-    case Form::opaque:
-    case Form::nothing: break;
+    case Form::variableOpaque:
+    case Form::fixedOpaque:
+    case Form::none: break;
     }
     bound(declaration);
 }
@@ -388,8 +389,8 @@ void Resolver::declaration(Declaration& declaration)
 void Resolver::definition(Definition& definition)
 {
     for (Declaration& field : definition.fields) declaration(field);
-    if (definition.kind == Kind::definedAs) declaration(definition.target);
-    if (definition.kind == Kind::discriminated) {
+    if (definition.kind == DefinitionKind::typeDefinition) declaration(definition.target);
+    if (definition.kind == DefinitionKind::discriminatedUnion) {
         declaration(definition.discriminant);
         for (Arm& arm : definition.arms) declaration(arm.declaration);
         if (definition.defaultArm) declaration(definition.defaultArm->declaration);
@@ -401,11 +402,11 @@ void Resolver::run()
     collect();
     findVisible();
     settleNumbers();
-    for (module_ = 0; module_ < program_.modules.size() && !faults_.full(); ++module_) {
+    for (module_ = 0; module_ < program_.modules.size() && !errors_.full(); ++module_) {
         for (const auto& made : program_.modules[module_]->definitions) definition(*made);
     }
-    // Cases need the discriminants of the whole program, aliases and all.
-    for (module_ = 0; module_ < program_.modules.size() && !faults_.full(); ++module_) {
+    // Cases need the resolved discriminants of the whole program.
+    for (module_ = 0; module_ < program_.modules.size() && !errors_.full(); ++module_) {
         for (const auto& made : program_.modules[module_]->definitions) {
             for (Arm& arm : made->arms) {
                 for (Value& value : arm.cases) label(value, made->discriminant.type);
@@ -416,17 +417,17 @@ void Resolver::run()
 
 }  // namespace
 
-void resolve(Program& program, Diagnostics& faults)
+void resolve(Program& program, Diagnostics& errors)
 {
-    Resolver(program, faults).run();
+    Resolver(program, errors).run();
 }
 
 bool isAlias(const Definition& definition)
 {
-    return definition.kind == Kind::definedAs && definition.target.form == Form::single;
+    return definition.kind == DefinitionKind::typeDefinition && definition.target.form == Form::single;
 }
 
-const TypeRef& behindAliases(const TypeRef& type)
+const TypeRef& canonicalType(const TypeRef& type)
 {
     const TypeRef* at = &type;
     for (std::size_t links = 0; links <= deepestNesting; ++links) {

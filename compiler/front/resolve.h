@@ -8,19 +8,19 @@
 
 namespace quorva::compiler {
 
-// Fills `builtin`, `definition`, `number`, `owner` and `bound`. What cannot be bound is reported and left empty; a
-// bound that is no maximum or number of elements is left for check().
-void resolve(Program& program, Diagnostics& faults);
+// Sets `builtin` and `definition` of types, `number` and `owner` of values, and `bound` of declarations. A name that
+// cannot be bound is reported and stays empty. A bound out of range is left for check() to report.
+void resolve(Program& program, Diagnostics& errors);
 
-// The most types that may nest, each held by value in the next or spelled out in a typedef of the next. Compilers of
-// C++ stop at some 500 levels of templates and constant expressions.
+// The most types that may nest, each held by value in the next or the target of a typedef. C++ compilers stop at about
+// 500 levels of templates and constant expressions.
 constexpr std::size_t deepestNesting = 256;
 
-// Returns true if the definition only gives another name to a type.
+// True if the definition is a typedef that only gives a type another name.
 bool isAlias(const Definition& definition);
 
-// The type behind the aliases of `type`: a built-in type, or a definition that is no alias. An unresolved type, and one
-// behind more aliases than may nest, comes out as it is.
-const TypeRef& behindAliases(const TypeRef& type);
+// The type that `type` names once all aliases are resolved: a built-in type, or a definition that is not an alias.
+// Returns `type` itself if it is not resolved, and if it has more aliases than may nest.
+const TypeRef& canonicalType(const TypeRef& type);
 
 }  // namespace quorva::compiler

@@ -1,4 +1,4 @@
-// File access, the lookup below the -I folders, and the graph of imports.
+// File access, the search below the -I folders, and the graph of imports.
 #include "source.h"
 
 #include "cycles.h"
@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t largestFile = std::size_t{4} << 20U;  // bytes; also ends the reading of an endless device
+constexpr std::size_t largestFile = std::size_t{4} << 20U;  // bytes; also stops the reading of an endless device
 
 fs::path resolvedPath(const std::string& path)
 {
@@ -72,7 +72,7 @@ std::vector<std::string> SearchPath::neighbours(const std::string& module) const
     return modules;
 }
 
-std::string SearchPath::described() const
+std::string SearchPath::describe() const
 {
     std::string list;
     for (const std::string& folder : folders_) list += (list.empty() ? "" : ", ") + inQuotes(folder);
@@ -99,16 +99,18 @@ std::optional<std::string> readFile(const std::string& path, std::string& text)
 
 namespace {
 
+// Modules are numbered in the order in which they are found.
 class Reader {
 public:
-    Reader(const SearchPath& folders, Diagnostics& faults, std::vector<std::string>& unreadable)
-        : folders_(folders), faults_(faults), unreadable_(unreadable)
+    Reader(const SearchPath& folders, Diagnostics& errors, std::vector<std::string>& unreadable)
+        : folders_(folders), errors_(errors), unreadable_(unreadable)
     {
     }
 
     Program read(const std::vector<std::string>& files);
 
 private:
+    // The module in the file, which is read unless it is known; `none` if it is unreadable.
     std::size_t load(const std::string& path, const std::string& name);
     void followImports(std::size_t at);
     void order(Program& program);
@@ -116,12 +118,12 @@ private:
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
     const SearchPath& folders_;
-    Diagnostics& faults_;
+    Diagnostics& errors_;
     std::vector<std::string>& unreadable_;
     std::vector<std::unique_ptr<Module>> modules_;
-    std::vector<std::vector<std::size_t>> imports_;        // of the module with the same index
-    std::vector<std::vector<const Import*>> importsAt_;    // and where it names them
-    std::unordered_map<std::string, std::size_t> byFile_;  // resolved path; `none` where it is unreadable
+    std::vector<std::vector<std::size_t>> imports_;             // indices of modules, by importing module
+    std::vector<std::vector<const Import*>> importStatements_;  // of imports_
+    std::unordered_map<std::string, std::size_t> byFile_;       // resolved path; `none` if it is unreadable
     std::unordered_map<std::string, std::size_t> byName_;
 };
 
@@ -144,17 +146,17 @@ std::size_t Reader::load(const std::string& path, const std::string& name)
     byFile_.emplace(file, at);
     const auto [same, fresh] = byName_.emplace(name, at);
     if (!fresh) {
-        faults_.error({&module->source, 1, 1, 1},
+        errors_.error({&module->source, 1, 1, 1},
                       "this file is module " + inQuotes(name) + ", as " +
                           inQuotes(modules_[same->second]->source.path) +
                           " is; a module's name is its path below the -I folder, and no two may have the same");
-        module->incomplete = true;  // and unread: it would repeat every name
+        module->incomplete = true;  // not parsed, as it would repeat every name
     } else {
-        parse(*module, faults_);
+        parse(*module, errors_);
     }
     modules_.push_back(std::move(module));
     imports_.emplace_back();
-    importsAt_.emplace_back();
+    importStatements_.emplace_back();
     return at;
 }
 
@@ -165,8 +167,8 @@ void Reader::followImports(std::size_t at)
         const auto path = folders_.find(import.name);
         if (!path) {
             const std::vector<std::string> near = folders_.neighbours(import.name);
-            faults_.error(import.at, "module " + inQuotes(import.name) + " is not found: there is no " +
-                                         inQuotes(import.name + ".x") + " below " + folders_.described() +
+            errors_.error(import.at, "module " + inQuotes(import.name) + " is not found: there is no " +
+                                         inQuotes(import.name + ".x") + " below " + folders_.describe() +
                                          suggestion(import.name, {near.begin(), near.end()}));
             module.incomplete = true;
             continue;
@@ -178,20 +180,20 @@ void Reader::followImports(std::size_t at)
         }
         import.module = modules_[imported].get();
         imports_[at].push_back(imported);
-        importsAt_[at].push_back(&import);
+        importStatements_[at].push_back(&import);
     }
 }
 
 void Reader::order(Program& program)
 {
-    const auto onCircle = [&](const std::vector<Step>& path, std::size_t first) {
+    const auto onCycle = [&](const std::vector<PathNode>& path, std::size_t first) {
         std::vector<std::string_view> names;
         for (std::size_t i = first; i < path.size(); ++i) names.emplace_back(modules_[path[i].node]->source.module);
-        faults_.error(
-            importsAt_[path[first].node][path[first].edge]->at,
-            "imports form a circle: " + circle(names) + "; move what both sides need into a module of its own");
+        errors_.error(
+            importStatements_[path[first].node][path[first].edge]->at,
+            "imports form a circle: " + cyclePath(names) + "; move what both sides need into a module of its own");
     };
-    const std::vector<std::size_t> sorted = walk(imports_, onCircle);
+    const std::vector<std::size_t> sorted = depthFirst(imports_, onCycle);
     for (const std::size_t at : sorted) program.modules.push_back(std::move(modules_[at]));
 }
 
@@ -209,10 +211,10 @@ Program Reader::read(const std::vector<std::string>& files)
 
 }  // namespace
 
-Program readProgram(const std::vector<std::string>& files, const SearchPath& folders, Diagnostics& faults,
+Program readProgram(const std::vector<std::string>& files, const SearchPath& folders, Diagnostics& errors,
                     std::vector<std::string>& unreadable)
 {
-    return Reader(folders, faults, unreadable).read(files);
+    return Reader(folders, errors, unreadable).read(files);
 }
 
 }  // namespace quorva::compiler

@@ -1,4 +1,4 @@
-// Answers the back ends' questions about the tree.
+// The queries, and the sorting of definitions.
 #include "structure.h"
 
 #include "resolve.h"
@@ -13,11 +13,11 @@ namespace {
 
 bool isByValue(Form form)
 {
-    return form == Form::single || form == Form::vector;
+    return form == Form::single || form == Form::fixedArray;
 }
 
-// Finds groups of definitions that refer to each other, and the order among the groups (Tarjan's algorithm, with a
-// stack of its own instead of recursion).
+// Finds the groups of definitions that refer to each other, and orders the groups: Tarjan's algorithm for strongly
+// connected components, with an explicit stack instead of recursion.
 class Order {
 public:
     explicit Order(const std::vector<const Definition*>& definitions);
@@ -27,20 +27,20 @@ public:
 private:
     static constexpr std::size_t unseen = std::numeric_limits<std::size_t>::max();
 
-    struct Use {
+    struct Edge {
         std::size_t node;
         bool byValue;
     };
     struct Node {
         const Definition* definition = nullptr;
-        std::vector<Use> uses;
+        std::vector<Edge> edges;
         std::size_t number = unseen;
         std::size_t lowest = unseen;
-        bool isClosed = false;  // its group is known
+        bool isGrouped = false;
     };
-    struct Step {
+    struct Frame {
         std::size_t node;
-        std::size_t nextUse;
+        std::size_t nextEdge;
     };
 
     void visit(std::size_t start);
@@ -53,11 +53,11 @@ private:
     void print(std::size_t node);
 
     std::vector<Node> nodes_;
-    std::vector<Step> path_;
-    std::vector<std::size_t> open_;  // entered, group not known yet
+    std::vector<Frame> path_;
+    std::vector<std::size_t> open_;  // entered and not grouped yet
     std::size_t numbered_ = 0;
     std::vector<bool> completed_;
-    std::vector<bool> named_;
+    std::vector<bool> namedNumbers_;
     std::vector<bool> printed_;
     std::vector<const Definition*> order_;
 };
@@ -65,16 +65,16 @@ private:
 Order::Order(const std::vector<const Definition*>& definitions)
     : nodes_(definitions.size()),
       completed_(definitions.size()),
-      named_(definitions.size()),
+      namedNumbers_(definitions.size()),
       printed_(definitions.size())
 {
-    std::unordered_map<const Definition*, std::size_t> places;
-    for (std::size_t at = 0; at < definitions.size(); ++at) places[definitions[at]] = at;
+    std::unordered_map<const Definition*, std::size_t> nodeOf;
+    for (std::size_t at = 0; at < definitions.size(); ++at) nodeOf[definitions[at]] = at;
     for (std::size_t at = 0; at < definitions.size(); ++at) {
         nodes_[at].definition = definitions[at];
         for (const Declaration* declaration : declarationsOf(*definitions[at]))
-            if (const auto used = places.find(declaration->type.definition); used != places.end())
-                nodes_[at].uses.push_back({used->second, isByValue(declaration->form)});
+            if (const auto used = nodeOf.find(declaration->type.definition); used != nodeOf.end())
+                nodes_[at].edges.push_back({used->second, isByValue(declaration->form)});
     }
 }
 
@@ -90,14 +90,14 @@ void Order::visit(std::size_t start)
     enter(start);
     while (!path_.empty()) {
         const std::size_t node = path_.back().node;
-        if (path_.back().nextUse == nodes_[node].uses.size()) {
+        if (path_.back().nextEdge == nodes_[node].edges.size()) {
             leave(node);
             continue;
         }
-        const std::size_t used = nodes_[node].uses[path_.back().nextUse++].node;
+        const std::size_t used = nodes_[node].edges[path_.back().nextEdge++].node;
         if (nodes_[used].number == unseen)
             enter(used);
-        else if (!nodes_[used].isClosed)
+        else if (!nodes_[used].isGrouped)
             nodes_[node].lowest = std::min(nodes_[node].lowest, nodes_[used].number);
     }
 }
@@ -124,18 +124,19 @@ void Order::closeGroup(std::size_t node)
     const auto first = std::find(open_.begin(), open_.end(), node);
     std::vector<std::size_t> group(first, open_.end());
     open_.erase(first, open_.end());
-    for (const std::size_t member : group) nodes_[member].isClosed = true;
+    for (const std::size_t member : group) nodes_[member].isGrouped = true;
 
     std::sort(group.begin(), group.end());
     for (const std::size_t member : group) complete(member);
 }
 
-// What the definition holds by value stands before it, and so do the typedefs that it names. Other groups are out.
+// Prints the definition after what it holds by value and after the typedefs that it names. What it uses of other groups
+// is printed already.
 void Order::complete(std::size_t node)
 {
     if (completed_[node]) return;
     completed_[node] = true;
-    for (const auto& [used, byValue] : nodes_[node].uses) {
+    for (const auto& [used, byValue] : nodes_[node].edges) {
         if (byValue)
             complete(used);
         else
@@ -144,14 +145,15 @@ void Order::complete(std::size_t node)
     print(node);
 }
 
-// A typedef has to be printed before its name can be used, which needs no more than the names in it; structs, unions
-// and sequences can be declared ahead.
+// Prints a typedef before its name is used; the typedef itself needs only the names in it. Types that can be
+// forward-declared need not be printed.
 void Order::name(std::size_t node)
 {
     const Definition& definition = *nodes_[node].definition;
-    if (definition.kind != Kind::definedAs || canBeForward(definition) || named_[node]) return;
-    named_[node] = true;
-    for (const auto& [used, byValue] : nodes_[node].uses) name(used);
+    if (definition.kind != DefinitionKind::typeDefinition || canBeForwardDeclared(definition) || namedNumbers_[node])
+        return;
+    namedNumbers_[node] = true;
+    for (const auto& [used, byValue] : nodes_[node].edges) name(used);
     print(node);
 }
 
@@ -164,27 +166,28 @@ void Order::print(std::size_t node)
 
 }  // namespace
 
-bool isCounted(const Definition& definition)
+bool isCountedStruct(const Definition& definition)
 {
-    return definition.kind == Kind::definedAs &&
-           (definition.target.form == Form::list || definition.target.form == Form::bytes);
+    return definition.kind == DefinitionKind::typeDefinition &&
+           (definition.target.form == Form::variableArray || definition.target.form == Form::variableOpaque);
 }
 
-bool isOwnType(const Definition& definition)
+bool isDistinctType(const Definition& definition)
 {
-    return definition.kind == Kind::enumeration || canBeForward(definition);
+    return definition.kind == DefinitionKind::enumeration || canBeForwardDeclared(definition);
 }
 
-bool canBeForward(const Definition& definition)
+bool canBeForwardDeclared(const Definition& definition)
 {
-    return definition.kind == Kind::record || definition.kind == Kind::discriminated || isCounted(definition);
+    return definition.kind == DefinitionKind::structure || definition.kind == DefinitionKind::discriminatedUnion ||
+           isCountedStruct(definition);
 }
 
 std::vector<const Definition*> typesOf(const Module& module)
 {
     std::vector<const Definition*> out;
     for (const auto& definition : module.definitions)
-        if (definition->kind != Kind::constant) out.push_back(definition.get());
+        if (definition->kind != DefinitionKind::constant) out.push_back(definition.get());
     return out;
 }
 
@@ -192,7 +195,7 @@ std::vector<const Definition*> constantsOf(const Module& module)
 {
     std::vector<const Definition*> out;
     for (const auto& definition : module.definitions)
-        if (definition->kind == Kind::constant) out.push_back(definition.get());
+        if (definition->kind == DefinitionKind::constant) out.push_back(definition.get());
     return out;
 }
 
@@ -221,37 +224,37 @@ std::vector<const Declaration*> declarationsOf(const Definition& definition)
 {
     std::vector<const Declaration*> out;
     switch (definition.kind) {
-    case Kind::constant:
-    case Kind::enumeration: break;
-    case Kind::record:
+    case DefinitionKind::constant:
+    case DefinitionKind::enumeration: break;
+    case DefinitionKind::structure:
         for (const Declaration& field : definition.fields) out.push_back(&field);
         break;
-    case Kind::discriminated:
+    case DefinitionKind::discriminatedUnion:
         out.push_back(&definition.discriminant);
         for (const Arm& arm : definition.arms) out.push_back(&arm.declaration);
         break;
-    case Kind::definedAs: out.push_back(&definition.target); break;
+    case DefinitionKind::typeDefinition: out.push_back(&definition.target); break;
     }
     return out;
 }
 
-Discriminant discriminantOf(const Definition& discriminated)
+Discriminant discriminantOf(const Definition& discriminatedUnion)
 {
-    const TypeRef& type = behindAliases(discriminated.discriminant.type);
+    const TypeRef& type = canonicalType(discriminatedUnion.discriminant.type);
     return {type.builtin, type.definition};
 }
 
-std::vector<ArmMember> armMembersOf(const Definition& discriminated)
+std::vector<ArmMember> armMembersOf(const Definition& discriminatedUnion)
 {
     std::vector<ArmMember> out;
-    std::unordered_map<std::string, std::size_t> places;
-    for (const Arm& arm : discriminated.arms) {
+    std::unordered_map<std::string, std::size_t> indexOf;
+    for (const Arm& arm : discriminatedUnion.arms) {
         const Declaration& declaration = arm.declaration;
-        if (declaration.form == Form::nothing) continue;
+        if (declaration.form == Form::none) continue;
 
-        const auto [place, isNew] = places.emplace(declaration.name, out.size());
-        if (isNew) out.push_back({&declaration, {}, ""});  // otherwise it has the same type, which was checked
-        ArmMember& member = out[place->second];
+        const auto [entry, isNew] = indexOf.emplace(declaration.name, out.size());
+        if (isNew) out.push_back({&declaration, {}, ""});  // else check() made sure that the types are the same
+        ArmMember& member = out[entry->second];
         for (const Value& value : arm.cases) member.cases.push_back(&value);
         const std::string doc = docOf(declaration);
         if (member.doc.empty())
@@ -262,17 +265,17 @@ std::vector<ArmMember> armMembersOf(const Definition& discriminated)
     return out;
 }
 
-std::vector<ArmMember> voidArmsOf(const Definition& discriminated)
+std::vector<ArmMember> voidArmsOf(const Definition& discriminatedUnion)
 {
     ArmMember undocumented;
     std::vector<ArmMember> documented;
-    for (const Arm& arm : discriminated.arms) {
-        if (arm.declaration.form != Form::nothing) continue;
+    for (const Arm& arm : discriminatedUnion.arms) {
+        if (arm.declaration.form != Form::none) continue;
         const std::string doc = docOf(arm.declaration);
-        ArmMember& place = doc.empty() ? undocumented : documented.emplace_back();
-        place.declaration = &arm.declaration;
-        place.doc = doc;
-        for (const Value& value : arm.cases) place.cases.push_back(&value);
+        ArmMember& member = doc.empty() ? undocumented : documented.emplace_back();
+        member.declaration = &arm.declaration;
+        member.doc = doc;
+        for (const Value& value : arm.cases) member.cases.push_back(&value);
     }
     if (undocumented.declaration) documented.push_back(undocumented);
     return documented;

@@ -1,59 +1,57 @@
-// What plan and printers ask of the tree: which declarations a definition consists of, and in which order definitions
-// can be printed.
+// Queries of the tree for plan, emitters and comparison: what a definition declares, and in which order definitions can
+// be printed.
 #pragma once
 
 #include "model.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace quorva::compiler {
 
-// A typedef of a list or of counted bytes: a structure of its own, while every other typedef is another name of a type.
-bool isCounted(const Definition& definition);
+// True if the definition is a typedef of a variable-length array or variable-length opaque. C++ declares it as a struct
+// of count and elements; every other typedef is another name of a type.
+bool isCountedStruct(const Definition& definition);
 
-// Whether the definition is a C++ type of its own: everything but constants and other names for a type.
-bool isOwnType(const Definition& definition);
+// True if the definition is a distinct C++ type, and neither a constant nor another name of a type.
+bool isDistinctType(const Definition& definition);
 
-// Whether a pointer to the type can be declared ahead of the type's definition.
-bool canBeForward(const Definition& definition);
+// True if C++ can declare the type before its definition, so that pointers to it can precede it.
+bool canBeForwardDeclared(const Definition& definition);
 
-// The definitions of the module without its constants, in the order of the file.
+// The definitions of the module without its constants, or its constants alone, in the order of the file.
 std::vector<const Definition*> typesOf(const Module& module);
 std::vector<const Definition*> constantsOf(const Module& module);
 
-// The documentation of a definition, a field or an arm, with its provisional mark.
+// The documentation of a definition, a field or an arm, followed by "Provisional: ..." if it is provisional.
 std::string docOf(const Definition& definition);
 std::string docOf(const Declaration& declaration);
 
-// Everything that the definition declares: fields, or discriminant and arms, or the target of a typedef.
+// What the definition declares: the fields, or the discriminant and the arms without the default arm, or the target of
+// a typedef; nothing for constants and enumerations.
 std::vector<const Declaration*> declarationsOf(const Definition& definition);
 
-// What a union's discriminant is behind all aliases: a built-in type, or the enumeration.
+// The canonical type of a union's discriminant: a built-in type, or else the enumeration.
 struct Discriminant {
     Builtin builtin = Builtin::none;
     const Definition* enumeration = nullptr;
 };
-Discriminant discriminantOf(const Definition& discriminated);
+Discriminant discriminantOf(const Definition& discriminatedUnion);
 
-// An arm with data as memory and headers know it: one member, selected by the cases of every arm that declares it.
+// One member of the C++ union. Arms with the same name and type share it, so several cases may select it.
 struct ArmMember {
-    const Declaration* declaration = nullptr;  // the first of them
-    std::vector<const Value*> cases;
-    std::string doc;
+    const Declaration* declaration = nullptr;  // of the first such arm
+    std::vector<const Value*> cases;           // of all such arms
+    std::string doc;                           // of all such arms
 };
-std::vector<ArmMember> armMembersOf(const Definition& discriminated);
+std::vector<ArmMember> armMembersOf(const Definition& discriminatedUnion);
 
-// The arms that carry nothing, without the default arm, in the same shape: those without documentation are one.
-std::vector<ArmMember> voidArmsOf(const Definition& discriminated);
+// The void arms without the default arm: each documented arm by itself, then the others as one.
+std::vector<ArmMember> voidArmsOf(const Definition& discriminatedUnion);
 
-// The definitions in an order in which each stands behind those that it uses, as near to the given order as that
-// allows. In a circle of types that refer to each other, a type stands behind those that it holds by value and behind
-// the typedefs that it names; what else it names has to be declared ahead of it.
+// The definitions in an order in which each follows those that it uses, as near to the given order as that allows. In a
+// cycle of types, a type follows those that it holds by value and the typedefs that it names; the other types that it
+// names have to be forward-declared.
 std::vector<const Definition*> declarationOrder(const std::vector<const Definition*>& definitions);
 
 }  // namespace quorva::compiler

@@ -1,11 +1,11 @@
-// The names that the headers of C, C++ and POSIX take for themselves.
+// The names that the headers of C, C++ and POSIX define.
 #pragma once
 
 #include <string_view>
 
 namespace quorva::compiler {
 
-// Lists of names, with blanks and line ends between them: the macros, and what the headers declare outside namespaces.
+// Lists of names, separated by blanks and line ends: the macros, and the declarations outside namespaces.
 extern const std::string_view systemMacros;
 extern const std::string_view systemGlobals;
 

@@ -1,4 +1,4 @@
-// Plans the plain functions of each type.
+// Derives the plan of each type from the plans of the types that it contains.
 #include "plan.h"
 
 #include "front/resolve.h"
@@ -11,12 +11,12 @@ namespace quorva::compiler {
 namespace {
 
 constexpr std::uint64_t unit = 4;           // bytes
-constexpr std::uint64_t mostBytes = 65535;  // of a message; a type that always takes more is never one run
+constexpr std::uint64_t mostBytes = 65535;  // of a message; a larger type cannot be one run
 constexpr std::size_t mostInlineRuns = 3;
 constexpr std::uint64_t mostInlineBytes = 16 * unit;
 
-// What a loop over elements can code one by one, each with its own way to fail.
-bool isLoopable(const Part& element)
+// True if a generated loop can code the elements one by one.
+bool isLoopable(const ValuePlan& element)
 {
     switch (element.coding) {
     case Coding::function:
@@ -30,7 +30,8 @@ bool isLoopable(const Part& element)
 
 bool hasFunctions(const Definition& definition)
 {
-    return definition.kind == Kind::record || definition.kind == Kind::discriminated || isCounted(definition);
+    return definition.kind == DefinitionKind::structure || definition.kind == DefinitionKind::discriminatedUnion ||
+           isCountedStruct(definition);
 }
 
 Plans::Plans(const Module& module)
@@ -52,35 +53,36 @@ void Plans::add(const Module& module, const Module& user, std::unordered_set<con
 TypePlan Plans::of(const Definition& definition)
 {
     if (const auto known = plans_.find(&definition); known != plans_.end()) return known->second;
-    const TypePlan plan = definition.kind == Kind::record
+    const TypePlan plan = definition.kind == DefinitionKind::structure
                               ? structure(definition)
-                              : TypePlan{.hasFunctions = true, .owns = true, .isInline = isCounted(definition)};
+                              : TypePlan{.hasFunctions = true, .owns = true, .isInline = isCountedStruct(definition)};
     plans_.emplace(&definition, plan);
     return plan;
 }
 
-// Types are planned in an order in which each follows what it refers to. What a pointer leads to and has no plan yet
-// refers back, so its size varies and it owns memory.
-Part Plans::pointedTo(const TypeRef& type)
+// Types are planned after the types that they refer to. A pointee without a plan therefore refers back to the type that
+// is being planned, so its size varies and it owns memory.
+ValuePlan Plans::pointee(const TypeRef& type)
 {
-    const TypeRef& named = behindAliases(type);
+    const TypeRef& named = canonicalType(type);
     if (named.definition && hasFunctions(*named.definition) && !isForeign(*named.definition) &&
         !plans_.contains(named.definition))
         return {.coding = Coding::function, .type = named.definition, .owns = true};
-    return part(type);
+    return valuePlan(type);
 }
 
-Part Plans::part(const TypeRef& type)
+ValuePlan Plans::valuePlan(const TypeRef& type)
 {
     if (!type.definition) {
         const bool isFloat = type.builtin == Builtin::Float;
-        const bool isWord = type.builtin == Builtin::LongInteger || type.builtin == Builtin::LongNatural ||
-                            type.builtin == Builtin::UINT;
-        return {.coding = Coding::number, .size = unit, .owns = isFloat, .isWord = isWord, .isFloat = isFloat};
+        const bool fillsUnit = type.builtin == Builtin::LongInteger || type.builtin == Builtin::LongNatural ||
+                               type.builtin == Builtin::UINT;
+        return {.coding = Coding::number, .size = unit, .owns = isFloat, .fillsUnit = fillsUnit, .isFloat = isFloat};
     }
     const Definition& definition = *type.definition;
-    if (definition.kind == Kind::enumeration) return {.coding = Coding::number, .size = unit, .isWord = true};
-    if (!hasFunctions(definition)) return part(definition.target);
+    if (definition.kind == DefinitionKind::enumeration)
+        return {.coding = Coding::number, .size = unit, .fillsUnit = true};
+    if (!hasFunctions(definition)) return valuePlan(definition.target);
     if (isForeign(definition)) return {.coding = Coding::foreign, .type = &definition, .owns = true};
     const TypePlan plan = of(definition);
     return {.coding = plan.size != 0 ? Coding::fixedStruct : Coding::function,
@@ -89,38 +91,38 @@ Part Plans::part(const TypeRef& type)
             .owns = plan.owns};
 }
 
-Part Plans::array(Part element, std::uint32_t count) const
+ValuePlan Plans::array(ValuePlan element, std::uint32_t count) const
 {
     if (!isLoopable(element)) return {.coding = Coding::interpreted, .owns = true};
-    Part all = {.coding = Coding::fixedArray, .size = element.size * count, .owns = element.owns, .bound = count};
+    ValuePlan all = {.coding = Coding::fixedArray, .size = element.size * count, .owns = element.owns, .bound = count};
     if (all.size > mostBytes) return {.coding = Coding::interpreted, .owns = true};
     all.element.push_back(std::move(element));
     return all;
 }
 
-Part Plans::part(const Declaration& declaration)
+ValuePlan Plans::valuePlan(const Declaration& declaration)
 {
     const std::uint32_t bound = declaration.bound;
     switch (declaration.form) {
-    case Form::single: return part(declaration.type);
-    case Form::vector: return array(part(declaration.type), bound);
-    case Form::opaque: {
+    case Form::single: return valuePlan(declaration.type);
+    case Form::fixedArray: return array(valuePlan(declaration.type), bound);
+    case Form::fixedOpaque: {
         const std::uint64_t size = (std::uint64_t{bound} + 3) / unit * unit;
         if (size > mostBytes) return {.coding = Coding::interpreted};
         return {.coding = Coding::fixedOpaque, .size = size, .bound = bound};
     }
     case Form::string: return {.coding = Coding::string, .owns = true, .bound = bound};
-    case Form::bytes: return {.coding = Coding::variableOpaque, .owns = true, .bound = bound};
-    case Form::list:
+    case Form::variableOpaque: return {.coding = Coding::variableOpaque, .owns = true, .bound = bound};
+    case Form::variableArray:
     case Form::optional: {
-        Part element = pointedTo(declaration.type);
+        ValuePlan element = pointee(declaration.type);
         if (!isLoopable(element)) return {.coding = Coding::interpreted, .owns = true};
-        const Coding coding = declaration.form == Form::list ? Coding::variableArray : Coding::optional;
-        Part all = {.coding = coding, .owns = true, .bound = bound};
+        const Coding coding = declaration.form == Form::variableArray ? Coding::variableArray : Coding::optional;
+        ValuePlan all = {.coding = coding, .owns = true, .bound = bound};
         all.element.push_back(std::move(element));
         return all;
     }
-    case Form::nothing: break;
+    case Form::none: break;
     }
     return {};
 }
@@ -130,7 +132,7 @@ TypePlan Plans::structure(const Definition& definition)
     TypePlan plan = {.hasFunctions = true};
     bool varies = false;
     for (const Declaration& field : definition.fields) {
-        const Part each = part(field);
+        const ValuePlan each = valuePlan(field);
         plan.size += each.size;
         plan.owns = plan.owns || each.owns;
         varies = varies || each.size == 0;
@@ -144,7 +146,7 @@ std::vector<Run> Plans::runsOf(const Definition& structure)
 {
     std::vector<Run> runs;
     for (std::size_t at = 0; at < structure.fields.size(); ++at) {
-        const std::uint64_t size = part(structure.fields[at]).size;
+        const std::uint64_t size = valuePlan(structure.fields[at]).size;
         const bool joins = size != 0 && !runs.empty() && runs.back().size != 0 && runs.back().size + size <= mostBytes;
         if (joins) {
             ++runs.back().count;

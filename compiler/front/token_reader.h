@@ -1,0 +1,86 @@
+// Reads the tokens of one interface file in order, reports what is unexpected, and skips to where parsing can continue.
+#pragma once
+
+#include "lexer.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quorva::compiler {
+
+// The current position in the tokens of a module. Every error is reported once; text that is skipped is noted in
+// `Module::skipped`. The module and the list of errors must outlive the reader.
+class TokenReader {
+public:
+    // Lexes the module's source.
+    TokenReader(Module& module, Diagnostics& errors) : module_(module), errors_(errors), file_(lex(module, errors)) {}
+
+    const LexResult& file() const { return file_; }
+    std::size_t position() const { return position_; }
+
+    // The current token, or one further on. After the last token comes `end`, again and again.
+    const Token& token(std::size_t ahead = 0) const;
+    const Token& previous() const { return file_.tokens[position_ - 1]; }
+
+    // True if the current token is the word.
+    bool at(std::string_view word) const { return token().is(word); }
+    bool atEnd() const { return token().kind == TokenKind::end; }
+    bool startsLine() const { return position_ == 0 || token().at.line > previous().at.line; }
+
+    // True if the current tokens can only begin a definition: no declaration begins with them.
+    bool startsDefinition() const;
+
+    void advance() { ++position_; }
+
+    // Advances past the word if it is the current token; else returns false.
+    bool accept(std::string_view word);
+
+    // Advances past the symbol, which belongs `where` ("behind the value"), or reports that it is missing. Returns true
+    // if parsing can go on: a missing ';' or '}' at the end of a line counts as read.
+    bool expect(std::string_view symbol, const std::string& where);
+
+    // Advances past the name of `what` and sets `name` and `at`, or reports that there is no name and returns false.
+    bool expectName(const std::string& what, std::string& name, Span& at);
+
+    // Returns true unless the body that opened at `opened` ends here: at its '}', at the end of the file, or at a new
+    // definition, which means that the '}' is missing and is reported so.
+    bool continuesBody(const Span& opened, const std::string& what);
+
+    void report(const Span& at, std::string sentence, std::optional<Note> note = std::nullopt);
+
+    // Reports the current token where `wanted` should be, unless the lexer reported it.
+    void reportUnexpected(const std::string& wanted);
+
+    // True if an error was reported since clearErrors(), or markErrors() was called.
+    bool hasErrors() const { return hasErrors_; }
+    void clearErrors() { hasErrors_ = false; }
+    void markErrors() { hasErrors_ = true; }
+
+    // Skips the current token.
+    void skip();
+
+    // Skips from a '{' to after its '}'.
+    void skipBraces();
+
+    // Skips to after the next ';' or separator, or to before the '}' that ends the body.
+    void skipInBody(std::string_view separator);
+
+    // Skips the rest of a definition that began at the token `start`.
+    void skipToDefinition(std::size_t start);
+
+protected:
+    Module& module_;
+    Diagnostics& errors_;
+
+private:
+    std::string found() const;
+    bool startsDefinitionOnNewLine() const { return startsDefinition() && token().at.column == 1; }
+
+    LexResult file_;
+    std::size_t position_ = 0;
+    bool hasErrors_ = false;
+};
+
+}  // namespace quorva::compiler
