@@ -64,7 +64,7 @@ std::string lowerCase(std::string_view text)
 std::size_t editDistance(std::string_view from, std::string_view to)
 {
     const std::size_t width = to.size() + 1;
-    std::vector<std::size_t> rows(3 * width);  // of the matrix of distances between prefixes, the last three
+    std::vector<std::size_t> rows(3 * width);  // the last three rows of the matrix of distances between prefixes
     std::size_t* beforeAbove = rows.data();
     std::size_t* above = beforeAbove + width;
     std::size_t* row = above + width;

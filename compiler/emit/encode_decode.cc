@@ -47,8 +47,7 @@ void codeFields(FunctionBody& out, const std::string& verb, Plans& plans, const 
     }
 }
 
-// Emits what the bodies of encode() and decode() have in common. In a body, `at` points to the next byte of the
-// message.
+// Emits what the bodies of encode() and decode() share. In a body, `at` points to the next byte of the message.
 class CodingEmitter {
 public:
     // `stream` is the parameter of the function, `function` encode or decode, and `verb` put or get.

@@ -58,40 +58,31 @@ std::string function(const std::string& comment, bool isInline, const std::strin
     return comment + specialisation(isInline, head) + "{\n" + body + "}\n";
 }
 
-class FunctionEmitter {
-public:
-    explicit FunctionEmitter(Plans& plans) : plans_(plans) {}
-
-    // The plain functions of a type, with a comment above the first.
-    std::string of(const Definition& definition, const std::string& comment)
-    {
-        const TypePlan plan = plans_.of(definition);
-        std::string out;
-        if (plan.size != 0) {
-            out = function(comment, plan.isInline, putHead(definition), putBody(plans_, definition)) + "\n" +
-                  function("", plan.isInline, getHead(definition), getBody(plans_, definition));
-        } else {
-            out = function(comment, plan.isInline, encodeHead(definition), encodeBody(plans_, definition)) + "\n" +
-                  function("", plan.isInline, decodeHead(definition), decodeBody(plans_, definition));
-        }
-        if (!plan.owns) return out;
-        const std::string body = releaseBody(plans_, definition);
-        return out + "\n" + function("", plan.isInline, releaseHead(definition, body), body);
+// The plain functions of a type, with a comment above the first.
+std::string definitions(const Definition& definition, const std::string& comment, Plans& plans)
+{
+    const TypePlan plan = plans.of(definition);
+    std::string out;
+    if (plan.size != 0) {
+        out = function(comment, plan.isInline, putHead(definition), putBody(plans, definition)) + "\n" +
+              function("", plan.isInline, getHead(definition), getBody(plans, definition));
+    } else {
+        out = function(comment, plan.isInline, encodeHead(definition), encodeBody(plans, definition)) + "\n" +
+              function("", plan.isInline, decodeHead(definition), decodeBody(plans, definition));
     }
+    if (!plan.owns) return out;
+    const std::string body = releaseBody(plans, definition);
+    return out + "\n" + function("", plan.isInline, releaseHead(definition, body), body);
+}
 
-    // Their declarations.
-    std::string declared(const Definition& definition)
-    {
-        const TypePlan plan = plans_.of(definition);
-        const auto declare = [&](const std::string& head) { return specialisation(plan.isInline, head, ";"); };
-        return (plan.size != 0 ? declare(putHead(definition)) + declare(getHead(definition))
-                               : declare(encodeHead(definition)) + declare(decodeHead(definition))) +
-               (plan.owns ? declare(releaseHead(definition, "(xdrs, value)")) : "");
-    }
-
-private:
-    Plans& plans_;
-};
+std::string declarations(const Definition& definition, Plans& plans)
+{
+    const TypePlan plan = plans.of(definition);
+    const auto declare = [&](const std::string& head) { return specialisation(plan.isInline, head, ";"); };
+    return (plan.size != 0 ? declare(putHead(definition)) + declare(getHead(definition))
+                           : declare(encodeHead(definition)) + declare(decodeHead(definition))) +
+           (plan.owns ? declare(releaseHead(definition, "(xdrs, value)")) : "");
+}
 
 // A comment: the first line of the documentation, and the line of the definition.
 std::string heading(const Definition& definition, const Module& module)
@@ -135,7 +126,6 @@ std::string routine(const Definition& definition, Plans& plans)
 std::string emitUnit(const Module& module)
 {
     Plans plans(module);
-    FunctionEmitter functions(plans);
     std::vector<std::string> parts = {generatedBanner(module) + "#include <" + privateHeader(module.source.module) +
                                       ">\n"};
     std::string routines;
@@ -143,7 +133,7 @@ std::string emitUnit(const Module& module)
         if (definition->kind == DefinitionKind::enumeration)
             parts.push_back(heading(*definition, module) + nameFunction(*definition));
         if (hasFunctions(*definition) && !plans.of(*definition).isInline)
-            parts.push_back(functions.of(*definition, heading(*definition, module)));
+            parts.push_back(definitions(*definition, heading(*definition, module), plans));
         routines += routine(*definition, plans);
     }
     parts.push_back(routines.empty() ? "" : "// The coding routines.\n" + routines);
@@ -153,7 +143,6 @@ std::string emitUnit(const Module& module)
 std::string emitPrivateHeader(const Module& module)
 {
     Plans plans(module);
-    FunctionEmitter functions(plans);
     std::string includes = "#include <" + publicHeader(module.source.module) + ">\n";
     for (const Import& import : module.imports) {
         const bool isForeign = import.module && !import.module->requested;
@@ -163,8 +152,9 @@ std::string emitPrivateHeader(const Module& module)
     std::vector<std::string> inlined;
     for (const Definition* definition : declarationOrder(typesOf(module))) {
         if (!hasFunctions(*definition)) continue;
-        declared += functions.declared(*definition);
-        if (plans.of(*definition).isInline) inlined.push_back(functions.of(*definition, heading(*definition, module)));
+        declared += declarations(*definition, plans);
+        if (plans.of(*definition).isInline)
+            inlined.push_back(definitions(*definition, heading(*definition, module), plans));
     }
     for (const Definition* definition : typesOf(module))
         descriptions += "extern const ::quorva::Type " + definition->name + ";\n";

@@ -1,4 +1,4 @@
-// Prints the public header of a module.
+// Emits the public header of a module.
 #include "emit.h"
 #include "front/structure.h"
 #include "names.h"

@@ -1,4 +1,4 @@
-// The tables, and the wire format and C++ type of declarations.
+// Lookup tables, matching by name and by content, and comparison of declared types.
 #include "matching.h"
 
 #include "front/structure.h"
@@ -19,7 +19,7 @@ struct ResolvedType {
     const TypeRef* type = nullptr;  // of the value or the elements
     std::uint32_t bound = 0;
     const Definition* counted = nullptr;  // the typedef, if C++ declares a counted struct for it
-    bool provisional = false;             // one of the typedefs is
+    bool provisional = false;             // one of the typedefs is provisional
 };
 
 ResolvedType resolvedTypeOf(const Declaration& declaration)

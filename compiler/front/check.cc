@@ -187,7 +187,7 @@ void Checker::caseValue(const Definition& definition, const Value& value)
     }
 }
 
-// True also if the enumeration may have the number: an enumerator's own could not be resolved, which was reported.
+// True if an enumerator has the number, or may have it because its own number could not be resolved.
 bool Checker::hasNumber(const Definition& enumeration, std::int64_t number)
 {
     const auto [entry, isNew] = numbers_.try_emplace(&enumeration);

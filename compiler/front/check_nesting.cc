@@ -23,7 +23,7 @@ struct Cycle {
     bool throughOptional = false;
 };
 
-// The definitions of a program as nodes, with an edge to each definition that they contain in some sense.
+// The definitions of a program as nodes, with an edge to each definition that they contain. IsEdge defines "contain".
 class TypeGraph {
 public:
     // True if the definition contains the type of the declaration, which is one of its members.
@@ -92,7 +92,8 @@ bool isHeldByValue(const Definition&, const Declaration& declaration)
     return declaration.form == Form::single || declaration.form == Form::fixedArray;
 }
 
-// C++ spells out the target of a typedef of typedefs, pointers included.
+// C++ compilers expand a typedef whose target is a typedef, pointers included, so such typedefs nest like types held by
+// value.
 bool isSpelledOut(const Definition& definition, const Declaration& declaration)
 {
     return definition.kind == DefinitionKind::typeDefinition &&

@@ -1,4 +1,4 @@
-// The scanner: one run over the text, without recursion.
+// Reads the text once, without recursion.
 #include "lexer.h"
 
 #include <algorithm>
@@ -117,7 +117,7 @@ void Lexer::blockComment()
     const std::size_t close = text_.find("*/", from + 2);
     if (close == std::string_view::npos) {
         errors_.error(at, "this comment never ends: '*/' is missing");
-        module_.incomplete = true;  // the comment swallowed the rest of the file
+        module_.incomplete = true;  // the rest of the file became part of the comment
         at_ = text_.size();
         return;
     }

@@ -1,4 +1,4 @@
-// One function for each habit, over the resolved tree; for the width of lines, over the text.
+// One function for each rule. All read the resolved tree, but width() reads the text.
 #include "lint.h"
 
 #include "layout.h"

@@ -1,4 +1,4 @@
-// The queries, and the sorting of definitions.
+// Implements the queries, and sorts definitions by their uses.
 #include "structure.h"
 
 #include "resolve.h"
@@ -50,7 +50,7 @@ private:
 
     void complete(std::size_t node);
     void name(std::size_t node);
-    void print(std::size_t node);
+    void append(std::size_t node);
 
     std::vector<Node> nodes_;
     std::vector<Frame> path_;
@@ -58,7 +58,7 @@ private:
     std::size_t numbered_ = 0;
     std::vector<bool> completed_;
     std::vector<bool> namedNumbers_;
-    std::vector<bool> printed_;
+    std::vector<bool> appended_;
     std::vector<const Definition*> order_;
 };
 
@@ -66,7 +66,7 @@ Order::Order(const std::vector<const Definition*>& definitions)
     : nodes_(definitions.size()),
       completed_(definitions.size()),
       namedNumbers_(definitions.size()),
-      printed_(definitions.size())
+      appended_(definitions.size())
 {
     std::unordered_map<const Definition*, std::size_t> nodeOf;
     for (std::size_t at = 0; at < definitions.size(); ++at) nodeOf[definitions[at]] = at;
@@ -130,8 +130,8 @@ void Order::closeGroup(std::size_t node)
     for (const std::size_t member : group) complete(member);
 }
 
-// Prints the definition after what it holds by value and after the typedefs that it names. What it uses of other groups
-// is printed already.
+// Appends the definition after what it holds by value and after the typedefs that it names. What it uses of other
+// groups is in the order already.
 void Order::complete(std::size_t node)
 {
     if (completed_[node]) return;
@@ -142,11 +142,11 @@ void Order::complete(std::size_t node)
         else
             name(used);
     }
-    print(node);
+    append(node);
 }
 
-// Prints a typedef before its name is used; the typedef itself needs only the names in it. Types that can be
-// forward-declared need not be printed.
+// Appends a typedef before its name is used; the typedef itself needs only the names in it. Types that can be
+// forward-declared need not precede their use.
 void Order::name(std::size_t node)
 {
     const Definition& definition = *nodes_[node].definition;
@@ -154,13 +154,13 @@ void Order::name(std::size_t node)
         return;
     namedNumbers_[node] = true;
     for (const auto& [used, byValue] : nodes_[node].edges) name(used);
-    print(node);
+    append(node);
 }
 
-void Order::print(std::size_t node)
+void Order::append(std::size_t node)
 {
-    if (printed_[node]) return;
-    printed_[node] = true;
+    if (appended_[node]) return;
+    appended_[node] = true;
     order_.push_back(nodes_[node].definition);
 }
 
