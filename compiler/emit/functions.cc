@@ -160,7 +160,7 @@ std::string emitPrivateHeader(const Module& module)
         descriptions += "extern const ::quorva::Type " + definition->name + ";\n";
     std::vector<std::string> parts = {
         generatedBanner(module) +
-            "// What the units of one library need of each other; no part of its interface.\n#pragma once\n",
+            "// Shared by the generated source files of one library; not part of its interface.\n#pragma once\n",
         includes + "\n#include <quorvaruntime/plain.h>\n\n#include <cstddef>\n#include <cstdint>\n#include <span>\n",
         descriptions.empty() ? "" : "namespace quorva::types {\n" + descriptions + "}  // namespace quorva::types\n",
         declared};

@@ -110,7 +110,7 @@ std::string structure(const Definition& definition)
 void addVoidArms(std::vector<BodyLine>& lines, const Definition& definition, std::size_t indent)
 {
     const auto add = [&](const std::string& cases, const std::string& doc) {
-        addRemark(lines, cases + ": nothing" + (doc.empty() ? "" : "; " + doc), indent);
+        addRemark(lines, cases + ": void" + (doc.empty() ? "" : "; " + doc), indent);
     };
     for (const ArmMember& arm : voidArmsOf(definition)) add(casesOf(arm.cases), arm.doc);
     if (definition.defaultArm) add("any other value", docOf(definition.defaultArm->declaration));
@@ -206,7 +206,7 @@ std::string nameFunctions(const Module& module)
         if (definition->kind == DefinitionKind::enumeration)
             out += "const char* " + definition->name + "String(int value);\n";
     if (out.empty()) return "";
-    return "// The name of the enumerator that has the value, else \"Error_in_Function\".\n" + out;
+    return "// Each returns the name of the enumerator with the value, or \"Error_in_Function\".\n" + out;
 }
 
 std::string routines(const Module& module)
@@ -215,7 +215,7 @@ std::string routines(const Module& module)
     for (const Definition* definition : typesOf(module))
         out += "int Xdr" + definition->name + "(Xdr* xdrs, void* object);\n";
     if (out.empty()) return "";
-    return "extern \"C\" {\n\n// The coding routines, each over one object of its type.\n" + out +
+    return "extern \"C\" {\n\n// The coding routines. Each runs one pass over an object of its type.\n" + out +
            "\n}  // extern \"C\"\n";
 }
 

@@ -35,8 +35,8 @@ inline std::string description(const Definition& definition)
 // The comment at the start of every generated file.
 inline std::string generatedBanner(const Module& module)
 {
-    return lineComment("Made from " + module.source.module +
-                       ".x by quorvaxdrc. Change the interface file, not this one.");
+    return lineComment("Generated from " + module.source.module +
+                       ".x by quorvaxdrc. Edit the interface file, not this one.");
 }
 
 }  // namespace quorva::compiler
