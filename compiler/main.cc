@@ -1,6 +1,7 @@
 // quorvaxdrc: the command line of the interface compiler.
 #include "emit/emit.h"
 #include "evolve/compare.h"
+#include "evolve/fingerprint.h"
 #include "evolve/flatten.h"
 #include "front/check.h"
 #include "front/diagnostics.h"
@@ -43,6 +44,7 @@ constexpr std::string_view usage =
        quorvaxdrc check [-I DIR]... FILE.x...
        quorvaxdrc lint [-I DIR]... FILE.x...
        quorvaxdrc flatten [-I DIR]... FILE.x...
+       quorvaxdrc fingerprint [-I DIR]... FILE.x...
        quorvaxdrc compare [-I DIR]... OLD NEW
 
 Compiles interface files: XDR (RFC 4506) with imports and the names of the API's own widths.
@@ -52,6 +54,8 @@ Compiles interface files: XDR (RFC 4506) with imports and the names of the API's
   check      report faults and write nothing
   lint       report faults and bad habits
   flatten    print one interface file without documentation, imports included, to compare with later
+  fingerprint
+             print a line for each settled type, which changes when the type does
   compare    tell what a change of an interface breaks
 
   --help     this text; behind a command, that command's options
@@ -114,6 +118,13 @@ constexpr std::string_view flattenUsage =
 Prints the definitions of every FILE and of all that they import as one interface file without documentation.
 )";
 
+constexpr std::string_view fingerprintUsage =
+    R"(usage: quorvaxdrc fingerprint [option]... FILE.x...
+
+Prints for each settled type in every FILE and in all that they import its name and three hashes: of its bytes on the
+wire, of its definition as callers see it, and of its text in the trace.
+)";
+
 constexpr std::string_view compareUsage =
     R"(usage: quorvaxdrc compare [option]... OLD NEW
 
@@ -127,7 +138,7 @@ struct UsageError {
     std::string sentence;
 };
 
-enum class Verb { generate, plain, check, lint, flatten, compare };
+enum class Verb { generate, plain, check, lint, flatten, fingerprint, compare };
 
 struct Arguments {
     Verb verb = Verb::check;
@@ -160,12 +171,13 @@ constexpr std::array<Option, 7> options = {{
     {"--help", std::nullopt, nullptr, &Arguments::help},
 }};
 
-constexpr std::array<std::pair<std::string_view, Verb>, 6> verbs = {{
+constexpr std::array<std::pair<std::string_view, Verb>, 7> verbs = {{
     {"generate", Verb::generate},
     {"plain", Verb::plain},
     {"check", Verb::check},
     {"lint", Verb::lint},
     {"flatten", Verb::flatten},
+    {"fingerprint", Verb::fingerprint},
     {"compare", Verb::compare},
 }};
 
@@ -290,6 +302,7 @@ void printHelp(Verb verb)
     case Verb::check: std::cout << checkUsage << searching; break;
     case Verb::lint: std::cout << lintUsage << searching; break;
     case Verb::flatten: std::cout << flattenUsage << searching; break;
+    case Verb::fingerprint: std::cout << fingerprintUsage << searching; break;
     case Verb::compare: std::cout << compareUsage << searching; break;
     }
 }
@@ -479,6 +492,7 @@ int run(const Arguments& arguments)
     case Verb::plain: std::cout << emitPlain(*program, {arguments.prefix}); break;
     case Verb::lint: return lint(*program);
     case Verb::flatten: std::cout << flatten(*program); break;
+    case Verb::fingerprint: std::cout << fingerprint(*program); break;
     case Verb::check:
     case Verb::compare: break;
     }
