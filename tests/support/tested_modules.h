@@ -8,7 +8,7 @@
 #include <vector>
 
 namespace quorva {
-// Those of `every_form`: the teaching module, what it imports, and the corner cases beside it.
+// Those of `every_form`: the teaching module, what it imports, the station that it belongs to, and the corner cases.
 std::span<const Module* const> teachingModules();
 }  // namespace quorva
 
@@ -21,7 +21,8 @@ inline const std::vector<const Module*>& testedModules()
         inspect::addModules(teachingModules());
         std::vector<const Module*> all(modules().begin(), modules().end());
         std::ranges::copy_if(teachingModules(), std::back_inserter(all), [](const Module* module) {
-            return std::string_view(module->name) == "colours" || std::string_view(module->name) == "locker";
+            const std::string_view name = module->name;
+            return name == "colours" || name == "locker" || name == "station";
         });
         return all;
     }();
