@@ -1,28 +1,32 @@
-// Encodes a record, decodes it into another and releases that: the whole way of a message through the drivers.
+// Encodes a struct, decodes the message, and shows the message and its trace.
 
-#include <quorvapixdr/drivers.h>
+#include <quorvapixdr/codec.h>
 #include <quorvapixdr/types/common/event.h>
 
-#include <Xdr.h>
-
+#include <cstddef>
 #include <cstdio>
+#include <iostream>
+
+namespace {
+
+void printHex(const quorva::Bytes& message)
+{
+    for (std::size_t i = 0; i < message.size(); ++i)
+        std::printf("%02x%s", message[i], i % 16 == 15 || i + 1 == message.size() ? "\n" : " ");
+}
+
+}  // namespace
 
 int main()
 {
     char host[] = "fleet.example";
     NotifyBinding binding = {host, 0x20000321, 1, 7};
 
-    unsigned char buffer[1024];
-    const unsigned length = ClientsXdrSupport(XdrNotifyBinding, &binding, buffer);
-    for (unsigned i = 0; i < length; ++i)
-        std::printf("%02x%s", buffer[i], i % 16 == 15 || i + 1 == length ? "\n" : " ");
+    const quorva::Bytes message = quorva::encode(binding);
+    printHex(message);
 
-    NotifyBinding received = {};
     TraceText trace;
-    {
-        ScopedTrace collecting(trace);
-        ClientsXdrDeserialize(XdrNotifyBinding, &received, buffer);
-    }
-    std::puts(std::string(trace.text()).c_str());
-    XdrDeallocate(XdrNotifyBinding, &received, buffer);
+    const ScopedTrace collecting(trace);  // from here on, each pass of this thread writes to it
+    const auto received = quorva::decode<NotifyBinding>(message);  // releases its contents at the end of the scope
+    std::cout << trace.text() << '\n' << received->hostName << '\n';
 }

@@ -1,4 +1,4 @@
-// The same message through the C++ layer: release by the owner, failures as exceptions that say where.
+// Refuses a message that was cut off: the exception tells in which element and at which byte.
 
 #include <quorvapixdr/codec.h>
 #include <quorvapixdr/types/common/event.h>
