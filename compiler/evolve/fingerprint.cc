@@ -1,5 +1,5 @@
-// Hashes every definition again and again, each time with the previous hashes of the types that it names. Each round
-// takes in one more level of nesting, so cycles of types need no special care.
+// Hashes all definitions in rounds. Each round uses the previous hashes of the types that a definition names, so it
+// adds one level of nesting, and types that contain each other need no special care.
 #include "fingerprint.h"
 
 #include "front/structure.h"
@@ -21,7 +21,7 @@ enum class View { wire, source, trace };
 
 constexpr std::array<View, 3> views = {View::wire, View::source, View::trace};
 
-// A change more levels below a type than this shows in the lines of nearer types only.
+// The number of rounds. A change that is nested deeper shows only in the lines of the types that are nearer to it.
 constexpr int levels = 32;
 
 // FNV-1a of 64 bits.
@@ -48,7 +48,7 @@ private:
     std::uint64_t value_ = 0xCBF29CE484222325U;
 };
 
-// The values that one unit of the type holds.
+// What one unit of the type holds on the wire.
 std::string_view unitText(Builtin builtin)
 {
     switch (builtin) {
@@ -62,6 +62,21 @@ std::string_view unitText(Builtin builtin)
     case Builtin::UINT: return "32 bits";
     case Builtin::Float: return "float";
     case Builtin::none: break;
+    }
+    return "";
+}
+
+std::string_view formText(Form form)
+{
+    switch (form) {
+    case Form::single:
+    case Form::none: break;
+    case Form::fixedArray: return "[]";
+    case Form::variableArray: return "<>";
+    case Form::optional: return "*";
+    case Form::string: return "string";
+    case Form::variableOpaque: return "opaque<>";
+    case Form::fixedOpaque: return "opaque[]";
     }
     return "";
 }
@@ -105,7 +120,7 @@ std::uint64_t Fingerprints::ofType(View view, const TypeRef& type, const Hashes&
     const Definition* definition = type.definition;
     if (!definition) return Hash().add(view == View::wire ? unitText(type.builtin) : type.name).value();
     if (definition->provisional) return Hash().add("provisional").value();
-    if (view == View::source && isOwnType(*definition)) return Hash().add(definition->name).value();
+    if (view == View::source && isDistinctType(*definition)) return Hash().add(definition->name).value();
     return previous.at(definition);
 }
 
@@ -114,10 +129,10 @@ std::uint64_t Fingerprints::ofDeclaration(View view, const Declaration& declarat
     if (declaration.provisional) return Hash().add("provisional").value();
     if (declaration.form == Form::single) return ofType(view, declaration.type, previous);
     Hash hash;
-    hash.add(number(static_cast<int>(declaration.form)));
+    hash.add(formText(declaration.form));
     if (view != View::trace) hash.add(declaration.bound);
-    const bool hasElements =
-        declaration.form == Form::vector || declaration.form == Form::list || declaration.form == Form::optional;
+    const bool hasElements = declaration.form == Form::fixedArray || declaration.form == Form::variableArray ||
+                             declaration.form == Form::optional;
     if (hasElements) hash.add(ofType(view, declaration.type, previous));
     return hash.value();
 }
@@ -168,12 +183,14 @@ void Fingerprints::addArms(Hash& hash, View view, const Definition& discriminate
 
 std::uint64_t Fingerprints::ofDefinition(View view, const Definition& definition, const Hashes& previous)
 {
-    if (definition.kind == Kind::definedAs) return ofDeclaration(view, definition.target, previous);
     Hash hash;
-    hash.add(number(static_cast<int>(definition.kind)));
-    if (definition.kind == Kind::enumeration) addEnumerators(hash, view, definition);
-    if (definition.kind == Kind::record) addFields(hash, view, definition, previous);
-    if (definition.kind == Kind::discriminated) addArms(hash, view, definition, previous);
+    switch (definition.kind) {
+    case DefinitionKind::constant: break;
+    case DefinitionKind::typeDefinition: return ofDeclaration(view, definition.target, previous);
+    case DefinitionKind::enumeration: addEnumerators(hash.add("enum"), view, definition); break;
+    case DefinitionKind::structure: addFields(hash.add("struct"), view, definition, previous); break;
+    case DefinitionKind::discriminatedUnion: addArms(hash.add("union"), view, definition, previous); break;
+    }
     return hash.value();
 }
 

@@ -1,4 +1,5 @@
-// A line for each settled type that changes when the type does, to guard an interface without a copy of it.
+// Prints a line for each settled type. The line changes when the type does, so the lines guard an interface without a
+// copy of it.
 #pragma once
 
 #include "front/model.h"
@@ -8,7 +9,7 @@
 namespace quorva::compiler {
 
 // A line for each settled type of the program, ordered by name: the name and three hashes of 16 hexadecimal digits,
-// parted by spaces.
+// separated by spaces.
 //
 //   wire    the layout of the bytes: forms, bounds, widths, the numbers of enumerators and arms
 //   source  what C++ callers name: the members, and the types of the members by name
