@@ -5,7 +5,7 @@
 #   run_diagnostics.sh QUORVAXDRC          status 1 when anything differs
 #   run_diagnostics.sh QUORVAXDRC update   writes what the compiler says now under the snippets
 #
-# A file of cases, all of which `quorvaxdrc lint` reads in lint.cases and `quorvaxdrc check` elsewhere:
+# The snippets in lint.cases are for `quorvaxdrc lint`, all others for `quorvaxdrc check`. A file of cases consists of
 #
 #   ---- NAME              begins a case, with the file NAME.x
 #   ---- NAME escapes      the same, with the escapes of printf's %b: \0NNN for a byte, \c where the file ends
@@ -120,9 +120,9 @@ expect_of 100 'only 100 are shown' "print \"enum E { a = 0 }; enum F { b = 0\";
 expect_of 100 'only 100 are shown' 'for (i = 0; i < 101; ++i) print "@"'
 expect_of 100 'only 100 are shown' 'for (i = 0; i < 101; ++i) printf "struct T%d { Panel panel; };\n", i'
 
-# The pieces of messages are the literals of three words and more; lists of reserved names are none.
+# Every string literal of three words or more in compiler/front is part of a message, except lists of reserved names.
 cat "$folder"/*/all command_line.txt >"$folder/all_said"
-find ../../compiler/front -name '*.cc' ! -name system_names.cc -exec grep -hv '^ *//' {} + |
+find ../../compiler/front -name '*.cc' ! -name system_names.cc -exec grep -hvE '^ *(//|#)' {} + |
     grep -oE '"([^"\\]|\\.)+"' | sed 's/^"//; s/"$//; s/\\n$//' | grep -E '[A-Za-z]+\W+[A-Za-z]+\W+[A-Za-z]' |
     grep -vE '^(and and_eq|PPC i386) |\\x' | sort -u >"$folder/pieces"
 [ "$(wc -l <"$folder/pieces")" -gt 100 ] || fail "the messages in compiler/front are not found"
