@@ -35,11 +35,15 @@ private:
 
     void moduleName(const Module& module);
     void definition(const Definition& definition);
+    // Enters a name into the global scope, or reports that it is taken. claimDerived() is for generated functions,
+    // whose names may be reserved, too.
     void claim(const std::string& name, const Owner& owner);
     void claimDerived(const std::string& name, const Owner& owner);
     void enumerators(const Definition& definition);
     void fields(const Definition& definition);
     void arms(const Definition& definition);
+
+    // True if C++ does not reserve the name; otherwise that is reported.
     bool isFree(const std::string& name, const Span& at, NameScope scope);
     static std::string describeOwner(const Owner& owner);
 

@@ -84,10 +84,15 @@ private:
         std::size_t module = 0;
     };
 
+    // Tables over all modules
     void collect();
     void findVisible();
+
+    // Constants and enumerators
     void settleNumbers();
     void settle(NamedNumber& start);
+
+    // The current module
     void definition(Definition& definition);
     void declaration(Declaration& declaration);
     void type(TypeRef& type);
@@ -96,6 +101,8 @@ private:
     void value(Value& value);
     void label(Value& value, const TypeRef& discriminant);
     bool predeclared(Value& value) const;
+
+    // Lookups of names that the current module sees; null if there is none.
     NamedNumber* findNumber(const std::string& name);
     NamedNumber* findEnumerator(const Definition& enumeration, const std::string& name);
     NamedNumber* findOrReport(const Value& value);

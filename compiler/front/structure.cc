@@ -27,6 +27,7 @@ public:
 private:
     static constexpr std::size_t unseen = std::numeric_limits<std::size_t>::max();
 
+    // A use of another definition.
     struct Edge {
         std::size_t node;
         bool byValue;
@@ -34,20 +35,23 @@ private:
     struct Node {
         const Definition* definition = nullptr;
         std::vector<Edge> edges;
-        std::size_t number = unseen;
-        std::size_t lowest = unseen;
+        std::size_t number = unseen;  // in the order of visits
+        std::size_t lowest = unseen;  // number of the first node on the path that this one leads back to
         bool isGrouped = false;
     };
+    // A node on the path of the search.
     struct Frame {
         std::size_t node;
         std::size_t nextEdge;
     };
 
+    // The search for groups
     void visit(std::size_t start);
     void enter(std::size_t node);
     void leave(std::size_t node);
     void closeGroup(std::size_t node);
 
+    // The order within a group
     void complete(std::size_t node);
     void name(std::size_t node);
     void append(std::size_t node);
@@ -57,7 +61,7 @@ private:
     std::vector<std::size_t> open_;  // entered and not grouped yet
     std::size_t numbered_ = 0;
     std::vector<bool> completed_;
-    std::vector<bool> namedNumbers_;
+    std::vector<bool> named_;
     std::vector<bool> appended_;
     std::vector<const Definition*> order_;
 };
@@ -65,7 +69,7 @@ private:
 Order::Order(const std::vector<const Definition*>& definitions)
     : nodes_(definitions.size()),
       completed_(definitions.size()),
-      namedNumbers_(definitions.size()),
+      named_(definitions.size()),
       appended_(definitions.size())
 {
     std::unordered_map<const Definition*, std::size_t> nodeOf;
@@ -150,9 +154,8 @@ void Order::complete(std::size_t node)
 void Order::name(std::size_t node)
 {
     const Definition& definition = *nodes_[node].definition;
-    if (definition.kind != DefinitionKind::typeDefinition || canBeForwardDeclared(definition) || namedNumbers_[node])
-        return;
-    namedNumbers_[node] = true;
+    if (definition.kind != DefinitionKind::typeDefinition || canBeForwardDeclared(definition) || named_[node]) return;
+    named_[node] = true;
     for (const auto& [used, byValue] : nodes_[node].edges) name(used);
     append(node);
 }

@@ -20,7 +20,7 @@ public:
     const LexResult& file() const { return file_; }
     std::size_t position() const { return position_; }
 
-    // The current token, or one further on. After the last token comes `end`, again and again.
+    // The current token, or one further on. Beyond the last token all are `end`.
     const Token& token(std::size_t ahead = 0) const;
     const Token& previous() const { return file_.tokens[position_ - 1]; }
 
@@ -37,15 +37,15 @@ public:
     // Advances past the word if it is the current token; else returns false.
     bool accept(std::string_view word);
 
-    // Advances past the symbol, which belongs `where` ("behind the value"), or reports that it is missing. Returns true
-    // if parsing can go on: a missing ';' or '}' at the end of a line counts as read.
+    // Advances past the symbol, or reports that it is missing; `where` completes the sentence. Returns true if parsing
+    // can go on: a missing ';' or '}' at the end of a line counts as read.
     bool expect(std::string_view symbol, const std::string& where);
 
     // Advances past the name of `what` and sets `name` and `at`, or reports that there is no name and returns false.
     bool expectName(const std::string& what, std::string& name, Span& at);
 
-    // Returns true unless the body that opened at `opened` ends here: at its '}', at the end of the file, or at a new
-    // definition, which means that the '}' is missing and is reported so.
+    // True if the body that began at `opened` has more members. It ends at its '}'. At the end of the file, and at a
+    // new definition, the '}' is reported as missing. Also false once the list of errors is full.
     bool continuesBody(const Span& opened, const std::string& what);
 
     void report(const Span& at, std::string sentence, std::optional<Note> note = std::nullopt);
