@@ -82,16 +82,10 @@ public:
             for (const Value& value : definition.arms[arm].cases)
                 cases.emplace_back(static_cast<std::uint32_t>(value.number), arm + 1);
         std::ranges::sort(cases);
-        std::string rows, line;
-        for (const auto& [value, member] : cases) {
-            const std::string next = "{" + std::to_string(value) + "U, " + std::to_string(member) + "},";
-            if (indentWidth + line.size() + next.size() > lineWidth) {
-                rows += std::string(indentWidth, ' ') + line + "\n";
-                line.clear();
-            }
-            line += (line.empty() ? "" : " ") + next;
-        }
-        return line.empty() ? rows : rows + std::string(indentWidth, ' ') + line + "\n";
+        std::vector<std::string> rows;
+        for (const auto& [value, member] : cases)
+            rows.push_back("{" + std::to_string(value) + "U, " + std::to_string(member) + "},");
+        return filledLines(rows, indentWidth);
     }
 
     // The description itself.
@@ -174,11 +168,8 @@ std::string provisional(const std::optional<std::string>& reason)
 // The rows of the enumerators, in ascending order of value.
 std::string enumeratorRows(const Definition& definition)
 {
-    std::vector<const Enumerator*> byValue;
-    for (const Enumerator& enumerator : definition.enumerators) byValue.push_back(&enumerator);
-    std::ranges::sort(byValue, {}, [](const Enumerator* each) { return each->value.number; });
     std::string rows;
-    for (const Enumerator* each : byValue)
+    for (const Enumerator* each : enumeratorsByValue(definition))
         rows +=
             "    {" + literal(each->name) + ", " + std::to_string(each->value.number) + ", " + text(each->doc) + "},\n";
     return rows;

@@ -8,8 +8,6 @@
 #include "plan/plan.h"
 #include "text.h"
 
-#include <algorithm>
-
 namespace quorva::compiler {
 
 namespace {
@@ -97,11 +95,8 @@ std::string heading(const Definition& definition, const Module& module)
 // The function that returns the name of an enumerator.
 std::string nameFunction(const Definition& definition)
 {
-    std::vector<const Enumerator*> ascending;
-    for (const Enumerator& each : definition.enumerators) ascending.push_back(&each);
-    std::ranges::sort(ascending, {}, [](const Enumerator* each) { return each->value.number; });
     std::string out = "const char* " + definition.name + "String(int value)\n{\n    switch (value) {\n";
-    for (const Enumerator* each : ascending)
+    for (const Enumerator* each : enumeratorsByValue(definition))
         out += "    case " + std::to_string(each->value.number) + ": return " + literal(each->name) + ";\n";
     return out + "    }\n    return \"Error_in_Function\";\n}\n";
 }

@@ -135,25 +135,14 @@ private:
         for (const Arm& arm : definition.arms)
             if (arm.declaration.form == Form::none)
                 for (const Value& value : arm.cases) unowned.push_back(&value);
-        if (!unowned.empty()) out.add(wrappedCases(unowned) + std::string(2 * indentWidth, ' ') + "return true;\n");
+        if (!unowned.empty()) {
+            std::vector<std::string> labels;
+            for (const Value* value : unowned) labels.push_back("case " + number(*value) + ":");
+            out.add(filledLines(labels, indentWidth) + std::string(2 * indentWidth, ' ') + "return true;\n");
+        }
         if (definition.defaultArm) out.label("default: return true;");
         out.close();
         if (!definition.defaultArm) out.line("return false;");
-    }
-
-    // The labels of arms that own nothing, several on a line.
-    static std::string wrappedCases(const std::vector<const Value*>& cases)
-    {
-        std::string out, line;
-        for (const Value* value : cases) {
-            const std::string next = "case " + number(*value) + ":";
-            if (indentWidth + line.size() + 1 + next.size() > lineWidth) {
-                out += std::string(indentWidth, ' ') + line + "\n";
-                line.clear();
-            }
-            line += (line.empty() ? "" : " ") + next;
-        }
-        return out + std::string(indentWidth, ' ') + line + "\n";
     }
 
     Plans& plans_;

@@ -199,6 +199,19 @@ std::string joined(const std::vector<std::string>& items)
     return out;
 }
 
+std::string filledLines(const std::vector<std::string>& items, std::size_t indent)
+{
+    std::string out, line;
+    for (const std::string& item : items) {
+        if (!line.empty() && indent + line.size() + 1 + item.size() > lineWidth) {
+            out += blanks(indent) + line + "\n";
+            line.clear();
+        }
+        line += (line.empty() ? "" : " ") + item;
+    }
+    return line.empty() ? out : out + blanks(indent) + line + "\n";
+}
+
 std::string body(const std::vector<BodyLine>& lines, std::size_t indent)
 {
     std::vector<PlacedLine> all;

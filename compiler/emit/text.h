@@ -33,6 +33,10 @@ std::string argumentList(std::size_t indent, const std::string& head, const std:
 // The items, separated by ", ".
 std::string joined(const std::vector<std::string>& items);
 
+// The items, separated by blanks, as many on each line as fit; every line is indented by `indent` columns and ends with
+// a newline. Items must be ASCII.
+std::string filledLines(const std::vector<std::string>& items, std::size_t indent);
+
 // One line of a definition's body. Its comments follow the code if they fit on the line, else they precede it.
 struct BodyLine {
     std::string code;

@@ -119,18 +119,10 @@ Span InterfaceIndex::startOf(const std::string& module) const
 
 bool InterfaceIndex::reaches(const std::string& from, const std::string& to) const
 {
-    std::vector<const Module*> waiting;
     for (const auto& module : program_.modules) {
-        if (module->source.module == from) waiting.push_back(module.get());
-    }
-    std::unordered_set<const Module*> seen(waiting.begin(), waiting.end());
-    while (!waiting.empty()) {
-        const Module* next = waiting.back();
-        waiting.pop_back();
-        if (next->source.module == to) return true;
-        for (const Import& import : next->imports) {
-            if (seen.insert(import.module).second) waiting.push_back(import.module);
-        }
+        if (module->source.module != from) continue;
+        for (const Module* reached : importClosure(*module))
+            if (reached->source.module == to) return true;
     }
     return false;
 }

@@ -144,17 +144,10 @@ void Linter::imports(const Module& module)
     for (const Import& import : module.imports) found.insert(import.module);
 
     for (const Import& import : module.imports) {
-        std::unordered_set<const Module*> reached = {import.module};
-        std::vector<const Module*> waiting = {import.module};
-        bool wanted = defines(*import.module);
-        while (!waiting.empty() && !wanted) {
-            const Module* next = waiting.back();
-            waiting.pop_back();
-            wanted = !found.contains(next) && defines(*next);
-            for (const Import& further : next->imports) {
-                if (reached.insert(further.module).second) waiting.push_back(further.module);
-            }
-        }
+        const std::vector<const Module*> reached = importClosure(*import.module);
+        const bool wanted = std::any_of(reached.begin(), reached.end(), [&](const Module* each) {
+            return (each == import.module || !found.contains(each)) && defines(*each);
+        });
         if (!wanted) warn(import.at, "nothing of module " + inQuotes(import.name) + " is used here; remove the import");
     }
 }

@@ -1,6 +1,8 @@
 // Symbol tables over all modules of a run, and the lookups through them.
 #include "resolve.h"
 
+#include "structure.h"
+
 #include <algorithm>
 #include <array>
 #include <unordered_map>
@@ -145,18 +147,8 @@ void Resolver::findVisible()
     for (std::size_t at = 0; at < count; ++at) indexOf.emplace(program_.modules[at].get(), at);
 
     visible_.assign(count, std::vector<bool>(count, false));
-    for (std::size_t at = 0; at < count; ++at) {
-        std::vector<std::size_t> waiting = {at};
-        while (!waiting.empty()) {
-            const std::size_t next = waiting.back();
-            waiting.pop_back();
-            if (visible_[at][next]) continue;
-            visible_[at][next] = true;
-            for (const Import& import : program_.modules[next]->imports) {
-                if (import.module) waiting.push_back(indexOf.at(import.module));
-            }
-        }
-    }
+    for (std::size_t at = 0; at < count; ++at)
+        for (const Module* module : importClosure(*program_.modules[at])) visible_[at][indexOf.at(module)] = true;
 }
 
 // True if the name may be unknown only because of an error that was reported before.

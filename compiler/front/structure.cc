@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <limits>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace quorva::compiler {
 
@@ -199,6 +200,24 @@ std::vector<const Definition*> constantsOf(const Module& module)
     std::vector<const Definition*> out;
     for (const auto& definition : module.definitions)
         if (definition->kind == DefinitionKind::constant) out.push_back(definition.get());
+    return out;
+}
+
+std::vector<const Module*> importClosure(const Module& module)
+{
+    std::vector<const Module*> found = {&module};
+    std::unordered_set<const Module*> seen = {&module};
+    for (std::size_t next = 0; next < found.size(); ++next)
+        for (const Import& import : found[next]->imports)
+            if (import.module && seen.insert(import.module).second) found.push_back(import.module);
+    return found;
+}
+
+std::vector<const Enumerator*> enumeratorsByValue(const Definition& enumeration)
+{
+    std::vector<const Enumerator*> out;
+    for (const Enumerator& each : enumeration.enumerators) out.push_back(&each);
+    std::ranges::sort(out, {}, [](const Enumerator* each) { return each->value.number; });
     return out;
 }
 

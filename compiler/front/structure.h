@@ -23,6 +23,13 @@ bool canBeForwardDeclared(const Definition& definition);
 std::vector<const Definition*> typesOf(const Module& module);
 std::vector<const Definition*> constantsOf(const Module& module);
 
+// The module, and the modules that it imports, directly or through others, in no particular order. Imports that could
+// not be read are left out.
+std::vector<const Module*> importClosure(const Module& module);
+
+// The enumerators in ascending order of value.
+std::vector<const Enumerator*> enumeratorsByValue(const Definition& enumeration);
+
 // The documentation of a definition, a field or an arm, followed by "Provisional: ..." if it is provisional.
 std::string docOf(const Definition& definition);
 std::string docOf(const Declaration& declaration);
