@@ -1,4 +1,4 @@
-// The types of the library by name.
+// Finds, suggests and names types.
 
 #include "catalogue.h"
 
@@ -25,7 +25,7 @@ std::string lower(std::string_view text)
     return result;
 }
 
-// Goes back to the last `*` only: an earlier one could match no more than that one does.
+// Matches a whole name. A mismatch only makes the last `*` longer: a longer earlier one would not match more.
 bool matchesWhole(std::string_view pattern, std::string_view name)
 {
     std::size_t p = 0, n = 0;
@@ -45,19 +45,19 @@ bool matchesWhole(std::string_view pattern, std::string_view name)
     return pattern.find_first_not_of('*', p) == std::string_view::npos;
 }
 
-// Insertions, deletions, changes and swaps of neighbours that turn one word into the other.
+// The fewest letters to insert, delete, replace or swap with the next one that turn one word into the other.
 std::size_t distance(std::string_view from, std::string_view to)
 {
-    std::vector<std::size_t> twoAbove, above(to.size() + 1), row(to.size() + 1);
+    std::vector<std::size_t> rowBefore, above(to.size() + 1), row(to.size() + 1);
     std::iota(above.begin(), above.end(), std::size_t{0});
     for (std::size_t i = 1; i <= from.size(); ++i) {
         row[0] = i;
         for (std::size_t j = 1; j <= to.size(); ++j) {
             row[j] = std::min({above[j] + 1, row[j - 1] + 1, above[j - 1] + (from[i - 1] != to[j - 1])});
             if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1])
-                row[j] = std::min(row[j], twoAbove[j - 2] + 1);
+                row[j] = std::min(row[j], rowBefore[j - 2] + 1);
         }
-        twoAbove = std::exchange(above, row);
+        rowBefore = std::exchange(above, row);
     }
     return above.back();
 }
@@ -67,24 +67,30 @@ std::size_t distance(std::string_view from, std::string_view to)
 const char* kindName(const Type& type)
 {
     switch (type.kind) {
-    case TypeKind::builtin: return "builtin";
+    case TypeKind::builtin: return "built-in";
     case TypeKind::enumeration: return "enum";
-    case TypeKind::structure: return "record";
+    case TypeKind::structure: return "struct";
     case TypeKind::discriminatedUnion: return "union";
     case TypeKind::foreign: return "foreign";
     case TypeKind::typeDefinition: break;
     }
-    switch (targetOf(type).form) {
-    case Form::variableArray: return "sequence";
-    case Form::fixedArray: return "vector";
+    const Form form = targetOf(type).form;
+    return form == Form::single ? "typedef" : formName(form);
+}
+
+const char* formName(Form form)
+{
+    switch (form) {
+    case Form::single: return "single";
+    case Form::fixedArray: return "fixed-length-array";
+    case Form::variableArray: return "variable-length-array";
     case Form::optional: return "optional";
     case Form::string: return "string";
-    case Form::variableOpaque:
-    case Form::fixedOpaque: return "bytes";
-    case Form::single:
+    case Form::variableOpaque: return "variable-length-opaque";
+    case Form::fixedOpaque: return "fixed-length-opaque";
     case Form::none: break;
     }
-    return "alias";
+    return "void";
 }
 
 std::string declaration(const Use& use, std::string_view name)
@@ -121,9 +127,9 @@ std::string didYouMean(std::string_view word, std::span<const std::string_view> 
     std::vector<std::pair<std::size_t, std::string_view>> similar, containing;
     for (const std::string_view candidate : candidates) {
         const std::string name = lower(candidate);
-        const std::size_t slips = distance(wanted, name);
-        if (slips <= std::max<std::size_t>(1, std::min(wanted.size(), name.size()) / 3))
-            similar.emplace_back(slips, candidate);
+        const std::size_t edits = distance(wanted, name);
+        if (edits <= std::max<std::size_t>(1, std::min(wanted.size(), name.size()) / 3))
+            similar.emplace_back(edits, candidate);
         else if (wanted.size() >= 3 && name.find(wanted) != std::string::npos)
             containing.emplace_back(name.size(), candidate);
     }
@@ -170,7 +176,7 @@ std::vector<std::string> Catalogue::usersOf(const Type& type) const
                                                                    : std::string(user->name) + '.' + member.name);
         }
     std::ranges::sort(users);
-    users.erase(std::unique(users.begin(), users.end()), users.end());  // one arm may stand under several numbers
+    users.erase(std::unique(users.begin(), users.end()), users.end());  // arms of a union may share a name
     return users;
 }
 

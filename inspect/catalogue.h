@@ -1,4 +1,4 @@
-// The types of the library by name: finding, suggesting, and saying in words what one is.
+// The library's types by name: find one, suggest names for a wrong one, and name kinds, forms and declarations.
 #pragma once
 
 #include <quorvapixdr/description.h>
@@ -11,34 +11,54 @@
 
 namespace quorva::inspect {
 
-// What people call a kind of type: "enum", "record", "union", "builtin", and for typedefs by what they stand for
-// "alias", "sequence", "vector", "optional", "string" or "bytes"; "foreign" for a type of another library.
-inline constexpr const char* kindNames[] = {"builtin", "enum",     "record", "union", "alias",  "sequence",
-                                            "vector",  "optional", "string", "bytes", "foreign"};
+// Everything that `kindName` returns, in the order of the summary.
+inline constexpr const char* kindNames[] = {"built-in",
+                                            "enum",
+                                            "struct",
+                                            "union",
+                                            "typedef",
+                                            "variable-length-array",
+                                            "fixed-length-array",
+                                            "optional",
+                                            "string",
+                                            "fixed-length-opaque",
+                                            "variable-length-opaque",
+                                            "foreign"};
+
+// The kind of a type in the words of RFC 4506. A typedef is a "typedef" where it gives a type another name; any other
+// has the name of its form. "foreign" is a type of another library.
 const char* kindName(const Type& type);
 
-// A declaration as an interface file has it: "LockerId id", "ShortNatural code[10]", "string label<40>"; with an empty
-// name just the type: "ShortNatural[10]".
+// How a declaration holds its type: "single", "void", or one of the forms among `kindNames`.
+const char* formName(Form form);
+
+// The declaration as an interface file writes it: "LockerId id", "ShortNatural code[10]", "string label<40>". With an
+// empty name only the type: "ShortNatural[10]".
 std::string declaration(const Use& use, std::string_view name);
 
-// Whether a name fits a pattern: with `*` (any characters) or `?` (one) as a whole, otherwise anywhere within. Capitals
-// do not matter.
+// True if the name matches the pattern, whatever the case of the letters. A pattern with `*` (any characters) or `?`
+// (one character) matches the whole name; any other pattern matches each name that contains it.
 bool matches(std::string_view pattern, std::string_view name);
 
-// "; did you mean X, Y or Z?" with up to three candidates, best first: those that a slip of the finger or two
-// turns into the word, else those that contain it; empty if there are none.
+// "; did you mean X, Y or Z?" with up to three candidates, the best one first: those within a few edits of the word,
+// or else those that contain it. Empty if there are none.
 std::string didYouMean(std::string_view word, std::span<const std::string_view> candidates);
 
-// All types of the library, the built-in ones included, by name.
+// All types of the library, the built-in ones included.
 class Catalogue {
 public:
     Catalogue();
 
+    // Ordered by name.
     std::span<const Type* const> types() const { return ordered; }
-    const Type* find(std::string_view name) const;  // null if there is none
+
+    // The type with exactly this name, or null.
+    const Type* find(std::string_view name) const;
+
+    // The free function `didYouMean`, with the names of all types as candidates.
     std::string didYouMean(std::string_view name) const;
 
-    // Where the type is used: "JobAVP.value", "JobAVPSeq"; by name.
+    // The members and typedefs that use the type: "JobAVP.value", "JobAVPSeq"; ordered by name.
     std::vector<std::string> usersOf(const Type& type) const;
 
 private:

@@ -1,4 +1,4 @@
-// Numbers by chance, the same ones everywhere for the same seed.
+// Pseudo-random numbers: the same seed gives the same numbers on every platform.
 #pragma once
 
 #include <cstddef>
@@ -6,11 +6,12 @@
 
 namespace quorva::inspect {
 
-// Small and good enough (splitmix64).
+// The splitmix64 generator.
 class Chance {
 public:
     explicit Chance(std::uint64_t seed) : state(seed) {}
 
+    // The next number; all 64 bits are random.
     std::uint64_t next()
     {
         state += 0x9E3779B97F4A7C15u;
@@ -20,8 +21,10 @@ public:
         return z ^ (z >> 31);
     }
 
-    // From 0 up to, but not including, `bound`, which is not 0.
+    // A number from 0 to `bound` - 1. `bound` must not be 0.
     std::size_t below(std::size_t bound) { return static_cast<std::size_t>(next() % bound); }
+
+    // True with a probability of 1 / `n`. `n` must not be 0.
     bool oneIn(std::size_t n) { return below(n) == 0; }
 
 private:

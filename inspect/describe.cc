@@ -1,4 +1,4 @@
-// What the interface files say about types, as text and as JSON.
+// Prints descriptions of types.
 
 #include "describe.h"
 
@@ -13,12 +13,12 @@ namespace quorva::inspect {
 
 namespace {
 
-// Rows of cells, printed in columns as wide as their widest cell.
+// Rows of cells in columns. A column is as wide as its widest cell; a column of empty cells is left out.
 class Table {
 public:
     using Row = std::array<std::string, 4>;
 
-    explicit Table(std::string before) : margin(std::move(before)) {}
+    explicit Table(std::string lineStart) : margin(std::move(lineStart)) {}
     void add(Row row) { rows.push_back(std::move(row)); }
 
     std::string text() const
@@ -42,14 +42,14 @@ private:
     std::vector<Row> rows;
 };
 
-// Documentation as one line, for a cell.
+// Line breaks become blanks, so that a cell stays on its line.
 std::string oneLine(std::string text)
 {
     std::ranges::replace(text, '\n', ' ');
     return text;
 }
 
-// The provisional mark of a member as a cell, empty for a settled one.
+// "provisional: REASON", or "provisional" if the mark has no reason; empty for a settled member.
 std::string markOf(const MemberDocumentation& member)
 {
     if (!member.provisional) return "";
@@ -89,8 +89,8 @@ std::string fieldsText(const Type& type)
 {
     Table table("    ");
     for (const Member& field : type.members) {
-        const MemberDocumentation& said = documentationOf(type, field);
-        table.add({declaration(field.use, field.name), oneLine(said.text), markOf(said), ""});
+        const MemberDocumentation& documentation = documentationOf(type, field);
+        table.add({declaration(field.use, field.name), oneLine(documentation.text), markOf(documentation), ""});
     }
     return "\n  fields\n" + table.text();
 }
@@ -99,21 +99,16 @@ std::string armsText(const Type& type)
 {
     Table table("    ");
     for (const Member& arm : armsOf(type)) {
-        const MemberDocumentation& said = documentationOf(type, arm);
+        const MemberDocumentation& documentation = documentationOf(type, arm);
         for (const std::int64_t value : casesOf(type, arm))
-            table.add({caseText(type, value), declaration(arm.use, arm.name), oneLine(said.text), markOf(said)});
+            table.add({caseText(type, value), declaration(arm.use, arm.name), oneLine(documentation.text),
+                       markOf(documentation)});
     }
-    if (type.hasDefault) table.add({"any other", "void", "", ""});
+    if (type.hasDefault) table.add({"default", "void", "", ""});
     const Member& discriminant = type.members.front();
     const std::string mark = markOf(documentationOf(type, discriminant));
     return "\n  arms by " + declaration(discriminant.use, discriminant.name) + (mark.empty() ? "" : "  " + mark) +
            '\n' + table.text();
-}
-
-const char* formName(Form form)
-{
-    constexpr const char* names[] = {"single", "vector", "list", "optional", "string", "bytes", "opaque", "void"};
-    return names[static_cast<std::size_t>(form)];
 }
 
 Json useJson(const Use& use)
@@ -126,20 +121,20 @@ Json useJson(const Use& use)
     return json;
 }
 
-// What only some members have: documentation, a provisional mark, a name, an offset.
+// A void arm has neither name nor offset.
 Json memberJson(const Type& type, const Member& member)
 {
-    const MemberDocumentation& said = documentationOf(type, member);
+    const MemberDocumentation& documentation = documentationOf(type, member);
     Json json = Json::object();
     if (member.use.form != Form::none) json["name"] = member.name;
     json.update(useJson(member.use));
     if (member.use.form != Form::none) json["offset"] = member.offset;
-    if (*said.text) json["doc"] = said.text;
-    if (said.provisional) json["provisional"] = said.provisional;
+    if (*documentation.text) json["doc"] = documentation.text;
+    if (documentation.provisional) json["provisional"] = documentation.provisional;
     return json;
 }
 
-Json headJson(const Type& type)
+Json summaryJson(const Type& type)
 {
     Json json = {{"name", type.name}, {"kind", kindName(type)}};
     if (const Module* const module = moduleOf(type)) json["module"] = module->name;
@@ -167,24 +162,25 @@ std::string typesText(std::span<const Type* const> types)
 Json typesJson(std::span<const Type* const> types)
 {
     Json json = Json::array();
-    for (const Type* type : types) json.push_back(headJson(*type));
+    for (const Type* type : types) json.push_back(summaryJson(*type));
     return json;
 }
 
 std::string descriptionText(const Type& type, const Catalogue& catalogue)
 {
-    const Documentation& said = documentationOf(type);
+    const Documentation& documentation = documentationOf(type);
     std::string text = std::string(type.name) + "  " + kindName(type) + "  " + origin(type) + '\n';
-    if (*said.text) text += indented(said.text);
-    if (said.provisional)
-        text += indented(std::string("Provisional: ") + (*said.provisional ? said.provisional : "not agreed yet"));
+    if (*documentation.text) text += indented(documentation.text);
+    if (documentation.provisional)
+        text += indented(std::string("Provisional: ") +
+                         (*documentation.provisional ? documentation.provisional : "not agreed yet"));
     text += '\n';
     if (type.kind == TypeKind::typeDefinition) {
         const std::string mark = markOf(documentationOf(type, type.members.front()));
         text += "  is " + declaration(targetOf(type), "") + (mark.empty() ? "" : "  " + mark) + '\n';
     }
-    text += "  in memory " + std::to_string(type.size) + " bytes, on the wire at least " +
-            std::to_string(Sampler().leastSize(type)) + '\n';
+    text += "  " + std::to_string(type.size) + " bytes in memory, at least " +
+            std::to_string(Sampler().leastSize(type)) + " on the wire\n";
 
     if (type.kind == TypeKind::enumeration) text += enumeratorsText(type);
     if (type.kind == TypeKind::structure) text += fieldsText(type);
@@ -198,13 +194,13 @@ std::string descriptionText(const Type& type, const Catalogue& catalogue)
 
 Json descriptionJson(const Type& type, const Catalogue& catalogue)
 {
-    Json json = headJson(type);
-    const Documentation& said = documentationOf(type);
+    Json json = summaryJson(type);
+    const Documentation& documentation = documentationOf(type);
     if (const Module* const module = moduleOf(type)) {
         json["file"] = module->file;
-        json["line"] = said.line;
+        json["line"] = documentation.line;
     }
-    if (*said.text) json["doc"] = said.text;
+    if (*documentation.text) json["doc"] = documentation.text;
     json["size"] = type.size;
     json["leastOnWire"] = Sampler().leastSize(type);
     if (type.kind == TypeKind::typeDefinition) json["target"] = useJson(targetOf(type));

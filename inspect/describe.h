@@ -10,23 +10,24 @@
 
 namespace quorva::inspect {
 
-// One line for each type, in columns: name, kind, module, and "provisional" for a layout that is not agreed yet, or how
-// many of its members are provisional.
+// One line for each type, in columns: name, kind, module, and the provisional mark: "provisional" for the whole type,
+// or the number of its provisional members.
 std::string typesText(std::span<const Type* const> types);
 
-// [{"name": ..., "kind": ..., "module": ..., "provisional": <reason, if any>, "provisionalMembers": [<name>, ...]},
-// ...]
+// An array of {"name", "kind", "module", "provisional": <reason>, "provisionalMembers": [<name>, ...]}. A built-in type
+// has no module; the last two are there only where something is provisional.
 Json typesJson(std::span<const Type* const> types);
 
-// All about one type: where it is defined, its texts, sizes, members and users.
+// Everything about one type: place of its definition, documentation, sizes, members or enumerators, and users.
 std::string descriptionText(const Type& type, const Catalogue& catalogue);
+
+// The same as one JSON object.
 Json descriptionJson(const Type& type, const Catalogue& catalogue);
 
-// The routines of primitives that code no built-in type: XdrVoid, XdrString, XdrArray and the like.
+// The names of the primitive routines that do not belong to one built-in type: "XdrVoid", "XdrString", "XdrArray", ...
 std::span<const char* const> otherPrimitives();
 
-// How much a library of these modules holds: modules, types by kind, routines and name functions, settled and
-// provisional layouts.
+// The number of modules, of types by kind, of routines and name functions, and of settled and provisional layouts.
 std::string summaryText(std::span<const Module* const> modules);
 
 }  // namespace quorva::inspect

@@ -1,4 +1,4 @@
-// Finds the documentation of types.
+// Finds documentation by the description of a type.
 
 #include "documentation.h"
 
@@ -11,15 +11,15 @@ namespace quorva::inspect {
 namespace {
 
 constexpr Documentation builtinTexts[] = {
-    {.type = &types::Boolean, .text = "Truth value, held in one byte."},
-    {.type = &types::ShortInteger, .text = "8 bits, signed. Travels and shows without its sign."},
+    {.type = &types::Boolean, .text = "True or false, in one byte of memory."},
+    {.type = &types::ShortInteger, .text = "8 bits, signed. On the wire and in the trace it has no sign."},
     {.type = &types::ShortNatural, .text = "8 bits, unsigned."},
     {.type = &types::Integer, .text = "16 bits, signed."},
     {.type = &types::Natural, .text = "16 bits, unsigned."},
     {.type = &types::LongInteger, .text = "32 bits, signed."},
     {.type = &types::LongNatural, .text = "32 bits, unsigned."},
     {.type = &types::UINT, .text = "32 bits, unsigned. The trace shows it as if signed."},
-    {.type = &types::Float, .text = "IEEE 754 single."},
+    {.type = &types::Float, .text = "32 bits, IEEE 754 single precision."},
 };
 
 struct Entry {

@@ -1,4 +1,4 @@
-// What the interface files say about a type, found by the type: its texts, its module, its enumerators.
+// Documentation, module and enumerators of a type, found by the type's description.
 #pragma once
 
 #include <quorvapixdr/documentation.h>
@@ -11,27 +11,29 @@ namespace quorva::inspect {
 // The types of these modules, in their order.
 std::vector<const Type*> typesOf(std::span<const Module* const> modules);
 
-// Makes further modules known: those of `modules()` and the built-in types are known from the start. `further` has
-// static storage. Not to be called while another thread uses the inspector.
+// Adds modules to the known ones, which are `modules()` and the built-in types at the start. `further` and everything
+// that it points to must have static storage. Not thread-safe: no other thread may use the inspector meanwhile.
 void addModules(std::span<const Module* const> further);
 
-// Empty for a type whose module is not known.
+// The documentation of a type; an empty one if its module is not known.
 const Documentation& documentationOf(const Type& type);
 
-// Null for a built-in type, and for a type whose module is not known.
+// The module that defines a type; null for a built-in type and for a type whose module is not known.
 const Module* moduleOf(const Type& type);
 
-// Its name, "jobs/cover"; empty where there is no module.
+// The name of that module, such as "jobs/cover"; empty where `moduleOf` is null.
 const char* moduleName(const Type& type);
 
-// Of one of the type's own members.
+// The documentation of a member, which must be one of `type.members`; an empty one if the module is not known.
 const MemberDocumentation& documentationOf(const Type& type, const Member& member);
 
-// By value, ascending; none for a type that is not an enumeration.
+// The enumerators of an enumeration, ascending by value; none for any other type.
 std::span<const Enumerator> enumeratorsOf(const Type& type);
 
-// The members whose layout is provisional; and true if there is one, or if the type as a whole is provisional.
+// The members whose own layout is marked provisional.
 std::vector<const Member*> provisionalMembersOf(const Type& type);
+
+// True if the type or one of its members is marked provisional.
 bool isProvisional(const Type& type);
 
 }  // namespace quorva::inspect

@@ -1,4 +1,4 @@
-// Messages as people have them, and back to text.
+// Reads and prints hex, hex dumps and base64.
 
 #include "input.h"
 
@@ -11,8 +11,9 @@ namespace {
 
 constexpr std::string_view blanks = " \t\r\n\f\v";
 constexpr std::string_view separators = " \t\r\n\f\v,:;-_{}()[]";
-constexpr std::string_view tokenEnds = " \t\r\n\f\v,:;-_{}()[]\\";  // "\x00\x41" too
+constexpr std::string_view tokenEnds = " \t\r\n\f\v,:;-_{}()[]\\";  // the backslash for "\x00\x41"
 
+// The value of a hexadecimal digit, or -1.
 int digitOf(char c)
 {
     if (c >= '0' && c <= '9') return c - '0';
@@ -21,6 +22,7 @@ int digitOf(char c)
     return -1;
 }
 
+// The number of digits in a row from this offset on.
 std::size_t digitsAt(std::string_view text, std::size_t from)
 {
     std::size_t end = from;
@@ -34,13 +36,14 @@ void appendPairs(Bytes& bytes, std::string_view digits)
         bytes.push_back(static_cast<unsigned char>(digitOf(digits[i]) << 4 | digitOf(digits[i + 1])));
 }
 
+// A character for a message: 'x', or "byte 0x01" if it is not printable.
 std::string quoted(char c)
 {
     const auto byte = static_cast<unsigned char>(c);
     return byte >= 0x20 && byte < 0x7F ? std::string("'") + c + "'" : "byte 0x" + hexDigits({&byte, 1});
 }
 
-// Reads the digits of a whole text. Offsets below are offsets of that text, which faults are reported at.
+// Reads a whole text. `at`, `begin` and `end` are offsets in that text, so that errors can tell line and column.
 class HexReader {
 public:
     explicit HexReader(std::string_view from) : text(from) {}
@@ -55,13 +58,13 @@ public:
     }
 
 private:
-    // The offset column of a dump's line and where its bytes begin.
+    // The start of one line of a dump.
     struct Row {
         std::uint64_t offset = 0;
-        std::size_t bytesAt = 0;
-        bool colon = false;
-        bool apart = false;  // two blanks or more stand behind the offset
-        bool alone = false;  // nothing but the offset stands on the line
+        std::size_t bytesAt = 0;  // where the text after the offset begins
+        bool hasColon = false;    // after the offset
+        bool hasGap = false;      // at least two blanks after the offset
+        bool isEmpty = false;     // only the offset
     };
 
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
@@ -83,7 +86,7 @@ private:
         }
     }
 
-    // "00000010: ", "0x0010:  ", "00000010  00 1f ", or an offset alone.
+    // Reads "00000010: ", "0x0010:  ", "00000010  00 1f " or an offset alone; nullopt for a line of another form.
     std::optional<Row> rowAt(std::size_t begin, std::size_t end) const
     {
         const std::string_view line = text.substr(0, end);
@@ -97,20 +100,21 @@ private:
             row.offset = row.offset << 4 | static_cast<unsigned>(digitOf(line[at + i]));
         at += digits;
         if (at < end && line[at] == ':') {
-            row.colon = true;
+            row.hasColon = true;
             ++at;
         }
         row.bytesAt = at;
         const std::size_t first = std::min(line.find_first_not_of(" \t", at), end);
-        row.alone = first == end;
-        row.apart = first - at >= 2;
-        if (row.alone) return row;
+        row.isEmpty = first == end;
+        row.hasGap = first - at >= 2;
+        if (row.isEmpty) return row;
         if (first == at) return std::nullopt;
-        // Without a colon only the shape of the first byte tells an offset from four more bytes.
-        if (!row.colon && digitsAt(line, first) != 2) return std::nullopt;
+        // Without a colon, only a single byte after it tells an offset from four more bytes.
+        if (!row.hasColon && digitsAt(line, first) != 2) return std::nullopt;
         return row;
     }
 
+    // True if the first line begins with an offset, and the text cannot be plain hex.
     bool isDump() const
     {
         std::optional<Row> row;
@@ -118,10 +122,10 @@ private:
         forEachLine([&](std::size_t begin, std::size_t end) {
             if (lines++ == 0) row = rowAt(begin, end);
         });
-        if (!row || row->alone) return false;
-        if (row->colon) return true;
-        // One blank behind a zero might as well separate bytes: then all offsets have to be right.
-        return row->offset == 0 && (row->apart || (lines > 1 && readsAsDump()));
+        if (!row || row->isEmpty) return false;
+        if (row->hasColon) return true;
+        // A zero and one blank can also be plain hex. The text is a dump only if all offsets are right.
+        return row->offset == 0 && (row->hasGap || (lines > 1 && readsAsDump()));
     }
 
     bool readsAsDump() const
@@ -137,42 +141,43 @@ private:
     void readDump()
     {
         forEachLine([this](std::size_t begin, std::size_t end) { readRow(begin, end); });
-        if (repeatAt != none) fail(repeatAt, "no line follows the \"*\" to tell how far it reaches");
+        if (repeatAt != none) fail(repeatAt, "no line follows \"*\" to tell how often it repeats");
     }
 
     void readRow(std::size_t begin, std::size_t end)
     {
         const std::string_view line = text.substr(begin, end - begin);
         if (line == "*") {
-            if (rowBytes == 0) fail(begin, "\"*\" without a line of bytes before it");
+            if (rowBytes == 0) fail(begin, "\"*\" repeats the line before it, and there is none");
             repeatAt = begin;
             return;
         }
         const auto row = rowAt(begin, end);
-        if (!row) fail(begin, "a dump's line begins with its offset, and this one does not");
+        if (!row) fail(begin, "each line of a dump begins with its offset; this one does not");
         if (!origin) origin = row->offset;
         if (repeatAt != none) fillUpTo(row->offset, begin);
         if (row->offset != *origin + bytes.size())
-            fail(begin, "the offset does not follow from the lines before, which hold " + std::to_string(bytes.size()) +
-                            " bytes");
-        if (row->alone) return;
+            fail(begin, "the offset is wrong: the lines before hold " + std::to_string(bytes.size()) +
+                            (bytes.size() == 1 ? " byte" : " bytes"));
+        if (row->isEmpty) return;
         const std::size_t before = bytes.size();
         readRowBytes(*row, end);
         rowBytes = bytes.size() - before;
     }
 
+    // Repeats the last line up to this offset of the dump.
     void fillUpTo(std::uint64_t offset, std::size_t at)
     {
-        if (offset - *origin > longestMessage) tooLong(at);  // also where it goes back
+        if (offset - *origin > longestMessage) tooLong(at);  // also if the offset goes back
         while (bytes.size() < offset - *origin) bytes.push_back(bytes[bytes.size() - rowBytes]);
         repeatAt = none;
     }
 
-    // The bytes end at the characters beside them: after two blanks in `xxd`, at a bar or after three blanks elsewhere
-    // (where two may stand in the middle).
+    // The bytes end where the same bytes follow as characters: after two blanks in `xxd`; in other dumps, which can
+    // have two blanks in the middle of the bytes, after three blanks, or at `|` or `>`.
     void readRowBytes(const Row& row, std::size_t end)
     {
-        const std::size_t gap = row.colon ? 2 : 3;
+        const std::size_t gap = row.hasColon ? 2 : 3;
         std::size_t at = text.find_first_not_of(" \t", row.bytesAt);
         while (at < end && text[at] != '|' && text[at] != '>') {
             at = readToken(at);
@@ -182,6 +187,7 @@ private:
         }
     }
 
+    // Reads hex that is not a dump.
     void readPlain(std::size_t at, std::size_t end)
     {
         while ((at = text.find_first_not_of(separators, at)) < end) {
@@ -191,13 +197,13 @@ private:
         }
     }
 
-    // One run of digits; its end.
+    // Reads the digits of one or more bytes, up to the next separator. Returns the offset of their end.
     std::size_t readToken(std::size_t at)
     {
         const std::size_t digits = digitsAt(text, at);
         const std::size_t end = at + digits;
         if (digits == 0 || (end < text.size() && tokenEnds.find(text[end]) == std::string_view::npos))
-            fail(end, quoted(text[end]) + " is no hexadecimal digit");
+            fail(end, quoted(text[end]) + " is not a hexadecimal digit");
         if (digits % 2 != 0)
             fail(at, digits == 1 ? "a single digit; a byte has two"
                                  : "an odd number of digits (" + std::to_string(digits) + "); a byte has two");
@@ -208,18 +214,19 @@ private:
 
     [[noreturn]] void tooLong(std::size_t at) const
     {
-        fail(at, "here the message grows beyond " + std::to_string(longestMessage) + " bytes, the longest there is");
+        fail(at, "from here on the message is longer than " + std::to_string(longestMessage) + " bytes");
     }
 
     std::string_view text;
     Bytes bytes;
-    std::optional<std::uint64_t> origin;  // offset of the first line: a dump may show the middle of a file
+    std::optional<std::uint64_t> origin;  // offset in the first line, which need not be 0
     std::size_t rowBytes = 0;             // of the last line, which "*" repeats
-    std::size_t repeatAt = none;
+    std::size_t repeatAt = none;          // offset of a "*" that no line follows yet
 };
 
 constexpr std::string_view base64Alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
+// The six bits of a character of either alphabet, or -1.
 int base64Value(char c)
 {
     if (c == '-') c = '+';
@@ -257,7 +264,7 @@ Bytes parseBase64(std::string_view text)
             continue;
         }
         const int value = base64Value(c);
-        if (value < 0) throw InputError::at(text, at, quoted(c) + " is no base64 character");
+        if (value < 0) throw InputError::at(text, at, quoted(c) + " is not a base64 character");
         if (pads > 0) throw InputError::at(text, at, quoted(c) + " after the \"=\" that ends base64");
         bits = bits << 6 | static_cast<unsigned>(value);
         if (++characters % 4 != 1)

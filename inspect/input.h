@@ -1,4 +1,4 @@
-// Messages as people have them: hexadecimal digits in their many dresses, base64, raw bytes; and back to text.
+// Messages as text: reads hex, hex dumps and base64, and prints hex and base64.
 #pragma once
 
 #include <quorvapixdr/codec.h>
@@ -12,7 +12,7 @@
 
 namespace quorva::inspect {
 
-// A text that is not what it should be. Lines and columns count from 1, columns in bytes.
+// An error in a text. Lines and columns count from 1; a column is a byte.
 class InputError : public std::runtime_error {
 public:
     InputError(std::size_t atLine, std::size_t atColumn, const std::string& sentence)
@@ -20,28 +20,35 @@ public:
     {
     }
 
-    // The error at this offset of the text.
+    // The error at this offset of the text, which may be its end.
     static InputError at(std::string_view text, std::size_t offset, const std::string& sentence);
 
     const std::size_t line;
     const std::size_t column;
 };
 
-// Digits in pairs with any blanks, line breaks, `,`, `:`, `;`, `-`, `_`, braces and `0x` or `\x` prefixes between them;
-// or a dump as `xxd`, `hexdump -C`, `od -A x -t x1z` and packet analysers print it, whose offsets are held against the
-// bytes and whose "*" lines are filled in. Throws InputError; also where there would be more than `longestMessage`
-// bytes.
+// The bytes of a text in one of two forms:
+// - pairs of hexadecimal digits. Blanks, line breaks, `,` `:` `;` `-` `_`, brackets, and the prefixes `0x` and `\x` may
+//   separate them.
+// - a dump of `xxd`, `hexdump -C`, `od -A x -t x1z` or a packet analyser. Its offsets must fit its bytes; a line "*"
+//   repeats the line before it.
+// Throws InputError if the text has neither form, or more than `longestMessage` bytes.
 Bytes parseHex(std::string_view text);
 
-// The ordinary alphabet or the one for URLs, with any blanks and line breaks, with or without the "=" at the end.
+// The bytes of base64 in the standard or the URL alphabet. Blanks and line breaks may be anywhere; the "=" at the end
+// may be missing. Throws InputError.
 Bytes parseBase64(std::string_view text);
 
-// "0a1b2c": two digits a byte and nothing between them; and such a text read, or nothing if it is none.
+// Two lower-case digits for each byte, without separators: "0a1b2c".
 std::string hexDigits(std::span<const unsigned char> bytes);
+
+// The bytes of such digits, of either case; nullopt if the text has another form.
 std::optional<Bytes> bytesOfDigits(std::string_view digits);
 
-// Lines of 16 bytes in groups of four, and of 76 characters; each line ends in '\n'.
+// Lines of 16 bytes in groups of four; each line ends with '\n'.
 std::string hexText(std::span<const unsigned char> bytes);
+
+// Base64 in lines of 76 characters; each line ends with '\n'.
 std::string base64Text(std::span<const unsigned char> bytes);
 
 }  // namespace quorva::inspect

@@ -1,4 +1,4 @@
-// Objects as JSON and back.
+// Converts objects to JSON and back.
 
 #include "json.h"
 
@@ -19,7 +19,7 @@ namespace quorva::inspect {
 
 namespace {
 
-constexpr std::size_t mostFaults = 20;
+constexpr std::size_t mostErrors = 20;
 
 bool isPrintable(std::string_view text)
 {
@@ -55,14 +55,14 @@ std::span<const unsigned char> bytesOf(std::string_view text)
     return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
 }
 
-Json bytesJson(const std::byte* at, std::size_t size)
+Json opaqueJson(const std::byte* at, std::size_t size)
 {
     const std::string_view text(reinterpret_cast<const char*>(at), size);
     if (size > 0 && isPrintable(text)) return {{"text", text}};
     return {{"hex", hexDigits(bytesOf(text))}};
 }
 
-Json textJson(const char* text)
+Json stringJson(const char* text)
 {
     if (!text) return nullptr;
     if (isUtf8(text)) return text;
@@ -77,7 +77,7 @@ Json floatJson(std::uint32_t bits)
         for (unsigned i = 0; i < 4; ++i) bytes[i] = static_cast<unsigned char>(bits >> (24 - 8 * i));
         return {{"bits", hexDigits(bytes)}};
     }
-    // JSON holds doubles: take the one that prints as the float's own shortest text, if it rounds back to the float.
+    // JSON numbers are doubles. Take the double with the float's shortest text, if it rounds back to the float.
     const std::string shortest = floatText(number);
     double wide = 0;
     std::from_chars(shortest.data(), shortest.data() + shortest.size(), wide);
@@ -115,18 +115,18 @@ public:
         case TypeKind::typeDefinition: break;
         case TypeKind::foreign: throw Refusal{foreignReason(type)};
         }
-        return held(targetOf(type), at);
+        return value(targetOf(type), at);
     }
 
 private:
     void add(Json& object, const Member& member, const std::byte* at)
     {
         if (++depth > deepestNesting) throw Refusal{"values are nested too deeply for JSON"};
-        object[member.name] = held(member.use, at + member.offset);
+        object[member.name] = value(member.use, at + member.offset);
         --depth;
     }
 
-    Json held(const Use& use, const std::byte* at)
+    Json value(const Use& use, const std::byte* at)
     {
         switch (use.form) {
         case Form::single: return value(*use.type, at);
@@ -140,12 +140,12 @@ private:
             if (present) return value(*use.type, present);
             break;
         }
-        case Form::string: return textJson(load<const char*>(at));
+        case Form::string: return stringJson(load<const char*>(at));
         case Form::variableOpaque: {
             const auto block = load<Block>(at);
-            return bytesJson(block.elements, block.elements ? block.count : 0);
+            return opaqueJson(block.elements, block.elements ? block.count : 0);
         }
-        case Form::fixedOpaque: return bytesJson(at, use.bound);
+        case Form::fixedOpaque: return opaqueJson(at, use.bound);
         case Form::none: break;
         }
         return nullptr;
@@ -163,7 +163,7 @@ private:
     std::size_t depth = 0;
 };
 
-// What a value is, for a sentence that says that something else was wanted.
+// A value for a message, shortened to 40 characters.
 std::string described(const Json& value)
 {
     if (value.is_object()) return "an object";
@@ -173,9 +173,10 @@ std::string described(const Json& value)
     return text;
 }
 
-// Reads a JSON value. Without an object (a null address) it only looks for faults, all of them. With one, which is
-// zeroed, and a value without faults, it fills the object in the order of the wire, as a decode pass does: memory is
-// hung into the object before it is filled, so that the release pass finds it should more memory be wanting.
+// Reads a JSON value in one of two ways:
+// - without an object (`at` is null), it collects the errors of the value;
+// - with a zeroed object and a value without errors, it fills the object in the order of a decode pass. Each block is
+//   stored in the object before it is filled, so that a release pass finds it if a later allocation throws.
 class Reader {
 public:
     void value(const Type& type, const Json& json, std::byte* at)
@@ -185,51 +186,52 @@ public:
         case TypeKind::enumeration: number(type, json, at); return;
         case TypeKind::structure: readStruct(type, json, at); return;
         case TypeKind::discriminatedUnion: readUnion(type, json, at); return;
-        case TypeKind::typeDefinition: held(targetOf(type), json, at); return;
-        case TypeKind::foreign: fault(foreignReason(type)); return;
+        case TypeKind::typeDefinition: value(targetOf(type), json, at); return;
+        case TypeKind::foreign: report(foreignReason(type)); return;
         }
     }
 
-    std::vector<JsonFault> faults;
+    std::vector<JsonError::Entry> errors;
 
 private:
-    using Step = std::variant<std::string_view, std::size_t>;
+    using Token = std::variant<std::string_view, std::size_t>;  // of a JSON pointer: a name or an index
 
-    // Runs `action` one step deeper.
+    // Runs `action` for the value of a field or an element.
     template <class Action>
-    void within(Step step, Action action)
+    void within(Token token, Action action)
     {
-        steps.push_back(step);
-        if (steps.size() > deepestNesting)
-            fault("values are nested too deeply");
-        else if (faults.size() < mostFaults)
+        tokens.push_back(token);
+        if (tokens.size() > deepestNesting)
+            report("values are nested too deeply");
+        else if (errors.size() < mostErrors)
             action();
-        steps.pop_back();
+        tokens.pop_back();
     }
 
-    void fault(std::string sentence)
+    // Adds an error of the current value.
+    void report(std::string sentence)
     {
-        if (faults.size() >= mostFaults) return;
+        if (errors.size() >= mostErrors) return;
         std::string path;
-        for (const Step& step : steps) {
+        for (const Token& token : tokens) {
             path += '/';
-            if (const auto* index = std::get_if<std::size_t>(&step)) {
+            if (const auto* index = std::get_if<std::size_t>(&token)) {
                 path += std::to_string(*index);
                 continue;
             }
-            for (const char c : std::get<std::string_view>(step)) {
+            for (const char c : std::get<std::string_view>(token)) {
                 if (c == '~' || c == '/')
                     path += c == '~' ? "~0" : "~1";
                 else
                     path += c;
             }
         }
-        faults.push_back({std::move(path), std::move(sentence)});
+        errors.push_back({std::move(path), std::move(sentence)});
     }
 
     void unexpected(const std::string& wanted, const Json& found)
     {
-        fault("expected " + wanted + ", found " + described(found));
+        report("expected " + wanted + ", found " + described(found));
     }
 
     // ---- Numbers ---------------------------------------------------------------------------------------------------
@@ -267,7 +269,7 @@ private:
             if (enumerator.name == name) return enumerator.value;
             names.emplace_back(enumerator.name);
         }
-        fault('"' + name + "\" is no enumerator of " + type.name + didYouMean(name, names));
+        report('"' + name + "\" is not an enumerator of " + type.name + didYouMean(name, names));
         return std::nullopt;
     }
 
@@ -277,7 +279,7 @@ private:
             const auto number = json.get<double>();
             const auto narrow = static_cast<float>(number);
             if (std::isfinite(narrow)) return std::bit_cast<std::uint32_t>(narrow);
-            fault("the number " + described(json) + " is beyond the largest single float");
+            report("the number " + described(json) + " is beyond the largest Float");
             return std::nullopt;
         }
         if (json.is_object() && json.size() == 1 && json.contains("bits") && json["bits"].is_string()) {
@@ -320,7 +322,7 @@ private:
         const std::string choice = std::string(discriminant.name) + ' ' + numberText(discriminantOf(type), *chosen);
         const Member* arm = armOf(type, *chosen);
         if (!arm && !type.hasDefault)
-            return within(discriminant.name, [&] { fault(choice + " has no arm in " + type.name); });
+            return within(discriminant.name, [&] { report(choice + " has no arm in " + type.name); });
 
         std::vector<std::string_view> names{discriminant.name};
         const bool holds = arm && arm->use.form != Form::none;
@@ -335,29 +337,30 @@ private:
 
     void readMember(const Type& type, const Member& member, const Json& json, std::byte* at)
     {
-        forMember(type, member, json, [&](const Json& found) { held(member.use, found, shifted(at, member.offset)); });
+        forMember(type, member, json, [&](const Json& found) { value(member.use, found, shifted(at, member.offset)); });
     }
 
-    // Calls `action` with the member's value, one step deeper.
+    // Calls `action` with the JSON value of the member; reports a missing one.
     template <class Action>
     void forMember(const Type& type, const Member& member, const Json& json, Action action)
     {
         const auto found = json.find(member.name);
         if (found == json.end())
-            return fault(std::string("the field \"") + member.name + "\" of " + type.name + " is missing");
+            return report(std::string("the field \"") + member.name + "\" of " + type.name + " is missing");
         within(member.name, [&] { action(*found); });
     }
 
+    // Reports each field whose name is not among `names`. `sentence` makes the message from the name.
     template <class Sentence>
     void refuseOthers(const Json& json, const std::vector<std::string_view>& names, Sentence sentence)
     {
         for (const auto& [name, ignored] : json.items())
-            if (std::ranges::find(names, name) == names.end()) within(name, [&, &n = name] { fault(sentence(n)); });
+            if (std::ranges::find(names, name) == names.end()) within(name, [&, &n = name] { report(sentence(n)); });
     }
 
     // ---- Declarations ----------------------------------------------------------------------------------------------
 
-    void held(const Use& use, const Json& json, std::byte* at)
+    void value(const Use& use, const Json& json, std::byte* at)
     {
         switch (use.form) {
         case Form::single: value(*use.type, json, at); return;
@@ -366,14 +369,14 @@ private:
             return;
         case Form::variableArray:
             readElements(*use.type, 0, use.bound, json,
-                         [&](std::size_t count) { return hungBlock(at, count, use.type->size); });
+                         [&](std::size_t count) { return allocateBlock(at, count, use.type->size); });
             return;
         case Form::optional:
-            if (!json.is_null()) value(*use.type, json, hung(at, use.type->size));
+            if (!json.is_null()) value(*use.type, json, allocate(at, use.type->size));
             return;
         case Form::string: readString(use, json, at); return;
         case Form::variableOpaque:
-            if (const auto bytes = bytesIn(json, 0, use.bound)) copy(*bytes, hungBlock(at, bytes->size(), 1));
+            if (const auto bytes = bytesIn(json, 0, use.bound)) copy(*bytes, allocateBlock(at, bytes->size(), 1));
             return;
         case Form::fixedOpaque:
             if (const auto bytes = bytesIn(json, use.bound, use.bound)) copy(*bytes, at);
@@ -382,8 +385,8 @@ private:
         }
     }
 
-    // Zeroed memory of this size, its address stored at `at`; null where there is no object.
-    static std::byte* hung(std::byte* at, std::size_t size)
+    // Allocates zeroed memory and stores its address at `at`. Returns null if there is no object.
+    static std::byte* allocate(std::byte* at, std::size_t size)
     {
         if (!at) return nullptr;
         auto* memory = static_cast<std::byte*>(std::memset(::operator new[](size), 0, size));
@@ -391,12 +394,12 @@ private:
         return memory;
     }
 
-    // The same for a counted block, which has no memory where it is empty.
-    static std::byte* hungBlock(std::byte* at, std::size_t count, std::size_t size)
+    // Allocates the elements of a block and stores the block at `at`. Returns null if there is no object or no element.
+    static std::byte* allocateBlock(std::byte* at, std::size_t count, std::size_t size)
     {
         if (!at || count == 0) return nullptr;
         Block block{static_cast<std::uint16_t>(count), nullptr};
-        hung(reinterpret_cast<std::byte*>(&block.elements), count * size);
+        allocate(reinterpret_cast<std::byte*>(&block.elements), count * size);
         store(at, block);
         return block.elements;
     }
@@ -406,19 +409,20 @@ private:
         if (to) std::ranges::copy(std::as_bytes(bytes), to);
     }
 
-    // `place` is told the number of elements and returns the address of the first.
+    // `place` takes the number of elements and returns the address of the first one.
     template <class Place>
     void readElements(const Type& type, std::size_t least, std::size_t most, const Json& json, Place place)
     {
         const auto wanted = "an array of " + amount(least, most) + ' ' + type.name;
         if (!json.is_array()) return unexpected(wanted, json);
         if (json.size() < least || json.size() > most)
-            return fault("expected " + wanted + ", found " + std::to_string(json.size()));
+            return report("expected " + wanted + ", found " + std::to_string(json.size()));
         std::byte* at = place(json.size());
         for (std::size_t i = 0; i < json.size(); ++i)
             within(i, [&] { value(type, json[i], shifted(at, i * type.size)); });
     }
 
+    // "at most 6", "exactly 3"
     static std::string amount(std::size_t least, std::size_t most)
     {
         return (least == most ? "exactly " : "at most ") + std::to_string(most);
@@ -433,13 +437,13 @@ private:
         } else if (const auto bytes = wrappedBytes(json)) {
             text.assign(bytes->begin(), bytes->end());
         } else {
-            return unexpected("a text, {\"hex\": \"...\"} or null", json);
+            return unexpected("a string, {\"hex\": \"...\"} or null", json);
         }
         if (text.size() > use.bound)
-            return fault("expected a text of at most " + std::to_string(use.bound) + " bytes, found " +
-                         std::to_string(text.size()));
-        if (text.find('\0') != std::string::npos) return fault("a text cannot hold a zero byte");
-        copy(bytesOf(text), hung(at, text.size() + 1));
+            return report("expected a string of at most " + std::to_string(use.bound) + " bytes, found " +
+                          std::to_string(text.size()));
+        if (text.find('\0') != std::string::npos) return report("a string cannot hold a zero byte");
+        copy(bytesOf(text), allocate(at, text.size() + 1));
     }
 
     std::optional<Bytes> bytesIn(const Json& json, std::size_t least, std::size_t most)
@@ -448,13 +452,13 @@ private:
         if (!bytes) {
             unexpected("{\"hex\": \"...\"} or {\"text\": \"...\"}", json);
         } else if (bytes->size() < least || bytes->size() > most) {
-            fault("expected " + amount(least, most) + " bytes, found " + std::to_string(bytes->size()));
+            report("expected " + amount(least, most) + " bytes, found " + std::to_string(bytes->size()));
             bytes.reset();
         }
         return bytes;
     }
 
-    // The bytes of {"hex": "..."} or {"text": "..."}; nothing if it is neither.
+    // The bytes of {"hex": "..."} or {"text": "..."}; nullopt if the value has neither form.
     static std::optional<Bytes> wrappedBytes(const Json& json)
     {
         if (!json.is_object() || json.size() != 1 || !json.front().is_string()) return std::nullopt;
@@ -464,11 +468,11 @@ private:
         return std::nullopt;
     }
 
-    std::vector<Step> steps;
+    std::vector<Token> tokens;
 };
 
-// Watches the parser: names given twice and nesting, neither of which the parser minds.
-class Watch {
+// Refuses what the parser accepts: fields given twice, and values that nest too deeply. A callback of the parser.
+class ParseGuard {
 public:
     bool operator()(int, Json::parse_event_t event, Json& parsed)
     {
@@ -477,7 +481,7 @@ public:
         case Json::parse_event_t::array_start:
             open.push_back({event == Json::parse_event_t::array_start, 0, {}, {}});
             if (open.size() > 2 * deepestNesting)
-                throw JsonError(std::vector{JsonFault{"", "values are nested too deeply"}});
+                throw JsonError(std::vector{JsonError::Entry{"", "values are nested too deeply"}});
             break;
         case Json::parse_event_t::object_end:
         case Json::parse_event_t::array_end:
@@ -487,7 +491,7 @@ public:
         case Json::parse_event_t::key:
             open.back().name = parsed.get<std::string>();
             if (!open.back().seen.insert(open.back().name).second)
-                throw JsonError(std::vector{JsonFault{path(), "the field is given twice"}});
+                throw JsonError(std::vector{JsonError::Entry{path(), "the field is given twice"}});
             break;
         case Json::parse_event_t::value: countElement(); break;
         }
@@ -517,28 +521,28 @@ private:
     std::vector<Level> open;
 };
 
-std::string joined(const std::vector<JsonFault>& faults)
+std::string joined(const std::vector<JsonError::Entry>& errors)
 {
     std::string text;
-    for (const JsonFault& fault : faults) {
+    for (const JsonError::Entry& error : errors) {
         if (!text.empty()) text += '\n';
-        if (!fault.path.empty()) text += fault.path + ": ";
-        text += fault.sentence;
+        if (!error.path.empty()) text += error.path + ": ";
+        text += error.sentence;
     }
     return text;
 }
 
-// The parser's own sentence without its number and place, which we tell in our own way.
+// The message of the parser without its number and place: InputError has line and column.
 std::string plainSentence(std::string what)
 {
     const std::size_t column = what.find("column ");
     const std::size_t colon = column == std::string::npos ? column : what.find(": ", column);
-    return "no JSON: " + (colon == std::string::npos ? what : what.substr(colon + 2));
+    return "not JSON: " + (colon == std::string::npos ? what : what.substr(colon + 2));
 }
 
 }  // namespace
 
-JsonError::JsonError(std::vector<JsonFault> found) : std::runtime_error(joined(found)), faults(std::move(found)) {}
+JsonError::JsonError(std::vector<Entry> found) : std::runtime_error(joined(found)), errors(std::move(found)) {}
 
 Json toJson(const Type& type, const void* object)
 {
@@ -549,7 +553,7 @@ Object fromJson(const Type& type, const Json& json)
 {
     Reader reader;
     reader.value(type, json, nullptr);
-    if (!reader.faults.empty()) throw JsonError(std::move(reader.faults));
+    if (!reader.errors.empty()) throw JsonError(std::move(reader.errors));
     Object object(type);
     reader.value(type, json, object.data());
     return object;
@@ -558,11 +562,11 @@ Object fromJson(const Type& type, const Json& json)
 Json parseJson(std::string_view text)
 {
     try {
-        return Json::parse(text, Watch());
+        return Json::parse(text, ParseGuard());
     } catch (const Json::parse_error& error) {
         throw InputError::at(text, error.byte > 0 ? error.byte - 1 : 0, plainSentence(error.what()));
     } catch (const Json::out_of_range& error) {
-        throw InputError::at(text, text.size(), "no JSON: " + std::string(error.what()));
+        throw InputError::at(text, text.size(), "not JSON: " + std::string(error.what()));
     }
 }
 

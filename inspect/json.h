@@ -1,14 +1,17 @@
 // Objects as JSON and back, by their descriptions, without loss.
 //
-//   record        {"id": 7, ...} every field, in order     enumeration   "DSopen"; its number where it has no name
-//   union         {"kind": "AKowner", "owner": "Anna"}     Boolean       true, false; 2 and more as numbers
-//                 the discriminant alone without an arm    other numbers 7; a float shortest, or {"bits": "7fc00001"}
-//   list, vector  [ ... ]                                  string        "Anna"; {"hex": "e4"} where it is not UTF-8
-//   optional      null or the value                        bytes         {"text": "ABC"} if printable, else {"hex":
-//   "0a"}
+//   struct           {"id": 7, ...}, every field in order
+//   union            {"kind": "AKowner", "owner": "Anna"}; the discriminant alone where no member follows
+//   arrays           [ ... ]
+//   optional         null or the value
+//   string           "Anna"; {"hex": "e4"} if it is not UTF-8; null for a null pointer
+//   opaque           {"text": "ABC"} if all bytes are printable ASCII, else {"hex": "0a"}
+//   enumeration      "DSopen"; a number without an enumerator as a number
+//   Boolean          true, false; 2 to 255 as numbers
+//   Float            the shortest decimal number; {"bits": "7fc00001"} if it is not finite
+//   other built-in   7
 //
-// A null text is null. Reading also takes the number of an enumerator that has a name, and {"hex"} and {"text"}
-// wherever there are bytes or a string.
+// `fromJson` also takes the number of an enumerator, and {"hex"} or {"text"} for any string or opaque.
 #pragma once
 
 #include "object.h"
@@ -24,29 +27,28 @@ namespace quorva::inspect {
 
 using Json = nlohmann::ordered_json;
 
-// One thing that is wrong in a JSON text: where ("/aValues/2/value/jobName", empty for the whole) and in a sentence.
-struct JsonFault {
-    std::string path;
-    std::string sentence;
-};
-
-// All that is wrong, at least one fault; after the first twenty nobody counts.
+// The errors of a JSON value that is not the JSON form of a type, at least one and at most twenty.
 class JsonError : public std::runtime_error {
 public:
-    explicit JsonError(std::vector<JsonFault> found);
+    struct Entry {
+        std::string path;      // JSON pointer, "/aValues/2/value/jobName"; empty for the whole value
+        std::string sentence;  // what is wrong, and what was expected
+    };
 
-    const std::vector<JsonFault> faults;
+    explicit JsonError(std::vector<Entry> found);
+
+    const std::vector<Entry> errors;
 };
 
-// The JSON form of an object that is as a decode leaves it. A list without its block counts as empty. Throws Refusal
-// when values are nested deeper than `deepestNesting`.
+// The JSON form of an object in a state that a decode can leave. A variable-length array or opaque whose elements are
+// null counts as empty. Throws Refusal if values nest deeper than `deepestNesting`.
 Json toJson(const Type& type, const void* object);
 
-// The object that a JSON value describes. Throws JsonError.
+// The object that has this JSON form. Throws JsonError.
 Object fromJson(const Type& type, const Json& value);
 
-// JSON text to value. Throws InputError where it is no JSON, and JsonError where an object names a field twice or
-// values are nested deeper than any object can be.
+// The JSON value of a text. Throws InputError if the text is not JSON; throws JsonError if an object names a field
+// twice or values nest deeper than any object can.
 Json parseJson(std::string_view text);
 
 }  // namespace quorva::inspect

@@ -1,4 +1,4 @@
-// Objects in memory by their descriptions.
+// Members, numbers, arms and enumerators of objects in memory.
 
 #include "layout.h"
 
@@ -9,7 +9,7 @@
 
 namespace quorva::inspect {
 
-const Type& resolved(const Type& type)
+const Type& canonicalType(const Type& type)
 {
     const Type* target = &type;
     while (target->kind == TypeKind::typeDefinition && targetOf(*target).form == Form::single)
@@ -19,9 +19,9 @@ const Type& resolved(const Type& type)
 
 namespace {
 
-// Calls `action` with a value-initialised object of the C++ type that holds the scalar.
+// Calls `action` with a zero of the C++ type that holds the scalar. Enumerations have 32 bits, signed.
 template <class Action>
-auto withHolder(const Type& scalar, Action action)
+auto withZero(const Type& scalar, Action action)
 {
     switch (scalar.builtin) {
     case Builtin::Boolean:
@@ -42,12 +42,12 @@ auto withHolder(const Type& scalar, Action action)
 
 std::int64_t loadNumber(const Type& scalar, const void* at)
 {
-    return withHolder(scalar, [at](auto holder) { return std::int64_t{load<decltype(holder)>(at)}; });
+    return withZero(scalar, [at](auto zero) { return std::int64_t{load<decltype(zero)>(at)}; });
 }
 
 void storeNumber(const Type& scalar, void* at, std::int64_t number)
 {
-    withHolder(scalar, [=](auto holder) { store(at, static_cast<decltype(holder)>(number)); });
+    withZero(scalar, [=](auto zero) { store(at, static_cast<decltype(zero)>(number)); });
 }
 
 std::uint32_t toUnit(const Type& scalar, std::int64_t number)
@@ -58,13 +58,13 @@ std::uint32_t toUnit(const Type& scalar, std::int64_t number)
 
 std::int64_t fromUnit(const Type& scalar, std::uint32_t unit)
 {
-    return withHolder(scalar, [unit](auto holder) { return std::int64_t{static_cast<decltype(holder)>(unit)}; });
+    return withZero(scalar, [unit](auto zero) { return std::int64_t{static_cast<decltype(zero)>(unit)}; });
 }
 
 Range rangeOf(const Type& scalar)
 {
-    return withHolder(scalar, [](auto holder) {
-        using Limits = std::numeric_limits<decltype(holder)>;
+    return withZero(scalar, [](auto zero) {
+        using Limits = std::numeric_limits<decltype(zero)>;
         return Range{Limits::min(), Limits::max()};
     });
 }
@@ -97,7 +97,7 @@ std::vector<std::int64_t> casesOf(const Type& discriminatedUnion, const Member& 
 
 const Type& discriminantOf(const Type& discriminatedUnion)
 {
-    return resolved(*discriminatedUnion.members.front().use.type);
+    return canonicalType(*discriminatedUnion.members.front().use.type);
 }
 
 std::string floatText(float number)

@@ -1,6 +1,6 @@
-// Objects in memory by their descriptions: where a member is, and what a number, an arm or an enumerator is.
+// Objects in memory by their descriptions: members, numbers, arms and enumerators.
 //
-// Addresses are those of whole objects of the type in question; nothing here checks them.
+// An address is that of a whole object of the type in question. Nothing here checks it.
 #pragma once
 
 #include "documentation.h"
@@ -12,10 +12,10 @@
 
 namespace quorva::inspect {
 
-// Elements inside elements beyond this many are refused everywhere in the inspector: only a message or a JSON text made
-// to exhaust the stack has them.
+// The inspector refuses elements that nest deeper. Only a message or JSON text made to exhaust the stack has them.
 inline constexpr std::size_t deepestNesting = 512;
 
+// The value of type `T` at any address, aligned or not.
 template <class T>
 T load(const void* at)
 {
@@ -24,43 +24,51 @@ T load(const void* at)
     return value;
 }
 
+// Writes the value to any address, aligned or not.
 template <class T>
 void store(void* at, T value)
 {
     std::memcpy(at, &value, sizeof value);
 }
 
-// The address `bytes` further on; null stays null.
+// The address `bytes` further; null stays null.
 template <class Byte>
 Byte* shifted(Byte* at, std::size_t bytes)
 {
     return at ? at + bytes : nullptr;
 }
 
-// A variable-length array or opaque of any element type: all have these two members.
+// A variable-length array or opaque. The layout is the same for all types of elements.
 using Block = Counted<std::byte>;
 
-// What a typedef names.
+// The declaration of a typedef.
 inline const Use& targetOf(const Type& typeDefinition)
 {
     return typeDefinition.members.front().use;
 }
 
-// The type that an alias stands for, however many aliases there are; any other type itself.
-const Type& resolved(const Type& type);
+// The type at the end of a chain of typedefs that only give it another name; the type itself if it is not one of them.
+const Type& canonicalType(const Type& type);
 
-// Numbers of built-in types and enumerations. A float's number is its 32 bits.
+// The number in an object of a built-in type or an enumeration. The number of a float is its 32 bits.
 std::int64_t loadNumber(const Type& scalar, const void* at);
+
+// Writes such a number; the bits that the object has no place for are lost.
 void storeNumber(const Type& scalar, void* at, std::int64_t number);
 
-// The same number as the unit that carries it on the wire, and back (where what does not fit is cut off).
+// The unit that carries the number on the wire.
 std::uint32_t toUnit(const Type& scalar, std::int64_t number);
+
+// The number that a decode makes of a unit; the bits that the object has no place for are lost.
 std::int64_t fromUnit(const Type& scalar, std::uint32_t unit);
 
+// Both ends are included.
 struct Range {
     std::int64_t least;
     std::int64_t most;
 };
+
+// The numbers that an object of the type can hold. Those of an enumeration are all of 32 bits.
 Range rangeOf(const Type& scalar);
 
 // The enumerator with this value, or null.
@@ -72,19 +80,20 @@ inline std::span<const Member> armsOf(const Type& type)
     return type.kind == TypeKind::discriminatedUnion ? type.members.subspan(1) : std::span<const Member>();
 }
 
-// The arm that this discriminant value selects, or null: then the default arm, if the union has one.
+// The arm that this value of the discriminant selects. Null if no case has the value: then the union refuses it, or
+// accepts it without a member if `hasDefault`.
 const Member* armOf(const Type& discriminatedUnion, std::int64_t value);
 
-// The discriminant values that select the arm, ascending.
+// The values of the discriminant that select the arm, ascending.
 std::vector<std::int64_t> casesOf(const Type& discriminatedUnion, const Member& arm);
 
-// The type of a union's discriminant: a built-in type or an enumeration.
+// The canonical type of a union's discriminant: a built-in type or an enumeration.
 const Type& discriminantOf(const Type& discriminatedUnion);
 
 // The shortest decimal text that reads back as the same finite float.
 std::string floatText(float number);
 
-// A number as people read it: "AKowner (1)", "true", "1.5", "-3".
+// A number for people: "AKowner (1)", "true", "1.5", "-3".
 std::string numberText(const Type& scalar, std::int64_t number);
 
 }  // namespace quorva::inspect

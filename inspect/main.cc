@@ -1,4 +1,4 @@
-// quorvaxdr: looks at types and messages of the service API from the command line.
+// quorvaxdr: shows types, and decodes and encodes messages, on the command line.
 
 #include "catalogue.h"
 #include "describe.h"
@@ -26,23 +26,24 @@ using namespace quorva::inspect;
 
 namespace {
 
-enum Status { fine = 0, troubled = 1, misused = 2, uncodable = 3, leftOver = 4, unreadable = 5 };
+enum Status { success = 0, systemError = 1, usageError = 2, codingError = 3, bytesLeftOver = 4, inputError = 5 };
 
 constexpr const char* statuses =
     "Exit status:\n"
-    "  0  all went well\n"
-    "  1  a file cannot be read, output cannot be written, or memory is short\n"
+    "  0  success\n"
+    "  1  a file cannot be read, output cannot be written, or memory is exhausted\n"
     "  2  the command line is wrong\n"
     "  3  the message cannot be decoded or encoded\n"
-    "  4  bytes are left over behind the decoded message (which is still printed)\n"
-    "  5  the input is no text of the form that it should have (hex, base64, JSON)\n";
+    "  4  bytes are left over after the decoded message (which is still printed)\n"
+    "  5  the input is not in the expected form (hex, base64, JSON)\n";
 
-// Ends the run with a message for people, one line for each fault.
+// Thrown to end the program with this status and message. A message has one line for each error.
 struct Stop {
     Status status;
     std::string message;
 };
 
+// The options of all verbs. A verb uses those that it declares.
 struct Options {
     std::string type;
     std::string file = "-";
@@ -54,6 +55,7 @@ struct Options {
     bool json = false;
 };
 
+// A word of the command line: `declare` adds its options to the parser, `run` does its work and returns the status.
 struct Verb {
     const char* name;
     const char* summary;
@@ -63,7 +65,8 @@ struct Verb {
 
 // ---- Files and output ----------------------------------------------------------------------------------------------
 
-void complain(const std::string& message)
+// Prints the message to standard error, each line after the name of the program.
+void printError(const std::string& message)
 {
     std::fflush(stdout);
     std::string text;
@@ -75,10 +78,11 @@ void complain(const std::string& message)
     std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
+// Prints to standard output. Throws Stop if that fails.
 void print(std::string_view text)
 {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
-        throw Stop{troubled, std::string("cannot write standard output: ") + std::strerror(errno)};
+        throw Stop{systemError, std::string("cannot write standard output: ") + std::strerror(errno)};
 }
 
 void printJson(const Json& json)
@@ -86,15 +90,15 @@ void printJson(const Json& json)
     print(json.dump(2) + '\n');
 }
 
-std::string nameOf(const std::string& file)
+std::string shownName(const std::string& file)
 {
     return file == "-" ? "standard input" : file;
 }
 
-// All of a file, or of standard input for "-".
+// The contents of a file, or of standard input for "-". Throws Stop if they cannot be read.
 std::string contentsOf(const std::string& file)
 {
-    constexpr std::size_t most = std::size_t{64} << 20;  // the largest message has less as JSON
+    constexpr std::size_t most = std::size_t{64} << 20;  // more than any message takes as JSON
     const auto closing = [](std::FILE* stream) { return stream == stdin ? 0 : std::fclose(stream); };
     errno = 0;
     const std::unique_ptr<std::FILE, decltype(closing)> stream(file == "-" ? stdin : std::fopen(file.c_str(), "rb"),
@@ -107,15 +111,15 @@ std::string contentsOf(const std::string& file)
         if (size < sizeof block) break;
     }
     if (!stream || std::ferror(stream.get()))
-        throw Stop{troubled, nameOf(file) + ": cannot be read: " + std::strerror(errno)};
-    if (contents.size() > most) throw Stop{uncodable, nameOf(file) + ": more than 64 MiB, which no message needs"};
+        throw Stop{systemError, shownName(file) + ": cannot be read: " + std::strerror(errno)};
+    if (contents.size() > most) throw Stop{codingError, shownName(file) + ": more than 64 MiB, which no message needs"};
     return contents;
 }
 
 [[noreturn]] void stopAt(const std::string& file, const InputError& error)
 {
-    throw Stop{unreadable, nameOf(file) + ':' + std::to_string(error.line) + ':' + std::to_string(error.column) + ": " +
-                               error.what()};
+    throw Stop{inputError, shownName(file) + ':' + std::to_string(error.line) + ':' + std::to_string(error.column) +
+                               ": " + error.what()};
 }
 
 Bytes messageFrom(const Options& options)
@@ -126,8 +130,8 @@ Bytes messageFrom(const Options& options)
                         : options.from == "base64" ? parseBase64(contents)
                                                    : Bytes(contents.begin(), contents.end());
         if (message.size() <= longestMessage) return message;
-        throw Stop{uncodable, nameOf(options.file) + ": " + std::to_string(message.size()) +
-                                  " bytes, but a message has at most " + std::to_string(longestMessage)};
+        throw Stop{codingError, shownName(options.file) + ": " + std::to_string(message.size()) +
+                                    " bytes, but a message has at most " + std::to_string(longestMessage)};
     } catch (const InputError& error) {
         stopAt(options.file, error);
     }
@@ -138,25 +142,27 @@ Bytes messageFrom(const Options& options)
 const Type& typeNamed(const std::string& name, const Catalogue& catalogue)
 {
     if (const Type* type = catalogue.find(name)) return *type;
-    throw Stop{misused, "there is no type " + name + catalogue.didYouMean(name)};
+    throw Stop{usageError, "there is no type " + name + catalogue.didYouMean(name)};
 }
 
-void declareTypes(CLI::App& verb, Options& options)
+void declareTypes(CLI::App& app, Options& options)
 {
-    verb.add_option("PATTERN", options.pattern, "part of a name, or all of it with * and ?; capitals do not matter");
-    verb.add_option("--kind", options.kind, "only this kind of type")
+    app.add_option("PATTERN", options.pattern,
+                   "part of a name, or a whole name with * and ?; the case of letters is ignored");
+    app.add_option("--kind", options.kind, "only types of this kind")
         ->check(CLI::IsMember(std::vector<std::string>(std::begin(kindNames), std::end(kindNames))));
-    verb.add_option("--module", options.module, "only of modules whose name fits this pattern, such as jobs/*");
-    verb.add_flag("--provisional", options.provisional, "only types that are provisional, as a whole or in a member");
-    auto* const json = verb.add_flag("--json", options.json, "print JSON");
-    verb.add_flag("--summary", options.summary, "print only how many there are")->excludes(json);
+    app.add_option("--module", options.module, "only types of modules whose name matches this pattern, such as jobs/*");
+    app.add_flag("--provisional", options.provisional, "only types that are provisional, as a whole or in a member");
+    auto* const json = app.add_flag("--json", options.json, "print JSON");
+    app.add_flag("--summary", options.summary, "print only how many types, routines and layouts there are")
+        ->excludes(json);
 }
 
 int runTypes(const Options& options)
 {
     if (options.summary) {
         print(summaryText(modules()));
-        return fine;
+        return success;
     }
     const Catalogue catalogue;
     std::vector<const Type*> chosen;
@@ -169,14 +175,15 @@ int runTypes(const Options& options)
     else
         print(typesText(chosen));
     if (chosen.empty())
-        complain("no type fits" + (options.pattern.empty() ? std::string() : catalogue.didYouMean(options.pattern)));
-    return fine;
+        printError("no type matches" +
+                   (options.pattern.empty() ? std::string() : catalogue.didYouMean(options.pattern)));
+    return success;
 }
 
-void declareDescribe(CLI::App& verb, Options& options)
+void declareDescribe(CLI::App& app, Options& options)
 {
-    verb.add_option("TYPE", options.type, "name of the type")->required();
-    verb.add_flag("--json", options.json, "print JSON");
+    app.add_option("TYPE", options.type, "name of the type")->required();
+    app.add_flag("--json", options.json, "print JSON");
 }
 
 int runDescribe(const Options& options)
@@ -187,31 +194,31 @@ int runDescribe(const Options& options)
         printJson(descriptionJson(type, catalogue));
     else
         print(descriptionText(type, catalogue));
-    return fine;
+    return success;
 }
 
 // ---- Messages ------------------------------------------------------------------------------------------------------
 
-void declareMessage(CLI::App& verb, Options& options, const char* what)
+void declareMessage(CLI::App& app, Options& options, const char* what)
 {
-    verb.add_option("TYPE", options.type, "name of the type")->required();
-    verb.add_option("FILE", options.file, std::string(what) + "; - is standard input")->capture_default_str();
+    app.add_option("TYPE", options.type, "name of the type")->required();
+    app.add_option("FILE", options.file, std::string(what) + "; - is standard input")->capture_default_str();
 }
 
-void declareDecode(CLI::App& verb, Options& options)
+void declareDecode(CLI::App& app, Options& options)
 {
     options.to = "trace";
-    declareMessage(verb, options, "the message");
-    verb.add_option("--from", options.from,
-                    "form of the message: hex (also dumps of xxd, hexdump -C and the like), raw, base64")
+    declareMessage(app, options, "file with the message");
+    app.add_option("--from", options.from,
+                   "form of the message: hex (digits, or a dump as xxd and hexdump -C print it), raw, base64")
         ->check(CLI::IsMember({"hex", "raw", "base64"}))
         ->capture_default_str();
-    verb.add_option("--to", options.to, "what to print: trace (an XML document) or json")
+    app.add_option("--to", options.to, "what to print: trace (an XML document) or json")
         ->check(CLI::IsMember({"trace", "json"}))
         ->capture_default_str();
 }
 
-// The decode pass, with its trace where the platform's stream collects one.
+// Decodes the message into the object. `text` gets the trace, if the platform's stream class collects one.
 template <class Stream = Xdr>
 Pass decodeInto(Object& object, Bytes& message, std::string& text)
 {
@@ -235,11 +242,11 @@ int runDecode(const Options& options)
     const Type& type = typeNamed(options.type, catalogue);
     Bytes message = messageFrom(options);
     const auto refused = [&](const Failure& failure) {
-        return Stop{uncodable,
-                    nameOf(options.file) + ": cannot decode " + type.name + ' ' + explained(failure, message.size())};
+        return Stop{codingError, shownName(options.file) + ": cannot decode " + type.name + ' ' +
+                                     explained(failure, message.size())};
     };
 
-    // The inspector's own reading comes first: it bounds the nesting, which the codec leaves to the stack.
+    // Read the message by the description first: this bounds the nesting, which the codec does not.
     const Reading reading = readMessage(type, message);
     if (reading.failure && reading.nestsTooDeeply) throw refused(*reading.failure);
 
@@ -253,19 +260,20 @@ int runDecode(const Options& options)
     if (!pass.succeeded) throw refused(reading.failure.value_or(Failure{"", pass.length, "not enough memory"}));
 
     const std::size_t rest = message.size() - pass.length;
-    if (rest == 0) return fine;
-    throw Stop{leftOver, nameOf(options.file) + ": " + (rest == 1 ? "1 byte is" : std::to_string(rest) + " bytes are") +
-                             " left over behind " + type.name + ", from byte " + std::to_string(pass.length) + " on"};
+    if (rest == 0) return success;
+    throw Stop{bytesLeftOver,
+               shownName(options.file) + ": " + (rest == 1 ? "1 byte is" : std::to_string(rest) + " bytes are") +
+                   " left over after " + type.name + ", from byte " + std::to_string(pass.length) + " on"};
 }
 
-void declareEncode(CLI::App& verb, Options& options)
+void declareEncode(CLI::App& app, Options& options)
 {
     options.to = "hex";
-    declareMessage(verb, options, "the value as JSON");
-    verb.add_option("--to", options.to, "form of the message: hex, raw, base64")
+    declareMessage(app, options, "file with the value as JSON");
+    app.add_option("--to", options.to, "form of the message: hex, raw, base64")
         ->check(CLI::IsMember({"hex", "raw", "base64"}))
         ->capture_default_str();
-    verb.add_option("--limit", options.limit, "bytes that the message may have")
+    app.add_option("--limit", options.limit, "maximum length of the message in bytes")
         ->check(CLI::Range(std::size_t{0}, longestMessage))
         ->capture_default_str();
 }
@@ -278,11 +286,11 @@ Object objectFrom(const Type& type, const std::string& file)
         stopAt(file, error);
     } catch (const JsonError& error) {
         std::string message;
-        for (const JsonFault& fault : error.faults) {
+        for (const JsonError::Entry& entry : error.errors) {
             if (!message.empty()) message += '\n';
-            message += nameOf(file) + ": " + (fault.path.empty() ? "" : fault.path + ": ") + fault.sentence;
+            message += shownName(file) + ": " + (entry.path.empty() ? "" : entry.path + ": ") + entry.sentence;
         }
-        throw Stop{uncodable, message};
+        throw Stop{codingError, message};
     }
 }
 
@@ -295,39 +303,39 @@ int runEncode(const Options& options)
     const Pass pass = runPass(Mode::encode, type.routine, object.data(), message);
     if (!pass.succeeded) {
         const auto failure = refusalOf(type, object.data(), options.limit);
-        throw Stop{uncodable,
-                   nameOf(options.file) + ": cannot encode " + type.name + ' ' +
+        throw Stop{codingError,
+                   shownName(options.file) + ": cannot encode " + type.name + ' ' +
                        explained(failure.value_or(Failure{"", pass.length, "the codec refuses it"}), options.limit)};
     }
     message.resize(pass.length);
     print(options.to == "hex"      ? hexText(message)
           : options.to == "base64" ? base64Text(message)
                                    : std::string(message.begin(), message.end()));
-    return fine;
+    return success;
 }
 
 constexpr Verb verbs[] = {
     {"types", "List types", declareTypes, runTypes},
-    {"describe", "Tell all about one type", declareDescribe, runDescribe},
-    {"decode", "Show what a message holds", declareDecode, runDecode},
-    {"encode", "Make a message of JSON", declareEncode, runEncode},
+    {"describe", "Describe one type", declareDescribe, runDescribe},
+    {"decode", "Decode a message", declareDecode, runDecode},
+    {"encode", "Encode JSON to a message", declareEncode, runEncode},
 };
 
-// The parser's own complaint about an unknown verb does not say which there are.
+// Refuses a missing or unknown verb, because the parser's own message for it does not suggest any.
 void checkVerb(int count, char** words)
 {
-    if (count < 2) throw Stop{misused, "which verb? `quorvaxdr --help` lists them"};
+    if (count < 2) throw Stop{usageError, "a verb is missing; `quorvaxdr --help` lists them"};
     if (words[1][0] == '-') return;
     std::vector<std::string_view> names;
     for (const Verb& verb : verbs) names.emplace_back(verb.name);
     if (std::ranges::find(names, words[1]) == names.end())
-        throw Stop{misused, std::string("there is no verb ") + words[1] + didYouMean(words[1], names)};
+        throw Stop{usageError, std::string("there is no verb ") + words[1] + didYouMean(words[1], names)};
 }
 
 int run(int count, char** words)
 {
     checkVerb(count, words);
-    CLI::App app("Looks at types and messages of the service API.", "quorvaxdr");
+    CLI::App app("Shows types and messages of the service API.", "quorvaxdr");
     app.require_subcommand(1);
     app.footer(statuses);
     Options options[std::size(verbs)];
@@ -342,9 +350,9 @@ int run(int count, char** words)
         std::ostringstream text;
         app.exit(help, text, text);
         print(text.str());
-        return fine;
+        return success;
     } catch (const CLI::ParseError& error) {
-        throw Stop{misused, error.what()};
+        throw Stop{usageError, error.what()};
     }
     std::size_t chosen = 0;
     while (!app.got_subcommand(verbs[chosen].name)) ++chosen;
@@ -355,20 +363,20 @@ int run(int count, char** words)
 
 int main(int count, char** words)
 {
-    std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a write error like any other
+    std::signal(SIGPIPE, SIG_IGN);  // a write to a closed pipe fails with EPIPE instead
     try {
         return run(count, words);
     } catch (const Stop& stop) {
-        complain(stop.message);
+        printError(stop.message);
         return stop.status;
     } catch (const Refusal& refusal) {
-        complain(refusal.reason);
-        return uncodable;
+        printError(refusal.reason);
+        return codingError;
     } catch (const std::bad_alloc&) {
-        complain("not enough memory");
-        return troubled;
+        printError("not enough memory");
+        return systemError;
     } catch (const std::exception& error) {
-        complain(error.what());
-        return troubled;
+        printError(error.what());
+        return systemError;
     }
 }

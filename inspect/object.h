@@ -1,4 +1,4 @@
-// One object of a type that is only known at run time, and what it owns.
+// One object of a type that is known only at run time.
 #pragma once
 
 #include <quorvapixdr/codec.h>
@@ -9,8 +9,8 @@
 
 namespace quorva::inspect {
 
-// Zeroed storage for one object. A release pass runs over it when it goes, so whatever the object holds by then has to
-// be zero or as a decode leaves it.
+// Owns a zeroed object and everything that is decoded into it. The destructor runs a release pass, so by then the
+// object must be zero or in a state that a decode can leave.
 class Object {
 public:
     explicit Object(const Type& type) : described(&type), storage(std::make_unique<std::byte[]>(type.size)) {}
@@ -22,6 +22,8 @@ public:
     Object& operator=(Object&&) = delete;
 
     const Type& type() const { return *described; }
+
+    // The address of the object; null after a move.
     std::byte* data() { return storage.get(); }
     const std::byte* data() const { return storage.get(); }
 

@@ -1,4 +1,4 @@
-// Invented messages.
+// Invents messages.
 
 #include "sample.h"
 
@@ -12,17 +12,13 @@ namespace quorva::inspect {
 
 namespace {
 
-constexpr std::size_t padded(std::size_t size)
-{
-    return (size + 3) / 4 * 4;
-}
-
-constexpr std::size_t deepestGrowth = deepestNesting / 4;  // from here on everything is as small as can be
+// Elements that nest deeper hold as little as possible, so that the message stays within `deepestNesting`.
+constexpr std::size_t deepestGrowth = deepestNesting / 4;
 
 }  // namespace
 
-// The source of a walk that invents what it is asked for. It begins with the room that the shortest message leaves, and
-// pays from it for every choice that makes the message longer; so the budget holds however the choices fall.
+// The source of a traversal that invents what it is asked for. The bytes of the shortest message are reserved from the
+// start. Each choice that makes the message longer is paid from the spare bytes, so the message keeps to its budget.
 class Inventor {
 public:
     Inventor(Sampler& from, const Type& type, const Recipe& wanted, const Path& where)
@@ -60,7 +56,7 @@ public:
     bool present(const Use& use, const std::byte*)
     {
         const std::size_t cost = sampler.leastSize(*use.type);
-        const bool follows = cost <= room() && (recipe.extent == Extent::fullest || !chance.oneIn(3));
+        const bool follows = cost <= available() && (recipe.extent == Extent::fullest || !chance.oneIn(3));
         if (follows) spare -= cost;
         append(follows);
         return follows;
@@ -80,7 +76,8 @@ public:
     }
 
 private:
-    std::size_t room() const { return path.depth() < deepestGrowth ? spare : 0; }
+    // The spare bytes that a choice at this depth may take.
+    std::size_t available() const { return path.depth() < deepestGrowth ? spare : 0; }
 
     void append(std::uint32_t unit)
     {
@@ -104,11 +101,12 @@ private:
         return fromUnit(scalar, chance.oneIn(2) ? any : any & 0x7F);
     }
 
-    // A count or length whose each element costs at least `each` bytes; bytes and texts come in whole units.
+    // Invents a count or a length. Each element needs at least `each` bytes; 1 stands for bytes, which fill whole
+    // units.
     std::uint32_t quantity(std::uint32_t bound, std::size_t each)
     {
-        const std::size_t affordable = each == 1 ? room() / 4 * 4 : room() / each;
-        // No more than half of what is left, so that what follows gets its share. A single one may take it all.
+        const std::size_t affordable = each == 1 ? available() / 4 * 4 : available() / each;
+        // At most half of the available bytes, so that later members get a share; but one element if it fits.
         const std::size_t fair = std::max(affordable / 2, std::min<std::size_t>(affordable, each == 1 ? 4 : 1));
         const std::size_t most = std::min<std::size_t>(bound, fair);
         std::size_t chosen = most;
@@ -121,16 +119,15 @@ private:
         return static_cast<std::uint32_t>(chosen);
     }
 
-    // ---- Arms ------------------------------------------------------------------------------------------------------
-
     std::size_t costOf(const Member& arm) { return sampler.leastSize(arm.use); }
 
+    // Invents a discriminant.
     std::int64_t choice(const Type& type)
     {
-        const std::size_t paid = sampler.leastSize(type) - 4;  // what the walk has reserved for the arm
+        const std::size_t reserved = sampler.leastSize(type) - 4;  // reserved for the arm
         const auto arms = armsOf(type);
         const std::size_t choices = arms.size() + type.hasDefault;
-        const std::size_t turn = recipe.extent != Extent::random ? extremeArm(type, paid)
+        const std::size_t turn = recipe.extent != Extent::random ? extremeArm(type, reserved)
                                  : firstUnion                    ? static_cast<std::size_t>(recipe.seed % choices)
                                                                  : chance.below(choices);
         firstUnion = false;
@@ -138,30 +135,31 @@ private:
             if (const auto value = withoutArm(type)) return *value;
 
         const Member* arm = &arms[turn % arms.size()];
-        if (costOf(*arm) > paid + room())
+        if (costOf(*arm) > reserved + available())
             arm = &*std::ranges::min_element(arms, {}, [&](auto& a) { return costOf(a); });
-        // A union with a default arm has nothing reserved; its arms may then cost more than there is.
+        // A union with a default arm reserves nothing, so each arm can cost more than the spare bytes.
         const std::size_t cost = costOf(*arm);
-        if (cost > paid + spare)
+        if (cost > reserved + spare)
             if (const auto value = withoutArm(type)) return *value;
-        spare -= std::min(spare, cost - std::min(cost, paid));
+        spare -= std::min(spare, cost - std::min(cost, reserved));
         const auto cases = casesOf(type, *arm);
         return cases[recipe.extent == Extent::random ? chance.below(cases.size()) : 0];
     }
 
-    // The arm with the shortest or, as far as there is room, the longest contents.
-    std::size_t extremeArm(const Type& type, std::size_t paid)
+    // The index of the arm with the fewest bytes or, for `fullest`, with the most bytes that the budget allows.
+    std::size_t extremeArm(const Type& type, std::size_t reserved)
     {
         const auto arms = armsOf(type);
         std::size_t best = 0;
         for (std::size_t i = 0; i < arms.size(); ++i) {
-            const std::size_t cost = costOf(arms[i]), record = costOf(arms[best]);
-            if (recipe.extent == Extent::least ? cost < record : cost > record && cost <= paid + room()) best = i;
+            const std::size_t cost = costOf(arms[i]), bestCost = costOf(arms[best]);
+            if (recipe.extent == Extent::least ? cost < bestCost : cost > bestCost && cost <= reserved + available())
+                best = i;
         }
         return best;
     }
 
-    // A value that goes to the default arm, if there is one.
+    // A discriminant that no case has; nullopt if the union has no default arm or no such value is found.
     std::optional<std::int64_t> withoutArm(const Type& type)
     {
         if (!type.hasDefault) return std::nullopt;
@@ -193,7 +191,8 @@ Bytes Sampler::sample(const Type& type, const Recipe& recipe)
 
 std::size_t Sampler::leastSize(const Type& type)
 {
-    // Self-reference goes through lists and optional values only, which are not followed here: this ends.
+    // The recursion ends: a type refers to itself through variable-length arrays and optionals only, which can be
+    // empty and are not followed.
     if (const auto found = known.find(&type); found != known.end()) return found->second;
     std::size_t size = 4;
     switch (type.kind) {

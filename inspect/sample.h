@@ -1,4 +1,4 @@
-// Invented messages: well-formed bytes of any type, for tests, fuzzers' first inputs and people who want an example.
+// Invented messages of any type: for tests, for the seeds of fuzzing, and as examples.
 #pragma once
 
 #include <quorvapixdr/codec.h>
@@ -10,33 +10,35 @@
 
 namespace quorva::inspect {
 
+// How much an invented message holds.
 enum class Extent {
-    least,    // empty texts and lists, absent values, zeros, the smallest arm
-    random,   // by the seed
-    fullest,  // texts and lists at their maximum, present values, the largest numbers and arm, as far as the budget
-              // goes
+    least,    // empty strings and arrays, absent optionals, zeros, the shortest arm
+    random,   // chosen by the seed
+    fullest,  // strings and arrays at their maximum, optionals present, the largest numbers, the longest arm, as far as
+              // the budget allows
 };
 
-// What to invent. `budget` bounds the message in bytes, but where the type's shortest message is longer.
+// What to invent. A message has at most `budget` bytes, unless the type's shortest message is longer.
 struct Recipe {
     Extent extent = Extent::random;
     std::uint64_t seed = 0;
     std::size_t budget = 1024;
 };
 
-// Makes samples. The bytes are those that an encode pass writes for what a decode pass makes of them: zero padding,
-// narrow numbers within their range, presence 0 or 1, truth values 0 or 1, texts without zero bytes. Enumerations are
-// sometimes without a name; texts hold any other bytes; floats any bits.
-//
-// The arms of a message's first union take turns with the seed: as many seeds in a row as it has arms show them all,
-// as far as the budget goes.
-//
-// The same recipe makes the same message everywhere. An object serves one thread at a time.
+// Invents messages.
+// 1. A decode accepts the message, and an encode of the decoded object writes the same bytes: padding is zero, narrow
+//    numbers are in range, presence is 0 or 1, Boolean is 0 or 1, strings have no zero byte.
+// 2. Everything else varies: numbers without an enumerator, strings of any other bytes, floats of any bits.
+// 3. The first union of a message takes its arms in turn: as many successive seeds as it has arms give each arm once,
+//    as far as the budget allows.
+// 4. The same type and recipe give the same message on every platform.
+// A Sampler may be used by one thread at a time.
 class Sampler {
 public:
+    // Throws std::logic_error if the type contains a foreign type.
     Bytes sample(const Type& type, const Recipe& recipe);
 
-    // Length of the shortest message of the type, in bytes.
+    // Bytes of the shortest message of the type.
     std::size_t leastSize(const Type& type);
 
 private:

@@ -1,4 +1,4 @@
-// Messages and objects read by the descriptions alone.
+// The sources of a traversal that read a message or an object.
 
 #include "wire.h"
 
@@ -10,17 +10,13 @@ namespace quorva::inspect {
 
 namespace {
 
-std::string counted(std::size_t bytes)
+// "no byte", "1 byte", "2 bytes"
+std::string byteCount(std::size_t bytes)
 {
     return bytes == 1 ? "1 byte" : bytes == 0 ? "no byte" : std::to_string(bytes) + " bytes";
 }
 
-constexpr std::size_t padded(std::size_t size)
-{
-    return (size + 3) / 4 * 4;
-}
-
-// Takes numbers and bytes from a message.
+// Reads numbers and bytes from a message.
 class MessageSource {
 public:
     MessageSource(std::span<const unsigned char> from, const Path& where, const LeafSink& to)
@@ -55,11 +51,12 @@ public:
     }
 
 private:
+    // The next bytes of the message, which the traversal then has passed.
     std::span<const unsigned char> taken(std::size_t size, std::size_t withPadding)
     {
         const std::size_t left = message.size() - position;
-        if (left < size) throw Refusal{counted(left) + " left where " + std::to_string(size) + " are needed"};
-        if (left < withPadding) throw Refusal{"the message ends within the padding of " + counted(size)};
+        if (left < size) throw Refusal{byteCount(left) + " left where " + std::to_string(size) + " are needed"};
+        if (left < withPadding) throw Refusal{"the message ends within the padding of " + byteCount(size)};
         position += withPadding;
         return message.subspan(position - withPadding, withPadding);
     }
@@ -67,7 +64,7 @@ private:
     std::uint32_t unit()
     {
         const std::size_t left = message.size() - position;
-        if (left < 4) throw Refusal{counted(left) + " left where a unit of 4 is needed"};
+        if (left < 4) throw Refusal{byteCount(left) + " left where a unit of 4 is needed"};
         std::uint32_t value = 0;
         for (const unsigned char byte : taken(4, 4)) value = value << 8 | byte;
         return value;
@@ -80,6 +77,7 @@ private:
         return value;
     }
 
+    // A string in quotes, with every byte but printable ASCII as \xHH; an opaque as hex.
     static std::string shown(const Use& use, std::span<const unsigned char> bytes)
     {
         if (use.form != Form::string) return hexDigits(bytes);
@@ -99,7 +97,7 @@ private:
     std::size_t position = 0;
 };
 
-// Takes numbers from an object and counts the bytes that they would fill.
+// Reads numbers from an object and counts the bytes of its message.
 class ObjectSource {
 public:
     explicit ObjectSource(std::size_t bytes) : limit(bytes) {}
@@ -117,10 +115,10 @@ public:
     std::uint32_t length(const Use&, const std::byte* at)
     {
         const auto* text = load<const char*>(at);
-        if (!text) throw Refusal{"there is no text (a null pointer)"};
+        if (!text) throw Refusal{"the string is a null pointer"};
         const std::size_t size = std::strlen(text);
         fill(4);
-        return static_cast<std::uint32_t>(std::min<std::size_t>(size, UINT32_MAX));  // beyond any maximum as well
+        return static_cast<std::uint32_t>(std::min<std::size_t>(size, UINT32_MAX));  // still beyond every maximum
     }
 
     std::uint32_t count(const Use&, const std::byte* at)
@@ -128,7 +126,7 @@ public:
         const auto block = load<Block>(at);
         fill(4);
         if (block.count > 0 && !block.elements)
-            throw Refusal{"count " + std::to_string(block.count) + " without elements (a null pointer)"};
+            throw Refusal{"count " + std::to_string(block.count) + ", but the elements are a null pointer"};
         return block.count;
     }
 
@@ -141,9 +139,10 @@ public:
     void contents(const Use&, const std::byte*, std::uint32_t size) { fill(padded(size)); }
 
 private:
+    // Counts the bytes that the codec would write.
     void fill(std::size_t size)
     {
-        if (limit - position < size) throw Refusal{"the message is longer than the limit of " + counted(limit)};
+        if (limit - position < size) throw Refusal{"the message is longer than the limit of " + byteCount(limit)};
         position += size;
     }
 

@@ -1,4 +1,4 @@
-// Messages and objects read by the descriptions alone: why a pass over them fails, and which bytes hold what.
+// Reads messages and objects by their descriptions alone: why a pass over them fails, and what each byte holds.
 #pragma once
 
 #include "traverse.h"
@@ -14,7 +14,7 @@
 
 namespace quorva::inspect {
 
-// A stretch of a message that holds one thing: a number, a count, a length, a presence, or contents with their padding.
+// Bytes of a message that hold one thing: a number, a count, a length, a presence, or contents with their padding.
 struct Leaf {
     const Path& path;  // valid during the call only
     std::size_t offset;
@@ -22,23 +22,26 @@ struct Leaf {
     std::string text;  // for people: "AKowner (1)", "count 3", "\"Anna\""
 };
 
+// Receives the leaves of a message, in the order of its bytes.
 using LeafSink = std::function<void(const Leaf&)>;
 
+// The outcome of `readMessage`.
 struct Reading {
-    std::size_t length = 0;  // bytes that belong to the value; up to the fault if there is one
+    std::size_t length =
+        0;  // bytes that belong to the value; after a failure, the bytes before the place where it failed
     std::optional<Failure> failure;
-    bool nestsTooDeeply = false;  // the failure is this reader's own: the codec sets no bound but the stack's
+    bool nestsTooDeeply = false;  // only the inspector refuses the message: the codec's bound is the stack
 };
 
-// Reads a message as a decode pass does, and stops where that fails, but for want of memory and with `deepestNesting`.
-// Bytes behind the value are no failure. `sink`, if any, is given each leaf in the order of the message.
+// Reads a message and fails where a decode pass fails, with two differences: it never lacks memory, and it bounds the
+// nesting by `deepestNesting`. Bytes after the value are not a failure. `sink` may be empty.
 Reading readMessage(const Type& type, std::span<const unsigned char> message, const LeafSink& sink = {});
 
-// Why an encode pass over the object into a buffer of `limit` bytes fails; nothing if it does not.
+// Why an encode pass over the object into a buffer of `limit` bytes fails; nullopt if it succeeds.
 std::optional<Failure> refusalOf(const Type& type, const void* object, std::size_t limit);
 
-// "at value[2]/value/JobUnionUnion, byte 24 of 61: attribute 700 has no arm in JobUnion"; at the root just "at byte
-// ...".
+// A failure as a phrase: "at value[2]/value/JobUnionUnion, byte 24 of 61: attribute 700 has no arm in JobUnion", or
+// "at byte ..." for the outermost value. `total` is the length of the message or the buffer in bytes.
 std::string explained(const Failure& failure, std::size_t total);
 
 }  // namespace quorva::inspect

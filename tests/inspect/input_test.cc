@@ -1,4 +1,4 @@
-// Messages as text: every dress that hexadecimal digits come in, and where a text stops being one.
+// Hex, hex dumps and base64: every form that is read, and the place of each error.
 
 #include "inspect/input.h"
 
@@ -11,12 +11,12 @@ using namespace quorva::inspect;
 
 namespace {
 
-TEST(Hex, dresses)
+TEST(Hex, readsEveryForm)
 {
     const struct {
         const char* text;
         const char* digits;
-    } dresses[] = {
+    } forms[] = {
         {"", ""},
         {" \n", ""},
         {"0000000341424300", "0000000341424300"},
@@ -40,41 +40,40 @@ TEST(Hex, dresses)
         {"00000000 03\n00000001 04\n", "0304"},
         {"00000000 0000\n", "000000000000"},
     };
-    for (const auto& [text, digits] : dresses) EXPECT_EQ(hexDigits(parseHex(text)), digits) << text;
+    for (const auto& [text, digits] : forms) EXPECT_EQ(hexDigits(parseHex(text)), digits) << text;
 }
 
-TEST(Hex, faults_tell_line_and_column)
+TEST(Hex, tellsLineAndColumnOfAnError)
 {
     const struct {
-        std::string text, fault;
+        std::string text, error;
     } wrong[] = {
-        {"00 0g", "1:5: 'g' is no hexadecimal digit"},
-        {"00\n xx", "2:2: 'x' is no hexadecimal digit"},
-        {"00 \x01", "1:4: byte 0x01 is no hexadecimal digit"},
-        {"<Job>", "1:1: '<' is no hexadecimal digit"},
+        {"00 0g", "1:5: 'g' is not a hexadecimal digit"},
+        {"00\n xx", "2:2: 'x' is not a hexadecimal digit"},
+        {"00 \x01", "1:4: byte 0x01 is not a hexadecimal digit"},
         {"00 000", "1:4: an odd number of digits (3); a byte has two"},
         {"0x0", "1:3: a single digit; a byte has two"},
-        {"00000000: 00\n00000002: 00\n", "2:1: the offset does not follow from the lines before, which hold 1 bytes"},
-        {"00000000: 00\nzz\n", "2:1: a dump's line begins with its offset, and this one does not"},
-        {"00000000: 0g\n", "1:12: 'g' is no hexadecimal digit"},
-        {"00000000  00\n*\n", "2:1: no line follows the \"*\" to tell how far it reaches"},
-        {"00000000:  |..|\n*\n", "2:1: \"*\" without a line of bytes before it"},
-        {"00000100: 00\n*\n00000000:\n", "3:1: here the message grows beyond 65535 bytes, the longest there is"},
-        {"00000000  00\n*\n10000000\n", "3:1: here the message grows beyond 65535 bytes, the longest there is"},
-        {std::string(131072, '0'), "1:1: here the message grows beyond 65535 bytes, the longest there is"},
+        {"00000000: 00\n00000002: 00\n", "2:1: the offset is wrong: the lines before hold 1 byte"},
+        {"00000000: 00\nzz\n", "2:1: each line of a dump begins with its offset; this one does not"},
+        {"00000000: 0g\n", "1:12: 'g' is not a hexadecimal digit"},
+        {"00000000  00\n*\n", "2:1: no line follows \"*\" to tell how often it repeats"},
+        {"00000000:  |..|\n*\n", "2:1: \"*\" repeats the line before it, and there is none"},
+        {"00000100: 00\n*\n00000000:\n", "3:1: from here on the message is longer than 65535 bytes"},
+        {"00000000  00\n*\n10000000\n", "3:1: from here on the message is longer than 65535 bytes"},
+        {std::string(131072, '0'), "1:1: from here on the message is longer than 65535 bytes"},
     };
-    for (const auto& [text, fault] : wrong) {
+    for (const auto& [text, expected] : wrong) {
         try {
             ADD_FAILURE() << text.substr(0, 40) << " was read as " << hexDigits(parseHex(text));
-        } catch (const InputError& error) {
+        } catch (const InputError& caught) {
             const std::string told =
-                std::to_string(error.line) + ':' + std::to_string(error.column) + ": " + error.what();
-            EXPECT_EQ(told.substr(0, fault.size()), fault);
+                std::to_string(caught.line) + ':' + std::to_string(caught.column) + ": " + caught.what();
+            EXPECT_EQ(told.substr(0, expected.size()), expected);
         }
     }
 }
 
-TEST(Base64, forms_and_faults)
+TEST(Base64, readsBothAlphabetsAndRefusesOtherForms)
 {
     EXPECT_EQ(hexDigits(parseBase64("AAAAA0FC\n Q/8=\n")), "00000003414243ff");
     EXPECT_EQ(hexDigits(parseBase64("Q_-A")), hexDigits(parseBase64("Q/+A")));
@@ -83,7 +82,7 @@ TEST(Base64, forms_and_faults)
         EXPECT_THROW(parseBase64(wrong), InputError) << wrong;
 }
 
-TEST(Text, what_is_printed_is_read_back)
+TEST(Text, readsBackWhatItPrints)
 {
     Bytes bytes(200);
     std::iota(bytes.begin(), bytes.end(), static_cast<unsigned char>(0));

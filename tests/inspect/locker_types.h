@@ -1,4 +1,4 @@
-// The teaching module's descriptions, for tests of the engine.
+// The descriptions of the teaching module, which the inspector knows from the start of the program.
 #pragma once
 
 #include "tested_modules.h"

@@ -1,4 +1,4 @@
-// Names: patterns, guesses at what was meant, and declarations in words.
+// Types by name: patterns, suggestions and descriptions.
 
 #include "inspect/catalogue.h"
 #include "inspect/describe.h"
@@ -6,12 +6,19 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
+
 using namespace quorva;
 using namespace quorva::inspect;
 
 namespace {
 
-TEST(Names, patterns)
+void expectParts(const std::string& text, std::initializer_list<const char*> parts)
+{
+    for (const char* part : parts) EXPECT_NE(text.find(part), std::string::npos) << part << "\nis missing in\n" << text;
+}
+
+TEST(Names, matchPatterns)
 {
     for (const char* pattern : {"", "*", "Job*", "*seq", "J?bAVP*", "avp", "*b*v*q", "JobAVPSeq", "JobAVPSeq*"})
         EXPECT_TRUE(matches(pattern, "JobAVPSeq")) << pattern;
@@ -19,7 +26,7 @@ TEST(Names, patterns)
         EXPECT_FALSE(matches(pattern, "JobAVPSeq")) << pattern;
 }
 
-TEST(Names, guesses)
+TEST(Names, areSuggestedForSimilarOnes)
 {
     const std::string_view names[] = {"JobAVP", "JobAVPSeq", "DocumentAVP", "Boolean", "Locker"};
     EXPECT_EQ(didYouMean("jobavp", names), "; did you mean JobAVP?");
@@ -29,29 +36,25 @@ TEST(Names, guesses)
     EXPECT_EQ(didYouMean("", names), "");
 }
 
-TEST(Names, a_description_tells_all)
+TEST(Descriptions, showDocumentationMembersAndArms)
 {
     const std::string text = descriptionText(types::EventUnion, Catalogue());
-    for (const char* part :
-         {"EventUnion  union  locker.x:", "Most events say all there is to say.", "by Integer32 number\n",
-          "Provisional: numbers until the station's makers agree on them\n", "-1         string reason<65535>\n",
-          "7          AccessUnion access\n", "any other  void\n"})
-        EXPECT_NE(text.find(part), std::string::npos) << part << "\nis missing in\n" << text;
+    expectParts(text, {"EventUnion  union  locker.x:", "Most events say all there is to say.", "by Integer32 number\n",
+                       "Provisional: numbers until the station's makers agree on them\n",
+                       "-1       string reason<65535>\n", "7        AccessUnion access\n", "default  void\n"});
     EXPECT_EQ(declaration(types::Locker.members[1].use, "code"), "ShortNatural code[10]");
     EXPECT_EQ(declaration(types::Neighbour.members.front().use, ""), "Locker *");
 
     const std::string enumeration = descriptionText(types::DoorState, Catalogue());
-    for (const char* part :
-         {"enumerators\n    0    DSopen\n", "3    DSjammed   neither sensor switch is pressed\n", "255  DSunknown\n"})
-        EXPECT_NE(enumeration.find(part), std::string::npos) << part << "\nis missing in\n" << enumeration;
-    const std::string record = descriptionText(types::Locker, Catalogue());
-    for (const char* part :
-         {"fields\n    LockerId id\n", "string owner<40>", "\"\" while the door is free\n", "opaque seal[8]\n"})
-        EXPECT_NE(record.find(part), std::string::npos) << part << "\nis missing in\n" << record;
+    expectParts(enumeration, {"enumerators\n    0    DSopen\n", "3    DSjammed   neither sensor switch is pressed\n",
+                              "255  DSunknown\n"});
+    const std::string structure = descriptionText(types::Locker, Catalogue());
+    expectParts(structure,
+                {"fields\n    LockerId id\n", "string owner<40>", "\"\" while the door is free\n", "opaque seal[8]\n"});
 }
 
-// A mark at a member alone: in the description, in the list of types, and counted where the type itself is settled.
-TEST(Names, provisional_members_are_marked)
+// The mark of a member shows in the description and in the list of types; the summary counts it in settled types.
+TEST(Descriptions, markProvisionalMembers)
 {
     static constexpr Member fields[] = {{"id", {&types::LongNatural, 0, Form::single}, 0},
                                         {"colour", {&types::Natural, 0, Form::single}, 4},
@@ -82,32 +85,27 @@ TEST(Names, provisional_members_are_marked)
     addModules(known);
 
     const std::string text = descriptionText(structure, Catalogue()) + descriptionText(choice, Catalogue());
-    for (const char* part :
-         {"    LongNatural id\n", "    Natural colour  of the lamp  provisional: until the lamp is chosen\n",
-          "    Natural rest                 provisional\n", "arms by LongInteger kind\n    3   void\n",
-          "    -2  LongNatural number  provisional: its number may change\n"})
-        EXPECT_NE(text.find(part), std::string::npos) << part << "\nis missing in\n" << text;
+    expectParts(text,
+                {"    LongNatural id\n", "    Natural colour  of the lamp  provisional: until the lamp is chosen\n",
+                 "    Natural rest                 provisional\n", "arms by LongInteger kind\n    3   void\n",
+                 "    -2  LongNatural number  provisional: its number may change\n"});
 
     const std::vector<const Type*> all = typesOf(known);
     EXPECT_EQ(typesText(all),
-              "Panel   record  panels  2 provisional members\n"
+              "Panel   struct  panels  2 provisional members\n"
               "Choice  union   panels  1 provisional member\n"
-              "Draft   record  panels  provisional\n");
+              "Draft   struct  panels  provisional\n");
     EXPECT_EQ(typesJson(all)[0]["provisionalMembers"].dump(), R"(["colour","rest"])");
-    EXPECT_EQ(
-        descriptionJson(choice, Catalogue())["arms"][1].dump(),
-        R"({"cases":[-2,7],"name":"number","form":"single","type":"LongNatural","offset":4,"provisional":"its number may change"})");
+    EXPECT_EQ(descriptionJson(choice, Catalogue())["arms"][1].dump(),
+              R"({"cases":[-2,7],"name":"number","form":"single","type":"LongNatural","offset":4,)"
+              R"("provisional":"its number may change"})");
     for (const Type* type : all) EXPECT_TRUE(isProvisional(*type)) << type->name;
     EXPECT_FALSE(isProvisional(types::Locker));
-    const std::string summary = summaryText(known);
-    EXPECT_NE(
-        summary.find("layouts         2 settled, 1 provisional\nmembers         3 provisional in settled types\n"),
-        std::string::npos)
-        << summary;
+    expectParts(summaryText(known),
+                {"layouts         2 settled, 1 provisional\nmembers         3 provisional in settled types\n"});
 }
 
-// The same for programs, member by member.
-TEST(Names, a_description_as_json)
+TEST(Descriptions, holdTheSameAsJson)
 {
     const struct {
         const Type& type;
@@ -119,11 +117,12 @@ TEST(Names, a_description_as_json)
          R"({"name":"DSjammed","value":3,"doc":"neither sensor switch is pressed"})"},
         {types::DoorState, "/enumerators/0", R"({"name":"DSopen","value":0})"},
         {types::DoorState, "/leastOnWire", "4"},
-        {types::Key, "/kind", R"("bytes")"},
-        {types::Row, "/kind", R"("vector")"},
-        {types::Picture, "/kind", R"("bytes")"},
+        {types::Key, "/kind", R"("fixed-length-opaque")"},
+        {types::Row, "/kind", R"("fixed-length-array")"},
+        {types::Picture, "/kind", R"("variable-length-opaque")"},
         {types::Locker, "/fields/0", R"({"name":"id","form":"single","type":"LockerId","offset":0})"},
-        {types::Locker, "/fields/1", R"({"name":"code","form":"vector","type":"ShortNatural","number":10,"offset":4})"},
+        {types::Locker, "/fields/1",
+         R"({"name":"code","form":"fixed-length-array","type":"ShortNatural","number":10,"offset":4})"},
         {types::Locker, "/fields/3",
          R"({"name":"owner","form":"string","maximum":40,"offset":24,"doc":"\"\" while the door is free"})"},
         {types::EventUnion, "/provisional", R"("numbers until the station's makers agree on them")"},

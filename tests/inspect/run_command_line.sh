@@ -1,7 +1,9 @@
 #!/bin/sh
-# Holds the inspector, given as the only argument, to its command line: each case is a line
-# "STATUS | INPUT | WORDS | PRINTED | SAID", with the texts as printf's %b has them. PRINTED stands in what goes to
-# standard output, SAID in what goes to standard error, where nothing stands if it is empty.
+# Runs the cases of command_line.txt: run_command_line.sh INSPECTOR
+#
+# A case is a line "STATUS | INPUT | ARGUMENTS | OUTPUT | ERRORS". INPUT is the contents of standard input, OUTPUT a
+# part of standard output, ERRORS a part of standard error, which must be empty if ERRORS is. All three may have the
+# escapes of printf's %b.
 inspector=$1
 cases=$(cd "$(dirname "$0")" && pwd)/command_line.txt
 folder=$(mktemp -d)
@@ -14,25 +16,25 @@ fail() {
     failures=$((failures + 1))
 }
 
-plain() {  # TEXT with a blank at either end
+unescaped() {  # TEXT with a blank at either end
     text=${1# }
     printf '%b' "${text% }"
 }
 
-while IFS='|' read -r expected input words printed said; do
+while IFS='|' read -r expected input arguments output errors; do
     case $expected in '#'* | '') continue ;; esac
-    plain "$input" >in
-    eval "'$inspector' $words" <in >out 2>err
+    unescaped "$input" >in
+    eval "'$inspector' $arguments" <in >out 2>err
     status=$?
     out=$(tr -d '\0' <out)
     err=$(cat err)
     case $status:$out in
-    "${expected% }":*"$(plain "$printed")"*) ;;
-    *) fail "quorvaxdr$words: status $status, printed: $out" ;;
+    "${expected% }":*"$(unescaped "$output")"*) ;;
+    *) fail "quorvaxdr$arguments: status $status, output: $out" ;;
     esac
     case $err in
-    *"$(plain "$said")"*) [ -n "${said# }" ] || [ -z "$err" ] || fail "quorvaxdr$words: said: $err" ;;
-    *) fail "quorvaxdr$words: expected \"$said\", said: $err" ;;
+    *"$(unescaped "$errors")"*) [ -n "${errors# }" ] || [ -z "$err" ] || fail "quorvaxdr$arguments: errors: $err" ;;
+    *) fail "quorvaxdr$arguments: expected \"$errors\", errors: $err" ;;
     esac
 done <"$cases"
 
@@ -42,5 +44,5 @@ done <"$cases"
     echo $? >status
 } | :
 [ "$(cat status)" -eq 1 ] || fail "a closed pipe: status $(cat status)"
-echo "$failures of the command line differ"
+echo "$failures cases failed"
 [ $failures -eq 0 ]

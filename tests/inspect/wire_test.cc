@@ -1,4 +1,4 @@
-// Why passes fail, which bytes hold what, and that invented messages keep their promises.
+// Why a pass fails, which bytes hold what, and the promises of invented messages.
 
 #include "inspect/wire.h"
 #include "inspect/input.h"
@@ -15,7 +15,7 @@ using namespace quorva::inspect;
 
 namespace {
 
-TEST(Wire, failed_decodes_are_explained)
+TEST(Wire, explainsFailedDecodes)
 {
     const struct {
         const Type& type;
@@ -27,8 +27,7 @@ TEST(Wire, failed_decodes_are_explained)
         {types::Key, "0000000000", "at byte 0 of 5: 5 bytes left where 16 are needed"},
         {types::Picture, "0000000141", "at byte 4 of 5: the message ends within the padding of 1 byte"},
         {types::LockerIdSeq, "00000007", "at byte 0 of 4: count 7 is beyond the maximum 6"},
-        {types::LockerIdSeq, "00010007",
-         "at byte 0 of 4: count 7 is beyond the maximum 6 (65543, of which 16 bits hold)"},
+        {types::LockerIdSeq, "00010007", "at byte 0 of 4: count 7 is beyond the maximum 6 (the low 16 bits of 65543)"},
         {types::LockerIdSeq, "000000020000000100", "at value[1], byte 8 of 9: 1 byte left where a unit of 4 is needed"},
         {types::AccessUnion, "00000001ffffffff",
          "at AccessUnionUnion/owner, byte 4 of 8: length 4294967295 is beyond the maximum 40"},
@@ -47,7 +46,7 @@ TEST(Wire, failed_decodes_are_explained)
     }
 }
 
-TEST(Wire, failed_encodes_are_explained)
+TEST(Wire, explainsFailedEncodes)
 {
     const struct {
         const Type& type;
@@ -56,7 +55,7 @@ TEST(Wire, failed_encodes_are_explained)
         const char* explanation;
     } failures[] = {
         {types::AccessUnion, R"({"kind":1,"owner":null})", 1024,
-         "at AccessUnionUnion/owner, byte 4 of 1024: there is no text (a null pointer)"},
+         "at AccessUnionUnion/owner, byte 4 of 1024: the string is a null pointer"},
         {types::LockerIdSeq, "[1,2]", 11,
          "at value[1], byte 8 of 11: the message is longer than the limit of 11 bytes"},
         {types::Picture, R"({"hex":"414243"})", 7, "at byte 4 of 7: the message is longer than the limit of 7 bytes"},
@@ -75,12 +74,12 @@ TEST(Wire, failed_encodes_are_explained)
     } tooLong = {1, text};
     EXPECT_EQ(refusalOf(types::AccessUnion, &tooLong, 1024)->reason, "length 55 is beyond the maximum 40");
     const Counted<LongNatural> noBlock = {2, nullptr};
-    EXPECT_EQ(refusalOf(types::LockerIdSeq, &noBlock, 1024)->reason, "count 2 without elements (a null pointer)");
+    EXPECT_EQ(refusalOf(types::LockerIdSeq, &noBlock, 1024)->reason, "count 2, but the elements are a null pointer");
     const Counted<LongNatural> tooMany = {7, nullptr};
     EXPECT_TRUE(refusalOf(types::LockerIdSeq, &tooMany, 1024));
 }
 
-TEST(Wire, leaves_cover_the_message)
+TEST(Wire, findsALeafForEachByte)
 {
     std::string list;
     const Bytes message = *bytesOfDigits(
@@ -101,8 +100,8 @@ TEST(Wire, leaves_cover_the_message)
               "12+4 EventUnionUnion/access/AccessUnionUnion/owner \"A\\xe4\\x22\"\n");
 }
 
-// The inspector's reading and the codec's pass are two writings of one rule: whatever the message, they have to agree.
-TEST(Wire, agrees_with_the_codec)
+// The inspector reads by the description, the codec by its plain functions: for any message the outcome is the same.
+TEST(Wire, agreesWithTheCodec)
 {
     const Type* const all[] = {&types::AccessUnion, &types::Drive,   &types::EventUnion,   &types::LockerIdSeq,
                                &types::Neighbour,   &types::Picture, &types::StationUnion, &types::Visit};
@@ -144,8 +143,8 @@ TEST(Wire, agrees_with_the_codec)
     EXPECT_GT(failed, 400);
 }
 
-// Doors within doors: the one way to make a walk deep.
-TEST(Wire, nesting_is_bounded)
+// A Locker holds Lockers, so its messages can nest without bound.
+TEST(Wire, boundsTheNesting)
 {
     Sampler sampler;
     Bytes door = sampler.sample(types::Locker, {Extent::least, 0, 0}), message;
@@ -178,7 +177,7 @@ TEST(Wire, nesting_is_bounded)
     EXPECT_THROW(fromJson(types::Locker, many), JsonError);
 }
 
-TEST(Sample, is_as_promised)
+TEST(Sample, keepsItsPromises)
 {
     Sampler sampler;
     for (const std::size_t budget : {0u, 300u, 1024u, 60000u}) {
