@@ -3,27 +3,15 @@
 #include "catalogue.h"
 
 #include "layout.h"
+#include "support/text.h"
 
 #include <algorithm>
-#include <numeric>
 #include <optional>
 #include <utility>
 
 namespace quorva::inspect {
 
 namespace {
-
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-std::string lower(std::string_view text)
-{
-    std::string result(text);
-    std::ranges::transform(result, result.begin(), [](char c) { return lower(c); });
-    return result;
-}
 
 // Matches a whole name. A mismatch only makes the last `*` longer: a longer earlier one would not match more.
 bool matchesWhole(std::string_view pattern, std::string_view name)
@@ -43,23 +31,6 @@ bool matchesWhole(std::string_view pattern, std::string_view name)
         }
     }
     return pattern.find_first_not_of('*', p) == std::string_view::npos;
-}
-
-// The fewest letters to insert, delete, replace or swap with the next one that turn one word into the other.
-std::size_t distance(std::string_view from, std::string_view to)
-{
-    std::vector<std::size_t> rowBefore, above(to.size() + 1), row(to.size() + 1);
-    std::iota(above.begin(), above.end(), std::size_t{0});
-    for (std::size_t i = 1; i <= from.size(); ++i) {
-        row[0] = i;
-        for (std::size_t j = 1; j <= to.size(); ++j) {
-            row[j] = std::min({above[j] + 1, row[j - 1] + 1, above[j - 1] + (from[i - 1] != to[j - 1])});
-            if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1])
-                row[j] = std::min(row[j], rowBefore[j - 2] + 1);
-        }
-        rowBefore = std::exchange(above, row);
-    }
-    return above.back();
 }
 
 }  // namespace
@@ -115,19 +86,19 @@ std::string declaration(const Use& use, std::string_view name)
 
 bool matches(std::string_view pattern, std::string_view name)
 {
-    const std::string wanted = lower(pattern), given = lower(name);
+    const std::string wanted = support::lowerCase(pattern), given = support::lowerCase(name);
     return wanted.find_first_of("*?") == std::string::npos ? given.find(wanted) != std::string::npos
                                                            : matchesWhole(wanted, given);
 }
 
 std::string didYouMean(std::string_view word, std::span<const std::string_view> candidates)
 {
-    const std::string wanted = lower(word);
+    const std::string wanted = support::lowerCase(word);
     if (wanted.empty() || wanted.size() > 200) return {};
     std::vector<std::pair<std::size_t, std::string_view>> similar, containing;
     for (const std::string_view candidate : candidates) {
-        const std::string name = lower(candidate);
-        const std::size_t edits = distance(wanted, name);
+        const std::string name = support::lowerCase(candidate);
+        const std::size_t edits = support::editDistance(wanted, name);
         if (edits <= std::max<std::size_t>(1, std::min(wanted.size(), name.size()) / 3))
             similar.emplace_back(edits, candidate);
         else if (wanted.size() >= 3 && name.find(wanted) != std::string::npos)

@@ -4,6 +4,7 @@
 
 #include "layout.h"
 #include "sample.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <array>
@@ -56,14 +57,11 @@ std::string markOf(const MemberDocumentation& member)
     return *member.provisional ? "provisional: " + oneLine(member.provisional) : "provisional";
 }
 
-std::string indented(const std::string& text)
+std::string indented(std::string_view text)
 {
-    std::string lines = "  ";
-    for (const char c : text) {
-        lines += c;
-        if (c == '\n') lines += "  ";
-    }
-    return lines + '\n';
+    std::string lines;
+    for (const std::string_view line : support::linesOf(text)) lines.append("  ").append(line) += '\n';
+    return lines;
 }
 
 std::string origin(const Type& type)

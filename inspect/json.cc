@@ -5,6 +5,7 @@
 #include "catalogue.h"
 #include "input.h"
 #include "layout.h"
+#include "support/text.h"
 #include "traverse.h"
 
 #include <algorithm>
@@ -26,30 +27,6 @@ bool isPrintable(std::string_view text)
     return std::ranges::all_of(text, [](char c) { return c >= 0x20 && c < 0x7F; });
 }
 
-bool isUtf8(std::string_view text)
-{
-    for (std::size_t i = 0; i < text.size();) {
-        const auto byteAt = [&](std::size_t k) { return k < text.size() ? static_cast<unsigned char>(text[k]) : 0u; };
-        const unsigned lead = byteAt(i);
-        const std::size_t length = lead < 0x80   ? 1
-                                   : lead < 0xC2 ? 0
-                                   : lead < 0xE0 ? 2
-                                   : lead < 0xF0 ? 3
-                                   : lead < 0xF5 ? 4
-                                                 : 0;
-        if (length == 0) return false;
-        unsigned long character = length == 1 ? lead : lead & (0xFFu >> (length + 1));
-        for (std::size_t k = 1; k < length; ++k) {
-            if ((byteAt(i + k) & 0xC0) != 0x80) return false;
-            character = character << 6 | (byteAt(i + k) & 0x3F);
-        }
-        if (length == 3 && (character < 0x800 || (character >= 0xD800 && character < 0xE000))) return false;
-        if (length == 4 && (character < 0x10000 || character > 0x10FFFF)) return false;
-        i += length;
-    }
-    return true;
-}
-
 std::span<const unsigned char> bytesOf(std::string_view text)
 {
     return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
@@ -65,7 +42,7 @@ Json opaqueJson(const std::byte* at, std::size_t size)
 Json stringJson(const char* text)
 {
     if (!text) return nullptr;
-    if (isUtf8(text)) return text;
+    if (support::isUtf8(text)) return text;
     return {{"hex", hexDigits(bytesOf(text))}};
 }
 

@@ -5,6 +5,7 @@
 #include "documentation.h"
 #include "input.h"
 #include "json.h"
+#include "support/text.h"
 #include "wire.h"
 
 #include <quorvapixdr/codec.h>
@@ -70,11 +71,7 @@ void printError(const std::string& message)
 {
     std::fflush(stdout);
     std::string text;
-    for (std::size_t begin = 0; begin <= message.size();) {
-        const std::size_t end = std::min(message.find('\n', begin), message.size());
-        text += "quorvaxdr: " + message.substr(begin, end - begin) + '\n';
-        begin = end + 1;
-    }
+    for (const std::string_view line : support::linesOf(message)) text.append("quorvaxdr: ").append(line) += '\n';
     std::fwrite(text.data(), 1, text.size(), stderr);
 }
 
