@@ -1,4 +1,4 @@
-// Measures the codec with a stream class that offers the contract and nothing beyond it, beside libtirpc.
+// Measures the codec with a stream class that has only the contract's operations, and libtirpc.
 
 #include "measure.h"
 #include "own/tirpc.h"

@@ -1,7 +1,7 @@
-// Runs each measured pass for a tool that counts instructions.
+// Runs each measured pass under a tool that counts instructions.
 //
-//     instructions              every case a few times; passBoundary() is called before and after what counts
-//     instructions CASE COUNT   one case, say library/trace-decode/T, that many times: for profiles
+//     instructions              every case a few times; passBoundary() is called before and after the counted passes
+//     instructions CASE COUNT   one case, such as library/trace-decode/T, COUNT times: for profiles
 
 #include "limit.h"
 #include "passes.h"
@@ -17,7 +17,7 @@
 using namespace quorva;
 using namespace quorva::bench;
 
-// The tool knows this function by its name and takes stock at each call.
+// The tool finds this function by its name and writes its counts at each call.
 extern "C" [[gnu::noinline]] void passBoundary()
 {
     asm volatile("");
@@ -25,7 +25,7 @@ extern "C" [[gnu::noinline]] void passBoundary()
 
 namespace {
 
-constexpr unsigned long firstRuns = 3;  // they bind symbols and fill the allocator's caches
+constexpr unsigned long firstRuns = 3;  // bind symbols and fill the caches of the allocator
 constexpr unsigned long countedRuns = 20;
 
 unsigned char out[longest];

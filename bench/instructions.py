@@ -3,10 +3,10 @@
 
 usage: instructions.py PROGRAM INSIDE BASELINE [update]
 
-PROGRAM runs under valgrind, which takes stock at each boundary that it marks, so a count is that of one pass. A count
-more than 5 % above its baseline fails; one more than 5 % below is reported, so that the baseline can be refreshed with
-`update`. INSIDE is the same program with the module of one's own built as a part of the library. Beside each count the
-report has its ratio to the hand-written limit and, for the module of one's own, to the same pass inside the library.
+PROGRAM runs under valgrind, which writes its counts at each boundary that PROGRAM marks. A count more than 5 % above
+its baseline fails. One more than 5 % below it is reported, so that `update` can refresh the baseline. INSIDE is the
+same program, but the separate module is built as a part of the library. The report also has the ratio of each count to
+that of the hand-written code and, for the separate module, to that of the same pass in INSIDE.
 """
 
 import glob
@@ -16,7 +16,7 @@ import subprocess
 import sys
 import tempfile
 
-ROOM = 0.05
+TOLERANCE = 0.05
 
 
 def fail(sentence):
@@ -26,8 +26,8 @@ def fail(sentence):
 def instructions(program):
     """The instructions of one pass, by the name of the case."""
     with tempfile.TemporaryDirectory() as folder:
-        # Without an environment, so that nothing of it, such as a locale or a preloaded library, is counted, and as on
-        # a processor of the least kind, so that all processors count alike.
+        # No environment, so that a locale or a preloaded library does not count; no AVX2, so that the C library uses
+        # the same functions on all processors.
         done = subprocess.run(
             ["valgrind", "--tool=callgrind", f"--callgrind-out-file={folder}/out", "--dump-before=passBoundary",
              os.path.abspath(program)],
@@ -35,16 +35,16 @@ def instructions(program):
             capture_output=True, text=True)
         if done.returncode != 0:
             fail(f"valgrind ended with status {done.returncode}:\n{done.stdout}{done.stderr}")
-        stocks = []
+        totals = []
         for number in range(1, len(glob.glob(f"{folder}/out.*")) + 1):
             with open(f"{folder}/out.{number}", encoding="utf-8", errors="replace") as dump:
-                stocks.append(int(re.search(r"^summary: (\d+)", dump.read(), re.MULTILINE).group(1)))
+                totals.append(int(re.search(r"^summary: (\d+)", dump.read(), re.MULTILINE).group(1)))
     head, *cases = done.stdout.split("\n")[:-1]
     passes = int(head.split()[0])
-    # Each case has two boundaries, and what was counted when the second was reached are its passes.
-    if len(stocks) < 2 * len(cases):
-        fail(f"{len(stocks)} counts for {len(cases)} cases")
-    return {case: round(stocks[2 * i + 1] / passes) for i, case in enumerate(cases)}
+    # Each case has two boundaries. The count at the second one is that of its passes.
+    if len(totals) < 2 * len(cases):
+        fail(f"{len(totals)} counts for {len(cases)} cases")
+    return {case: round(totals[2 * i + 1] / passes) for i, case in enumerate(cases)}
 
 
 def main():
@@ -72,10 +72,10 @@ def main():
         before = int(known[case])
         change = count / before - 1
         verdict = ""
-        if change > ROOM:
+        if change > TOLERANCE:
             verdict = "  costs more"
             costlier += 1
-        elif change < -ROOM:
+        elif change < -TOLERANCE:
             verdict = "  costs less: the baseline may be refreshed"
         to_limit = f"{count / all_counts[case + '/limit']:.2f}"
         to_inside = f"{count / inside[case]:.2f}" if case.startswith("own/") else ""

@@ -1,4 +1,4 @@
-// The pieces that the hand-written coding of both sets of messages has in common.
+// Helpers of the hand-written encode and decode functions of both sets of messages.
 #pragma once
 
 #include <quorvapixdr/primitives.h>
@@ -11,7 +11,7 @@
 
 namespace quorva::bench::limit {
 
-static_assert(std::endian::native == std::endian::little, "the limit is written for the machines it is measured on");
+static_assert(std::endian::native == std::endian::little, "the hand-written code always swaps bytes");
 
 using Number = std::uint32_t;
 using Out = unsigned char*;       // where the next byte goes; null: refused
@@ -35,7 +35,7 @@ inline bool fits(const unsigned char* at, const unsigned char* end, std::size_t 
     return static_cast<std::size_t>(end - at) >= size;
 }
 
-// The distance that a pass went from the start of its buffer; 0 after an error.
+// The number of bytes from the start of the buffer to `at`; 0 after an error.
 template <class At>
 std::size_t lengthOf(const unsigned char* start, At at)
 {
@@ -63,7 +63,7 @@ inline Number get(In at)
     return __builtin_bswap32(number);
 }
 
-// `count` numbers of 32 bits, from the wire or to it.
+// Copies `count` numbers of 32 bits between wire and memory.
 template <class To, class From>
 void swapAll(To* to, const From* from, std::size_t count)
 {
@@ -75,7 +75,7 @@ void swapAll(To* to, const From* from, std::size_t count)
     }
 }
 
-// The elements of a counted array of numbers. The caller has checked the room.
+// Writes the elements of an array of numbers. The caller has checked the available bytes.
 template <class Array>
 Out putNumbers(Out at, const Array& array)
 {
@@ -97,11 +97,11 @@ In getNumbers(In at, In end, Number count, Array& array)
     return at + std::size_t{4} * count;
 }
 
-// A whole message that is a counted array of numbers.
+// A message that is one variable-length array of numbers.
 template <class Array>
-std::size_t encodeNumbers(const Array& array, unsigned char* buffer, std::size_t room)
+std::size_t encodeNumbers(const Array& array, unsigned char* buffer, std::size_t available)
 {
-    if (room < 4 + std::size_t{4} * array.count || (!array.elements && array.count != 0)) return 0;
+    if (available < 4 + std::size_t{4} * array.count || (!array.elements && array.count != 0)) return 0;
     return lengthOf(buffer, putNumbers(put(buffer, array.count), array));
 }
 
@@ -116,7 +116,7 @@ std::size_t decodeNumbers(Array& array, const unsigned char* message, std::size_
 
 // ---- Bytes ----------------------------------------------------------------------------------------------------------
 
-// The bytes and their padding. The last unit is cleared first.
+// Writes the bytes and their padding. Clears the last unit first.
 inline Out putBytes(Out at, const void* bytes, Number length)
 {
     if (length == 0) return at;
@@ -152,7 +152,7 @@ inline In getString(In at, In end, Number maximum, char*& string)
 
 // ---- Arrays of structs ----------------------------------------------------------------------------------------------
 
-// The count, whose room the caller has checked, and the elements, each by `putOne`.
+// Writes the count and the elements, each by `putOne`. The caller has checked the bytes of the count.
 template <auto putOne, class Array>
 Out putArray(Out at, Out end, const Array& array)
 {
@@ -163,8 +163,8 @@ Out putArray(Out at, Out end, const Array& array)
     return at;
 }
 
-// An element has at least `least` bytes on the wire. After an error the count is that of the elements that are
-// complete.
+// Reads the count and the elements, each by `getOne`, which takes at least `least` bytes. After an error the array has
+// the elements that are complete.
 template <auto getOne, class Array>
 In getArray(In at, In end, std::size_t least, Array& array)
 {

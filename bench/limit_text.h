@@ -1,5 +1,5 @@
-// The pieces that the hand-written traces of both sets of messages have in common: the text of a message is a few
-// constants around its values.
+// Helpers of the hand-written traces of both sets of messages. The trace of a message is its values and a few constants
+// around them.
 #pragma once
 
 #include <algorithm>
@@ -13,6 +13,7 @@ namespace quorva::bench::limit {
 
 // ---- Constants of known length --------------------------------------------------------------------------------------
 
+// A text of N characters, zero-terminated, that can be a template argument.
 template <std::size_t N>
 struct Constant {
     char chars[N + 1] = {};
@@ -23,6 +24,7 @@ struct Constant {
 template <std::size_t N>
 Constant(const char (&)[N]) -> Constant<N - 1>;
 
+// The texts one after the other.
 template <std::size_t... sizes>
 consteval auto joined(const Constant<sizes>&... parts)
 {
@@ -50,10 +52,13 @@ consteval auto indented()
 
 using Out = char*;  // where the next character goes; null: refused
 
-inline constexpr std::size_t anyTags = 512;  // more than the constants around one attribute or reading
-inline constexpr std::size_t anyElement =
-    160;  // more than an enumerator or number with its markers, and a copy of fixed size
+// More characters than the constants around one attribute or reading have.
+inline constexpr std::size_t anyTags = 512;
 
+// More characters than an enumerator or a number with its markers, and than a copy of fixed size.
+inline constexpr std::size_t anyElement = 160;
+
+// Writes a constant text.
 template <Constant text, std::size_t depth = 0>
 Out add(Out at)
 {
@@ -103,7 +108,7 @@ inline Out addHex(Out at, const unsigned char* bytes, std::size_t count)
     return count == 0 ? at : at - 1;
 }
 
-// A whole element of an enumerator. The copy is of fixed size, whatever its length.
+// The element of an enumerator, "<NAME>7</NAME>", in an array of fixed size: a copy of fixed size is fast.
 struct Enumerator {
     std::size_t size = 0;
     char chars[120] = {};
@@ -137,8 +142,8 @@ Out addEnumerator(Out at, const Enumerator (&table)[N], E value)
     return at + found.size;
 }
 
-// Hexadecimal bytes as the contents of an element of that depth: up to sixteen stay on the line of its tag. The caller
-// has checked the room.
+// The contents of an element of that depth as hexadecimal bytes. Up to sixteen stay on the line of the tag. The caller
+// has checked the available bytes.
 template <std::size_t depth>
 Out addHexLines(Out at, const unsigned char* bytes, std::size_t count)
 {
@@ -152,13 +157,13 @@ Out addHexLines(Out at, const unsigned char* bytes, std::size_t count)
     return add<"\n", depth>(at);
 }
 
-// The room that they need.
-constexpr std::size_t dumpRoom(std::size_t count, std::size_t depth)
+// The most characters that `addHexLines` writes.
+constexpr std::size_t hexLinesSize(std::size_t count, std::size_t depth)
 {
     return 3 * count + (count / 16 + 2) * (3 + 2 * depth);
 }
 
-// The elements of an array of enumerators or numbers whose tag has that depth.
+// Writes the elements of an array of enumerators or numbers. `depth` is that of the array.
 template <bool decoding, std::size_t depth, class T, class Add>
 Out addElements(Out at, Out end, const T* elements, std::size_t count, Add addOne)
 {
@@ -173,7 +178,8 @@ Out addElements(Out at, Out end, const T* elements, std::size_t count, Add addOn
     return at;
 }
 
-// A text as it is shown: markup and the backslash escaped. Nothing beyond ASCII is in a measured text of this kind.
+// Writes a string with markup and the backslash escaped. Refuses bytes that are not printable ASCII: no measured string
+// of this kind has one.
 inline Out addEscaped(Out at, const char* text, std::size_t length)
 {
     for (std::size_t i = 0; i < length; ++i) {
@@ -198,11 +204,11 @@ inline std::size_t lengthOf(const char* text, Out end)
     return end ? static_cast<std::size_t>(end - text) : 0;
 }
 
-// An array of structs. In a decode pass each element has a tag and depth of its own, which `addOne` is made for.
+// Writes an array of structs. In a decode pass each element has a tag of its own, so `addOne` is one level deeper.
 template <bool decoding, auto addOne, class Array>
-std::size_t traceStructs(const Array& array, char* text, std::size_t room)
+std::size_t traceStructs(const Array& array, char* text, std::size_t available)
 {
-    const Out end = text + room;
+    const Out end = text + available;
     Out at = text;
     for (std::size_t i = 0; i < array.count; ++i) {
         if (static_cast<std::size_t>(end - at) < anyElement) return 0;
@@ -216,9 +222,9 @@ std::size_t traceStructs(const Array& array, char* text, std::size_t room)
 }
 
 template <bool decoding, class Array>
-std::size_t traceNumbers(const Array& numbers, char* text, std::size_t room)
+std::size_t traceNumbers(const Array& numbers, char* text, std::size_t available)
 {
-    if (room < 32 * std::size_t{numbers.count}) return 0;
+    if (available < 32 * std::size_t{numbers.count}) return 0;
     Out at = text;
     for (std::size_t i = 0; i < numbers.count; ++i) {
         if (i > 0) *at++ = decoding ? '\n' : ' ';

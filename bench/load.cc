@@ -1,4 +1,4 @@
-// Measures how long the dynamic linker takes to load a shared library with all that it needs: load LIBRARY
+// Measures how many microseconds the dynamic linker takes to load a library and its dependencies: load LIBRARY
 
 #include <dlfcn.h>
 

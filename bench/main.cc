@@ -1,4 +1,4 @@
-// Measures the codec beside its peers: the library's own types, and those of a module that is built with it.
+// Measures the codec, the hand-written code and libtirpc: for types of the library and for those of a separate module.
 
 #include "library/tirpc.h"
 #include "limit.h"

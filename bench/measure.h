@@ -1,4 +1,4 @@
-// Registers measurements, and ends the program where one cannot be made.
+// Registers measurements. A measurement that cannot be made ends the program.
 #pragma once
 
 #include "passes.h"
@@ -15,14 +15,15 @@
 
 namespace quorva::bench {
 
+// Prints the message and ends the program.
 [[noreturn]] inline void die(const std::string& sentence)
 {
     std::fprintf(stderr, "bench: %s\n", sentence.c_str());
     std::exit(1);
 }
 
-// Registers a measurement of `action`, which returns the number of bytes that it codes, after one run that has to code
-// `length` bytes.
+// Registers a measurement of `action`, which returns the number of bytes that it codes. Runs it once first: it must
+// code `length` bytes.
 template <class Action>
 void measure(const std::string& name, std::size_t length, Action action)
 {
@@ -34,7 +35,7 @@ void measure(const std::string& name, std::size_t length, Action action)
 
 inline unsigned char out[longest];  // every encode pass writes here
 
-// Registers a measurement of `action`, an encode pass to `out` that has to write the bytes of `wire`.
+// Registers a measurement of `action`, an encode pass to `out` that must write the bytes of `wire`.
 template <class Action>
 void measureEncode(const std::string& name, const std::vector<unsigned char>& wire, Action action)
 {
@@ -67,7 +68,7 @@ std::vector<unsigned char>& measureCodec(const std::string& set, const std::stri
     return wire;
 }
 
-// Runs what is registered, as the arguments of the program say. Returns its status.
+// Runs the registered measurements as the arguments say. Returns the exit status of the program.
 inline int run(int count, char** arguments)
 {
     ::benchmark::Initialize(&count, arguments);

@@ -1,4 +1,4 @@
-// A trace as it is usually written: snprintf for each value, and a string that everything is appended to.
+// The naive trace: one snprintf for each value, and a string to append to.
 #pragma once
 
 #include <cstdint>
@@ -8,6 +8,7 @@
 
 namespace quorva::bench::naive {
 
+// Builds the text that the codec's trace has for the same calls. Does not refuse anything.
 class Trace {
 public:
     Trace(std::string& out, bool inDecode) : decoding(inDecode), text(out) {}
@@ -90,7 +91,7 @@ public:
         if (lines) line();
         end(tag);
     }
-    // The elements of an array; `show` adds one.
+    // The elements of an array. `show` adds one of them.
     template <class T, class Show>
     void elements(const T* first, std::size_t count, Show show)
     {

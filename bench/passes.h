@@ -1,5 +1,4 @@
-// Passes of the codec over an object, run as a caller runs them: a stream on the stack, one call of the exported
-// routine.
+// Passes of the codec as a caller runs them: a stream on the stack, one call of the exported routine.
 #pragma once
 
 #include <quorvapixdr/primitives.h>
@@ -12,7 +11,7 @@ namespace quorva::bench {
 
 inline constexpr std::size_t longest = 1024;  // bytes of any measured message
 
-// What a pass attaches to its stream: nothing, or the sink of its trace, which is cleared first.
+// What a pass attaches to its stream: no trace, or a sink, which is cleared first.
 struct NoTrace {
     void operator()(Xdr&) const {}
 };
@@ -25,7 +24,7 @@ auto traced(Sink& sink)
     };
 }
 
-// Returns the number of bytes written to `buffer`, which has room for `longest`; 0 after an error.
+// Returns the number of bytes written to `buffer`, which holds `longest` bytes; 0 after an error.
 template <class T, class Attach = NoTrace>
 std::size_t encodePass(XdrRoutine routine, T& object, unsigned char* buffer, Attach attach = {})
 {

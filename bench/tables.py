@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Prints the tables of a benchmark run, as Markdown: tables.py BUILD_FOLDER LOAD_TIME MEASUREMENTS...
 
-MEASUREMENTS are what the benchmarks wrote as JSON, LOAD_TIME the microseconds that loading the library takes,
-BUILD_FOLDER the tree that they were built in. A time is the median of the repetitions, in processor time of the thread.
-The last table repeats the ratios of the others.
+MEASUREMENTS are the JSON files of the benchmark programs, LOAD_TIME the microseconds to load the library, BUILD_FOLDER
+the build tree of the programs. A time is the median of the repetitions, in processor time of the thread. The last table
+repeats the ratios of the others.
 """
 
 import json
@@ -64,7 +64,7 @@ def main():
         sys.exit(__doc__)
     folder, load_time, *files = sys.argv[1:]
     contents = [open(file, encoding="utf-8").read() for file in files]
-    runs = [json.loads(content) for content in contents if content]  # a filter may leave a program without measurements
+    runs = [json.loads(content) for content in contents if content]  # a program without a matching case writes nothing
     if not runs:
         sys.exit("tables: no measurements")
     samples = {}
@@ -74,7 +74,7 @@ def main():
     times = {name: statistics.median(all_times) for name, all_times in samples.items()}
 
     def ratio(name, peer):
-        """The codec's time in times of the limit's; another peer's time in times of the codec's."""
+        """The codec's time divided by the limit's; for another peer, its time divided by the codec's."""
         codec, other = (times.get(f"{name}/{who}") for who in ("codec", peer))
         if not codec or not other:
             return "-"

@@ -1,4 +1,4 @@
-// Passes of libtirpc over the same messages: the routines that rpcgen makes of the same interface files.
+// Passes of libtirpc over the same messages, with routines that rpcgen generates from the same interface files.
 #pragma once
 
 #include <rpc/rpc.h>
@@ -12,10 +12,10 @@ using TirpcRoutine = bool_t (*)(XDR*, P*);
 
 // Returns the number of bytes written; 0 after an error.
 template <class P>
-std::size_t tirpcEncode(TirpcRoutine<P> routine, P& object, unsigned char* buffer, std::size_t room)
+std::size_t tirpcEncode(TirpcRoutine<P> routine, P& object, unsigned char* buffer, std::size_t available)
 {
     XDR xdrs;
-    xdrmem_create(&xdrs, reinterpret_cast<char*>(buffer), static_cast<u_int>(room), XDR_ENCODE);
+    xdrmem_create(&xdrs, reinterpret_cast<char*>(buffer), static_cast<u_int>(available), XDR_ENCODE);
     return routine(&xdrs, &object) ? xdr_getpos(&xdrs) : 0;
 }
 
@@ -28,7 +28,7 @@ std::size_t tirpcDecode(TirpcRoutine<P> routine, P& object, unsigned char* messa
     return routine(&xdrs, &object) ? xdr_getpos(&xdrs) : 0;
 }
 
-// The same into an object of its own, which is released.
+// Decodes into a new object and releases it. Returns the number of bytes read; 0 after an error.
 template <class P>
 std::size_t tirpcDecode(TirpcRoutine<P> routine, unsigned char* message, std::size_t length)
 {

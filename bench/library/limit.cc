@@ -1,4 +1,4 @@
-// The hand-written coding of the library's messages.
+// Hand-written encode and decode functions of the library's messages.
 
 #include "../limit.h"
 #include "../limit_coding.h"
@@ -9,14 +9,14 @@ namespace {
 
 // ---- Encode ---------------------------------------------------------------------------------------------------------
 
-// An attribute's number, twice, in front of its value.
+// Writes the attribute's number twice, before the value.
 Out putHead(Out at, const JobAVP& attribute)
 {
     return put(at, attribute.id, attribute.value.attribute);
 }
 
-template <class Text>
-Out putText(Out at, Out end, const JobAVP& attribute, const Text& text, Number maximum)
+template <class Encoded>
+Out putEncoded(Out at, Out end, const JobAVP& attribute, const Encoded& text, Number maximum)
 {
     const Number count = text.bytes.count;
     if (count > maximum || !fits(at, end, 16 + padded(count)) || (!text.bytes.elements && count != 0)) return nullptr;
@@ -39,7 +39,7 @@ Out putAttribute(Out at, Out end, const JobAVP& attribute)
         if (!reasons.elements && reasons.count != 0) return nullptr;
         return putNumbers(put(putHead(at, attribute), unitOf(value.jobState.dpaJobState), reasons.count), reasons);
     }
-    case 15: return putText(at, end, attribute, value.jobOwner, 256);
+    case 15: return putEncoded(at, end, attribute, value.jobOwner, 256);
     case 50: return number(value.quantity);
     case 59: return number(value.jobHold);
     case 70: {
@@ -49,14 +49,14 @@ Out putAttribute(Out at, Out end, const JobAVP& attribute)
         return putBytes(put(putHead(at, attribute), static_cast<Number>(length)), value.pinNumber,
                         static_cast<Number>(length));
     }
-    case 77: return putText(at, end, attribute, value.jobName, 256);
+    case 77: return putEncoded(at, end, attribute, value.jobName, 256);
     case 100: return number(value.jobPriority);
     case 104: return number(value.jobSubmissionTime);
     case 106: return number(value.numberOfOriginalImages);
     case 192:
         if (!fits(at, end, 16)) return nullptr;
         return put(putHead(at, attribute), value.setscompleted.setsCompleted, value.setscompleted.setsRequested);
-    case 244: return putText(at, end, attribute, value.jobMessageToOperator, 40);
+    case 244: return putEncoded(at, end, attribute, value.jobMessageToOperator, 40);
     case 246: {
         if (!fits(at, end, 52)) return nullptr;
         const SecurePrintParams& secure = value.securePrintSetting;
@@ -64,23 +64,23 @@ Out putAttribute(Out at, Out end, const JobAVP& attribute)
         for (const IDCode code : secure.idCode) at = put(at, static_cast<std::uint8_t>(code));
         return at;
     }
-    case 1035: return putText(at, end, attribute, value.folderName, 256);
-    case 1036: return putText(at, end, attribute, value.folderOwnerName, 256);
+    case 1035: return putEncoded(at, end, attribute, value.folderName, 256);
+    case 1036: return putEncoded(at, end, attribute, value.folderOwnerName, 256);
     case 1069: {
         const JobSourceSeq& sources = value.jobSourceSeq;
         if (!fits(at, end, 12 + std::size_t{4} * sources.count) || (!sources.elements && sources.count != 0))
             return nullptr;
         return putNumbers(put(putHead(at, attribute), sources.count), sources);
     }
-    case 1073: return putText(at, end, attribute, value.fileName, 256);
+    case 1073: return putEncoded(at, end, attribute, value.fileName, 256);
     default: return nullptr;
     }
 }
 
 // ---- Decode ---------------------------------------------------------------------------------------------------------
 
-template <class Text>
-In getText(In at, In end, Text& text, Number maximum)
+template <class Encoded>
+In getEncoded(In at, In end, Encoded& text, Number maximum)
 {
     if (!fits(at, end, 8)) return nullptr;
     text.encoding = static_cast<StringEncoding>(get(at));
@@ -113,16 +113,16 @@ In getAttribute(In at, In end, JobAVP& attribute)
         value.jobState.dpaJobState = DPAJobState::JSheld;
         return getNumbers(at + 8, end, count, value.jobState.jobHeldReason);
     }
-    case 15: return getText(at, end, value.jobOwner, 256);
+    case 15: return getEncoded(at, end, value.jobOwner, 256);
     case 50: return number(value.quantity);
     case 59: value.jobHold = static_cast<Boolean>(get(at)); return at + 4;
     case 70: return getString(at, end, 12, value.pinNumber);
-    case 77: return getText(at, end, value.jobName, 256);
+    case 77: return getEncoded(at, end, value.jobName, 256);
     case 100: return number(value.jobPriority);
     case 104: return number(value.jobSubmissionTime);
     case 106: return number(value.numberOfOriginalImages);
     case 192: return pair(value.setscompleted.setsCompleted, value.setscompleted.setsRequested);
-    case 244: return getText(at, end, value.jobMessageToOperator, 40);
+    case 244: return getEncoded(at, end, value.jobMessageToOperator, 40);
     case 246: {
         if (!fits(at, end, 44)) return nullptr;
         SecurePrintParams& secure = value.securePrintSetting;
@@ -130,13 +130,13 @@ In getAttribute(In at, In end, JobAVP& attribute)
         for (IDCode& code : secure.idCode) code = static_cast<IDCode>(get(at += 4));
         return at + 4;
     }
-    case 1035: return getText(at, end, value.folderName, 256);
-    case 1036: return getText(at, end, value.folderOwnerName, 256);
+    case 1035: return getEncoded(at, end, value.folderName, 256);
+    case 1036: return getEncoded(at, end, value.folderOwnerName, 256);
     case 1069: {
         const Number count = get(at);
         return count > most ? nullptr : getNumbers(at + 4, end, count, value.jobSourceSeq);
     }
-    case 1073: return getText(at, end, value.fileName, 256);
+    case 1073: return getEncoded(at, end, value.fileName, 256);
     default: return nullptr;
     }
 }
@@ -145,9 +145,9 @@ In getAttribute(In at, In end, JobAVP& attribute)
 
 // ---- The messages ---------------------------------------------------------------------------------------------------
 
-std::size_t encode(const JobAVPSeq& value, unsigned char* buffer, std::size_t room)
+std::size_t encode(const JobAVPSeq& value, unsigned char* buffer, std::size_t available)
 {
-    return room < 4 ? 0 : lengthOf(buffer, putArray<putAttribute>(buffer, buffer + room, value));
+    return available < 4 ? 0 : lengthOf(buffer, putArray<putAttribute>(buffer, buffer + available, value));
 }
 
 std::size_t decode(JobAVPSeq& value, const unsigned char* message, std::size_t length)
@@ -176,11 +176,11 @@ void release(JobAVPSeq& attributes)
     delete[] attributes.elements;
 }
 
-std::size_t encode(const JobAttNotifyParams& value, unsigned char* buffer, std::size_t room)
+std::size_t encode(const JobAttNotifyParams& value, unsigned char* buffer, std::size_t available)
 {
-    if (room < 12) return 0;
+    if (available < 12) return 0;
     const Out at = put(buffer, value.jobId.service, value.jobId.job);
-    return lengthOf(buffer, putArray<putAttribute>(at, buffer + room, value.eventData));
+    return lengthOf(buffer, putArray<putAttribute>(at, buffer + available, value.eventData));
 }
 
 std::size_t decode(JobAttNotifyParams& value, const unsigned char* message, std::size_t length)
@@ -197,9 +197,9 @@ void release(JobAttNotifyParams& value)
     release(value.eventData);
 }
 
-std::size_t encode(const AttributeSeq& value, unsigned char* buffer, std::size_t room)
+std::size_t encode(const AttributeSeq& value, unsigned char* buffer, std::size_t available)
 {
-    return encodeNumbers(value, buffer, room);
+    return encodeNumbers(value, buffer, available);
 }
 
 std::size_t decode(AttributeSeq& value, const unsigned char* message, std::size_t length)

@@ -1,4 +1,4 @@
-// The hand-written traces of the library's messages.
+// Hand-written traces of the library's messages.
 
 #include "../limit.h"
 #include "../limit_text.h"
@@ -31,7 +31,7 @@ constexpr Enumerator heldReasons[] = {{"JHRsecurePrinting", 0},
                                       {"JHRmarkResourceRequiredPrintOnAlternativeAvailable", 17}};
 
 // ---- One attribute --------------------------------------------------------------------------------------------------
-// `depth` is that of the attribute; a decode pass shows each element of an array on lines of its own.
+// `depth` is that of the attribute; in a decode pass each element of an array is on its own line.
 
 template <Constant number, Constant tag, std::size_t depth>
 Out openValue(Out at)
@@ -63,11 +63,11 @@ Out addPair(Out at, std::uint32_t first, std::uint32_t second)
     return closeValue<tag, depth>(at);
 }
 
-template <Constant number, Constant tag, std::size_t depth, class Text>
-Out addText(Out at, Out end, const Text& text)
+template <Constant number, Constant tag, std::size_t depth, class Encoded>
+Out addEncoded(Out at, Out end, const Encoded& text)
 {
     const std::size_t count = text.bytes.count;
-    if (static_cast<std::size_t>(end - at) < anyTags + dumpRoom(count, depth + 3)) return nullptr;
+    if (static_cast<std::size_t>(end - at) < anyTags + hexLinesSize(count, depth + 3)) return nullptr;
     at = add<"\n      <encoding>", depth>(openValue<number, tag, depth>(at));
     if (!(at = addEnumerator(at, encodings, text.encoding))) return nullptr;
     at = addHexLines<depth + 3>(add<"</encoding>\n      <bytes>", depth>(at), text.bytes.elements, count);
@@ -95,7 +95,7 @@ Out addAttribute(Out at, Out end, const JobAVP& attribute)
         if (!at) return nullptr;
         return closeValue<"jobState", depth>(add<"</jobHeldReason>\n      </JobStateUnion>\n    ", depth>(at));
     }
-    case 15: return addText<"15", "jobOwner", depth>(at, end, value.jobOwner);
+    case 15: return addEncoded<"15", "jobOwner", depth>(at, end, value.jobOwner);
     case 50: return addPlain<"50", "quantity", depth>(at, value.quantity);
     case 59:
         at = openValue<"59", "jobHold", depth>(at);
@@ -106,14 +106,14 @@ Out addAttribute(Out at, Out end, const JobAVP& attribute)
         at = addEscaped(openValue<"70", "pinNumber", depth>(at), value.pinNumber, length);
         return at ? closeValue<"pinNumber", depth>(at) : nullptr;
     }
-    case 77: return addText<"77", "jobName", depth>(at, end, value.jobName);
+    case 77: return addEncoded<"77", "jobName", depth>(at, end, value.jobName);
     case 100: return addPlain<"100", "jobPriority", depth>(at, value.jobPriority);
     case 104: return addPlain<"104", "jobSubmissionTime", depth>(at, value.jobSubmissionTime);
     case 106: return addPlain<"106", "numberOfOriginalImages", depth>(at, value.numberOfOriginalImages);
     case 192:
         return addPair<"192", "setscompleted", "setsCompleted", "setsRequested", depth>(
             at, value.setscompleted.setsCompleted, value.setscompleted.setsRequested);
-    case 244: return addText<"244", "jobMessageToOperator", depth>(at, end, value.jobMessageToOperator);
+    case 244: return addEncoded<"244", "jobMessageToOperator", depth>(at, end, value.jobMessageToOperator);
     case 246: {
         const SecurePrintParams& secure = value.securePrintSetting;
         at = add<"\n      <secure>", depth>(openValue<"246", "securePrintSetting", depth>(at));
@@ -124,38 +124,38 @@ Out addAttribute(Out at, Out end, const JobAVP& attribute)
         });
         return at ? closeValue<"securePrintSetting", depth>(add<"</idCode>\n    ", depth>(at)) : nullptr;
     }
-    case 1035: return addText<"1035", "folderName", depth>(at, end, value.folderName);
-    case 1036: return addText<"1036", "folderOwnerName", depth>(at, end, value.folderOwnerName);
+    case 1035: return addEncoded<"1035", "folderName", depth>(at, end, value.folderName);
+    case 1036: return addEncoded<"1036", "folderOwnerName", depth>(at, end, value.folderOwnerName);
     case 1069:
         at = openValue<"1069", "jobSourceSeq", depth>(at);
         at = addElements<decoding, depth + 2>(
             at, end, value.jobSourceSeq.elements, value.jobSourceSeq.count,
             [](Out out, JobSource source, std::size_t) { return addEnumerator(out, sources, source); });
         return at ? closeValue<"jobSourceSeq", depth>(at) : nullptr;
-    case 1073: return addText<"1073", "fileName", depth>(at, end, value.fileName);
+    case 1073: return addEncoded<"1073", "fileName", depth>(at, end, value.fileName);
     default: return nullptr;
     }
 }
 
 }  // namespace
 
-std::size_t trace(const JobAttNotifyParams& value, bool, char* text, std::size_t room)
+std::size_t trace(const JobAttNotifyParams& value, bool, char* text, std::size_t available)
 {
-    if (room < anyTags || value.eventData.count != 0) return 0;
+    if (available < anyTags || value.eventData.count != 0) return 0;
     Out at = addNumber(add<"<jobId>\n  <service>">(text), value.jobId.service);
     at = addNumber(add<"</service>\n  <job>">(at), value.jobId.job);
     return lengthOf(text, add<"</job>\n</jobId>\n<eventData></eventData>">(at));
 }
 
-std::size_t trace(const JobAVPSeq& value, bool decoding, char* text, std::size_t room)
+std::size_t trace(const JobAVPSeq& value, bool decoding, char* text, std::size_t available)
 {
-    return decoding ? traceStructs<true, addAttribute<true, 1>>(value, text, room)
-                    : traceStructs<false, addAttribute<false, 0>>(value, text, room);
+    return decoding ? traceStructs<true, addAttribute<true, 1>>(value, text, available)
+                    : traceStructs<false, addAttribute<false, 0>>(value, text, available);
 }
 
-std::size_t trace(const AttributeSeq& value, bool decoding, char* text, std::size_t room)
+std::size_t trace(const AttributeSeq& value, bool decoding, char* text, std::size_t available)
 {
-    return decoding ? traceNumbers<true>(value, text, room) : traceNumbers<false>(value, text, room);
+    return decoding ? traceNumbers<true>(value, text, available) : traceNumbers<false>(value, text, available);
 }
 
 }  // namespace quorva::bench::limit

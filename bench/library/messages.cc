@@ -12,7 +12,7 @@ Counted<unsigned char> Messages::text(std::string contents)
     return {static_cast<std::uint16_t>(kept.size()), reinterpret_cast<unsigned char*>(kept.data())};
 }
 
-// The attribute with that number and the value that a job of 14 pages and 12 copies has for it.
+// An attribute of a job of 14 pages and 12 copies.
 JobAVP Messages::attribute(AttributeId number)
 {
     JobAVP made;
@@ -64,13 +64,12 @@ Messages::Messages()
 
     small = {{5, 231}, {0, nullptr}};
 
-    // Enumerators are numbers on the wire, and the array of 1069 is the only one of numbers that a job's attributes
-    // hold.
+    // Of a job's attributes only 1069 is an array of numbers; its enumerators are numbers on the wire.
     for (const AttributeId number : {8u, 13u, 15u, 50u, 59u, 77u, 100u, 104u, 106u, 192u, 246u, 1069u})
         typicalAttributes.push_back(attribute(number));
     typical = sequence(typicalAttributes);
 
-    // Three texts, then a number, and so on: 44 attributes in 1000 bytes.
+    // Three strings, then a number, and so on: 44 attributes in 1000 bytes.
     const AttributeId cycle[] = {1035, 244, 70, 106, 1036, 1073, 77, 104, 70, 244, 1036, 50};
     unsigned char buffer[longest];
     std::size_t size = 4;

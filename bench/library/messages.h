@@ -1,4 +1,4 @@
-// The measured messages of the library's own types: what a print job looks like to a client, in four sizes.
+// The measured messages of the library's types: a print job as a client sees it, in four sizes.
 #pragma once
 
 #include <quorvapixdr/types/common/status.h>
@@ -11,7 +11,7 @@
 
 namespace quorva::bench::library {
 
-// The objects, and all storage that they point to. They are encoded, never released.
+// Owns the objects and everything that they point to. No release pass runs over them.
 class Messages {
 public:
     Messages();
@@ -19,11 +19,11 @@ public:
     Messages& operator=(const Messages&) = delete;
 
     JobAVPSeq typical;         // T: twelve attributes of a job, one of them an array of 58 numbers
-    JobAVPSeq many;            // L: as many attributes as fit in 1000 bytes, most of them short texts
+    JobAVPSeq many;            // L: as many attributes as fit in 1000 bytes, most of them short strings
     AttributeSeq numbers;      // B: an array of 240 numbers
-    JobAttNotifyParams small;  // S: a job's two numbers and an empty list
+    JobAttNotifyParams small;  // S: a job's two numbers and an empty array
 
-    // Calls visit(letter, object, routine) for each.
+    // Calls visit(letter, object, routine) for each message.
     template <class Visit>
     void each(Visit visit)
     {

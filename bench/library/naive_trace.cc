@@ -7,8 +7,8 @@ namespace quorva::bench::naive {
 
 namespace {
 
-template <class Text>
-void addText(Trace& trace, const char* tag, const Text& value)
+template <class Encoded>
+void addEncoded(Trace& trace, const char* tag, const Encoded& value)
 {
     trace.open(tag);
     trace.enumeration("encoding", value.encoding, StringEncodingString);
@@ -42,11 +42,11 @@ void add(Trace& trace, const JobAVP& attribute)
         trace.close("jobState");
         break;
     }
-    case 15: addText(trace, "jobOwner", value.jobOwner); break;
+    case 15: addEncoded(trace, "jobOwner", value.jobOwner); break;
     case 50: trace.field("quantity", value.quantity); break;
     case 59: trace.truth("jobHold", value.jobHold); break;
     case 70: trace.string("pinNumber", value.pinNumber); break;
-    case 77: addText(trace, "jobName", value.jobName); break;
+    case 77: addEncoded(trace, "jobName", value.jobName); break;
     case 100: trace.field("jobPriority", value.jobPriority); break;
     case 104: trace.field("jobSubmissionTime", value.jobSubmissionTime); break;
     case 106: trace.field("numberOfOriginalImages", value.numberOfOriginalImages); break;
@@ -56,7 +56,7 @@ void add(Trace& trace, const JobAVP& attribute)
         trace.field("setsRequested", value.setscompleted.setsRequested);
         trace.close("setscompleted");
         break;
-    case 244: addText(trace, "jobMessageToOperator", value.jobMessageToOperator); break;
+    case 244: addEncoded(trace, "jobMessageToOperator", value.jobMessageToOperator); break;
     case 246:
         trace.open("securePrintSetting");
         trace.truth("secure", value.securePrintSetting.secure);
@@ -64,13 +64,13 @@ void add(Trace& trace, const JobAVP& attribute)
                     [&](IDCode code, std::size_t i) { trace.number(static_cast<std::uint8_t>(code), i); });
         trace.close("securePrintSetting");
         break;
-    case 1035: addText(trace, "folderName", value.folderName); break;
-    case 1036: addText(trace, "folderOwnerName", value.folderOwnerName); break;
+    case 1035: addEncoded(trace, "folderName", value.folderName); break;
+    case 1036: addEncoded(trace, "folderOwnerName", value.folderOwnerName); break;
     case 1069:
         trace.array("jobSourceSeq", value.jobSourceSeq.elements, value.jobSourceSeq.count,
                     [&](JobSource source, std::size_t) { trace.enumerator(source, JobSourceString); });
         break;
-    case 1073: addText(trace, "fileName", value.fileName); break;
+    case 1073: addEncoded(trace, "fileName", value.fileName); break;
     default: break;
     }
     trace.close("JobUnionUnion");
@@ -87,7 +87,7 @@ void trace(const JobAttNotifyParams& value, bool decoding, std::string& text)
     trace.field("service", value.jobId.service);
     trace.field("job", value.jobId.job);
     trace.close("jobId");
-    trace.string("eventData", "");  // the list of the measured message is empty
+    trace.string("eventData", "");  // the array of the measured message is empty
 }
 
 void trace(const JobAVPSeq& value, bool decoding, std::string& text)

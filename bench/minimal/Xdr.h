@@ -1,4 +1,4 @@
-// A stream class that offers the contract and nothing beyond it, and collects no trace.
+// A stream class that has only the contract's operations and collects no trace.
 #pragma once
 
 #include <cstdint>

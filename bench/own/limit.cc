@@ -1,4 +1,4 @@
-// The hand-written coding of the messages of network.x.
+// Hand-written encode and decode functions of the messages of network.x.
 
 #include "../limit.h"
 #include "../limit_coding.h"
@@ -9,7 +9,7 @@ namespace {
 
 // ---- Encode ---------------------------------------------------------------------------------------------------------
 
-// The sensor's number and the quantity in front of a value.
+// Writes the sensor's number and the quantity, before the value.
 Out putHead(Out at, const Reading& reading)
 {
     return put(at, reading.sensor, reading.value.quantity);
@@ -70,7 +70,7 @@ Out putNode(Out at, Out end, const Node& node)
 // ---- Decode ---------------------------------------------------------------------------------------------------------
 
 constexpr std::size_t leastReading = 12;  // two numbers, and a value of at least one unit
-constexpr std::size_t leastNode = 16;     // four units, where the string and the opaque bytes are empty
+constexpr std::size_t leastNode = 16;     // four units, with an empty string and an empty opaque
 
 In getReading(In at, In end, Reading& reading)
 {
@@ -130,9 +130,9 @@ In getNode(In at, In end, Node& node)
 
 // ---- The messages ---------------------------------------------------------------------------------------------------
 
-std::size_t encode(const ReadingSeq& value, unsigned char* buffer, std::size_t room)
+std::size_t encode(const ReadingSeq& value, unsigned char* buffer, std::size_t available)
 {
-    return room < 4 ? 0 : lengthOf(buffer, putArray<putReading>(buffer, buffer + room, value));
+    return available < 4 ? 0 : lengthOf(buffer, putArray<putReading>(buffer, buffer + available, value));
 }
 
 std::size_t decode(ReadingSeq& value, const unsigned char* message, std::size_t length)
@@ -155,9 +155,9 @@ void release(ReadingSeq& readings)
     delete[] readings.elements;
 }
 
-std::size_t encode(const NodeSeq& value, unsigned char* buffer, std::size_t room)
+std::size_t encode(const NodeSeq& value, unsigned char* buffer, std::size_t available)
 {
-    return room < 4 ? 0 : lengthOf(buffer, putArray<putNode>(buffer, buffer + room, value));
+    return available < 4 ? 0 : lengthOf(buffer, putArray<putNode>(buffer, buffer + available, value));
 }
 
 std::size_t decode(NodeSeq& value, const unsigned char* message, std::size_t length)
@@ -175,11 +175,11 @@ void release(NodeSeq& nodes)
     delete[] nodes.elements;
 }
 
-std::size_t encode(const StationReport& value, unsigned char* buffer, std::size_t room)
+std::size_t encode(const StationReport& value, unsigned char* buffer, std::size_t available)
 {
-    if (room < 12) return 0;
+    if (available < 12) return 0;
     const Out at = put(buffer, value.station, value.sequence);
-    return lengthOf(buffer, putArray<putReading>(at, buffer + room, value.readings));
+    return lengthOf(buffer, putArray<putReading>(at, buffer + available, value.readings));
 }
 
 std::size_t decode(StationReport& value, const unsigned char* message, std::size_t length)
@@ -196,9 +196,9 @@ void release(StationReport& value)
     release(value.readings);
 }
 
-std::size_t encode(const SampleSeq& value, unsigned char* buffer, std::size_t room)
+std::size_t encode(const SampleSeq& value, unsigned char* buffer, std::size_t available)
 {
-    return encodeNumbers(value, buffer, room);
+    return encodeNumbers(value, buffer, available);
 }
 
 std::size_t decode(SampleSeq& value, const unsigned char* message, std::size_t length)

@@ -1,4 +1,4 @@
-// The hand-written traces of the messages of network.x.
+// Hand-written traces of the messages of network.x.
 
 #include "../limit.h"
 #include "../limit_text.h"
@@ -11,7 +11,7 @@ constexpr Enumerator states[] = {{"SensorIdle", 0},   {"SensorSampling", 1}, {"S
                                  {"SensorAsleep", 3}, {"SensorFaulty", 4},   {"SensorCharging", 5}};
 
 // ---- Readings -------------------------------------------------------------------------------------------------------
-// `depth` is that of the reading; a decode pass shows each element of an array on lines of its own.
+// `depth` is that of the reading; in a decode pass each element of an array is on its own line.
 
 template <Constant quantity, Constant tag, std::size_t depth>
 Out openValue(Out at)
@@ -79,7 +79,8 @@ Out addReading(Out at, Out end, const Reading& reading)
         return at ? closeValue<"remark", depth>(at) : nullptr;
     }
     case 13:
-        if (static_cast<std::size_t>(end - at) < anyTags + dumpRoom(value.signature.count, depth + 2)) return nullptr;
+        if (static_cast<std::size_t>(end - at) < anyTags + hexLinesSize(value.signature.count, depth + 2))
+            return nullptr;
         at = openValue<"13", "signature", depth>(at);
         return closeValue<"signature", depth>(
             addHexLines<depth + 2>(at, value.signature.elements, value.signature.count));
@@ -93,7 +94,8 @@ template <std::size_t depth>
 Out addNode(Out at, Out end, const Node& node)
 {
     const std::size_t length = std::strlen(node.name);
-    if (static_cast<std::size_t>(end - at) < anyTags + 5 * length + dumpRoom(node.address.count, depth)) return nullptr;
+    if (static_cast<std::size_t>(end - at) < anyTags + 5 * length + hexLinesSize(node.address.count, depth))
+        return nullptr;
     at = add<"</number>\n<name>", depth>(addNumber(add<"<number>">(at), node.number));
     at = addEscaped(at, node.name, length);
     if (!at) return nullptr;
@@ -104,26 +106,26 @@ Out addNode(Out at, Out end, const Node& node)
 
 }  // namespace
 
-std::size_t trace(const ReadingSeq& value, bool decoding, char* text, std::size_t room)
+std::size_t trace(const ReadingSeq& value, bool decoding, char* text, std::size_t available)
 {
-    return decoding ? traceStructs<true, addReading<true, 1>>(value, text, room)
-                    : traceStructs<false, addReading<false, 0>>(value, text, room);
+    return decoding ? traceStructs<true, addReading<true, 1>>(value, text, available)
+                    : traceStructs<false, addReading<false, 0>>(value, text, available);
 }
 
-std::size_t trace(const NodeSeq& value, bool decoding, char* text, std::size_t room)
+std::size_t trace(const NodeSeq& value, bool decoding, char* text, std::size_t available)
 {
-    return decoding ? traceStructs<true, addNode<1>>(value, text, room)
-                    : traceStructs<false, addNode<0>>(value, text, room);
+    return decoding ? traceStructs<true, addNode<1>>(value, text, available)
+                    : traceStructs<false, addNode<0>>(value, text, available);
 }
 
-std::size_t trace(const SampleSeq& value, bool decoding, char* text, std::size_t room)
+std::size_t trace(const SampleSeq& value, bool decoding, char* text, std::size_t available)
 {
-    return decoding ? traceNumbers<true>(value, text, room) : traceNumbers<false>(value, text, room);
+    return decoding ? traceNumbers<true>(value, text, available) : traceNumbers<false>(value, text, available);
 }
 
-std::size_t trace(const StationReport& value, bool, char* text, std::size_t room)
+std::size_t trace(const StationReport& value, bool, char* text, std::size_t available)
 {
-    if (room < anyTags || value.readings.count != 0) return 0;
+    if (available < anyTags || value.readings.count != 0) return 0;
     Out at = addNumber(add<"<station>">(text), value.station);
     at = addNumber(add<"</station>\n<sequence>">(at), value.sequence);
     return lengthOf(text, add<"</sequence>\n<readings></readings>">(at));

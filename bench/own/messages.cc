@@ -57,7 +57,7 @@ Messages::Messages()
         }
     }
 
-    // A node takes 24 bytes beside its name.
+    // A node has 24 bytes without its name.
     const char* const names[] = {"ridge", "weir below the mill", "orchard 7"};
     std::size_t size = 4;
     for (LongNatural i = 0;; ++i) {

@@ -1,4 +1,4 @@
-// The measured messages of network.x: the same four sizes and shapes as the library's.
+// The measured messages of network.x, of the same sizes and forms as the library's.
 #pragma once
 
 #include <quorvapixdr/types/network.h>
@@ -9,7 +9,7 @@
 
 namespace quorva::bench::own {
 
-// The objects, and all storage that they point to. They are encoded, never released.
+// Owns the objects and everything that they point to. No release pass runs over them.
 class Messages {
 public:
     Messages();
@@ -17,11 +17,11 @@ public:
     Messages& operator=(const Messages&) = delete;
 
     ReadingSeq readings;   // T: twelve readings of as many kinds, one of them an array of 67 enumerators
-    NodeSeq nodes;         // L: as many nodes as fit in 1000 bytes, each with a string and opaque bytes
+    NodeSeq nodes;         // L: as many nodes as fit in 1000 bytes, each with a string and an opaque
     SampleSeq samples;     // B: an array of 240 numbers
-    StationReport report;  // S: two numbers and an empty list
+    StationReport report;  // S: two numbers and an empty array
 
-    // Calls visit(letter, object, routine) for each.
+    // Calls visit(letter, object, routine) for each message.
     template <class Visit>
     void each(Visit visit)
     {

@@ -82,7 +82,7 @@ void trace(const StationReport& value, bool decoding, std::string& text)
     Trace trace(text, decoding);
     trace.field("station", value.station);
     trace.field("sequence", value.sequence);
-    trace.string("readings", "");  // the list of the measured message is empty
+    trace.string("readings", "");  // the array of the measured message is empty
 }
 
 }  // namespace quorva::bench::naive

@@ -1,4 +1,4 @@
-// Codes a record of our own module, which holds records of the library's, through the C++ layer.
+// Codes a struct of this project's module, which has structs of the library as members.
 
 #include <quorvapixdr/codec.h>
 #include <quorvapixdr/types/station/locker.h>
@@ -18,7 +18,7 @@ int main()
     std::printf("%zu bytes: door %u \"%s\" is %s, job %u\n", message.size(), first.number, first.label,
                 StationDoorStateString(static_cast<int>(first.state)), first.job.job);
 
-    // The library's rules hold for our types, too: six doors are the maximum.
+    // The codec checks the maxima of this module too: a sequence has at most six doors.
     StationDoor doors[7] = {door, door, door, door, door, door, door};
     report.doors = {7, doors};
     try {
