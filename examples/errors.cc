@@ -1,4 +1,4 @@
-// Refuses a message that was cut off: the exception tells in which element and at which byte.
+// Decodes a message that was cut off: the exception tells the element and the byte where the codec stopped.
 
 #include <quorvapixdr/codec.h>
 #include <quorvapixdr/types/common/event.h>
