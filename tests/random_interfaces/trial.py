@@ -69,10 +69,10 @@ class Generated:
 
     def __init__(self, out, modules):
         self.folders = [out / "include", out / "private"]
-        places = [place for place in ("quorvapixdr/types", "quorvapixdr") if (out / "include" / place).is_dir()]
-        self.headers = [f"#include <{places[0]}/{module.name}.h>" for module in modules]
-        self.units = sorted([*(out / "src").rglob("*.cc"), *(out / "descriptions").rglob("*.cc")])
-        self.ofTools = sorted([*(out / "schema").rglob("*.cc"), *(out / "documentation").rglob("*.cc")])
+        self.headers = [f"#include <quorvapixdr/types/{module.name}.h>" for module in modules]
+        self.descriptions = sorted((out / "descriptions").rglob("*.cc"))
+        self.units = sorted([*(out / "src").rglob("*.cc"), *self.descriptions])
+        self.ofTools = sorted((out / "documentation").rglob("*.cc"))
 
 
 class Trial:
@@ -99,19 +99,20 @@ class Trial:
             shutil.rmtree(self.folder)
 
     def tryAll(self):
-        """One compiler, another for each seed, makes the program that is run; the others see the prelude, too."""
+        """One compiler, another for each seed, makes the program that is run; the other one sees the headers before the
+        prelude; and every one sees all that was generated after it."""
         first = self.seed % len(self.given.compilers)
-        builder, *others = self.given.compilers[first:] + self.given.compilers[:first]
+        compilers = self.given.compilers[first:] + self.given.compilers[:first]
         with self.collecting():
             self.generate()
-            with self.collecting():
-                self.compileHeaders(builder)
-            for compiler in others or [builder]:
+            for compiler in compilers:
                 with self.collecting():
                     self.compileHeaders(compiler)
-                    self.compileWithPrelude(compiler)
+                    self.compileTogether(compiler)
+            with self.collecting():
+                self.compileBeforePrelude(compilers[-1])
             if not self.findings:
-                self.tryOut(self.build(builder))
+                self.tryOut(self.build(compilers[0]))
 
     @contextlib.contextmanager
     def collecting(self):
@@ -189,7 +190,8 @@ class Trial:
     def generate(self):
         out = self.made / "out"
         search, *files = self.inputs[1:]
-        half = len(files) // 2 if self.seed % 3 == 0 else 0  # whose types are another library's for those behind them
+        half = len(files) // 2 if self.seed % 3 == 0 else 0  # whose types are foreign for the other half
+        self.hasForeignTypes = half > 0
         for some in filter(None, (files[:half], files[half:])):
             command([self.given.compiler, "generate", "--out", out, "-I", search, *some], check="generate fails")
         self.generated = Generated(out, self.library.modules)
@@ -200,23 +202,26 @@ class Trial:
                 f"{what} does not compile with {compiler}")
 
     def compileHeaders(self, compiler):
-        """Every header alone, and all together, with what callers do with them."""
-        headers = self.generated.headers
-        alone = [self.write(f"alone{at}.cc", [header]) for at, header in enumerate(headers)]
-        together = self.write("together.cc", [*OWN, *headers, *self.statements()])
+        """Every header alone."""
+        alone = [self.write(f"alone{at}.cc", [header]) for at, header in enumerate(self.generated.headers)]
         self.compile(compiler, "a header alone", ["-fsyntax-only"], alone)
-        self.compile(compiler, "a header behind the prelude", self.behindPrelude(compiler), [together])
 
-    def compileWithPrelude(self, compiler):
-        """All headers before it; what stands in units behind it."""
+    def compileTogether(self, compiler):
+        """All headers, what callers do with them, and the units, after the prelude. They are one file, since a file for
+        each unit would read the headers of the runtime again and take most of the time."""
+        generated = self.generated
+        separate = generated.descriptions if self.hasForeignTypes else []  # each of them describes foreign types again
+        units = [f'#include "{each}"' for each in [*generated.units, *generated.ofTools] if each not in separate]
+        together = self.write("together.cc", [*OWN, *generated.headers, *self.statements(), *units])
+        prelude = ["-include", self.prelude]
+        if "clang" in compiler:
+            prelude = ["-include-pch", f"{self.prelude}.{compiler}.pch"]
+        self.compile(compiler, "a header or unit after the prelude", [*prelude, "-fsyntax-only"], [together, *separate])
+
+    def compileBeforePrelude(self, compiler):
         before = self.write("before.cc", [*self.generated.headers[::-1], *OWN, f'#include "{self.prelude}"',
                                           *self.statements()])
         self.compile(compiler, "a header before the prelude", ["-fsyntax-only"], [before])
-        self.compile(compiler, "a unit behind the prelude", self.behindPrelude(compiler),
-                     [*self.generated.units, *self.generated.ofTools])
-
-    def behindPrelude(self, compiler):
-        return [*precompiled(self.prelude, compiler), "-fsyntax-only"]
 
     def write(self, name, lines):
         path = self.made / name
@@ -247,7 +252,6 @@ class Trial:
             *self.generated.headers, '#include "table.h"', "namespace random_interfaces {", "const Entry table[] = {",
             *entries, "    {nullptr, nullptr, 0},", "};", "}"]))
         self.compile(compiler, "a unit", ["-c", "-fvisibility=hidden"], files, objects)
-        self.compile(compiler, "a file for tools", ["-fsyntax-only"], self.generated.ofTools)
         linked = [*objects.glob("*.o"), self.given.work / "driver.o", *(self.peer() if self.hasPeer() else []),
                   *self.given.library, *[f"-Wl,-rpath,{os.path.dirname(each)}" for each in self.given.library]]
         program = self.made / "program"
@@ -334,10 +338,6 @@ def damaged(message, rng):
 
 
 # ---- What all trials share ----
-
-def precompiled(prelude, compiler):
-    return ["-include-pch", f"{prelude}.{compiler}.pch"] if "clang" in compiler else ["-include", prelude]
-
 
 def prepare(given):
     """Compiles the preludes and the driver."""
