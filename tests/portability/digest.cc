@@ -1,7 +1,7 @@
-// Prints, for each type, a digest of what the library makes of invented messages: results, lengths, bytes and traces of
-// decodes, encodes and releases, of whole messages and of damaged ones. Builds that differ in compiler, optimisation,
-// machine or stream class print the same. With --messages, prints the messages instead, for those who cannot make them:
-// routine, size of the object, bytes in hexadecimal and a full stop.
+// Prints, for each type, a digest of results, lengths, bytes and traces of decodes, encodes and releases, over whole
+// and damaged messages. Builds that differ in compiler, optimisation, machine or stream class print the same. With
+// --messages, prints the messages for replay instead: routine, size of the object, bytes in hexadecimal and a full
+// stop.
 
 #include <inspect/documentation.h>
 #include <inspect/sample.h>
@@ -36,7 +36,7 @@ private:
     std::uint64_t sum = 0xCBF29CE484222325u;
 };
 
-// One pass with and, alike, one without a trace.
+// Adds the outcome of one pass with a trace.
 void addPass(Digest& digest, Mode mode, const Type& type, void* object, std::span<unsigned char> buffer)
 {
     TraceText trace;
@@ -68,7 +68,7 @@ void forMessages(inspect::Sampler& sampler, const Type& type, Use use)
         use(message);
         if (message.size() < 4) continue;
         const std::size_t units = message.size() / 4;
-        Bytes damaged = message;  // a unit that is out of range nearly everywhere
+        Bytes damaged = message;  // a unit that is beyond most ranges
         damaged[seed * 7 % units * 4 + 2] ^= 0x41;
         use(damaged);
         damaged = message;
@@ -86,9 +86,9 @@ void print(const Type& type, const Bytes& message)
 
 }  // namespace
 
-int main(int count, char** words)
+int main(int count, char** arguments)
 {
-    const bool messages = count > 1 && std::string_view(words[1]) == "--messages";
+    const bool messages = count > 1 && std::string_view(arguments[1]) == "--messages";
     inspect::Sampler sampler;
     for (const Type* type : inspect::typesOf(modules())) {
         if (messages) {

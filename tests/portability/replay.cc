@@ -1,9 +1,8 @@
-// Runs messages through the library in all three modes, and asks a memory checker after each pass whether all that came
-// out was written by somebody: replay <FILE of messages>, as `digest --messages` prints them.
+// Runs messages through the library in all modes, and asks a memory checker after each pass if the output is
+// initialised: replay FILE. The file has the lines of `digest --messages`.
 //
-// It needs nothing but the library and C's, so that a build with all of its code instrumented is small: MemorySanitizer
-// believes memory unwritten that code without instrumentation wrote. Under valgrind, it asks valgrind; otherwise
-// nobody.
+// It uses the library and the C library alone, so that all of its code can be instrumented: MemorySanitizer takes
+// memory for uninitialised that other code wrote. A build without MemorySanitizer asks valgrind, if it runs under it.
 
 #include <quorvapixdr/codec.h>
 
@@ -26,19 +25,19 @@ using namespace quorva;
 
 namespace {
 
-long faults = 0;
+long errors = 0;
 const char* current = "";
 
-void judge(const char* what, const void* bytes, std::size_t size)
+void check(const char* what, const void* bytes, std::size_t size)
 {
 #ifdef INSTRUMENTED
-    const bool unwritten = __msan_test_shadow(bytes, size) >= 0;
+    const bool uninitialised = __msan_test_shadow(bytes, size) >= 0;
 #else
-    const bool unwritten = VALGRIND_CHECK_MEM_IS_DEFINED(bytes, size) != 0;
+    const bool uninitialised = VALGRIND_CHECK_MEM_IS_DEFINED(bytes, size) != 0;
 #endif
-    if (!unwritten) return;
-    ++faults;
-    std::fprintf(stderr, "%s: nobody wrote a part of %s\n", current, what);
+    if (!uninitialised) return;
+    ++errors;
+    std::fprintf(stderr, "%s: %s has uninitialised bytes\n", current, what);
 }
 
 // One pass, with a trace or without.
@@ -47,11 +46,11 @@ Pass run(Mode mode, XdrRoutine routine, void* object, std::span<unsigned char> b
     if (!traced) return runPass(mode, routine, object, buffer);
     TraceText trace;
     const Pass pass = runPass(mode, routine, object, buffer, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
-    judge("the trace", trace.text().data(), trace.text().size());
+    check("the trace", trace.text().data(), trace.text().size());
     return pass;
 }
 
-// Decodes; encodes and releases what that left, whole or not. The blocks of the object are as the decode wrote them.
+// Decodes a message; encodes and releases what that left, complete or not.
 void replay(XdrRoutine routine, std::size_t size, std::span<unsigned char> message)
 {
     for (const bool traced : {false, true}) {
@@ -60,7 +59,7 @@ void replay(XdrRoutine routine, std::size_t size, std::span<unsigned char> messa
         if (!object || !written) std::abort();
         run(Mode::decode, routine, object, message, traced);
         const Pass encode = run(Mode::encode, routine, object, {written, message.size() + 256}, traced);
-        judge("the message", written, encode.length);
+        check("the message", written, encode.length);
         run(Mode::release, routine, object, {}, traced);
         std::free(written);
         std::free(object);
@@ -74,9 +73,9 @@ unsigned nibble(char digit)
 
 }  // namespace
 
-int main(int count, char** words)
+int main(int count, char** arguments)
 {
-    std::FILE* const file = count == 2 ? std::fopen(words[1], "r") : nullptr;
+    std::FILE* const file = count == 2 ? std::fopen(arguments[1], "r") : nullptr;
     if (!file) {
         std::fputs("usage: replay FILE\n", stderr);
         return 2;
@@ -99,6 +98,6 @@ int main(int count, char** words)
     }
     const bool whole = std::feof(file) != 0;
     std::fclose(file);
-    std::printf("%ld messages, %ld faults\n", messages, faults);
-    return whole && messages > 0 && faults == 0 ? 0 : 1;
+    std::printf("%ld messages, %ld errors\n", messages, errors);
+    return whole && messages > 0 && errors == 0 ? 0 : 1;
 }

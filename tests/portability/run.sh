@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Compares what builds that differ in compiler, optimisation, machine and stream class make of the same messages.
+# Builds that differ in compiler, optimisation, machine and stream class must code the same messages alike.
 set -euo pipefail
 source=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 cd "$source"
@@ -17,7 +17,8 @@ digest build "" --preset default
 digest build-clang "" --preset clang
 digest build-asan "" --preset asan
 digest build-plain "" --preset default -DCMAKE_BUILD_TYPE=Debug
-digest build-calls "" --preset default -DCMAKE_BUILD_TYPE=Debug -DQUORVA_PLATFORM_DIR="$source/tests/portability/contract"
+digest build-calls "" --preset default -DCMAKE_BUILD_TYPE=Debug \
+    -DQUORVA_PLATFORM_DIR="$source/tests/portability/contract"
 digest build-i686 "" --preset i686 -DQUORVA_COMPILER="$source/build/bin/quorvaxdrc"
 digest build-s390x "qemu-s390x -L /usr/s390x-linux-gnu" --preset s390x -DQUORVA_COMPILER="$source/build/bin/quorvaxdrc"
 

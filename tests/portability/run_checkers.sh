@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Asks two memory checkers whether anything is read, sent or shown that nobody wrote: MemorySanitizer over messages of every
-# type, in an instrumented build of the library, and valgrind over them and over the tests that need no other machine.
+# Two memory checkers show that no uninitialised memory is read, sent or traced: MemorySanitizer over messages of every
+# type, in an instrumented build of the library, and valgrind over messages and over the tests of the codec.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
@@ -11,7 +11,7 @@ build() {  # PRESET TARGET...
         { tail -n 40 "$log" >&2; return 1; }
     rm -f "$log"
 }
-build default digest replay quorvaxdrc primitives_test every_type_test recording_test
+build default digest replay quorvaxdrc primitives_test every_type_test custom_platform_test
 build msan replay
 build/bin/digest --messages >build/messages.txt
 
@@ -27,13 +27,15 @@ run() {  # NAME COMMAND...
         status=1
     fi
 }
-# The tests keep their own allocation operators, which count and fail; those of valgrind would take their place.
+# Without this synonym, valgrind would replace the allocation operators of the tests, which count and fail.
 checked() { valgrind --quiet --error-exitcode=9 --leak-check=full --soname-synonyms=somalloc=none "$@"; }
-# Every eleventh message, as it is some fifty times slower.
+# Every eleventh message, as valgrind is about fifty times slower.
 awk 'NR % 11 == 1' build/messages.txt >build/some-messages.txt
 
 run "MemorySanitizer, messages" build-msan/bin/replay build/messages.txt
 run "valgrind, messages" checked build/bin/replay build/some-messages.txt
-for program in primitives_test recording_test; do run "valgrind, $program" checked "build/bin/$program" --gtest_brief=1; done
+for program in primitives_test custom_platform_test; do
+    run "valgrind, $program" checked "build/bin/$program" --gtest_brief=1
+done
 run "valgrind, every_type_test" checked build/bin/every_type_test --gtest_brief=1 --gtest_filter='-Concurrency.*'
 exit "$status"

@@ -1,4 +1,4 @@
-// Short words for tests of the codec: bytes written as hex, passes with a trace, a check of XML.
+// Helpers for tests of the codec: bytes written as hex, units of a message, a check of XML.
 #pragma once
 
 #include <quorvapixdr/codec.h>
@@ -20,7 +20,7 @@ constexpr Xdr::Request requestOf(Mode mode)
     return static_cast<Xdr::Request>(mode);
 }
 
-// "0000 0003 41424300" as bytes; blanks are read over.
+// The bytes of "0000 0003 41424300"; blanks are ignored.
 inline Bytes bytesOf(std::string_view hex)
 {
     Bytes bytes;
@@ -63,8 +63,8 @@ inline void setUnit(std::span<unsigned char> bytes, std::size_t at, std::uint32_
     for (std::size_t i = 4; i-- > 0; unit >>= 8) bytes[at + i] = static_cast<unsigned char>(unit);
 }
 
-// A copy of `bytes` that ends where its storage does, so that the address sanitizer sees the first byte too many, and
-// that starts at an odd address, as a message behind somebody's header may.
+// A copy of `bytes` that ends where its storage ends, so that the address sanitizer reports the first byte beyond it.
+// It starts at an odd address, as a message after a header may.
 class Message {
 public:
     explicit Message(std::span<const unsigned char> bytes)
@@ -79,7 +79,7 @@ private:
     std::unique_ptr<unsigned char[]> storage;
 };
 
-// The bytes of a value as it stands in memory.
+// The bytes of a value in memory.
 template <class T>
 Bytes memoryOf(const T& value)
 {
@@ -88,7 +88,7 @@ Bytes memoryOf(const T& value)
     return bytes;
 }
 
-// Whether an XML parser accepts `text` as a document. Says why not on stderr.
+// True if an XML parser accepts `text` as a document; otherwise it prints the reason on stderr.
 bool isXml(const std::string& text);
 
 }  // namespace quorva::test

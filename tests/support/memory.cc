@@ -13,15 +13,15 @@
 
 namespace {
 
-enum class Shape : std::uint32_t { scalar = 0x5CA1A12Eu, array = 0xA22A7123u };
+enum class Form : std::uint32_t { scalar = 0x5CA1A12Eu, array = 0xA22A7123u };
 
-// Stands in front of every block.
+// Precedes every block.
 struct alignas(std::max_align_t) Header {
-    Shape shape;
+    Form form;
     bool watched;
 };
 
-// Each thread has its own watch and its own count.
+// Every thread counts for itself.
 thread_local bool watching = false;
 thread_local long seen = 0;
 thread_local quorva::test::Scarcity scarce;
@@ -31,7 +31,7 @@ thread_local void* last = nullptr;
 thread_local long live = 0;
 thread_local long mismatched = 0;
 
-void* allocate(std::size_t size, Shape shape) noexcept
+void* allocate(std::size_t size, Form form) noexcept
 {
     if (watching) {
         if (size > largest) largest = size;
@@ -42,13 +42,13 @@ void* allocate(std::size_t size, Shape shape) noexcept
     if (size > SIZE_MAX - sizeof(Header)) return nullptr;
     auto* const header = static_cast<Header*>(std::malloc(sizeof(Header) + size));
     if (!header) return nullptr;
-    *header = {shape, watching};
+    *header = {form, watching};
 
     constexpr std::size_t filled = 65536;
     auto* const block = reinterpret_cast<unsigned char*>(header + 1);
     std::memset(block, 0xA5, size < filled ? size : filled);
     if (size > filled) block[size - 1] = 0xA5;
-    VALGRIND_MAKE_MEM_UNDEFINED(block, size);  // what fills it is no contents
+    VALGRIND_MAKE_MEM_UNDEFINED(block, size);  // the filling is not contents
     if (watching) {
         ++live;
         last = block;
@@ -56,35 +56,35 @@ void* allocate(std::size_t size, Shape shape) noexcept
     return block;
 }
 
-void* allocateOrThrow(std::size_t size, Shape shape)
+void* allocateOrThrow(std::size_t size, Form form)
 {
-    void* const block = allocate(size, shape);
+    void* const block = allocate(size, form);
     if (!block) throw std::bad_alloc();
     return block;
 }
 
-void* allocateOrNull(std::size_t size, Shape shape) noexcept
+void* allocateOrNull(std::size_t size, Form form) noexcept
 {
-    if (!watching || !scarce.byException) return allocate(size, shape);
+    if (!watching || !scarce.byException) return allocate(size, form);
     try {
-        return shape == Shape::scalar ? ::operator new(size) : ::operator new[](size);
+        return form == Form::scalar ? ::operator new(size) : ::operator new[](size);
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
 }
 
-void release(void* block, Shape shape) noexcept
+void release(void* block, Form form) noexcept
 {
     if (!block) return;
     Header* const header = static_cast<Header*>(block) - 1;
-    if (header->shape != Shape::scalar && header->shape != Shape::array) {
-        std::fputs("a block was released that the allocation operators did not hand out, or twice\n", stderr);
+    if (header->form != Form::scalar && header->form != Form::array) {
+        std::fputs("a block was released twice, or was not allocated by these operators\n", stderr);
         std::abort();
     }
-    mismatched += header->shape != shape;
+    mismatched += header->form != form;
     live -= header->watched;
     if (block == last) last = nullptr;
-    header->shape = {};
+    header->form = {};
     std::free(header);
 }
 
@@ -134,7 +134,7 @@ long mismatchedReleases()
 
 }  // namespace quorva::test
 
-// The thread sanitizer's runtime brings operators of its own, which then win: under it nothing is counted.
+// The operators of the thread sanitizer replace these: under it nothing is counted.
 #define OPERATOR
 #ifdef __has_feature
 #if __has_feature(thread_sanitizer)
@@ -145,47 +145,47 @@ long mismatchedReleases()
 
 OPERATOR void* operator new(std::size_t size)
 {
-    return allocateOrThrow(size, Shape::scalar);
+    return allocateOrThrow(size, Form::scalar);
 }
 OPERATOR void* operator new[](std::size_t size)
 {
-    return allocateOrThrow(size, Shape::array);
+    return allocateOrThrow(size, Form::array);
 }
 OPERATOR void* operator new(std::size_t size, const std::nothrow_t&) noexcept
 {
-    return allocateOrNull(size, Shape::scalar);
+    return allocateOrNull(size, Form::scalar);
 }
 OPERATOR void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
 {
-    return allocateOrNull(size, Shape::array);
+    return allocateOrNull(size, Form::array);
 }
 OPERATOR void operator delete(void* block) noexcept
 {
-    release(block, Shape::scalar);
+    release(block, Form::scalar);
 }
 OPERATOR void operator delete[](void* block) noexcept
 {
-    release(block, Shape::array);
+    release(block, Form::array);
 }
 OPERATOR void operator delete(void* block, std::size_t) noexcept
 {
-    release(block, Shape::scalar);
+    release(block, Form::scalar);
 }
 OPERATOR void operator delete[](void* block, std::size_t) noexcept
 {
-    release(block, Shape::array);
+    release(block, Form::array);
 }
 OPERATOR void operator delete(void* block, const std::nothrow_t&) noexcept
 {
-    release(block, Shape::scalar);
+    release(block, Form::scalar);
 }
 OPERATOR void operator delete[](void* block, const std::nothrow_t&) noexcept
 {
-    release(block, Shape::array);
+    release(block, Form::array);
 }
 
-// A text whose length a message gives as 4 GiB is asked for, and refused, under the address sanitizer too.
-// DeallocateString releases in another form than the decode allocates, as it always has.
+// Under the address sanitizer too, the allocation of a string of 4 GiB fails with null. DeallocateString releases by
+// the scalar form what a decode allocates by the array form, so that check is off.
 extern "C" __attribute__((visibility("default"), weak)) const char* __asan_default_options();
 const char* __asan_default_options()
 {

@@ -1,5 +1,5 @@
-// A replacement of the allocation operators that counts, fills and fails on demand. It is part of every test binary
-// that links `test_support`, and serves the codec's shared library too. All counts are those of the calling thread.
+// Replaced allocation operators that count, fill and fail on demand. Every test program that links `test_support` has
+// them, and the codec's shared library uses them too. All counts are those of the calling thread.
 #pragma once
 
 #include <cstddef>
@@ -12,16 +12,16 @@ struct Scarcity {
     static constexpr long never = std::numeric_limits<long>::max();
 
     long from = never;   // the first that fails
-    long until = never;  // the first behind it that succeeds again
-    // Failing nothrow operators come by their null from a std::bad_alloc of the throwing operator below them, as those
-    // of most programs do that replace the throwing ones alone.
+    long until = never;  // the first after it that succeeds again
+    // A nothrow operator that fails calls the throwing operator and catches its std::bad_alloc, as in most programs
+    // that replace only the throwing operators.
     bool byException = false;
-    std::size_t largest = std::numeric_limits<std::size_t>::max();  // bytes; longer blocks fail, too
+    std::size_t largest = std::numeric_limits<std::size_t>::max();  // bytes; longer blocks fail too
 };
 
-// Watches what is allocated while it stands; scopes don't nest. Every block that the operators hand out is filled with
-// 0xA5 (its first 64 KiB and its end), so that unwritten memory is noticed. Blocks of 1 GiB and more fail where the
-// machine says so. The throwing operators fail by std::bad_alloc, the others by null.
+// Counts the allocations of its scope; scopes do not nest. Every block is filled with 0xA5 (its first 64 KiB and its
+// last byte), so that a test notices uninitialised memory. Blocks of 1 GiB and more may fail, as the machine decides.
+// The throwing operators fail by std::bad_alloc, the others by null.
 class Watch {
 public:
     static constexpr long never = Scarcity::never;
@@ -33,18 +33,18 @@ public:
     Watch& operator=(const Watch&) = delete;
 };
 
-// Blocks that were allocated under some Watch and not released since.
+// Blocks that were allocated under any Watch and are not released yet.
 long liveBlocks();
 
-// Allocations that the last Watch saw, the failed ones included; the largest of them, and their sum, in bytes.
+// Allocations under the last Watch, including those that failed; the largest of them and their sum, in bytes.
 long allocations();
 std::size_t largestAllocation();
 std::size_t allocatedBytes();
 
-// The watched block that was handed out last, or null.
+// The block that was allocated last under a Watch, or null if it is released.
 void* lastBlock();
 
-// Releases since this was asked last whose form, scalar or array, was not that of the allocation.
+// Releases since the last call whose form, scalar or array, differs from that of the allocation.
 long mismatchedReleases();
 
 }  // namespace quorva::test

@@ -1,4 +1,4 @@
-// The modules that properties are tested over: the library's, and the teaching module, which has every form once.
+// The modules whose types the tests run over: the library's, and the example modules, which have every form once.
 #pragma once
 
 #include <inspect/documentation.h>
@@ -8,19 +8,19 @@
 #include <vector>
 
 namespace quorva {
-// Those of `every_form`: the teaching module, what it imports, the station that it belongs to, and the corner cases.
-std::span<const Module* const> teachingModules();
+// The modules of the CMake target `every_form`.
+std::span<const Module* const> exampleModules();
 }  // namespace quorva
 
 namespace quorva::test {
 
-// The inspector knows the teaching modules from then on.
+// Also adds the example modules to those that the inspector knows.
 inline const std::vector<const Module*>& testedModules()
 {
     static const std::vector<const Module*> tested = [] {
-        inspect::addModules(teachingModules());
+        inspect::addModules(exampleModules());
         std::vector<const Module*> all(modules().begin(), modules().end());
-        std::ranges::copy_if(teachingModules(), std::back_inserter(all), [](const Module* module) {
+        std::ranges::copy_if(exampleModules(), std::back_inserter(all), [](const Module* module) {
             const std::string_view name = module->name;
             return name == "colours" || name == "locker" || name == "station";
         });

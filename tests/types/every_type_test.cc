@@ -1,7 +1,7 @@
-// The promises of the codec over every type that the interface files define, with messages that the inspector invents.
-// A new type is tested as soon as its interface file is there.
+// The promises of the codec over every type of the interface files, with messages that the inspector invents. A new
+// type needs no new test.
 
-#include "passes_over.h"
+#include "storage.h"
 
 #include <inspect/json.h>
 #include <inspect/layout.h>
@@ -21,14 +21,14 @@ using inspect::Extent;
 
 namespace {
 
-constexpr std::size_t roomy = 1000;  // bytes of a message for properties that look at a message once
-constexpr std::size_t handy = 240;   // and for those that run a pass for each of its bytes
+constexpr std::size_t longMessage = 1000;  // bytes, for tests that code a message once
+constexpr std::size_t shortMessage = 240;  // bytes, for tests that run a pass for each byte
 
-// A count that is damaged finds no memory: what it would leave takes too long to compare for every type.
+// The blocks of damaged counts fail: comparing their contents for every type would take too long.
 constexpr Scarcity granted{.largest = std::size_t{16} << 10};
 
-// The message; cut in places all over it; and with units all over it changed, once to the next number, once to another
-// one.
+// The message; the message cut at evenly spread places; and the message with a changed unit at evenly spread places:
+// once the next number, once another one.
 std::vector<Bytes> variantsOf(const Bytes& wire)
 {
     constexpr std::size_t most = 30;  // places
@@ -42,7 +42,7 @@ std::vector<Bytes> variantsOf(const Bytes& wire)
         for (const std::uint32_t value : {unitAt(wire, at) + 1, values[i % std::size(values)]}) {
             variants.push_back(wire);
             setUnit(variants.back(), at, value);
-            variants.back().resize(wire.size() + 64);  // enough for a part that is longer now
+            variants.back().resize(wire.size() + 64);  // room for a part that is longer now
         }
     }
     return variants;
@@ -66,15 +66,15 @@ protected:
 }  // namespace
 
 // Wire, object, wire; object, JSON, object; and a trace that is XML.
-TEST_P(EveryType, comesBack)
+TEST_P(EveryType, comesBackUnchanged)
 {
-    for (const Bytes& wire : samples(roomy, std::clamp<std::size_t>(inspect::armsOf(type).size(), 6, 300))) {
+    for (const Bytes& wire : samples(longMessage, std::clamp<std::size_t>(inspect::armsOf(type).size(), 6, 300))) {
         SCOPED_TRACE(hexOf(wire));
-        const Decoded whole = decoded(type, Way::plain, wire);
+        const Decoded whole = decoded(type, Coding::plain, wire);
         ASSERT_TRUE(whole.succeeded);
         ASSERT_EQ(whole.length, wire.size());
         ASSERT_EQ(hexOf(whole.left), hexOf(wire));
-        ASSERT_EQ(whole, decoded(type, Way::interpreted, wire));
+        ASSERT_EQ(whole, decoded(type, Coding::interpreted, wire));
 
         inspect::Object object(type);
         const Message message(wire);
@@ -91,58 +91,59 @@ TEST_P(EveryType, comesBack)
     }
 }
 
-// The plain functions and the interpreter are two writings of one rule. Whatever the message - whole, cut or damaged -
-// they end alike: result, coded length, allocations, and the object, which either of them encodes and releases, too.
-TEST_P(EveryType, bothWaysAgree)
+// On messages that are whole, cut or damaged, the plain functions and the interpreter give the same result, coded
+// length, allocations and object; and each of them encodes and releases what the other one decoded.
+TEST_P(EveryType, interpreterAndPlainFunctionsAgree)
 {
-    constexpr Way ways[] = {Way::plain, Way::interpreted};
-    for (const Bytes& wire : samples(handy, 2)) {
+    constexpr Coding codings[] = {Coding::plain, Coding::interpreted};
+    for (const Bytes& wire : samples(shortMessage, 2)) {
         for (const Bytes& bytes : variantsOf(wire)) {
             SCOPED_TRACE(hexOf(bytes));
             const Message message(bytes);
-            Storage byWay[] = {Storage(type, ways[0]), Storage(type, ways[1])};
-            std::string ends[2], shown[2];
+            Storage objects[] = {Storage(type, codings[0]), Storage(type, codings[1])};
+            std::string ends[2], json[2];
             for (std::size_t i = 0; i < 2; ++i) {
-                const Pass pass = byWay[i].run(Mode::decode, message.span(), granted);
+                const Pass pass = objects[i].run(Mode::decode, message.span(), granted);
                 ends[i] = std::to_string(pass.succeeded) + " after " + std::to_string(pass.length) + ", " +
                           std::to_string(allocations()) + " allocations of " + std::to_string(allocatedBytes());
-                shown[i] = inspect::toJson(type, byWay[i].data()).dump();
+                json[i] = inspect::toJson(type, objects[i].data()).dump();
             }
             ASSERT_EQ(ends[0], ends[1]);
-            ASSERT_EQ(shown[0], shown[1]);
+            ASSERT_EQ(json[0], json[1]);
 
-            // Into the room that the message had, and into too little.
+            // Into a buffer of the size of the message, and into a smaller one.
             for (const std::size_t room : {bytes.size(), bytes.size() * 2 / 3}) {
                 std::vector<std::string> written;
-                for (Storage& object : byWay)
-                    for (const Way way : ways) {
+                for (Storage& object : objects)
+                    for (const Coding coding : codings) {
                         const Message buffer{Bytes(room, 0x5A)};
-                        const Pass pass = object.run(way, Mode::encode, buffer.span());
+                        const Pass pass = object.run(coding, Mode::encode, buffer.span());
                         written.push_back(std::to_string(pass.succeeded) + " after " + std::to_string(pass.length) +
                                           ", " + std::to_string(allocations()) +
                                           " allocations: " + hexOf(buffer.span()));
                     }
                 for (const std::string& each : written) ASSERT_EQ(each, written[0]);
             }
-            byWay[0].run(ways[1], Mode::release, {});  // each releases what the other one decoded
-            ASSERT_TRUE(byWay[1].releasesAll(ways[0]));
+            objects[0].run(codings[1], Mode::release, {});  // each releases what the other one decoded
+            ASSERT_TRUE(objects[1].releasesAll(codings[0]));
         }
     }
 }
 
-// Any allocation fails, once or for good, by a null or by an exception below it; in a driver also that of the stream.
-TEST_P(EveryType, findsNoMemory)
+// Each allocation fails in turn, that of a driver's stream included: it alone or all after it too, with null or with an
+// exception below the null.
+TEST_P(EveryType, failsWithoutMemory)
 {
-    for (const Bytes& wire : samples(handy, 3)) {
+    for (const Bytes& wire : samples(shortMessage, 3)) {
         SCOPED_TRACE(hexOf(wire));
-        const long needed = decoded(type, Way::plain, wire).allocations;
+        const long needed = decoded(type, Coding::plain, wire).allocations;
         for (long number = 0; number <= needed; ++number)
             for (const Scarcity& scarcity : {Scarcity{.from = number}, Scarcity{.from = number, .until = number + 1},
                                              Scarcity{.from = number, .until = number + 1, .byException = true}}) {
                 if (number < needed) {
-                    const Decoded part = decoded(type, Way::plain, wire, scarcity);
+                    const Decoded part = decoded(type, Coding::plain, wire, scarcity);
                     ASSERT_FALSE(part.succeeded) << "allocation " << number;
-                    ASSERT_EQ(part, decoded(type, Way::interpreted, wire, scarcity)) << "allocation " << number;
+                    ASSERT_EQ(part, decoded(type, Coding::interpreted, wire, scarcity)) << "allocation " << number;
                 }
                 Storage object(type);
                 Bytes buffer = wire;
@@ -156,10 +157,10 @@ TEST_P(EveryType, findsNoMemory)
     }
 }
 
-// What a trace cannot have is missing in the trace alone.
-TEST_P(EveryType, findsNoMemoryForItsTrace)
+// Without memory for the trace, the trace is incomplete and the pass succeeds.
+TEST_P(EveryType, survivesATraceWithoutMemory)
 {
-    for (const Bytes& wire : samples(handy, 1))
+    for (const Bytes& wire : samples(shortMessage, 1))
         for (const bool byException : {false, true})
             for (long number = 0, missed = true; missed; ++number) {
                 SCOPED_TRACE(hexOf(wire) + ", allocation " + std::to_string(number));
@@ -179,13 +180,13 @@ TEST_P(EveryType, findsNoMemoryForItsTrace)
             }
 }
 
-// How deep a value stands moves its trace to the right, and changes nothing else.
-TEST_P(EveryType, showsTheSameAtAnyDepth)
+// The depth of a value indents its trace, and changes nothing else.
+TEST_P(EveryType, hasTheSameTraceAtAnyDepth)
 {
-    for (const Bytes& wire : samples(handy, 2)) {
+    for (const Bytes& wire : samples(shortMessage, 2)) {
         SCOPED_TRACE(hexOf(wire));
         const Message message(wire);
-        const auto shownBehind = [&](std::size_t elements) {
+        const auto traceBelow = [&](std::size_t elements) {
             Storage object(type);
             TraceText trace;
             for (std::size_t i = 0; i < elements; ++i) trace.open("around");
@@ -193,25 +194,25 @@ TEST_P(EveryType, showsTheSameAtAnyDepth)
                 runTraced(Mode::decode, type.routine, type.name, object.data(), message.span(), trace).succeeded);
             EXPECT_TRUE(object.releasesAll());
             std::istringstream lines{std::string(trace.text())};
-            std::string line, shown;
+            std::string line, text;
             for (std::size_t i = 0; std::getline(lines, line); ++i) {
                 if (i < elements) continue;
                 EXPECT_GE(line.find_first_not_of(' '), 2 * elements) << line;
-                shown += line.substr(2 * elements) + "\n";
+                text += line.substr(2 * elements) + "\n";
             }
-            return shown;
+            return text;
         };
-        ASSERT_EQ(shownBehind(20), shownBehind(0));
+        ASSERT_EQ(traceBelow(20), traceBelow(0));
     }
 }
 
-// A buffer that is too short: what was written is the beginning of the message, and the object is as it was.
-TEST_P(EveryType, findsNoRoom)
+// Into a buffer that is too short, a pass writes the beginning of the message, and does not change the object.
+TEST_P(EveryType, failsInAShortBuffer)
 {
-    for (const Bytes& wire : samples(handy, 2)) {
+    for (const Bytes& wire : samples(shortMessage, 2)) {
         SCOPED_TRACE(hexOf(wire));
-        Storage plain(type, Way::plain);
-        Storage interpreted(type, Way::interpreted);
+        Storage plain(type, Coding::plain);
+        Storage interpreted(type, Coding::interpreted);
         for (Storage* object : {&plain, &interpreted})
             ASSERT_TRUE(object->run(Mode::decode, Message(wire).span()).succeeded);
         for (std::size_t room = 0; room <= wire.size(); ++room) {
@@ -226,12 +227,13 @@ TEST_P(EveryType, findsNoRoom)
     }
 }
 
-// A null object: one zeroed object in the root slot, allocated in the scalar form; four bytes for a built-in type.
-TEST_P(EveryType, isAllocated)
+// For a null object, a pass allocates one zeroed object in the scalar form and keeps it in the root slot. Built-in
+// types get four bytes.
+TEST_P(EveryType, allocatesForANullObject)
 {
-    const Bytes wire = sampler.sample(type, {Extent::fullest, 0, handy});
+    const Bytes wire = sampler.sample(type, {Extent::fullest, 0, shortMessage});
     const bool isBuiltin = type.kind == TypeKind::builtin;
-    for (TraceText* const sink : {static_cast<TraceText*>(nullptr), &deafTrace()})
+    for (TraceText* const sink : {static_cast<TraceText*>(nullptr), &exhaustedTrace()})
         for (const auto mode : {Mode::decode, Mode::encode, Mode::release})
             for (const long failFrom : {Watch::never, 0L}) {
                 const Message message(wire);  // a copy for each pass: encoding writes into it
@@ -268,24 +270,24 @@ TEST_P(EveryType, isAllocated)
 INSTANTIATE_TEST_SUITE_P(Types, EveryType, ::testing::ValuesIn(allTypes()),
                          [](const auto& info) { return std::string(info.param->name); });
 
-// Passes over distinct objects share nothing: run under the thread sanitizer, this shows it. All threads go through the
-// types together, so that whatever two passes over one type touched would be touched at the same time.
+// Passes over distinct objects share nothing, as the thread sanitizer shows. All threads take the types in step, so
+// that two passes over one type run at the same time.
 TEST(Concurrency, passesShareNothing)
 {
-    constexpr int crowd = 16;
+    constexpr int threadCount = 16;
     const auto types = allTypes();
     inspect::Sampler sampler;
     std::vector<Bytes> wires;
     std::vector<std::string> traces;
     for (const Type* type : types) {
-        wires.push_back(sampler.sample(*type, {Extent::random, 1, handy}));
+        wires.push_back(sampler.sample(*type, {Extent::random, 1, shortMessage}));
         TraceText trace;
         inspect::Object object(*type);
         runTraced(Mode::decode, type->routine, type->name, object.data(), Message(wires.back()).span(), trace);
         traces.emplace_back(trace.text());
     }
 
-    std::barrier together(crowd);
+    std::barrier together(threadCount);
     const auto work = [&] {
         for (std::size_t i = 0; i < types.size(); ++i) {
             const Type& type = *types[i];
@@ -307,6 +309,6 @@ TEST(Concurrency, passesShareNothing)
         }
     };
     std::vector<std::thread> threads;
-    for (int i = 0; i < crowd; ++i) threads.emplace_back(work);
+    for (int i = 0; i < threadCount; ++i) threads.emplace_back(work);
     for (std::thread& thread : threads) thread.join();
 }

@@ -1,4 +1,4 @@
-// A union whose discriminant has no arm fails in every mode, a release included, and moves the discriminant alone.
+// A union whose discriminant has no arm fails in every mode, release included, and only the discriminant is coded.
 
 #include "codec_tools.h"
 #include "tested_modules.h"
@@ -15,8 +15,8 @@ using namespace quorva::test;
 
 namespace {
 
-// Discriminants without an arm: the neighbours of those with one, and the ends of the range. `all` has every bit of
-// one.
+// Discriminants without an arm: the neighbours of the cases, and the limits of the range. `all` is the largest
+// discriminant.
 std::set<std::uint32_t> withoutArm(const Type& type, std::uint32_t all)
 {
     std::set<std::uint32_t> cases, found = {all, all / 2, all / 2 + 1};

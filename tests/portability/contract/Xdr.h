@@ -1,5 +1,5 @@
-// A stream that offers the contract and a place for the trace, and nothing that the codec could use beyond the
-// contract: every pass over it goes through the calls.
+// A stream class with the contract and a sink for the trace, and without the members that the codec uses as shortcuts:
+// the codec makes every call of the contract.
 #pragma once
 
 #include "../../../platform/trace_text.h"

@@ -1,4 +1,4 @@
-// The bytes of the stream, one by one.
+// Moves the bytes of the stream one by one.
 
 #include "Xdr.h"
 

@@ -1,3 +1,3 @@
-// The bundled text.
+// The bundled trace.
 
 #include "../../../platform/trace_text.cpp"

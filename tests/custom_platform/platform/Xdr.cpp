@@ -1,4 +1,4 @@
-// The recording stream.
+// The stream class that records its calls.
 
 #include "Xdr.h"
 
@@ -6,7 +6,8 @@
 #include <cstring>
 
 std::vector<std::string> recordedCalls;
-bool meddling = false;
+bool overwrites = false;
+int throwingConstructors = 0, constructorCalls = 0, destructorCalls = 0;
 
 namespace {
 
@@ -27,9 +28,15 @@ std::string hex(const unsigned char* bytes, unsigned size)
 
 }  // namespace
 
-Xdr::Xdr() : rootAllocationSlot(nullptr), codedLength(0), streamMode(Request::toTheWire), position(nullptr), rest(0) {}
+Xdr::Xdr() : rootAllocationSlot(nullptr), codedLength(0), streamMode(Request::toTheWire), position(nullptr), rest(0)
+{
+    if (constructorCalls++ < throwingConstructors) throw StreamRefused();
+}
 
-Xdr::~Xdr() = default;
+Xdr::~Xdr()
+{
+    ++destructorCalls;
+}
 
 void Xdr::Program(Request mode, unsigned char* buffer, unsigned short length)
 {
@@ -62,7 +69,7 @@ bool Xdr::move(unsigned char* data, unsigned short size, bool swap)
 
 bool Xdr::Transfer(unsigned char* data, unsigned short size)
 {
-    if (meddling) std::memcpy(data, "\x44\x33\x22\x11", 4);
+    if (overwrites) std::memcpy(data, "\x44\x33\x22\x11", 4);
     return move(data, size, true);
 }
 

@@ -1,11 +1,11 @@
-// What the worst messages of every type of the library cost, against the bounds that SECURITY.md prints.
+// The cost of the worst messages of every type of the library, against the bounds of SECURITY.md.
 //
-// The messages are made from the descriptions: down to the innermost list that costs most, each count the largest that
-// the list takes. A decode then allocates a block at each level and fails in the last one, so that it has to empty them
-// all.
+// The messages are built from the descriptions: on the path to the innermost array that costs most, each count is the
+// maximum of its array. A decode allocates a block at each level, fails in the last one, and so has to clear all of
+// them.
 
 #include "bounds.h"
-#include "passes_over.h"
+#include "storage.h"
 
 #include <inspect/layout.h>
 #include <inspect/sample.h>
@@ -31,22 +31,20 @@ using inspect::Extent;
 namespace {
 
 constexpr std::size_t longest = driverMessage;
-constexpr std::size_t longestText = std::size_t{1} << 32;  // with its zero
+constexpr std::size_t longestString = std::size_t{1} << 32;  // with its zero byte
 
 std::vector<const Type*> libraryTypes()
 {
     return inspect::typesOf(modules());
 }
 
-// Adds up what a type can cost along one path through it: the costliest arm, the costliest field, an element of a list.
-// `Step` has the cost of a use by itself, double or std::size_t, as operator()(use). A type that contains itself has no
-// such path; the library has none, and this throws std::logic_error where it gets one.
-template <class Step>
+// Adds up what a type costs along its costliest path: the costliest arm, the costliest field, one element of an array.
+// The function gives the cost of one use by itself. Throws std::logic_error on a type that contains itself, as its path
+// has no end; the library has no such type.
+template <class Cost>
 class Costliest {
 public:
-    using Cost = std::invoke_result_t<Step, const Use&>;
-
-    explicit Costliest(Step costOf) : step(costOf) {}
+    explicit Costliest(std::function<Cost(const Use&)> function) : costOf(std::move(function)) {}
 
     Cost of(const Type& type)
     {
@@ -54,85 +52,77 @@ public:
         if (!isNew && !entry->second.second) throw std::logic_error(std::string(type.name) + " contains itself");
         if (!isNew) return entry->second.first;
         Cost most{};
-        for (const Use* use : usesOf(type)) most = std::max(most, of(*use));
+        for (const Member& member : type.members) most = std::max(most, of(member.use));
         known[&type] = {most, true};
         return most;
     }
-    Cost of(const Use& use) { return step(use) + (use.type ? of(*use.type) : Cost{}); }
-
-    static std::vector<const Use*> usesOf(const Type& type)
-    {
-        std::vector<const Use*> uses;
-        for (const Member& member : type.members) uses.push_back(&member.use);
-        return uses;
-    }
+    Cost of(const Use& use) { return costOf(use) + (use.type ? of(*use.type) : Cost{}); }
 
 private:
-    Step step;
-    std::map<const Type*, std::pair<Cost, bool>> known;  // what is not finished is being looked at
+    std::function<Cost(const Use&)> costOf;
+    std::map<const Type*, std::pair<Cost, bool>> known;  // by type: its cost, and true once the cost is complete
 };
 
-// Makes the messages.
-class Attack {
+// Builds the worst message of a type.
+class WorstMessage {
 public:
-    // Whether a text of 4 GiB may stand at the end of the path.
-    explicit Attack(bool withTexts)
-        : costs([withTexts](const Use& use) -> std::size_t {
+    // `withStrings`: the path may end in a string of 4 GiB.
+    explicit WorstMessage(bool withStrings)
+        : costs([withStrings](const Use& use) -> std::size_t {
               switch (use.form) {
               case Form::variableArray: return std::size_t{use.bound} * use.type->size;
               case Form::optional: return use.type->size;
               case Form::variableOpaque: return use.bound;
-              case Form::string: return withTexts ? longestText : 0;
+              case Form::string: return withStrings ? longestString : 0;
               default: return 0;
               }
           })
     {
     }
 
-    Bytes on(const Type& type)
+    Bytes of(const Type& type)
     {
         message.clear();
-        attack(type);
+        append(type);
         return message;
     }
 
-    // What a decode of it allocates at least.
+    // The least that a decode of the message allocates, in bytes.
     std::size_t cost(const Type& type) { return costs.of(type); }
 
 private:
-    void unit(std::uint32_t value)
+    void appendUnit(std::uint32_t value)
     {
         message.resize(message.size() + 4);
         setUnit(message, message.size() - 4, value);
     }
 
-    void attack(const Type& type)
+    void append(const Type& type)
     {
         if (type.kind == TypeKind::discriminatedUnion) {
             const auto arms = inspect::armsOf(type);
             const auto arm = std::ranges::max_element(arms, {}, [&](auto& a) { return costs.of(a.use); });
-            unit(inspect::toUnit(inspect::discriminantOf(type), inspect::casesOf(type, *arm).front()));
-            attack(arm->use);
+            appendUnit(inspect::toUnit(inspect::discriminantOf(type), inspect::casesOf(type, *arm).front()));
+            append(arm->use);
         } else if (type.kind == TypeKind::typeDefinition) {
-            attack(inspect::targetOf(type));
+            append(inspect::targetOf(type));
         } else if (!type.members.empty()) {
             const auto worst = std::ranges::max_element(type.members, {}, [&](auto& f) { return costs.of(f.use); });
-            for (auto field = type.members.begin(); field != worst; ++field) passOver(field->use);
-            attack(worst->use);
+            for (auto field = type.members.begin(); field != worst; ++field) appendShortest(field->use);
+            append(worst->use);
         }
     }
 
-    void attack(const Use& use)
+    void append(const Use& use)
     {
         if (costs.of(use) == 0) return;
-        if (use.form == Form::string) unit(0xFFFFFFFF);
-        if (use.form == Form::variableArray || use.form == Form::variableOpaque) unit(use.bound);
-        if (use.form == Form::optional) unit(1);
-        if (use.type) attack(*use.type);
+        if (use.form == Form::string) appendUnit(0xFFFFFFFF);
+        if (use.form == Form::variableArray || use.form == Form::variableOpaque) appendUnit(use.bound);
+        if (use.form == Form::optional) appendUnit(1);
+        if (use.type) append(*use.type);
     }
 
-    // The shortest that this part can be.
-    void passOver(const Use& use)
+    void appendShortest(const Use& use)
     {
         const std::size_t times = use.form == Form::fixedArray ? use.bound : 1;
         Bytes part(use.form == Form::none ? 0 : use.form == Form::fixedOpaque ? (use.bound + 3) / 4 * 4 : 4);
@@ -141,16 +131,16 @@ private:
         for (std::size_t i = 0; i < times; ++i) message.insert(message.end(), part.begin(), part.end());
     }
 
-    Costliest<std::function<std::size_t(const Use&)>> costs;
+    Costliest<std::size_t> costs;
     inspect::Sampler sampler;
     Bytes message;
 };
 
-// The attack on a type, cut where a driver's buffer ends; and filled up with zeros or ones, so that what follows the
-// last count decodes as far as it goes.
-std::vector<Bytes> variantsOf(const Bytes& attack)
+// The worst message, cut to the buffer of a driver; and filled up with zeros or ones, so that elements after the last
+// count are decoded too.
+std::vector<Bytes> variantsOf(const Bytes& worst)
 {
-    std::vector<Bytes> messages(3, attack);
+    std::vector<Bytes> messages(3, worst);
     for (Bytes& message : messages) message.resize(std::min(message.size(), longest));
     for (const std::uint32_t fill : {0u, 1u})
         for (Bytes& filled = messages[1 + fill]; filled.size() < longest;) {
@@ -160,42 +150,43 @@ std::vector<Bytes> variantsOf(const Bytes& attack)
     return messages;
 }
 
-// The largest of something, and the type that it was met with.
-struct Record {
-    std::size_t most = 0;
+// The largest value of a quantity, and the type that has it.
+struct Most {
+    std::size_t value = 0;
     const char* holder = "";
 
-    void meet(std::size_t value, const Type& type)
+    void add(std::size_t other, const Type& type)
     {
-        if (value > most) *this = {value, type.name};
+        if (other > value) *this = {other, type.name};
     }
-    // Whether the printed bound holds, and is not so large that it says nothing.
+    // Expects that the printed bound holds, and that it is at most four times the value.
     void expectWithin(const std::string& what) const
     {
         const std::size_t bound = printedBound(what);
-        std::cout << "work: " << what << ": " << most << " of " << bound << " (" << holder << ")\n";
-        EXPECT_LE(most, bound) << what << ": " << holder;
-        EXPECT_GE(most, bound / 4) << what << ": the printed bound is loose";
+        std::cout << "bounds: " << what << ": " << value << " of " << bound << " (" << holder << ")\n";
+        EXPECT_LE(value, bound) << what << ": " << holder;
+        EXPECT_GE(value, bound / 4) << what << ": the printed bound is loose";
     }
 };
 
 }  // namespace
 
-TEST(Work, aFailedDecodeAllocates)
+TEST(Bounds, holdForTheAllocationsOfAFailedDecode)
 {
-    Record block, sum, text;
-    for (const bool withTexts : {false, true}) {
-        Attack attack(withTexts);
+    Most block, sum, string;
+    for (const bool withStrings : {false, true}) {
+        WorstMessage worst(withStrings);
         for (const Type* type : libraryTypes()) {
-            const Bytes whole = attack.on(*type);
+            const Bytes whole = worst.of(*type);
             for (const Bytes& message : variantsOf(whole)) {
                 Storage object(*type);
                 object.run(Mode::decode, Message(message).span());
-                (withTexts ? text : block).meet(largestAllocation(), *type);
-                if (!withTexts) sum.meet(allocatedBytes(), *type);
-                ASSERT_LE(allocations(), static_cast<long>(message.size() / 4)) << type->name << ": each takes a unit";
+                (withStrings ? string : block).add(largestAllocation(), *type);
+                if (!withStrings) sum.add(allocatedBytes(), *type);
+                ASSERT_LE(allocations(), static_cast<long>(message.size() / 4))
+                    << type->name << ": each takes at least one unit";
                 if (whole.size() <= longest) {
-                    ASSERT_GE(allocatedBytes(), attack.cost(*type)) << type->name << ": the attack does not hit";
+                    ASSERT_GE(allocatedBytes(), worst.cost(*type)) << type->name << ": the message does not hit";
                 }
                 ASSERT_TRUE(object.releasesAll()) << type->name;
             }
@@ -203,23 +194,23 @@ TEST(Work, aFailedDecodeAllocates)
     }
     block.expectWithin("largest block of elements");
     sum.expectWithin("all blocks of a failed decode");
-    text.expectWithin("address space of a text");
+    string.expectWithin("address space of a text");
 }
 
-// By the descriptions: what each part takes in memory against the least that it takes on the wire, added up over the
-// levels that the same bytes of the message count for. And by the samples, which must not take more.
-TEST(Work, aSuccessfulDecodeAllocates)
+// By the descriptions: the memory of each part divided by its least size on the wire, added up over the levels to which
+// the same bytes of the message count. And by invented messages, which must not take more.
+TEST(Bounds, holdForTheAllocationsOfASuccessfulDecode)
 {
     inspect::Sampler sampler;
-    Costliest<std::function<double(const Use&)>> factors([&](const Use& use) {
+    Costliest<double> factors([&](const Use& use) {
         if (use.form == Form::string || use.form == Form::variableOpaque) return 1.0;
         if (use.form != Form::variableArray && use.form != Form::optional) return 0.0;
         const std::size_t flag = use.form == Form::optional ? 4 : 0;
         return static_cast<double>(use.type->size) / static_cast<double>(flag + sampler.leastSize(*use.type));
     });
-    Record factor;
+    Most factor;
     for (const Type* type : libraryTypes()) {
-        factor.meet(static_cast<std::size_t>(std::ceil(factors.of(*type))), *type);
+        factor.add(static_cast<std::size_t>(std::ceil(factors.of(*type))), *type);
         for (const Extent extent : {Extent::least, Extent::random, Extent::fullest}) {
             const Bytes message = sampler.sample(*type, {extent, 0, longest});
             Storage object(*type);
@@ -234,21 +225,21 @@ TEST(Work, aSuccessfulDecodeAllocates)
 
 namespace {
 
-// Bytes of memory that the process holds.
-std::size_t resident()
+// Resident memory of the process, in bytes.
+std::size_t residentMemory()
 {
     std::size_t all = 0, held = 0;
     std::ifstream("/proc/self/statm") >> all >> held;
     return held * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
-// A stack of its own for `action`, and how much of it was used.
+// Runs an action on a separate stack and measures how much of it the action used.
 class Stack {
 public:
     static std::size_t usedBy(const std::function<void()>& action)
     {
         static std::vector<unsigned char> stack(size, pattern);
-        static std::size_t clean = 0;  // bytes from the far end on that nobody has written since they were filled
+        static std::size_t clean = 0;  // bytes from the far end that still hold the pattern
         std::fill(stack.begin() + static_cast<std::ptrdiff_t>(clean), stack.end(), pattern);
         current = &action;
         getcontext(&inner);
@@ -272,6 +263,7 @@ private:
     static inline const std::function<void()>* current = nullptr;
 };
 
+// Processor time of this thread.
 std::size_t microseconds()
 {
     timespec now;
@@ -281,16 +273,16 @@ std::size_t microseconds()
 
 }  // namespace
 
-TEST(Work, passesStandOnTheStack)
+TEST(Bounds, holdForTheStack)
 {
     inspect::Sampler sampler;
-    Attack onBlocks(false), onTexts(true);
-    Record untraced, traced, time;
+    WorstMessage worstBlocks(false), worstStrings(true);
+    Most untraced, traced, time;
     for (const Type* type : libraryTypes()) {
         std::vector<Bytes> messages = {sampler.sample(*type, {Extent::fullest, 0, longest}),
                                        sampler.sample(*type, {Extent::random, 0, longest})};
-        for (Attack* const attack : {&onBlocks, &onTexts})
-            for (Bytes& message : variantsOf(attack->on(*type))) messages.push_back(std::move(message));
+        for (WorstMessage* const worst : {&worstBlocks, &worstStrings})
+            for (Bytes& message : variantsOf(worst->of(*type))) messages.push_back(std::move(message));
         for (const Bytes& bytes : messages)
             for (const bool withTrace : {false, true}) {
                 const Message message(bytes);
@@ -299,16 +291,16 @@ TEST(Work, passesStandOnTheStack)
                 const auto pass = [&](Mode mode) {
                     const std::size_t start = microseconds();
                     (withTrace ? traced : untraced)
-                        .meet(Stack::usedBy([&] {
-                                  runPass(mode, type->routine, object.data(), message.span(),
-                                          [&](Xdr& xdrs) { xdrs.setTrace(withTrace ? &trace : nullptr); });
-                              }),
-                              *type);
-                    time.meet(microseconds() - start, *type);
+                        .add(Stack::usedBy([&] {
+                                 runPass(mode, type->routine, object.data(), message.span(),
+                                         [&](Xdr& xdrs) { xdrs.setTrace(withTrace ? &trace : nullptr); });
+                             }),
+                             *type);
+                    time.add(microseconds() - start, *type);
                 };
                 pass(Mode::decode);
                 pass(Mode::encode);
-                if (withTrace && &bytes >= &messages[2])  // the trace of a release is as long as the lists are
+                if (withTrace && &bytes >= &messages[2])  // the trace of a release is as long as the arrays
                     releaseContents(type->routine, object.data());
                 else
                     pass(Mode::release);
@@ -320,25 +312,25 @@ TEST(Work, passesStandOnTheStack)
     untraced.expectWithin("stack of a pass, built by g++");
 #endif
     traced.expectWithin("stack of a pass with a trace");
-    std::cout << "work: the longest pass took " << time.most << " us of a processor (" << time.holder << ")\n";
+    std::cout << "bounds: the longest pass took " << time.value << " us of a processor (" << time.holder << ")\n";
 }
 
-// Last, as it changes how the machine hands out memory.
-TEST(Work, aFailedDecodeTouches)
+// Last, as it changes how malloc obtains memory.
+TEST(Bounds, holdForTheMemoryThatAFailedDecodeTouches)
 {
-    mallopt(M_MMAP_THRESHOLD, 65536);  // blocks come as fresh pages, and go at once
+    mallopt(M_MMAP_THRESHOLD, 65536);  // larger blocks are mapped one by one, and unmapped at once
     malloc_trim(0);
-    Record touched;
-    for (const bool withTexts : {false, true}) {
-        Attack attack(withTexts);
+    Most touched;
+    for (const bool withStrings : {false, true}) {
+        WorstMessage worst(withStrings);
         for (const Type* type : libraryTypes())
-            for (const Bytes& bytes : variantsOf(attack.on(*type))) {
+            for (const Bytes& bytes : variantsOf(worst.of(*type))) {
                 const Message message(bytes);
                 Storage object(*type);
-                const std::size_t before = resident();
+                const std::size_t before = residentMemory();
                 object.run(Mode::decode, message.span());
-                const std::size_t after = resident();
-                touched.meet(after - std::min(before, after), *type);
+                const std::size_t after = residentMemory();
+                touched.add(after - std::min(before, after), *type);
                 ASSERT_TRUE(object.releasesAll()) << type->name;
             }
     }

@@ -1,14 +1,17 @@
-// The codec against a stream class that keeps the contract and nothing more: the calls it makes are those of calls.txt.
+// The codec against a stream class that offers nothing beyond the contract: the codec makes exactly the calls of
+// calls.txt.
 
 #include "codec_tools.h"
+#include "memory.h"
 
 #include <quorvapixdr/drivers.h>
 #include <quorvapixdr/types/forms.h>
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <fstream>
-#include <map>
+#include <functional>
 #include <sstream>
 
 using namespace quorva;
@@ -30,16 +33,21 @@ const struct {
     {"Event", XdrEvent, sizeof(Event)},
 };
 
-// "    open x,  unit 00000001" as "open x\nunit 00000001\n".
+// The words of a call with one blank between them, so that a string that ends in blanks can be written in the file.
+std::string singleSpaced(const std::string& call)
+{
+    std::istringstream words(call);
+    std::string text;
+    for (std::string word, gap; words >> word; gap = " ") text += gap + word;
+    return text;
+}
+
+// The calls of "    open x,  unit 00000001", one a line.
 std::string callsOf(std::istream& lines)
 {
     std::string calls, line, call;
     while (lines.peek() == ' ' && std::getline(lines, line)) {
-        for (std::istringstream parts(line); std::getline(parts, call, ',');) {
-            std::istringstream words(call);
-            for (std::string word, gap; words >> word; gap = " ") calls += gap + word;
-            calls += '\n';
-        }
+        for (std::istringstream parts(line); std::getline(parts, call, ',');) { calls += singleSpaced(call) + '\n'; }
     }
     return calls;
 }
@@ -55,11 +63,7 @@ std::string record(const std::string& verb, const std::string& name, Bytes wire,
         recordedCalls.clear();
         const Pass pass = runPass(mode, type.routine, object, verb == "decode" ? wire : buffer);
         std::string calls;
-        for (const std::string& call : recordedCalls) {
-            std::istringstream words(call);  // a text that ends in blanks or line ends reads like one that does not
-            for (std::string word, gap; words >> word; gap = " ") calls += gap + word;
-            calls += '\n';
-        }
+        for (const std::string& call : recordedCalls) { calls += singleSpaced(call) + '\n'; }
         if (verb != "release") releaseContents(type.routine, object);
         return calls + (pass.succeeded ? "= 1\n" : "= 0\n");
     }
@@ -68,7 +72,7 @@ std::string record(const std::string& verb, const std::string& name, Bytes wire,
 
 }  // namespace
 
-TEST(Recording, calls)
+TEST(CustomPlatform, seesTheCallsOfTheFile)
 {
     std::ifstream file(CALLS_FILE);
     int cases = 0;
@@ -87,8 +91,8 @@ TEST(Recording, calls)
     EXPECT_GT(cases, 40) << CALLS_FILE;
 }
 
-// A narrow value is what the stream left of its unit, in each direction and also when the stream refused.
-TEST(Recording, narrowValuesAreStoredBack)
+// The codec stores what the stream left in the unit of a narrow value, in each direction and after a refusal too.
+TEST(CustomPlatform, mayChangeNarrowValues)
 {
     const struct {
         const char* name;
@@ -99,7 +103,7 @@ TEST(Recording, narrowValuesAreStoredBack)
         {"Boolean", XdrBoolean, 0x55555544},           {"ShortInteger", XdrShortInteger, 0x55555544},
         {"ShortNatural", XdrShortNatural, 0x55555544}, {"LongNatural", XdrLongNatural, 0x11223344},
     };
-    meddling = true;
+    overwrites = true;
     for (const auto& expected : cases) {
         for (const std::size_t room : {4u, 0u}) {
             std::uint32_t value = 0x55555555;
@@ -112,10 +116,10 @@ TEST(Recording, narrowValuesAreStoredBack)
             EXPECT_EQ(value, expected.left) << expected.name << " decoded, room " << room;
         }
     }
-    meddling = false;
+    overwrites = false;
 }
 
-TEST(Recording, driversOfferThousandAndTwentyFourBytes)
+TEST(CustomPlatform, getsABufferOf1024BytesFromTheDrivers)
 {
     Bytes buffer(1024);
     std::string characters(1021, 'A');
@@ -126,8 +130,8 @@ TEST(Recording, driversOfferThousandAndTwentyFourBytes)
     EXPECT_EQ(ClientsXdrSupport(routine, &text, buffer.data()), 1024);
 }
 
-// Errors carry no path where the class collects none, and all the rest.
-TEST(Recording, ownerLayer)
+// A class without a trace gives errors without a path.
+TEST(CustomPlatform, servesTheOwnerLayer)
 {
     Point point = {1, 2};
     const Bytes message = quorva::encode(point);
@@ -139,4 +143,42 @@ TEST(Recording, ownerLayer)
         EXPECT_STREQ(error.what(), "cannot decode Point, byte 4 of 6");
         EXPECT_EQ(error.path(), "");
     }
+}
+
+// The exception passes through the drivers and the C++ layer, nothing leaks, and object and buffer are unchanged.
+TEST(CustomPlatform, mayThrowInItsConstructor)
+{
+    Point point = {1, 2};
+    std::array<unsigned char, driverMessage> buffer;
+    const struct {
+        const char* name;
+        std::function<void()> call;
+        int otherStreams = 0;
+    } entries[] = {
+        {"ClientsXdrSupport", [&] { ClientsXdrSupport(XdrPoint, &point, buffer.data()); }},
+        {"ClientsXdrDeserialize", [&] { ClientsXdrDeserialize(XdrPoint, &point, buffer.data()); }},
+        {"TestDeserialize", [&] { TestDeserialize(XdrPoint, &point, buffer.data()); }},
+        {"XdrDeallocate", [&] { XdrDeallocate(XdrPoint, &point, buffer.data()); }},
+        {"encode", [&] { quorva::encode(point); }},
+        {"decode, which releases with a second stream", [&] { quorva::decode<Point>(buffer); }, 1},
+    };
+    for (const auto& entry : entries) {
+        SCOPED_TRACE(entry.name);
+        buffer.fill('B');
+        throwingConstructors = 1;
+        constructorCalls = destructorCalls = 0;
+        {
+            const Watch watch;
+            EXPECT_THROW(entry.call(), StreamRefused);
+        }
+        EXPECT_EQ(liveBlocks(), 0) << "the memory of the stream";
+        EXPECT_EQ(mismatchedReleases(), 0);
+        EXPECT_EQ(constructorCalls, 1 + entry.otherStreams);
+        EXPECT_EQ(destructorCalls, entry.otherStreams);
+        EXPECT_EQ(point.x, 1);
+        EXPECT_EQ(point.y, 2);
+        EXPECT_EQ(buffer.front(), 'B');
+    }
+    throwingConstructors = 0;
+    EXPECT_EQ(ClientsXdrSupport(XdrPoint, &point, buffer.data()), 8) << "the next stream can be constructed";
 }

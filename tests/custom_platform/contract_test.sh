@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# A platform class that lacks something is told so in one sentence that names it: contract_test.sh CXX SOURCE_DIR
+# A platform class that lacks an operation gets one error, which names the operation: contract_test.sh CXX SOURCE_DIR
 set -u
 cxx=$1
 source=$2
@@ -7,11 +7,10 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 failures=0
 
-# PATTERN of the line to leave out of Xdr.h, or a sed command, and what the sentence must hold.
-lacking() {
-    sed -e "$1" "$source/tests/recording/platform/Xdr.h" >"$folder/Xdr.h"
-    if cmp -s "$folder/Xdr.h" "$source/tests/recording/platform/Xdr.h"; then
-        echo "nothing changed by $1"
+lacking() {  # SED-COMMAND EXPECTED: changes Xdr.h, and expects one error that contains EXPECTED
+    sed -e "$1" "$source/tests/custom_platform/platform/Xdr.h" >"$folder/Xdr.h"
+    if cmp -s "$folder/Xdr.h" "$source/tests/custom_platform/platform/Xdr.h"; then
+        echo "no change by $1"
         failures=$((failures + 1))
         return
     fi

@@ -1,4 +1,4 @@
-// The numbers of SECURITY.md, read from its text, so that the text and the tests cannot differ.
+// The bounds of SECURITY.md, read from the page, so that the page and the tests cannot differ.
 #pragma once
 
 #include <cctype>

@@ -1,10 +1,11 @@
-// Passes over objects of any described type, in both of the ways that a routine has, and what they leave.
+// Passes over objects of any described type, coded by the plain functions or the interpreter, and what the passes
+// leave.
 #pragma once
 
 #include "codec_tools.h"
+#include "coding.h"
 #include "memory.h"
 #include "tested_modules.h"
-#include "ways.h"
 
 #include <gtest/gtest.h>
 
@@ -14,6 +15,7 @@
 
 namespace quorva::test {
 
+// The built-in types and all types of the tested modules.
 inline std::vector<const Type*> allTypes()
 {
     std::vector<const Type*> types = inspect::typesOf(testedModules());
@@ -21,11 +23,11 @@ inline std::vector<const Type*> allTypes()
     return types;
 }
 
-// Zeroed storage of just the size of one object; nobody but the test releases its contents.
+// Zeroed storage of exactly the size of one object. It does not release the contents: the test does, with a pass.
 class Storage {
 public:
-    explicit Storage(const Type& type, Way way = Way::plain)
-        : described(type), along(way), bytes(new unsigned char[type.size]())
+    explicit Storage(const Type& type, Coding coding = Coding::plain)
+        : described(type), usual(coding), bytes(new unsigned char[type.size]())
     {
     }
     Storage(const Storage&) = delete;
@@ -33,26 +35,26 @@ public:
 
     Pass run(Mode mode, std::span<unsigned char> buffer, const Scarcity& scarcity = {})
     {
-        return run(along, mode, buffer, scarcity);
+        return run(usual, mode, buffer, scarcity);
     }
-    Pass run(Way way, Mode mode, std::span<unsigned char> buffer, const Scarcity& scarcity = {})
+    Pass run(Coding coding, Mode mode, std::span<unsigned char> buffer, const Scarcity& scarcity = {})
     {
-        TraceText* const sink = way == Way::interpreted ? &deafTrace() : nullptr;
+        TraceText* const sink = coding == Coding::interpreted ? &exhaustedTrace() : nullptr;
         const Watch watch(scarcity);
         return runPass(mode, described.routine, bytes, buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
     }
 
-    // Whether one release pass leaves nothing behind, and releases everything in the form that it was allocated in.
-    ::testing::AssertionResult releasesAll() { return releasesAll(along); }
-    ::testing::AssertionResult releasesAll(Way way)
+    // True if one release pass releases every block, each in the form in which it was allocated.
+    ::testing::AssertionResult releasesAll() { return releasesAll(usual); }
+    ::testing::AssertionResult releasesAll(Coding coding)
     {
-        run(way, Mode::release, {});
+        run(coding, Mode::release, {});
         const bool clean = liveBlocks() == 0 && mismatchedReleases() == 0;
         return clean ? ::testing::AssertionSuccess()
                      : ::testing::AssertionFailure() << liveBlocks() << " blocks are left";
     }
 
-    // What an encode pass writes into `room` bytes, up to where it fails.
+    // What an encode pass writes into a buffer of `room` bytes before it ends or fails.
     Bytes written(std::size_t room)
     {
         const Message buffer{Bytes(room, 0x5A)};
@@ -66,17 +68,17 @@ public:
 
 private:
     const Type& described;
-    const Way along;
+    const Coding usual;
     unsigned char* bytes;
 };
 
-// What a decode pass did and left, as far as both ways must agree about it.
+// What a decode pass did and left. The plain functions and the interpreter must agree in all of it.
 struct Decoded {
     bool succeeded;
     std::size_t length;
     long allocations;
     std::size_t allocated;  // bytes
-    Bytes left;             // what an encode pass makes of the object, whole or not
+    Bytes left;             // what an encode pass makes of the object, complete or not
     bool operator==(const Decoded&) const = default;
 };
 
@@ -86,15 +88,16 @@ inline void PrintTo(const Decoded& decoded, std::ostream* out)
          << " allocations of " << decoded.allocated << " bytes, left " << hexOf(decoded.left);
 }
 
-// Decodes in one way and looks at what that left; one release pass over it must leave nothing.
-inline Decoded decoded(const Type& type, Way way, std::span<const unsigned char> wire, const Scarcity& scarcity = {})
+// Decodes a message, encodes what that left, and expects one release pass to release everything.
+inline Decoded decoded(const Type& type, Coding coding, std::span<const unsigned char> wire,
+                       const Scarcity& scarcity = {})
 {
     const Message message(wire);
-    Storage object(type, way);
+    Storage object(type, coding);
     const Pass pass = object.run(Mode::decode, message.span(), scarcity);
     const long number = allocations();
     const std::size_t size = allocatedBytes();
-    Bytes left = object.written(wire.size() + 256);  // more than came, to see what a failure left instead
+    Bytes left = object.written(wire.size() + 256);  // room for a value that a failed decode left longer
     EXPECT_TRUE(object.releasesAll());
     return {pass.succeeded, pass.length, number, size, std::move(left)};
 }

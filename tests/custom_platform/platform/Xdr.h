@@ -1,4 +1,4 @@
-// A stream class of somebody else's: it keeps the contract and has nothing beyond it, and it writes down every call.
+// A custom stream class that offers the contract and nothing beyond it, and records every call.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 class Xdr {
 public:
-    // Other names than the bundled class gives them; only the numbers count.
+    // The names differ from those of the bundled class; the codec uses the numbers alone.
     enum class Request { toTheWire = 0, fromTheWire = 1, letGo = 2 };
 
     void* rootAllocationSlot;
@@ -38,8 +38,12 @@ private:
 
 void TRACE(const char* format, ...);
 
-// What was called since the test emptied it, one text for each call.
+// One line for each call since the test cleared it.
 extern std::vector<std::string> recordedCalls;
 
-// Set by a test: `Transfer` replaces what it was given, in every mode, before it refuses or goes on.
-extern bool meddling;
+// Set by a test: `Transfer` overwrites the value that it is given, in every mode, even if it then refuses.
+extern bool overwrites;
+
+// The constructor throws StreamRefused in its first `throwingConstructors` calls. A test sets the counts back.
+struct StreamRefused {};
+extern int throwingConstructors, constructorCalls, destructorCalls;

@@ -1,10 +1,10 @@
-// Messages of every type, damaged in every place: whatever comes of it, nothing is read that nobody wrote, nothing is
-// left, and the two ways of a routine agree.
+// Messages of every type, damaged in every place: no uninitialised memory is sent, every block is released, and the
+// plain functions and the interpreter agree.
 //
-// DAMAGE_STRIDE says how dense the tests are in the whole: 1 does everything, 29 is for every day. At the end stands
-// how many messages were decoded.
+// The environment variable DAMAGE_STRIDE is the step between the damages that are tried: 1 tries all, 29 is the
+// default. The last line of the output counts the decoded messages.
 
-#include "passes_over.h"
+#include "storage.h"
 
 #include <inspect/json.h>
 #include <inspect/sample.h>
@@ -20,9 +20,9 @@ using inspect::Extent;
 
 namespace {
 
-constexpr std::size_t longest = 1024;  // bytes of a message, but where the type's shortest is longer
+constexpr std::size_t longest = 1024;  // bytes of a message; more where the shortest value of the type needs more
 
-// A text of gigabytes is refused, so that the outcome is not the machine's.
+// Larger blocks fail, so that the outcome does not depend on the memory of the machine.
 constexpr Scarcity granted{.largest = std::size_t{64} << 20};
 
 // All damages of one message, by number.
@@ -55,7 +55,7 @@ private:
     std::size_t units;
 };
 
-// What is open, innermost first, closed: "Locker/value[2]/code" gives "</code></value></Locker>".
+// The close tags of a path: "Locker/value[2]/code" gives "</code></value></Locker>".
 std::string closing(std::string path)
 {
     std::string tags;
@@ -68,8 +68,8 @@ std::string closing(std::string path)
     return tags;
 }
 
-// Whether four bytes in a row are what fresh memory is filled with.
-bool holdsUnwritten(const Bytes& bytes)
+// True if four successive bytes are the filling of new blocks (support/memory.h).
+bool holdsUninitialised(const Bytes& bytes)
 {
     return std::search_n(bytes.begin(), bytes.end(), 4, 0xA5) != bytes.end();
 }
@@ -80,7 +80,7 @@ std::size_t stride()
     return wanted ? std::max<std::size_t>(1, std::strtoul(wanted, nullptr, 10)) : 29;
 }
 
-// How many messages were decoded, in all and of the type that had the fewest.
+// Counts the decoded messages: all of them, and those of the type that had the fewest.
 class Tally : public ::testing::Environment {
 public:
     void add(std::size_t decodes)
@@ -103,20 +103,21 @@ class EveryType : public ::testing::TestWithParam<const Type*> {
 protected:
     const Type& type = *GetParam();
 
-    // What holds for any message. Returns what a decode left.
-    Decoded judged(const Bytes& message)
+    // Expects what holds for any message; returns what a decode left.
+    Decoded expectSound(const Bytes& message)
     {
-        Decoded plain = decoded(type, Way::plain, message, granted);
-        EXPECT_EQ(plain, decoded(type, Way::interpreted, message, granted));
+        Decoded plain = decoded(type, Coding::plain, message, granted);
+        EXPECT_EQ(plain, decoded(type, Coding::interpreted, message, granted));
         EXPECT_LE(plain.length, message.size());
         EXPECT_LE(plain.allocations, static_cast<long>(message.size() / 4))
-            << "each takes a unit of the message at least";
-        EXPECT_TRUE(!holdsUnwritten(plain.left) || holdsUnwritten(message)) << hexOf(plain.left);
+            << "each takes at least one unit of the message";
+        EXPECT_TRUE(!holdsUninitialised(plain.left) || holdsUninitialised(message)) << hexOf(plain.left);
         decodes += 2;
         return plain;
     }
 
-    void judgeFailure(const Bytes& message)
+    // Expects that the trace up to the failure is well-formed, and that the object has a JSON text.
+    void expectReadableFailure(const Bytes& message)
     {
         TraceText trace;
         inspect::Object object(type);
@@ -132,7 +133,7 @@ protected:
 
 }  // namespace
 
-TEST_P(EveryType, isDamaged)
+TEST_P(EveryType, withstandsDamage)
 {
     inspect::Sampler sampler;
     for (const Extent extent : {Extent::least, Extent::random, Extent::fullest}) {
@@ -141,14 +142,14 @@ TEST_P(EveryType, isDamaged)
         for (std::size_t number = inspect::documentationOf(type).line % stride(); number < damages.count();
              number += stride()) {
             const Bytes message = damages.at(number);
-            const Decoded what = judged(message);
+            const Decoded left = expectSound(message);
             if (damages.isTruncation(number)) {
-                EXPECT_FALSE(what.succeeded);
-                if (number % 4 == 0) judgeFailure(message);
-            } else if (what.succeeded) {
-                const Decoded again = judged(what.left);
+                EXPECT_FALSE(left.succeeded);
+                if (number % 4 == 0) expectReadableFailure(message);
+            } else if (left.succeeded) {
+                const Decoded again = expectSound(left.left);
                 EXPECT_TRUE(again.succeeded);
-                EXPECT_EQ(again.left, what.left);
+                EXPECT_EQ(again.left, left.left);
             }
             ASSERT_FALSE(HasFailure()) << "damage " << number << ": " << hexOf(message);
         }
