@@ -1,4 +1,4 @@
-// The five drivers: direction, the 1024 bytes, what they report, and who owns the stream and the object afterwards.
+// The five drivers: mode, buffer of 1024 bytes, result, and who owns the stream and the object after the call.
 
 #include "codec_tools.h"
 #include "memory.h"
@@ -19,7 +19,7 @@ int text(Xdr* xdrs, void* object)
 
 }  // namespace
 
-TEST(Drivers, encodeReturnsTheBytesWrittenAlsoAfterAFailure)
+TEST(Drivers, returnTheBytesWrittenAfterAFailureToo)
 {
     Bytes buffer(2000, 0x55);
     const struct {
@@ -31,12 +31,12 @@ TEST(Drivers, encodeReturnsTheBytesWrittenAlsoAfterAFailure)
         char* string = characters.data();
         const Watch watch;
         EXPECT_EQ(ClientsXdrSupport(text, &string, buffer.data()), expected.written);
-        EXPECT_EQ(liveBlocks(), 0) << "the stream is gone";
+        EXPECT_EQ(liveBlocks(), 0) << "the stream is deleted";
     }
     EXPECT_EQ(Bytes(buffer.begin() + 1024, buffer.end()), Bytes(976, 0x55)) << "the buffer has 1024 bytes";
 }
 
-TEST(Drivers, decodeThenDeallocate)
+TEST(Drivers, decodeAndDeallocate)
 {
     Bytes buffer = bytesOf("00000003 41424300");
     buffer.resize(1024, 0x55);
@@ -44,18 +44,18 @@ TEST(Drivers, decodeThenDeallocate)
     {
         const Watch watch;
         ClientsXdrDeserialize(text, &string, buffer.data());
-        EXPECT_EQ(liveBlocks(), 1) << "the text alone";
+        EXPECT_EQ(liveBlocks(), 1) << "the string alone";
     }
     EXPECT_STREQ(string, "ABC");
     const Bytes before = buffer;
     XdrDeallocate(text, &string, buffer.data());
     EXPECT_EQ(liveBlocks(), 0);
     EXPECT_EQ(buffer, before);
-    EXPECT_NE(string, nullptr) << "pointers stay as they were";
+    EXPECT_NE(string, nullptr) << "release leaves the pointer";
 }
 
-// Benches read what the stream holds after the pass, so it is never destroyed.
-TEST(Drivers, testDeserializeTellsAndKeepsItsStream)
+// Callers of TestDeserialize read the stream after the pass, so the driver never deletes it.
+TEST(Drivers, keepTheStreamOfTestDeserialize)
 {
     static Xdr* kept;
     const auto routine = [](Xdr* xdrs, void* object) {
@@ -75,7 +75,7 @@ TEST(Drivers, testDeserializeTellsAndKeepsItsStream)
     }
 }
 
-TEST(Drivers, nullObjectIsAllocatedAndOutOfReach)
+TEST(Drivers, loseTheObjectTheyAllocate)
 {
     Bytes buffer = bytesOf("00000007");
     buffer.resize(1024);
@@ -91,8 +91,9 @@ TEST(Drivers, nullObjectIsAllocatedAndOutOfReach)
     ::operator delete(root);
 }
 
-// The scalar form, though a decode allocates with the array form: callers' own allocators count on it.
-TEST(Drivers, deallocateStringUsesTheScalarForm)
+// A decode allocates strings with the array form; DeallocateString releases them with the scalar form, as the replaced
+// operators of callers expect it.
+TEST(Drivers, deallocateStringsWithTheScalarForm)
 {
     auto* string = new char[4]{'A', 'B', 'C', '\0'};
     char* const before = string;
@@ -103,7 +104,7 @@ TEST(Drivers, deallocateStringUsesTheScalarForm)
     DeallocateString(&none);
 }
 
-TEST(Drivers, noMemoryForTheStream)
+TEST(Drivers, doNothingWithoutMemoryForTheStream)
 {
     Bytes buffer(1024, 0x55);
     std::uint32_t value = 7;

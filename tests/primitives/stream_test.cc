@@ -1,4 +1,4 @@
-// The bundled stream by itself: values of any size, all or none of their bytes, and a pass without buffer or trace.
+// The bundled stream class: values of any size, all or none of their bytes, and passes without a buffer or a trace.
 
 #include "codec_tools.h"
 
@@ -7,8 +7,8 @@
 using namespace quorva;
 using namespace quorva::test;
 
-// Network byte order for every size, not only that of the units that the codec moves.
-TEST(Stream, transfer)
+// Values of every size are in network byte order.
+TEST(Stream, transfersAllBytesOrNone)
 {
     static_assert(std::endian::native == std::endian::little);
     const struct {
@@ -45,7 +45,7 @@ TEST(Stream, transfer)
     }
 }
 
-TEST(Stream, movesOneBehindTheOther)
+TEST(Stream, transfersOneValueAfterTheOther)
 {
     for (const auto mode : {Mode::encode, Mode::decode}) {
         Bytes wire = bytesOf("0102 AABBCC 00000007"), value = bytesOf("0201"), raw = bytesOf("AABBCC"),
@@ -73,8 +73,8 @@ TEST(Stream, movesOneBehindTheOther)
     }
 }
 
-// Idle, or programmed without a buffer, it has room for nothing; without a sink it adds nothing.
-TEST(Stream, withoutBufferOrTrace)
+// Without a buffer it transfers nothing; without a sink it adds nothing.
+TEST(Stream, needsABufferAndASink)
 {
     Xdr xdrs;
     EXPECT_EQ(xdrs.rootAllocationSlot, nullptr);

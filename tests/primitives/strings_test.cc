@@ -1,5 +1,5 @@
-// Opaque data, texts and byte arrays: RFC 4506 sections 4.9 to 4.11 by hand, the order of allocation and judgement, and
-// what is left behind by a failure.
+// Opaque data and strings: RFC 4506 sections 4.9 to 4.11 by hand, whether a length is checked before its allocation,
+// and what a failed pass leaves.
 
 #include "codec_tools.h"
 #include "memory.h"
@@ -13,7 +13,7 @@ namespace {
 
 // The primitives with a maximum, as routines over one object.
 template <std::uint32_t Maximum>
-int text(Xdr* xdrs, void* object)
+int stringOf(Xdr* xdrs, void* object)
 {
     return XdrString(xdrs, static_cast<char**>(object), Maximum);
 }
@@ -39,41 +39,41 @@ struct Decoded {
     const char* wire;
     bool succeeded;
     std::size_t length;
-    const char* left;  // the text, or the bytes as hex; null for none
+    const char* left;  // the string, or the bytes in hex; null for none
     long allocated = 1;
 };
 
-const Decoded texts[] = {
-    {"length, characters, padding", text<80>, "00000003 41424300", true, 8, "ABC"},
-    {"no padding behind a whole unit", text<80>, "00000004 41424344", true, 8, "ABCD"},
-    {"an empty text is a text", text<80>, "00000000", true, 4, ""},
-    {"a maximum is reached", text<3>, "00000003 41424300", true, 8, "ABC"},
-    {"the storage is allocated before the length is judged", text<2>, "00000003 41424300", false, 4, ""},
-    {"an absurd length is still asked for, and refused", text<65535>, "00020000 41424300", false, 4, ""},
-    {"padding is not looked at", text<80>, "00000001 41FFFFFF", true, 8, "A"},
-    {"a byte of zero ends the text for its reader", text<80>, "00000003 41004300", true, 8, "A"},
-    {"the message ends in the length", text<80>, "000000", false, 0, nullptr, 0},
-    {"the message ends in the characters", text<80>, "00000003 4142", false, 4, ""},
-    {"the message ends in the padding", text<80>, "00000003 414243", false, 7, "ABC"},
-    {"beyond 16 bits the low part of the length is carried", text<100000>, "00010001 41000000", true, 8, "A"},
+const Decoded strings[] = {
+    {"length, characters, padding", stringOf<80>, "00000003 41424300", true, 8, "ABC"},
+    {"no padding after a whole unit", stringOf<80>, "00000004 41424344", true, 8, "ABCD"},
+    {"an empty string", stringOf<80>, "00000000", true, 4, ""},
+    {"at the maximum", stringOf<3>, "00000003 41424300", true, 8, "ABC"},
+    {"the storage is allocated before the length is checked", stringOf<2>, "00000003 41424300", false, 4, ""},
+    {"a length beyond all maxima is allocated too, and refused", stringOf<65535>, "00020000 41424300", false, 4, ""},
+    {"the padding may have any value", stringOf<80>, "00000001 41FFFFFF", true, 8, "A"},
+    {"a zero byte ends the string in memory", stringOf<80>, "00000003 41004300", true, 8, "A"},
+    {"the message ends in the length", stringOf<80>, "000000", false, 0, nullptr, 0},
+    {"the message ends in the characters", stringOf<80>, "00000003 4142", false, 4, ""},
+    {"the message ends in the padding", stringOf<80>, "00000003 414243", false, 7, "ABC"},
+    {"of a length beyond 16 bits, the low part is transferred", stringOf<100000>, "00010001 41000000", true, 8, "A"},
 };
 
 const Decoded byteArrays[] = {
     {"count, bytes, padding", byteArray<40>, "00000003 41424300", true, 8, "414243"},
     {"a count of zero allocates nothing", byteArray<40>, "00000000", true, 4, nullptr, 0},
-    {"a maximum is reached", byteArray<3>, "00000003 41424300", true, 8, "414243"},
-    {"a count beyond the maximum is stored before it is judged", byteArray<2>, "00000003 41424300", false, 4, nullptr,
-     0},
-    {"a count is its low 16 bits, which alone are judged", byteArray<2>, "00010001 41000000", true, 8, "41"},
-    {"what did not come is empty, never what the storage held", byteArray<40>, "00000003 4142", false, 4, "000000"},
-    {"nor is it kept without its padding", byteArray<40>, "00000003 414243", false, 7, "000000"},
+    {"at the maximum", byteArray<3>, "00000003 41424300", true, 8, "414243"},
+    {"a count beyond the maximum is stored and refused", byteArray<2>, "00000003 41424300", false, 4, nullptr, 0},
+    {"a count is its low 16 bits, and only they are compared with the maximum", byteArray<2>, "00010001 41000000", true,
+     8, "41"},
+    {"missing bytes are zero", byteArray<40>, "00000003 4142", false, 4, "000000"},
+    {"without their padding, all bytes are zero", byteArray<40>, "00000003 414243", false, 7, "000000"},
 };
 
 }  // namespace
 
-TEST(Strings, decode)
+TEST(Strings, decodeTheirCharacters)
 {
-    for (const Decoded& expected : texts) {
+    for (const Decoded& expected : strings) {
         SCOPED_TRACE(expected.why);
         const Message message(bytesOf(expected.wire));
         char* string = nullptr;
@@ -91,21 +91,21 @@ TEST(Strings, decode)
     }
 }
 
-// 4 GiB are had or not, as the machine will; neither stops a release pass.
-TEST(Strings, largestLength)
+// The machine decides if it has 4 GiB; a release pass succeeds in both cases.
+TEST(Strings, ofTheLargestLengthAreAllocatedAndRefused)
 {
     for (const char* wire : {"FFFFFFFF 41414141", "80000000", "7FFFFFFC 41"}) {
         const Message message(bytesOf(wire));
         char* string = nullptr;
-        EXPECT_FALSE(pass(Mode::decode, text<65535>, &string, message.span()).succeeded);
-        EXPECT_GT(largestAllocation(), 0x7FFFFFFCu) << "allocated before judged";
+        EXPECT_FALSE(pass(Mode::decode, stringOf<65535>, &string, message.span()).succeeded);
+        EXPECT_GT(largestAllocation(), 0x7FFFFFFCu) << "allocated before the check";
         if (string) { EXPECT_STREQ(string, ""); }
-        EXPECT_TRUE(pass(Mode::release, text<65535>, &string, {}).succeeded);
+        EXPECT_TRUE(pass(Mode::release, stringOf<65535>, &string, {}).succeeded);
         EXPECT_EQ(liveBlocks(), 0);
     }
 }
 
-TEST(Strings, encode)
+TEST(Strings, encodeTheirCharacters)
 {
     const struct {
         const char* why;
@@ -115,18 +115,19 @@ TEST(Strings, encode)
         bool succeeded;
         const char* wire;
     } cases[] = {
-        {"length, characters, zero padding", text<80>, "ABC", 80, true, "00000003 41424300"},
-        {"empty", text<80>, "", 80, true, "00000000"},
-        {"at the maximum", text<3>, "ABC", 80, true, "00000003 41424300"},
-        {"beyond the maximum the length has been written", text<2>, "ABC", 80, false, "00000003"},
-        {"no room for the length", text<80>, "ABC", 3, false, ""},
-        {"no room for the characters", text<80>, "ABC", 6, false, "00000003"},
-        {"no room for the padding", text<80>, "ABC", 7, false, "00000003 414243"},
-        {"beyond 16 bits the low part of the length is carried", text<100000>, std::string(65537, 'A'), 80, true,
+        {"length, characters, zero padding", stringOf<80>, "ABC", 80, true, "00000003 41424300"},
+        {"empty", stringOf<80>, "", 80, true, "00000000"},
+        {"at the maximum", stringOf<3>, "ABC", 80, true, "00000003 41424300"},
+        {"beyond the maximum, the length is written", stringOf<2>, "ABC", 80, false, "00000003"},
+        {"no room for the length", stringOf<80>, "ABC", 3, false, ""},
+        {"no room for the characters", stringOf<80>, "ABC", 6, false, "00000003"},
+        {"no room for the padding", stringOf<80>, "ABC", 7, false, "00000003 414243"},
+        {"of a length beyond 16 bits, the low part is transferred", stringOf<100000>, std::string(65537, 'A'), 80, true,
          "00010001 41000000"},
-        {"a text by value", XdrWrapString, "ABC", 80, true, "00000003 41424300"},
+        {"a string by value", XdrWrapString, "ABC", 80, true, "00000003 41424300"},
         {"at most 65535 characters of it", XdrWrapString, std::string(65535, 'A'), 8, false, "0000FFFF"},
-        {"and no more, though they would count as none", XdrWrapString, std::string(65536, 'A'), 8, false, "00010000"},
+        {"65536 are refused, although their low 16 bits are zero", XdrWrapString, std::string(65536, 'A'), 8, false,
+         "00010000"},
     };
     for (const auto& expected : cases) {
         SCOPED_TRACE(expected.why);
@@ -143,13 +144,13 @@ TEST(Strings, encode)
     }
     char* none = nullptr;
     Bytes buffer(80);
-    const Pass done = pass(Mode::encode, text<80>, &none, buffer);
-    EXPECT_FALSE(done.succeeded) << "a null text is no text";
+    const Pass done = pass(Mode::encode, stringOf<80>, &none, buffer);
+    EXPECT_FALSE(done.succeeded) << "a null string";
     EXPECT_EQ(done.length, 0u);
 }
 
-// The text comes by value, so nobody hears where a decoded one went: its callers have never asked.
-TEST(Strings, wrapStringLosesWhatItDecodes)
+// XdrWrapString takes the string by value, so its caller cannot get the decoded string.
+TEST(Strings, byValueLoseWhatTheyDecode)
 {
     char given[] = "given";
     const Message message(bytesOf("00000003 41424300"));
@@ -162,7 +163,7 @@ TEST(Strings, wrapStringLosesWhatItDecodes)
     EXPECT_EQ(liveBlocks(), 0);
 }
 
-TEST(ByteArrays, decode)
+TEST(ByteArrays, decodeTheirBytes)
 {
     for (const Decoded& expected : byteArrays) {
         SCOPED_TRACE(expected.why);
@@ -185,7 +186,7 @@ TEST(ByteArrays, decode)
     }
 }
 
-TEST(ByteArrays, countOfZeroLeavesThePointer)
+TEST(ByteArrays, keepTheirPointerAtACountOfZero)
 {
     unsigned char own = 7;
     for (const auto mode : {Mode::encode, Mode::decode, Mode::release}) {
@@ -197,22 +198,22 @@ TEST(ByteArrays, countOfZeroLeavesThePointer)
     }
 }
 
-TEST(ByteArrays, nullBytes)
+TEST(ByteArrays, withoutBytesCanOnlyBeReleased)
 {
     Bytes buffer(80);
     ByteArray none = {3, nullptr};
     EXPECT_FALSE(pass(Mode::encode, byteArray<40>, &none, buffer).succeeded);
-    EXPECT_TRUE(pass(Mode::release, byteArray<40>, &none, {}).succeeded) << "left by a decode that found no memory";
+    EXPECT_TRUE(pass(Mode::release, byteArray<40>, &none, {}).succeeded) << "as a decode without memory leaves it";
 }
 
-TEST(Strings, noMemory)
+TEST(Strings, keepTheirCountWithoutMemory)
 {
     const Message message(bytesOf("00000003 41424300"));
     char* string = nullptr;
     ByteArray bytes = {};
     {
         const Watch watch(0);
-        EXPECT_FALSE(runPass(Mode::decode, text<80>, &string, message.span()).succeeded);
+        EXPECT_FALSE(runPass(Mode::decode, stringOf<80>, &string, message.span()).succeeded);
         EXPECT_FALSE(runPass(Mode::decode, byteArray<80>, &bytes, message.span()).succeeded);
     }
     EXPECT_EQ(string, nullptr);
@@ -220,10 +221,10 @@ TEST(Strings, noMemory)
     EXPECT_EQ(bytes.elements, nullptr);
 }
 
-// The trace of opaque data: text up to the first zero byte or 4096 characters, or a hex dump.
-TEST(Opaque, traceAndLength)
+// The trace of opaque data: characters up to the first zero byte or 4096 of them, or a hex dump.
+TEST(Opaque, tracesCharactersOrADump)
 {
-    const auto shown = [](auto routine, Bytes bytes, std::uint32_t length, std::size_t moved) {
+    const auto trace = [](auto routine, Bytes bytes, std::uint32_t length, std::size_t moved) {
         Bytes buffer(70000);
         TraceText trace;
         Xdr xdrs;
@@ -232,14 +233,14 @@ TEST(Opaque, traceAndLength)
         EXPECT_EQ(routine(&xdrs, bytes.data(), length), 1);
         EXPECT_EQ(xdrs.codedLength, moved);
         xdrs.Program(requestOf(Mode::release), nullptr, 0);
-        EXPECT_EQ(routine(&xdrs, nullptr, length), 1) << "opaque data is its holder's";
+        EXPECT_EQ(routine(&xdrs, nullptr, length), 1) << "the object owns opaque data";
         return std::string(trace.text());
     };
-    EXPECT_EQ(shown(XdrOpaque, bytesOf("41424300 44"), 5, 8), "ABC");
-    EXPECT_EQ(shown(XdrOpaque, bytesOf("4142"), 2, 4), "AB") << "no zero within the length";
-    EXPECT_EQ(shown(XdrOpaque, Bytes(5000, 'A'), 5000, 5000), std::string(4096, 'A'));
-    EXPECT_EQ(shown(XdrOpaque, bytesOf("42"), 1, 4), "B");
-    EXPECT_EQ(shown(XdrOpaque, bytesOf("41"), 0, 0), "");
-    EXPECT_EQ(shown(XdrOpaque2, bytesOf("41424300"), 4, 4), "41 42 43 00");
-    EXPECT_EQ(shown(XdrOpaque2, bytesOf("41"), 0x10001, 4), "41") << "a length is cut to 16 bits";
+    EXPECT_EQ(trace(XdrOpaque, bytesOf("41424300 44"), 5, 8), "ABC");
+    EXPECT_EQ(trace(XdrOpaque, bytesOf("4142"), 2, 4), "AB") << "no zero within the length";
+    EXPECT_EQ(trace(XdrOpaque, Bytes(5000, 'A'), 5000, 5000), std::string(4096, 'A'));
+    EXPECT_EQ(trace(XdrOpaque, bytesOf("42"), 1, 4), "B");
+    EXPECT_EQ(trace(XdrOpaque, bytesOf("41"), 0, 0), "");
+    EXPECT_EQ(trace(XdrOpaque2, bytesOf("41424300"), 4, 4), "41 42 43 00");
+    EXPECT_EQ(trace(XdrOpaque2, bytesOf("41"), 0x10001, 4), "41") << "of a length, the low 16 bits are used";
 }

@@ -1,4 +1,4 @@
-// The look of the trace: nesting, escapes, hex dumps, and the path to what is still open.
+// The text of a trace: layout, escapes, hex dumps, and the path to what is still open.
 
 #include "codec_tools.h"
 #include "memory.h"
@@ -6,188 +6,90 @@
 #include <gtest/gtest.h>
 
 #include <deque>
-#include <functional>
+#include <set>
+#include <sstream>
 #include <thread>
 
 using namespace quorva::test;
 
-TEST(TraceText, layoutAndPath)
+namespace {
+
+// Makes the calls of a text like "<a =1 >a": a word is the sign of a call and its argument.
+void call(TraceText& trace, std::string_view text)
+{
+    static std::set<std::string> names;  // the trace keeps the names of open elements by address
+    std::istringstream words{std::string(text)};
+    for (std::string word; words >> word;) {
+        const std::string& argument = *names.insert(word.substr(1)).first;
+        switch (word[0]) {
+        case '<': trace.open(argument); break;
+        case '>': trace.close(argument); break;
+        case '=': trace.value(argument); break;
+        case '!': trace.marker(argument); break;
+        case '#': trace.hexDump(reinterpret_cast<const unsigned char*>(argument.data()), argument.size()); break;
+        case '+': trace.indent(); break;
+        case '-': trace.outdent(); break;
+        case '/': trace.endLine(); break;
+        case '~': trace.setLineFeed(false); break;
+        default: FAIL() << word;
+        }
+    }
+}
+
+}  // namespace
+
+TEST(TraceText, hasALayoutAndAPath)
 {
     const struct {
         const char* why;
-        std::function<void(TraceText&)> add;
-        const char* text;
+        const char* calls;
+        const char* text;  // null: not compared
         const char* path;
     } cases[] = {
-        {"a leaf stands on one line",
-         [](TraceText& t) {
-             t.open("a");
-             t.value("1");
-             t.setLineFeed(false);
-             t.close("a");
-         },
-         "<a>1</a>", ""},
-        {"an enumerator stands inside its field's line",
-         [](TraceText& t) {
-             t.open("a");
-             t.setLineFeed(false);
-             t.open("E");
-             t.value("1");
-             t.close("E");
-             t.close("a");
-         },
-         "<a><E>1</E></a>", ""},
-        {"children are indented",
-         [](TraceText& t) {
-             t.open("a");
-             t.open("b");
-             t.value("1");
-             t.setLineFeed(false);
-             t.close("b");
-             t.close("a");
-         },
-         "<a>\n  <b>1</b>\n</a>", ""},
-        {"what is open is the path, with the index of an element",
-         [](TraceText& t) {
-             t.open("a");
-             for (int i = 0; i < 2; ++i) {
-                 t.marker("<value>");
-                 t.indent();
-                 t.outdent();
-                 t.marker("</value>");
-             }
-             t.marker("<value>");
-             t.indent();
-             t.open("b");
-         },
+        {"a leaf is one line", "<a =1 ~ >a", "<a>1</a>", ""},
+        {"an enumerator is in the line of its field", "<a ~ <E =1 >E >a", "<a><E>1</E></a>", ""},
+        {"children are indented", "<a <b =1 ~ >b >a", "<a>\n  <b>1</b>\n</a>", ""},
+        {"the path has what is open, with the index of an element",
+         "<a !<value> + - !</value> !<value> + - !</value> !<value> + <b",
          "<a>\n  <value></value>\n  <value></value>\n  <value>\n    <b>", "a/value[2]/b"},
-        {"elements of elements count from 0 again",
-         [](TraceText& t) {
-             t.open("a");
-             t.marker("<value>");
-             t.marker("<value>");
-             t.marker("</value>");
-             t.marker("</value>");
-             t.marker("<value>");
-             t.marker("<value>");
-         },
+        {"elements of elements count from 0 again", "<a !<value> !<value> !</value> !</value> !<value> !<value>",
          nullptr, "a/value[1]/value[0]"},
-        {"without an enclosing element the index counts as well",
-         [](TraceText& t) {
-             t.marker("<value>");
-             t.marker("</value>");
-             t.marker("<value>");
-         },
-         nullptr, "value[1]"},
-        {"two contents are kept apart",
-         [](TraceText& t) {
-             t.open("a");
-             t.value("1");
-             t.value("2");
-             t.close("a");
-         },
-         "<a>1 2</a>", ""},
-        {"a frame behind a sibling is as deep as the sibling",
-         [](TraceText& t) {
-             t.open("a");
-             t.open("b");
-             t.close("b");
-             t.marker("<value>");
-             t.indent();
-             t.open("c");
-         },
+        {"the index counts without an enclosing element too", "!<value> !</value> !<value>", nullptr, "value[1]"},
+        {"two contents are kept apart", "<a =1 =2 >a", "<a>1 2</a>", ""},
+        {"an array element after a sibling is as deep as the sibling", "<a <b >b !<value> + <c",
          "<a>\n  <b></b>\n  <value>\n    <c>", "a/value[0]/c"},
-        {"a name ends a frame, too",
-         [](TraceText& t) {
-             t.open("a");
-             t.marker("<value>");
-             t.close("value");
-             t.marker("<value>");
-         },
-         "<a>\n  <value></value>\n  <value>", "a/value[1]"},
-        {"what nobody began is ended all the same, and closes nothing",
-         [](TraceText& t) {
-             t.close("a");
-             t.marker("</value>");
-             t.open("b");
-             t.marker("</value>");
-             t.marker("<");
-         },
-         "</a></value>\n<b></value>\n  <", "b/[0]"},
-        {"markup that is no end",
-         [](TraceText& t) {
-             t.open("a");
-             t.marker("-/");
-         },
-         "<a>\n  -/", "a//[0]"},
-        {"no name at all", [](TraceText& t) { t.open(""); }, "<>", ""},
-        {"a dump behind a content",
-         [](TraceText& t) {
-             t.open("a");
-             t.value("1");
-             t.hexDump(reinterpret_cast<const unsigned char*>("AB"), 2);
-             t.value("2");
-             t.close("a");
-         },
-         "<a>1 41 42 2</a>", ""},
-        {"a content behind a dump",
-         [](TraceText& t) {
-             t.open("a");
-             t.hexDump(reinterpret_cast<const unsigned char*>("AB"), 1);
-             t.value("2");
-         },
-         "<a>41 2", "a"},
-        {"less indented than not at all",
-         [](TraceText& t) {
-             t.open("a");
-             t.outdent();
-             t.open("b");
-             t.indent();
-             t.indent();
-             t.endLine();
-             t.open("c");
-         },
-         "<a>\n  <b>\n      <c>", "a/b/c"},
-        {"more ends than beginnings",
-         [](TraceText& t) {
-             t.open("a");
-             t.close("a");
-             t.close("a");
-             t.outdent();
-             t.marker("</value>");
-             t.open("b");
-             t.outdent();
-             t.marker("</value>");
-         },
-         "<a></a></a></value>\n<b></value>", "b"},
-        {"nothing is open behind a name",
-         [](TraceText& t) {
-             t.open("a");
-             t.close("a");
-             t.open("b");
-         },
-         nullptr, "b"},
+        {"a close tag ends an array element too", "<a !<value> >value !<value>", "<a>\n  <value></value>\n  <value>",
+         "a/value[1]"},
+        {"an end without a beginning closes nothing", ">a !</value> <b !</value> !<", "</a></value>\n<b></value>\n  <",
+         "b/[0]"},
+        {"markup that is not an end", "<a !-/", "<a>\n  -/", "a//[0]"},
+        {"an empty name", "<", "<>", ""},
+        {"a dump after a content", "<a =1 #AB =2 >a", "<a>1 41 42 2</a>", ""},
+        {"a content after a dump", "<a #A =2", "<a>41 2", "a"},
+        {"an outdent without an indent", "<a - <b + + / <c", "<a>\n  <b>\n      <c>", "a/b/c"},
+        {"more ends than beginnings", "<a >a >a - !</value> <b - !</value>", "<a></a></a></value>\n<b></value>", "b"},
+        {"nothing is open after a close tag", "<a >a <b", nullptr, "b"},
     };
     for (const auto& expected : cases) {
         SCOPED_TRACE(expected.why);
         TraceText trace;
-        expected.add(trace);
-        if (expected.text) { EXPECT_EQ(trace.text(), expected.text); }
-        EXPECT_EQ(trace.path(), expected.path);
-        trace.clear();
-        EXPECT_EQ(trace.text(), "");
-        EXPECT_EQ(trace.path(), "");
-        expected.add(trace);
-        EXPECT_EQ(trace.path(), expected.path) << "a new text";
-        if (expected.text) { EXPECT_EQ(trace.text(), expected.text) << "a new text"; }
+        for (const char* const text : {"the first text", "the text after clear()"}) {
+            SCOPED_TRACE(text);
+            call(trace, expected.calls);
+            if (expected.text) { EXPECT_EQ(trace.text(), expected.text); }
+            EXPECT_EQ(trace.path(), expected.path);
+            trace.clear();
+            EXPECT_EQ(trace.text(), "");
+            EXPECT_EQ(trace.path(), "");
+        }
     }
 }
 
-TEST(TraceText, escapes)
+TEST(TraceText, escapesWhatXmlOrALineCannotHold)
 {
     const struct {
         const char* text;
-        const char* shown;
+        const char* escaped;
     } cases[] = {
         {"a<b>&c", "a&lt;b&gt;&amp;c"},
         {"]]>", "]]&gt;"},
@@ -204,10 +106,10 @@ TEST(TraceText, escapes)
         {"\xE0\x80\xAF", "\\xe0\\x80\\xaf"},           // overlong
         {"\xED\xA0\x80", "\\xed\\xa0\\x80"},           // a surrogate
         {"\xF4\x90\x80\x80", "\\xf4\\x90\\x80\\x80"},  // beyond the last character
-        {"\xEF\xBF\xBE", "\\xef\\xbf\\xbe"},           // U+FFFE, which XML has not
+        {"\xEF\xBF\xBE", "\\xef\\xbf\\xbe"},           // U+FFFE, which XML does not allow
         {"\xC2\x85", "\\xc2\\x85"},                    // a control character
         {"\xFF\xFE", "\\xff\\xfe"},
-        // The first and the last character of each length, and those beside the gaps.
+        // The first and the last character of each length, and the neighbours of the gaps.
         {"\xC2\xA0\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF", "\xC2\xA0\xDF\xBF\xE0\xA0\x80\xED\x9F\xBF"},
         {"\xEE\x80\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBD",
          "\xEE\x80\x80\xEF\xBF\xBD\xF0\x90\x80\x80\xF4\x8F\xBF\xBD"},
@@ -221,12 +123,12 @@ TEST(TraceText, escapes)
         trace.open("a");
         trace.value(expected.text);
         trace.close("a");
-        EXPECT_EQ(trace.text(), std::string("<a>") + expected.shown + "</a>");
+        EXPECT_EQ(trace.text(), std::string("<a>") + expected.escaped + "</a>");
         EXPECT_TRUE(isXml(std::string(trace.text())));
     }
 }
 
-TEST(TraceText, hexDump)
+TEST(TraceText, dumpsSixteenBytesALine)
 {
     const auto dumped = [](std::size_t size) {
         const quorva::Bytes bytes(size, 0xAB);
@@ -243,8 +145,8 @@ TEST(TraceText, hexDump)
     EXPECT_EQ(dumped(17), "<a>\n  " + line + "\n  ab\n</a>");
 }
 
-// Names of any length, contents of any length, at any depth.
-TEST(TraceText, elementsOfAnyLength)
+// Names and contents of any length at any depth.
+TEST(TraceText, holdsElementsOfAnyLength)
 {
     for (std::size_t length = 1; length < 70; ++length) {
         const std::string name(length, 'n'), inner = name + "i", content = name + "<\n" + name;
@@ -282,11 +184,11 @@ TEST(TraceText, elementsOfAnyLength)
     }
 }
 
-// The text of a whole element is that of the calls one by one.
-TEST(TraceText, wholeElements)
+// One call for a whole element adds the same text as its calls one by one.
+TEST(TraceText, addsWholeElements)
 {
     TraceText whole, calls;
-    std::deque<std::string> names;  // which the open elements keep by address
+    std::deque<std::string> names;  // the trace keeps the names of open elements by address
     for (std::size_t length = 1; length < 70; ++length) {
         const std::string& name = names.emplace_back(length, 'n');
         const std::string inner = name + "i";
@@ -315,7 +217,7 @@ TEST(TraceText, wholeElements)
     EXPECT_EQ(whole.path(), calls.path());
 }
 
-TEST(TraceText, markersOfAnyDepth)
+TEST(TraceText, holdsMarkersOfAnyDepth)
 {
     TraceText trace;
     std::string text, path;
@@ -335,9 +237,9 @@ TEST(TraceText, markersOfAnyDepth)
     EXPECT_EQ(trace.path(), "");
 }
 
-TEST(TraceText, runningOutOfMemoryEndsTheCollectingOnly)
+TEST(TraceText, isIncompleteWithoutMemoryWhileThePassSucceeds)
 {
-    void (*const ways[])(Xdr&) = {
+    void (*const beginnings[])(Xdr&) = {
         [](Xdr& xdrs) { xdrs.addOpenTag("anElementWithALongName"); },
         [](Xdr& xdrs) { xdrs.addString("<value>"); },
         [](Xdr& xdrs) {
@@ -345,7 +247,7 @@ TEST(TraceText, runningOutOfMemoryEndsTheCollectingOnly)
             xdrs.addTab();
         },
     };
-    for (const auto begin : ways) {
+    for (const auto begin : beginnings) {
         for (long first = 0; first < 12; ++first) {
             auto trace = std::make_unique<TraceText>();
             std::uint32_t value = 7;
@@ -361,7 +263,7 @@ TEST(TraceText, runningOutOfMemoryEndsTheCollectingOnly)
             EXPECT_TRUE(succeeded);
             EXPECT_FALSE(first == 0 && trace->complete());
             trace->clear();
-            EXPECT_TRUE(trace->complete()) << "a new text may find memory";
+            EXPECT_TRUE(trace->complete()) << "clear() tries memory again";
             trace->open("a");
             EXPECT_EQ(trace->text(), "<a>");
             trace.reset();
@@ -370,7 +272,7 @@ TEST(TraceText, runningOutOfMemoryEndsTheCollectingOnly)
     }
 }
 
-TEST(ScopedTrace, reachesStreamsOfThisThreadAndNests)
+TEST(ScopedTrace, nestsAndReachesTheStreamsOfItsThread)
 {
     TraceText outer, inner;
     const ScopedTrace outerScope(outer);
