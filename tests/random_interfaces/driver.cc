@@ -1,14 +1,14 @@
-// Runs the routines of a random library over messages, and prints what each pass came to, for run.py to judge.
+// Runs the routines of a random library over messages and prints the outcome of each, for trial.py to judge.
 //
-// A line of input is the type's place in the table, "v" or "d" (valid; damaged), "x" and the message in hex. A line of
-// output is "0 LENGTH" for a message that is refused; for one that is decoded
+// A line of input has the index of the type, "v" or "d" (valid; damaged), "x" and the message in hex. The line of
+// output is "0 LENGTH" for a message that is refused, and for one that is decoded
 //
 //     1 LENGTH ENCODED BYTES HALF LAST [PEER]
 //
-// with the bytes read and written, the bytes in hex, how many encoding into half the room and into one byte too few
-// comes to, and, where another implementation is linked, what that makes of a valid message. Behind tabs stand the
-// traces of decoding and encoding a valid message. A pass that is not the same with and without a trace, blocks that a
-// release leaves, and writing beyond an object or a buffer are told in words instead.
+// with the lengths of decode and encode, the bytes in hex, the lengths of encodes into half of the buffer and into one
+// byte too few, and, for a valid message, the bytes of the other implementation if it is linked. The traces of decoding
+// and encoding a valid message follow after tabs. Text in parentheses reports blocks that a release leaves, writes
+// beyond an object or a buffer, and a pass that differs with a trace.
 
 #include "table.h"
 
@@ -27,7 +27,7 @@
 extern "C" __attribute__((weak)) int peerRecode(unsigned index, const unsigned char* message, unsigned length,
                                                 unsigned char* out, unsigned room, unsigned* consumed);
 
-// ---- Memory: blocks are counted, and come with something in them ----
+// ---- Memory: blocks are counted and filled ----
 
 static long live = 0;
 
@@ -77,7 +77,7 @@ namespace {
 constexpr std::size_t margin = 16;
 constexpr std::size_t longestMessage = 65535;
 
-// Storage of just the size, with a margin that nobody may write into.
+// Storage of exactly the size, followed by a margin that must stay unchanged.
 class Block {
 public:
     explicit Block(std::size_t blockSize)
@@ -116,10 +116,10 @@ struct Pass {
     std::size_t length;
 };
 
-// One way to run passes: bare, or with a trace. Here and below, a string that grows has a block from the start, so that
-// it does not change the number of blocks.
-struct Way {
-    explicit Way(bool isTraced) : traced(isTraced) { traces.reserve(100); }
+// Runs passes, all without a trace or all with one. Here and below, a string that grows has a block from the start, so
+// that it does not change the number of blocks.
+struct Runner {
+    explicit Runner(bool isTraced) : traced(isTraced) { traces.reserve(100); }
 
     Pass run(Mode mode, const Entry& type, Block& object, std::span<unsigned char> buffer)
     {
@@ -142,37 +142,37 @@ struct Way {
     std::string traces;
 };
 
-std::string outcome(const Entry& type, const std::vector<unsigned char>& message, Way& way)
+std::string outcome(const Entry& type, const std::vector<unsigned char>& message, Runner& runner)
 {
-    std::string told;
-    told.reserve(100);
-    const auto tell = [&](auto number) { (told += ' ') += std::to_string(number); };
+    std::string line;
+    line.reserve(100);
+    const auto add = [&](auto number) { (line += ' ') += std::to_string(number); };
     const long before = live;
     Block object(type.size);
     Block wire(message.size());
     if (!message.empty()) std::memcpy(wire.storage, message.data(), message.size());
 
-    const Pass decoded = way.run(Mode::decode, type, object, wire.span());
-    told += decoded.succeeded ? '1' : '0';
-    tell(decoded.length);
+    const Pass decoded = runner.run(Mode::decode, type, object, wire.span());
+    line += decoded.succeeded ? '1' : '0';
+    add(decoded.length);
     if (decoded.succeeded) {
         Block whole(longestMessage);
-        const Pass encoded = way.run(Mode::encode, type, object, whole.span());
-        tell(encoded.length);
-        (told += ' ') += hexOf(whole.span().first(encoded.length));
-        if (!encoded.succeeded) told += " (encoding fails)";
+        const Pass encoded = runner.run(Mode::encode, type, object, whole.span());
+        add(encoded.length);
+        (line += ' ') += hexOf(whole.span().first(encoded.length));
+        if (!encoded.succeeded) line += " (encoding fails)";
         for (const std::size_t room : {encoded.length / 2, encoded.length - 1}) {
             Block few(room);
-            const Pass cut = way.run(Mode::encode, type, object, few.span());
-            tell(cut.length);
-            if (cut.succeeded) told += " (encoding into too few bytes succeeds)";
-            if (!few.isIntact()) told += " (encoding writes beyond its buffer)";
+            const Pass cut = runner.run(Mode::encode, type, object, few.span());
+            add(cut.length);
+            if (cut.succeeded) line += " (encoding into too few bytes succeeds)";
+            if (!few.isIntact()) line += " (encoding writes beyond its buffer)";
         }
     }
-    way.run(Mode::release, type, object, {});
-    if (!object.isIntact()) told += " (something writes beyond the object)";
-    if (live != before) told += " (release leaves " + std::to_string(live - before) + " blocks)";
-    return told;
+    runner.run(Mode::release, type, object, {});
+    if (!object.isIntact()) line += " (something writes beyond the object)";
+    if (live != before) line += " (release leaves " + std::to_string(live - before) + " blocks)";
+    return line;
 }
 
 std::vector<unsigned char> bytesOf(const std::string& hex)
@@ -183,8 +183,8 @@ std::vector<unsigned char> bytesOf(const std::string& hex)
     return bytes;
 }
 
-// What the other implementation encodes after decoding the message.
-std::string peers(std::size_t index, const std::vector<unsigned char>& message)
+// What the other implementation encodes after it decoded the message.
+std::string recodedByPeer(std::size_t index, const std::vector<unsigned char>& message)
 {
     std::vector<unsigned char> out(longestMessage);
     unsigned consumed = 0;
@@ -203,16 +203,16 @@ int main(int, char** arguments)
     std::string hex;
     while (input >> index >> kind >> hex) {
         const std::vector<unsigned char> message = bytesOf(hex.substr(1));
-        Way bare(false);
-        Way traced(true);
-        std::string told = outcome(table[index], message, bare);
-        if (const std::string other = outcome(table[index], message, traced); other != told)
-            told += " with a trace: " + other;
+        Runner bare(false);
+        Runner traced(true);
+        std::string line = outcome(table[index], message, bare);
+        if (const std::string other = outcome(table[index], message, traced); other != line)
+            line += " with a trace: " + other;
         if (kind == "v") {
-            if (peerRecode) told += " " + peers(index, message);
+            if (peerRecode) line += " " + recodedByPeer(index, message);
             std::replace(traced.traces.begin(), traced.traces.end(), '\n', ' ');
-            told += traced.traces;
+            line += traced.traces;
         }
-        std::cout << told << std::endl;
+        std::cout << line << std::endl;
     }
 }

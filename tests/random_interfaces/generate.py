@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Writes random interface files that are valid but for their names: generate.py SEED --out DIR [--names CLASSES]
+"""Writes random interface files that are valid except for their names: generate.py SEED --out DIR [--names CLASSES]
 
-A seed makes a library of some modules with imports among them. Definitions take every form of the language, in any
-order, under names that collide with one another and with what a compiler's output uses. The model that is printed is
-also what wire.py invents messages from and judges them by.
+A seed gives a library: some modules that import each other. Definitions have every form of the language, in any order,
+and names that collide with each other and with names in generated code. wire.py invents and judges messages by the same
+model that is printed here.
 """
 
 import argparse
@@ -14,20 +14,20 @@ from names import MODULES, Names
 
 CLASSES = ("words", "library", "keywords", "macros", "echo", "modules")
 
-# How the built-in types are written, and which each is.
+# By spelling: the built-in type.
 BUILTINS = {"LongInteger": "LongInteger", "int": "LongInteger", "LongNatural": "LongNatural", "unsigned": "LongNatural",
             "unsigned int": "LongNatural", "UINT": "UINT", "Integer": "Integer", "Natural": "Natural",
             "ShortInteger": "ShortInteger", "ShortNatural": "ShortNatural", "Boolean": "Boolean", "bool": "Boolean",
             "Float": "Float", "float": "Float"}
 EXTREMES = (0x7FFFFFFF, 0xFFFFFFFF, -0x80000000)
-MOST_UNITS = 2000  # that a value of a type has at least, so that messages stay short
+MOST_UNITS = 2000  # of the shortest value of a type, so that messages stay short
 REMARKS = ("what it holds", "", "ends in \\", "??/", "// strokes /* and stars", "@ no mark", "ä ࠀ € 𐀀",
            "a\ttab", "\"quoted\" 'too' %s \\n \\x41", "R\"(raw)\" #define x", "words " * 30, "<v> &amp; ]]>",
            "case 1: return;")
 
 
 class Named:
-    """What has a name that the compiler may refuse. `name` is replaced then."""
+    """Anything with a name. Where the compiler refuses the name, `name` is replaced."""
 
     def __init__(self, name):
         self.name = name
@@ -41,19 +41,19 @@ class Enumerator(Named):
 
 
 class Declaration(Named):
-    """A field, an arm, or what a typedef stands for. `type` is a Definition or a key of BUILTINS."""
+    """A field, an arm, or the target of a typedef. `type` is a Definition or a key of BUILTINS."""
 
     def __init__(self, name, form, type=None, bound=None, written=None, tagged=False):
         super().__init__(name)
         self.form, self.type, self.bound, self.written, self.tagged = form, type, bound, written, tagged
 
     def units(self):
-        """The most units of a smallest value."""
-        if self.form == "opaque":
+        """The units of its shortest value, at most."""
+        if self.form == "fixedOpaque":
             return (self.bound + 3) // 4
-        if self.form in ("single", "vector"):
+        if self.form in ("single", "fixedArray"):
             each = self.type.units if isinstance(self.type, Definition) else 1
-            return each * (self.bound if self.form == "vector" else 1)
+            return each * (self.bound if self.form == "fixedArray" else 1)
         return 0 if self.form == "void" else 1
 
 
@@ -68,13 +68,13 @@ class Definition(Named):
         self.units = 1
 
     def held(self):
-        """What an object of the type holds under a name."""
+        """The members of an object of the type."""
         if self.kind == "struct":
             return self.members
         return [self.discriminant, *(arm for _, arm in self.arms if arm.form != "void")] if self.kind == "union" else []
 
     def reached(self):
-        """The definitions that this one leads to, in any number of steps."""
+        """The definitions that this one refers to, directly or not."""
         found, waiting = set(), [self]
         while waiting:
             made = waiting.pop()
@@ -84,7 +84,8 @@ class Definition(Named):
                     waiting.append(each.type)
         return found
 
-    def behindAliases(self):
+    def canonical(self):
+        """The type after all typedefs that only rename."""
         at = self
         while isinstance(at, Definition) and at.kind == "typedef" and at.target.form == "single":
             at = at.target.type
@@ -110,15 +111,15 @@ class Library:
         self.rng = random.Random(seed)
         self.names = Names(self.rng, classes)
         self.globals = set()
-        self.hasPeer = True  # whether C can say all of it
+        self.hasPeer = True  # false if C cannot declare all types
         self.modules = []
         count = self.rng.choice((1, 2, 3, 6, 9, 12, 15))
         moduleNames = self.rng.sample(MODULES, count) if "modules" in classes else [f"m{i}/n" for i in range(count)]
         for name in moduleNames:
             self.modules.append(self.module(name))
-        vectors = [each for each in self.types() if each.kind == "typedef" and each.target.form == "vector"]
-        if any(each in each.reached() for each in vectors):
-            self.hasPeer = False  # C has no arrays of what is still to come
+        fixedArrays = [each for each in self.types() if each.kind == "typedef" and each.target.form == "fixedArray"]
+        if any(each in each.reached() for each in fixedArrays):
+            self.hasPeer = False  # C has no arrays of incomplete types
 
     def definitions(self):
         return [each for module in self.modules for each in module.definitions]
@@ -127,7 +128,7 @@ class Library:
         return [each for each in self.definitions() if each.kind != "const"]
 
     def named(self, name):
-        """What has the name, and its role: definitions and enumerators; where there are none, fields and the like."""
+        """What has the name, with its role: definitions, else enumerators, else members."""
         definitions = self.definitions()
         enumerators = [each for made in definitions if made.kind == "enum" for each in made.members]
         members = [each for made in definitions for each in made.held()]
@@ -142,7 +143,7 @@ class Library:
     def module(self, name):
         rng = self.rng
         module = Module(name)
-        # A part of a path that begins with a digit is no word of the language, so nobody can import it.
+        # A part of a path that begins with a digit is not a word of the language, so it cannot be imported.
         importable = [each for each in self.modules if not any(part[0].isdigit() for part in each.name.split("/"))]
         module.imports = rng.sample(importable, min(len(importable), rng.choice((0, 0, 1, 1, 2, 4))))
         module.remark = rng.choice((None, "the module's own words\n// in two lines"))
@@ -193,9 +194,9 @@ class Library:
         rng = self.rng
         taken = set()
         made.units = 0
-        shape = rng.choice(("any",) * 8 + ("lists", "floats", "flat"))
+        content = rng.choice(("any",) * 8 + ("sequences", "floats", "flat"))
         for _ in range(rng.choice((1, 1, 2, 2, 3, 4, 5, 7, 9, 12, 60))):
-            field = self.declaration(taken, shape, MOST_UNITS - made.units)
+            field = self.declaration(taken, content, MOST_UNITS - made.units)
             made.members.append(field)
             made.units += field.units()
         made.typedefForm = rng.random() < 0.1
@@ -227,7 +228,7 @@ class Library:
         made.typedefForm = rng.random() < 0.1
 
     def cases(self, type):
-        """Numbers that the discriminant can have, and how each is written."""
+        """Numbers for cases, and how each is written."""
         rng = self.rng
         if isinstance(type, Definition):
             some = rng.sample(type.members, rng.randint(1, len(type.members)))
@@ -247,45 +248,46 @@ class Library:
         rng = self.rng
         aliases = [each for each in self.ready if each.kind == "typedef"]
         if aliases and rng.random() < 0.35:
-            target = Declaration("", "single", rng.choice(aliases[-3:]))  # chains, sometimes long ones
+            target = Declaration("", "single", rng.choice(aliases[-3:]))  # makes chains, sometimes long ones
         else:
             target = self.declaration(set(), "any", MOST_UNITS, ofTypedef=True)
         made.target = target
         made.units = max(target.units(), 1)
 
     def ring(self, module):
-        """Typedefs that lead to each other through lists. No C type says that."""
+        """Typedefs that refer to each other through arrays, which C cannot declare."""
         self.hasPeer = False
         ring = [Definition(self.names.draw(self.globals), "typedef", module) for _ in range(self.rng.choice((1, 2, 3)))]
         for each, other in zip(ring, ring[1:] + ring[:1]):
-            each.target = Declaration("", "list", other, *self.bound(65535))
+            each.target = Declaration("", "variableArray", other, *self.bound(65535))
         if len(ring) > 1:
-            ring[0].target.form, ring[0].target.bound = "vector", 3
+            ring[0].target.form, ring[0].target.bound = "fixedArray", 3
             ring[0].target.written, ring[0].units = "3", 3
         return ring
 
     # ---- Declarations ----
 
-    FORMS = {"single": 40, "vector": 10, "list": 14, "optional": 10, "string": 8, "bytes": 7, "opaque": 7}
+    FORMS = {"single": 40, "fixedArray": 10, "variableArray": 14, "optional": 10, "string": 8, "variableOpaque": 7,
+             "fixedOpaque": 7}
 
-    def declaration(self, taken, shape, room, ofTypedef=False):
-        """A member, or what a typedef stands for, of at most `room` units."""
+    def declaration(self, taken, content, room, ofTypedef=False):
+        """A member, or the target of a typedef, of at most `room` units."""
         rng = self.rng
         form = rng.choices(list(self.FORMS), self.FORMS.values())[0]
-        if shape == "lists":
-            form = rng.choice(("list", "bytes", "string"))
-        if shape in ("floats", "flat"):
-            form = rng.choice(("single", "single", "vector"))
+        if content == "sequences":
+            form = rng.choice(("variableArray", "variableOpaque", "string"))
+        if content in ("floats", "flat"):
+            form = rng.choice(("single", "single", "fixedArray"))
         made = Declaration("", form, tagged=rng.random() < 0.1)
         made.remark = self.remark()
-        if form in ("single", "vector", "list", "optional"):
-            made.type = self.type(shape, form, ofTypedef, room)
-        if form in ("list", "string", "bytes"):
+        if form in ("single", "fixedArray", "variableArray", "optional"):
+            made.type = self.type(content, form, ofTypedef, room)
+        if form in ("variableArray", "string", "variableOpaque"):
             made.bound, made.written = self.bound(65535)
-        if form == "vector":
+        if form == "fixedArray":
             each = made.type.units if isinstance(made.type, Definition) else 1
             made.bound, made.written = self.bound(max(1, room // each), fixed=True)
-        if form == "opaque":
+        if form == "fixedOpaque":
             made.bound, made.written = self.bound(max(1, room * 4), fixed=True)
         if made.units() > max(room, 1):
             made = Declaration("", "single", "int")
@@ -294,15 +296,15 @@ class Library:
             made.name = self.names.draw(taken, near)
         return made
 
-    def type(self, shape, form, ofTypedef, room):
+    def type(self, content, form, ofTypedef, room):
         rng = self.rng
-        if shape == "floats":
+        if content == "floats":
             return rng.choice(("Float", "float"))
         known = [each for each in self.ready if each.kind != "const" and each.units <= room]
         ahead = []
-        if form in ("list", "optional"):
+        if form in ("variableArray", "optional"):
             ahead = [each for each in self.ahead if not ofTypedef or each.kind != "typedef"]
-        if shape == "flat" or not known + ahead or rng.random() < 0.4:
+        if content == "flat" or not known + ahead or rng.random() < 0.4:
             return rng.choice(list(BUILTINS))
         if ahead and (not known or rng.random() < 0.3):
             return rng.choice(ahead)
@@ -336,13 +338,13 @@ class Library:
 
 
 def base(type):
-    return BUILTINS.get(type) if isinstance(type, str) else BUILTINS.get(type.behindAliases(), type.behindAliases())
+    return BUILTINS.get(type) if isinstance(type, str) else BUILTINS.get(type.canonical(), type.canonical())
 
 
 # ---- Printing ----
 
 class Printer:
-    """The text of a module, and by line what is declared there."""
+    """The text of a module, and what each line declares."""
 
     def __init__(self, module):
         self.lines, self.declared = [], {}
@@ -411,20 +413,21 @@ def spelled(written):
 def declared(made, name):
     if made.form == "void":
         return "void"
-    type = {"string": "string", "bytes": "opaque", "opaque": "opaque"}.get(made.form) or spelled(made.type)
+    words = {"string": "string", "variableOpaque": "opaque", "fixedOpaque": "opaque"}
+    type = words.get(made.form) or spelled(made.type)
     if isinstance(made.type, Definition) and made.tagged and made.type.kind != "typedef":
         type = f"{made.type.kind} {type}"
     if made.form == "optional":
         return f"{type} *{name}"
-    if made.form in ("vector", "opaque"):
+    if made.form in ("fixedArray", "fixedOpaque"):
         return f"{type} {name}[{spelled(made.written)}]"
-    if made.form in ("list", "string", "bytes"):
+    if made.form in ("variableArray", "string", "variableOpaque"):
         return f"{type} {name}<{spelled(made.written)}>"
     return f"{type} {name}"
 
 
 def write(library, folder):
-    """Writes every module below the folder. By file, the printer of each."""
+    """Writes every module into the folder. Returns its printer by file."""
     printers = {}
     for module in library.modules:
         path = folder / (module.name + ".x")

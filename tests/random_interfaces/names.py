@@ -1,14 +1,14 @@
-"""Names for random interface files: ordinary ones, and those that collide with something unless a compiler takes care.
+"""Names for random interface files: ordinary ones, and names that collide with others unless the compiler takes care.
 
-Each class of names can be switched off, so that a known fault of one class does not hide those of the others.
+Each class of names can be switched off, so that a known error of one class does not hide those of the others.
 """
 
-# What ordinary names are put together from.
+# The parts of ordinary names.
 PARTS = """job page tray door lamp paper ink count state kind name total first last limit colour size queue user host
     line number list entry event status fault media sheet stack feed scan copy fax send code label mark owner group
     shift""".split()
 
-# Words that a code generator, its runtime or its generated code would use for itself.
+# Words that a code generator, its runtime or its generated code may use.
 WORDS = """About Action Alias Arm Arms Array At Attach Base Block Body Boundary Buffer Builtin Bytes Call Calls Callee
     Case Cases Code Coder Coding Context Count Counted Cursor Data Decimal Decode Decoder Decoding Default Definition
     Descent Description Direction Element Elements Encode Encoder Encoding Entry Enumeration Enumerator Error Failure
@@ -60,7 +60,7 @@ KEYWORDS = """alignas and asm auto catch char class co_await concept const_cast 
     BOOL byte word var let fn pass reflexpr synchronized atomic_cancel transaction_safe quad version program procedure
     abstract interface""".split()
 
-# Macros, mostly of common headers.
+# Macros, most of them of common headers.
 MACROS = """NULL EOF BUFSIZ errno stdin stdout stderr assert offsetof linux unix i386 major minor makedev EDOM ERANGE
     EINTR EIO EPERM NAN INFINITY INT_MAX UINT_MAX CHAR_BIT PATH_MAX SIGINT SIGTERM TRACE QUORVA_EXPORT QUORVA_INLINE
     QUORVA_CODEC XDR_LENDS_BUFFER XDR_LENDS_TRACE SEEK_SET O_RDONLY M_PI HUGE_VAL RAND_MAX EXIT_SUCCESS EXIT_FAILURE
@@ -69,7 +69,7 @@ MACROS = """NULL EOF BUFSIZ errno stdin stdout stderr assert offsetof linux unix
     PROT_READ FD_SET ECHO B0 B9600 CR0 TAB1 I Complex LOG_INFO NI_MAXHOST DOMAIN OVERFLOW UNDERFLOW SING PLOSS
     math_errhandling FP_NAN va_arg setjmp DELETE IN OUT OPTIONAL DEBUG ERROR min max INTERFACE CONST VOID""".split()
 
-# Modules and folders. What folds into the same identifier stands side by side.
+# Modules and folders. Neighbours give the same identifier.
 MODULES = """a_b a/b a/0b a_0b A_b a/b/c a_b/c a/b_c names primitives codec types description descriptions walk schema
     modules drivers passes runtime quorva quorvapixdr include src private xdr Xdr main index std new class int string
     vector cstdint cstddef bits 0 1 9x x9 _ _a a_ a__b jobs/job jobs/jobs job deep/er/and/deeper/still trace text
@@ -77,7 +77,7 @@ MODULES = """a_b a/b a/0b a_0b A_b a/b/c a_b/c a/b_c names primitives codec type
     common/common typed
     a_name_so_long_that_the_line_which_it_stands_in_must_be_broken_somewhere_else_than_those_of_all_others""".split()
 
-# Words that the interface language keeps for itself.
+# The reserved words of the interface language.
 RESERVED = set("""bool case const default double enum float hyper int opaque quadruple string struct switch typedef
     union unsigned void""".split())
 
@@ -90,18 +90,18 @@ AFFIXES = """Xdr{} {}String {}Union {}_ {}Seq {}s {}_t k{} {}Type {}Arms {}Membe
 
 
 class Names:
-    """Draws names from `classes`: words, library, keywords, macros, echo (what something else is named)."""
+    """Draws names from `classes`: words, library, keywords, macros, echo (names that were drawn before)."""
 
     def __init__(self, rng, classes):
         self.rng = rng
         self.drawn = ["Door"]
-        self.strange = set()  # all but the ordinary ones
+        self.strange = set()  # the drawn names of the classes
         self.classes = [(None, ORDINARY)] + [CLASSES[each] for each in CLASSES if each in classes]
         if "echo" in classes:
             self.classes.append((self.drawn, ECHO))
 
     def draw(self, taken, near=()):
-        """A name that is not in `taken`, and is then; sometimes one of those `near`."""
+        """Draws a name that is not in `taken` and adds it there; sometimes it is one of `near`."""
         rng = self.rng
         weights = [weight for _, weight in self.classes]
         for _ in range(8):

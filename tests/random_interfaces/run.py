@@ -3,14 +3,14 @@
 
     run.py --compiler build/bin/quorvaxdrc --files 40 --seed 1 --peer
 
-Of every library of generate.py, after the names that the compiler refuses were replaced:
-- the headers compile before and behind those of C++ and POSIX, without a warning, and say what the files say;
-- the units compile, and code each type as wire.py does: valid messages and damaged ones, with and without a trace, into
-  too small a buffer; the trace is XML with the expected elements; a release leaves nothing;
-- with --peer, rpcgen takes the output of `quorvaxdrc plain`, and its routines make the same bytes.
+For every library of generate.py, after the names that the compiler refuses are replaced:
+- the headers compile before and after those of C++ and POSIX, without a warning, and declare what the files say;
+- the units compile, and code each type as wire.py does: valid and damaged messages, with and without a trace, into a
+  buffer that is too small; the trace is XML with the expected elements; a release pass releases everything;
+- with --peer, rpcgen accepts the output of `quorvaxdrc plain`, and its routines give the same bytes.
 
-A finding names its seed, keeps its folder, and comes with the command that repeats it. Names that the compiler accepts
-but that do not compile are listed as suspects, and replaced, so that the rest is tried all the same.
+A finding has its seed, a folder, and the command that repeats it. Names that the compiler accepts but that do not
+compile are listed as suspects and replaced, so that the rest of the library is tried too.
 """
 
 import argparse
@@ -21,7 +21,7 @@ import shutil
 import sys
 import tempfile
 
-sys.dont_write_bytecode = True  # leaves nothing beside the sources
+sys.dont_write_bytecode = True  # which would be among the sources
 
 import generate
 from trial import SOURCE, Trial, prepare
@@ -32,8 +32,8 @@ def arguments():
     build = SOURCE / "build"
     add = parser.add_argument
     add("--compiler", default=build / "bin/quorvaxdrc", help="quorvaxdrc")
-    add("--include", action="append", help="folders of the library's headers, and of what generated units need besides")
-    add("--library", action="append", help="what to link, in this order")
+    add("--include", action="append", help="folders of headers that generated code includes")
+    add("--library", action="append", help="libraries to link, in this order")
     add("--flags", type=shlex.split, default=[], help="more flags of the C++ compilers")
     add("--compilers", type=lambda text: text.split(","), default=["g++", "clang++-14"])
     add("--files", type=int, default=40, help="how many at least")
@@ -43,7 +43,7 @@ def arguments():
     add("--peer", action="store_true", help="compare with rpcgen and libtirpc")
     add("--valgrind", type=int, metavar="N", help="run every Nth library's program under valgrind")
     add("--jobs", type=int, default=1)
-    add("--work", type=pathlib.Path, help="folder for what has findings (default: a new one)")
+    add("--work", type=pathlib.Path, help="folder for libraries with findings (default: a new one)")
     given = parser.parse_args()
     given.include = given.include or [SOURCE / each for each in ("include", "runtime", "platform", "build/api/include")]
     given.library = given.library or [build / "lib" / each for each in
@@ -54,7 +54,7 @@ def arguments():
 
 
 def tried(seedAndGiven):
-    """What is to be told of a trial: texts and numbers, since it was made in another process."""
+    """Runs a trial in another process. Returns its results as texts and numbers."""
     sys.setrecursionlimit(20000)
     trial = Trial(*seedAndGiven)
     trial.run()

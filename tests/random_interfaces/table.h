@@ -1,11 +1,11 @@
-// The types of a random library, which run.py writes a table of.
+// The table of the types of a random library, which trial.py writes.
 #pragma once
 
 #include <quorvapixdr/primitives.h>
 
 #include <cstddef>
 
-namespace random_interfaces {  // since the types of a library may have any name
+namespace random_interfaces {  // as the types of a library may have any name
 
 struct Entry {
     const char* name;

@@ -1,5 +1,5 @@
-"""Tries one random library: compiles all that the interface compiler makes of it, runs its routines over messages, and
-compares what they do with wire.py and with the routines of rpcgen."""
+"""Tries one random library: compiles the generated code, runs its routines over messages, and compares their results
+with wire.py and with the routines of rpcgen."""
 
 import contextlib
 import os
@@ -21,7 +21,7 @@ SHOWN = 4     # lines of a finding's details; all of them are in findings.txt
 WIDTH = 300   # of these lines
 ROUNDS = 100  # that a library is tried in
 
-# What a caller's file may include besides, in several orders.
+# Headers that callers may include too, in several orders.
 STANDARD = """algorithm any array atomic barrier bit bitset charconv chrono cmath compare complex concepts coroutine
     condition_variable cstring deque exception filesystem forward_list fstream functional future initializer_list
     iomanip iostream iterator limits list locale map memory memory_resource mutex new numbers numeric optional queue
@@ -38,7 +38,7 @@ OWN = [f"#include <{each}>" for each in ("Xdr.h", "quorvapixdr/codec.h", "quorva
 
 
 class Finding(Exception):
-    """What should not be: a headline, and the details."""
+    """An error: a headline and the details."""
 
     def __str__(self):
         headline, details = self.args
@@ -47,16 +47,16 @@ class Finding(Exception):
         return "\n    ".join(each[:WIDTH] for each in [headline, *[*dict.fromkeys(telling or lines)][:SHOWN]])
 
     def error(self):
-        """The first that a compiler tells: file, line, column, sentence."""
+        """The first error of a C++ compiler as a match: file, line, column, message."""
         return re.search(r"^(\S+?):(\d+):(\d+): (?:fatal )?error: (.*)$", self.args[1], re.MULTILINE)
 
 
 class Suspicion(Exception):
-    """A compiler stumbled over names, which were replaced."""
+    """A C++ compiler refused names; they are replaced now."""
 
 
 def command(words, where=None, check=None):
-    """Runs a command. Where `check` is given, its failure is a finding of that headline."""
+    """Runs a command. If `check` is given, a failure is a finding with that headline."""
     words = [str(each) for each in words]
     done = subprocess.run(words, cwd=where, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, errors="replace")
     if check and done.returncode != 0:
@@ -65,7 +65,7 @@ def command(words, where=None, check=None):
 
 
 class Generated:
-    """Where `quorvaxdrc generate --out` has put what it made of modules: all that is known here of the layout."""
+    """The output of `quorvaxdrc generate --out`."""
 
     def __init__(self, out, modules):
         self.folders = [out / "include", out / "private"]
@@ -80,14 +80,14 @@ class Trial:
         self.seed, self.given = seed, given
         self.library = generate.Library(seed, given.names)
         self.folder = given.work / str(seed)
-        self.made = self.folder / "made"  # anew in each round
+        self.made = self.folder / "made"  # removed before each round
         self.prelude = given.work / f"prelude{seed // 2 % len(PRELUDES)}.h"  # each with each compiler
-        self.findings, self.suspects = [], {}  # what a compiler says of each suspect
+        self.findings, self.suspects = [], {}  # by suspect: the message of the C++ compiler
         self.messages = self.renamed = self.refused = 0
         self.accepted, self.refusal = False, ""
 
     def run(self):
-        """Tries all, and again without the names that a compiler stumbled over, so that these do not hide the rest."""
+        """Tries all, and again without names that a C++ compiler refuses, so that they do not hide other findings."""
         shutil.rmtree(self.folder, ignore_errors=True)
         for _ in range(ROUNDS):
             self.findings = []
@@ -127,7 +127,7 @@ class Trial:
     # ---- Names ----
 
     def suspect(self, finding):
-        """Where an error points to strange names, gives others to what has them, and begins again."""
+        """If an error points to strange names, replaces them and starts again."""
         if not (error := finding.error()):
             return
         named = [each for name in self.suspected(*error.groups()) for each in self.library.named(name)]
@@ -139,8 +139,8 @@ class Trial:
             raise Suspicion()
 
     def suspected(self, file, line, column, sentence):
-        """The strange name an error points to; else those in the quotes of its sentence; else those of its line, unless
-        it is a warning, which names do not cause."""
+        """The strange name at the place of an error; else those in the quotes of its message; else those of its line,
+        unless it is a warning, as names do not cause warnings."""
         path, at = pathlib.Path(file), int(column) - 1
         text = path.read_text(errors="replace").split("\n")[int(line) - 1:][:1] if path.exists() else []
         text = "".join(text)
@@ -157,7 +157,7 @@ class Trial:
         named.name = f"renamed{self.renamed}"
 
     def accept(self):
-        """Writes the files, and gives other names to what the compiler refuses. False where that does not help."""
+        """Writes the files and replaces the names that the compiler refuses. False if that does not help."""
         for _ in range(200):
             shutil.rmtree(self.made, ignore_errors=True)
             self.printers = generate.write(self.library, self.made / "types")
@@ -166,8 +166,8 @@ class Trial:
             if done.returncode == 0:
                 self.accepted = True
                 return True
-            faults = re.findall(r"^(.+?):(\d+):(\d+)[-\d]*: error: (.*)$", done.stdout, re.MULTILINE)
-            culprits = dict.fromkeys(each for fault in faults for each in self.culprits(*fault))
+            errors = re.findall(r"^(.+?):(\d+):(\d+)[-\d]*: error: (.*)$", done.stdout, re.MULTILINE)
+            culprits = dict.fromkeys(each for error in errors for each in self.culprits(*error))
             if not culprits:
                 self.refusal = done.stdout
                 return False
@@ -177,12 +177,12 @@ class Trial:
         return False
 
     def culprits(self, file, line, column, sentence):
-        """What is declared where the compiler finds a fault, under the name that it points to."""
+        """What the line of an error of the compiler declares under the name at the place of the error."""
         if "module" in sentence and line == "1":
             return [each for each in self.library.modules if file.endswith(f"/types/{each.name}.x")]
         printer = self.printers[file]
-        behind = printer.lines[int(line) - 1].encode()[int(column) - 1:].decode(errors="replace")
-        word = re.match(r"\w*", behind)[0]
+        rest = printer.lines[int(line) - 1].encode()[int(column) - 1:].decode(errors="replace")
+        word = re.match(r"\w*", rest)[0]
         return [each for each in printer.declared.get(int(line), []) if each.name == word][:1]
 
     # ---- Compilation ----
@@ -212,7 +212,7 @@ class Trial:
         generated = self.generated
         separate = generated.descriptions if self.hasForeignTypes else []  # each of them describes foreign types again
         units = [f'#include "{each}"' for each in [*generated.units, *generated.ofTools] if each not in separate]
-        together = self.write("together.cc", [*OWN, *generated.headers, *self.statements(), *units])
+        together = self.write("together.cc", [*OWN, *generated.headers, *self.assertions(), *units])
         prelude = ["-include", self.prelude]
         if "clang" in compiler:
             prelude = ["-include-pch", f"{self.prelude}.{compiler}.pch"]
@@ -220,7 +220,7 @@ class Trial:
 
     def compileBeforePrelude(self, compiler):
         before = self.write("before.cc", [*self.generated.headers[::-1], *OWN, f'#include "{self.prelude}"',
-                                          *self.statements()])
+                                          *self.assertions()])
         self.compile(compiler, "a header before the prelude", ["-fsyntax-only"], [before])
 
     def write(self, name, lines):
@@ -228,23 +228,24 @@ class Trial:
         path.write_text("\n".join(lines) + "\n")
         return path
 
-    def statements(self):
-        """That the headers say what the files say."""
-        said = []
+    def assertions(self):
+        """Assertions that the headers declare what the files say."""
+        assertions = []
         for made in self.library.definitions():
             if made.kind == "const":
-                said.append(f"static_cast<long long>(::{made.name}) == {made.value}")
+                assertions.append(f"static_cast<long long>(::{made.name}) == {made.value}")
             for each in made.members if made.kind == "enum" else []:
-                said.append(f"static_cast<long long>(::{made.name}::{each.name}) == {each.value}")
+                assertions.append(f"static_cast<long long>(::{made.name}::{each.name}) == {each.value}")
             for each in made.held():
-                said.append(f"sizeof(::{made.name}::{each.name}) > 0")
-        return [f"static_assert({each});" for each in said]
+                assertions.append(f"sizeof(::{made.name}::{each.name}) > 0")
+        return [f"static_assert({each});" for each in assertions]
 
     def build(self, compiler):
         """The program that runs the routines."""
         objects = self.made / "objects"
         objects.mkdir()
-        files = [objects / f"{number}.cc" for number in range(len(self.generated.units))]  # whose names do not clash
+        # Named by number, as files of several folders have the same name.
+        files = [objects / f"{number}.cc" for number in range(len(self.generated.units))]
         for file, unit in zip(files, self.generated.units):
             file.symlink_to(unit)
         entries = [f'    {{"{each.name}", ::Xdr{each.name}, sizeof(::{each.name})}},' for each in self.library.types()]
@@ -272,7 +273,7 @@ class Trial:
         command(["rpcgen", "-h", "-o", "plain.h", "plain.x"], folder, "rpcgen does not take the plain file")
         command(["rpcgen", "-c", "-o", "plain.c", "plain.x"], folder, "rpcgen does not take the plain file")
         differential = SOURCE / "tests/differential"
-        command(["gcc", "-w", "-Dbool=bool_t",  # which rpcgen forgets in loops over a vector
+        command(["gcc", "-w", "-Dbool=bool_t",  # rpcgen writes bool in loops over a fixed-length array
                  "-c", "-I.", "-I/usr/include/tirpc", f"-I{differential}", f'-DPEER_TABLE="{table}"', "plain.c",
                  differential / "peer.c"], folder, "what rpcgen makes of the plain file does not compile")
         return [folder / "plain.o", folder / "peer.o"]
@@ -280,14 +281,14 @@ class Trial:
     # ---- Messages ----
 
     def cases(self):
-        """Messages of every type: its place in the table, the message, what comes of it, and a valid one's walk."""
+        """Messages of every type: index of the type, type, message, expected line; the pass over a valid message."""
         for number, type in enumerate(self.library.types()):
             rng = random.Random(self.seed * 10007 + number)
             for _ in range(max(3, min(len(type.arms), 40))):
-                message, walk = wire.invented(type, rng.random())
+                message, invention = wire.invented(type, rng.random())
                 if len(message) > wire.LONGEST_MESSAGE:
                     continue
-                yield number, type, message, wire.expected(type, message), walk
+                yield number, type, message, wire.expected(type, message), invention
                 for _ in range(2):
                     other = damaged(message, rng)
                     yield number, type, other, wire.expected(type, other), None
@@ -295,39 +296,39 @@ class Trial:
     def tryOut(self, program):
         cases = list(self.cases())
         self.messages = len(cases)
-        messages = self.write("messages", [f"{number} {'v' if walk else 'd'} x{message.hex()}"
-                                           for number, _, message, _, walk in cases])
+        messages = self.write("messages", [f"{number} {'v' if valid else 'd'} x{message.hex()}"
+                                           for number, _, message, _, valid in cases])
         checked = self.given.valgrind and self.seed % self.given.valgrind == 0
         done = command([*["valgrind", "-q", "--error-exitcode=9"] * bool(checked), program, messages])
         lines = done.stdout.split("\n")[:-1]
-        for line, (_, type, message, wanted, walk) in zip(lines, cases):
+        for line, (_, type, message, wanted, valid) in zip(lines, cases):
             outcome, *traces = line.split("\t")
             place = f"{type.kind} {type.name} of {type.module.name}, message {message.hex()}"
-            peers = f" {message.hex()}" if walk and self.hasPeer() else ""
+            peers = f" {message.hex()}" if valid and self.hasPeer() else ""
             if outcome != wanted + peers:
-                raise Finding(place, f"wanted {wanted}{peers}\ntold   {line}")
-            if walk:
-                judgeTraces(place, type, walk, traces)
+                raise Finding(place, f"wanted {wanted}{peers}\ngot    {line}")
+            if valid:
+                judgeTraces(place, type, valid, traces)
         if done.returncode != 0 or len(lines) < len(cases):
             _, type, message, *_ = cases[min(len(lines), len(cases) - 1)]
             raise Finding(f"the program ends at {type.name}, message {message.hex()}, status {done.returncode}",
                           done.stdout[-500:])
 
 
-def judgeTraces(place, type, walk, traces):
-    decoding = [type.name] + [name for name, _ in walk.elements]
-    encoding = [type.name] + [name for name, frames in walk.elements if not frames]
+def judgeTraces(place, type, valid, traces):
+    decoding = [type.name] + [name for name, _ in valid.elements]
+    encoding = [type.name] + [name for name, isElementTag in valid.elements if not isElementTag]
     for trace, wanted in zip(traces, (decoding, encoding), strict=True):
         try:
             elements = [each.tag for each in xml.fromstring(trace).iter()]
         except xml.ParseError as error:
-            raise Finding(f"{place}: the trace is no XML", f"{error}: {trace}") from error
+            raise Finding(f"{place}: the trace is not XML", f"{error}: {trace}") from error
         if elements != wanted:
-            raise Finding(f"{place}: elements of the trace", f"wanted {wanted}\ntold   {elements}")
+            raise Finding(f"{place}: elements of the trace", f"wanted {wanted}\ngot    {elements}")
 
 
 def damaged(message, rng):
-    """The message cut, or with another unit and often something behind it."""
+    """The message cut, or with a changed unit and often with more bytes after it."""
     if rng.random() < 0.4:
         return message[:rng.randrange(len(message))]
     at = rng.randrange(len(message) // 4) * 4
@@ -337,7 +338,7 @@ def damaged(message, rng):
     return made[:wire.LONGEST_MESSAGE]
 
 
-# ---- What all trials share ----
+# ---- Shared by all trials ----
 
 def prepare(given):
     """Compiles the preludes and the driver."""

@@ -1,7 +1,7 @@
-"""An implementation of the wire form of its own, over the model of generate.py: it invents messages, and tells of any
-message how far a decoding pass comes, what an encoding pass then writes, and which elements the trace has.
+"""The wire format of random interface files, written again in Python: what the routines of a type must make of a
+message, and which elements their traces must have.
 
-One walk over a type does all of it: its units are read from a message, or invented.
+One pass does all of it. Its units come from a message, or are invented.
 """
 
 import random
@@ -13,11 +13,11 @@ LONGEST_MESSAGE = 65535
 
 
 class Refused(Exception):
-    """A pass that fails. The tape stands where it stopped."""
+    """A message that the type does not accept. The source is at the place of the refusal."""
 
 
-class Reading:
-    """A tape that holds a message."""
+class Message:
+    """A source of units: a message."""
 
     def __init__(self, message):
         self.message, self.at = message, 0
@@ -32,8 +32,8 @@ class Reading:
         return self.message[self.at - size:self.at]
 
 
-class Inventing:
-    """A tape that makes its units up, and makes an end after a while."""
+class Inventor:
+    """A source of units: it invents them, and invents counts of zero after `budget` bytes."""
 
     def __init__(self, seed, budget=1200):
         self.rng, self.budget = random.Random(seed), budget
@@ -51,50 +51,51 @@ class Inventing:
 
 
 def bits(count):
-    return lambda tape: tape.rng.choice((0, 1, (1 << count) - 1, 1 << (count - 1), tape.rng.randrange(1 << count)))
+    limit = 1 << count
+    return lambda source: source.rng.choice((0, 1, limit - 1, limit // 2, source.rng.randrange(limit)))
 
 
-def signed16(tape):
-    return tape.rng.choice((0, 1, -1, 32767, -32768, tape.rng.randrange(-32768, 32768)))
+def signed16(source):
+    return source.rng.choice((0, 1, -1, 32767, -32768, source.rng.randrange(-32768, 32768)))
 
 
-def real(tape):
-    number = tape.rng.choice((0.0, -1.5, 3e38, 1e-40, float("-inf"), tape.rng.uniform(-1e6, 1e6)))
+def real(source):
+    number = source.rng.choice((0.0, -1.5, 3e38, 1e-40, float("-inf"), source.rng.uniform(-1e6, 1e6)))
     return struct.unpack(">I", struct.pack(">f", number))[0]
 
 
-def everything(unit):
+def unchanged(unit):
     return unit
 
 
-# What a unit of a built-in type may be, and what of any unit is kept and travels again.
+# By built-in type: how to invent a unit, and the unit that is encoded after any unit was decoded.
 UNITS = {
-    "LongInteger": (bits(32), everything), "LongNatural": (bits(32), everything), "UINT": (bits(32), everything),
+    "LongInteger": (bits(32), unchanged), "LongNatural": (bits(32), unchanged), "UINT": (bits(32), unchanged),
     "Integer": (signed16, lambda unit: unit & 0xFFFF | (0xFFFF0000 if unit & 0x8000 else 0)),
     "Natural": (bits(16), lambda unit: unit & 0xFFFF),
     "ShortInteger": (bits(8), lambda unit: unit & 0xFF), "ShortNatural": (bits(8), lambda unit: unit & 0xFF),
-    "Boolean": (lambda tape: tape.rng.randrange(2), lambda unit: unit & 0xFF), "Float": (real, everything),
+    "Boolean": (lambda source: source.rng.randrange(2), lambda unit: unit & 0xFF), "Float": (real, unchanged),
 }
 
 
-def characters(tape, size):
-    return bytes(tape.rng.choice(b"aZ09 <>&\\\"'\n\x01\x7f\xc3\xa4\xff") for _ in range(size))
+def characters(source, size):
+    return bytes(source.rng.choice(b"aZ09 <>&\\\"'\n\x01\x7f\xc3\xa4\xff") for _ in range(size))
 
 
-def anyBytes(tape, size):
-    return tape.rng.randbytes(size)
+def anyBytes(source, size):
+    return source.rng.randbytes(size)
 
 
 def zeros(_, size):
     return bytes(size)
 
 
-class Walk:
-    """A pass over a type. `out` is what comes of the message; `elements` are those of the trace: the name of each, and
-    whether it frames a value of a collection, which decoding alone shows."""
+class Pass:
+    """One pass over a type. `out` is what an encode makes of the decoded object. `elements` are those of the trace: the
+    name of each, and true for the tag around an array element, which only the trace of a decode has."""
 
-    def __init__(self, type, tape):
-        self.tape, self.out, self.elements = tape, bytearray(), []
+    def __init__(self, type, source):
+        self.source, self.out, self.elements = source, bytearray(), []
         self.type(type)
 
     def type(self, type):
@@ -109,17 +110,17 @@ class Walk:
         self.out += struct.pack(">I", unit)
         return unit
 
-    def element(self, name, frames=False):
-        self.elements.append((name, frames))
+    def element(self, name, isElementTag=False):
+        self.elements.append((name, isElementTag))
 
     def scalar(self, type, choices=None):
-        """A built-in type or an enumeration; of `choices`, where these are made."""
+        """A built-in type or an enumeration; `choices` are what to invent, if given."""
         if isinstance(type, str):
-            usual, kept = UNITS[BUILTINS[type]]
-            return self.put(kept(self.tape.unit((lambda tape: tape.rng.choice(choices)) if choices else usual)))
+            invent, kept = UNITS[BUILTINS[type]]
+            return self.put(kept(self.source.unit((lambda source: source.rng.choice(choices)) if choices else invent)))
         names = {each.value: each.name for each in type.members}
         choices = choices or [*names] * 9 + [0x12345678]
-        unit = self.put(self.tape.unit(lambda tape: tape.rng.choice(choices)))
+        unit = self.put(self.source.unit(lambda source: source.rng.choice(choices)))
         self.element(names.get(unit, "Error_in_Function"))
         return unit
 
@@ -130,11 +131,11 @@ class Walk:
 
     def union(self, type):
         arms = {number & 0xFFFFFFFF: arm for cases, arm in type.arms for number, _ in cases}
-        behind = base(type.discriminant.type)
-        others = (0, 1) if behind == "Boolean" else (77777, 0x7FFFFFF0)
+        discriminant = base(type.discriminant.type)
+        others = (0, 1) if discriminant == "Boolean" else (77777, 0x7FFFFFF0)
         choices = [*arms] + [each for each in others if type.hasDefault and each not in arms]
         self.element(type.discriminant.name)
-        number = self.scalar(behind, choices)
+        number = self.scalar(discriminant, choices)
         if number not in arms and not type.hasDefault:
             raise Refused()
         self.element(type.name + "Union")
@@ -150,71 +151,72 @@ class Walk:
     def single(self, made):
         self.type(made.type)
 
-    def collection(self, made, count):
+    def array(self, made, count):
         for _ in range(count):
-            self.element("value", frames=True)
+            self.element("value", isElementTag=True)
             self.type(made.type)
 
-    def vector(self, made):
-        self.collection(made, made.bound)
+    def fixedArray(self, made):
+        self.array(made, made.bound)
 
     def count(self, made, usual):
-        unit = self.tape.unit(lambda tape: tape.count(made.bound, usual))
+        unit = self.source.unit(lambda source: source.count(made.bound, usual))
         count = self.put(unit & 0xFFFF)
         if count > made.bound:
             raise Refused()
         return count
 
-    def list(self, made):
-        self.collection(made, self.count(made, (0, 1, 1, 2, 3, 7)))
+    def variableArray(self, made):
+        self.array(made, self.count(made, (0, 1, 1, 2, 3, 7)))
 
     def optional(self, made):
-        present = self.tape.unit(lambda tape: tape.count(1, (0, 1))) & 0xFF
+        present = self.source.unit(lambda source: source.count(1, (0, 1))) & 0xFF
         if self.put(int(present == 1)):
             self.type(made.type)
 
-    def run(self, size, invent):
-        run = self.tape.bytes(size, invent)
-        self.tape.bytes(-size % 4, zeros)
-        return run
+    def take(self, size, invent):
+        """Bytes and their padding."""
+        taken = self.source.bytes(size, invent)
+        self.source.bytes(-size % 4, zeros)
+        return taken
 
-    def padded(self, run):
-        self.out += run + bytes(-len(run) % 4)
+    def putPadded(self, content):
+        self.out += content + bytes(-len(content) % 4)
 
-    def bytes(self, made):
-        self.padded(self.run(self.count(made, (0, 1, 2, 3, 4, 5, 17, 40)), anyBytes))
+    def variableOpaque(self, made):
+        self.putPadded(self.take(self.count(made, (0, 1, 2, 3, 4, 5, 17, 40)), anyBytes))
 
-    def opaque(self, made):
-        self.padded(self.run(made.bound, anyBytes))
+    def fixedOpaque(self, made):
+        self.putPadded(self.take(made.bound, anyBytes))
 
     def string(self, made):
-        size = self.tape.unit(lambda tape: tape.count(made.bound, (0, 1, 2, 3, 4, 5, 30)))
+        size = self.source.unit(lambda source: source.count(made.bound, (0, 1, 2, 3, 4, 5, 30)))
         if size > made.bound:
             raise Refused()
-        text = self.run(size, characters).split(b"\0")[0]  # in memory it ends there
+        text = self.take(size, characters).split(b"\0")[0]  # a zero byte ends it in memory
         self.put(len(text))
-        self.padded(text)
+        self.putPadded(text)
 
 
 def invented(type, seed):
-    """A message that holds a value of the type, and the walk over it. It may be longer than messages can be."""
-    walk = Walk(type, Inventing(seed))
-    return bytes(walk.out), walk
+    """A valid message of the type and the pass over it. It may be longer than LONGEST_MESSAGE."""
+    invention = Pass(type, Inventor(seed))
+    return bytes(invention.out), invention
 
 
 def expected(type, message):
-    """What the driver has to say of a message: see driver.cc."""
-    read = Reading(message)
+    """The line that the driver has to print for a message: see driver.cc."""
+    read = Message(message)
     try:
-        walk = Walk(type, read)
+        decoded = Pass(type, read)
     except Refused:
         return f"0 {read.at}"
-    out = bytes(walk.out)
+    out = bytes(decoded.out)
     cuts = []
     for room in (len(out) // 2, len(out) - 1):
-        cut = Reading(out[:max(room, 0)])
+        cut = Message(out[:max(room, 0)])
         try:
-            Walk(type, cut)
+            Pass(type, cut)
         except Refused:
             pass
         cuts.append(str(cut.at))
