@@ -1,5 +1,5 @@
-// Against libtirpc: the same interface files, compiled by rpcgen, must give the same bytes for every type, and refuse
-// the same messages, but for the differences that are listed here and meant.
+// The codec against libtirpc: the same interface files, compiled by rpcgen, give the same bytes for every type and
+// refuse the same messages, except for the intended differences that are listed here.
 
 #include "codec_tools.h"
 #include "peer.h"
@@ -33,7 +33,7 @@ std::vector<Peer> peers()
     return all;
 }
 
-// What an implementation makes of a message: the bytes that it writes for it, and how many of it it read.
+// What an implementation makes of a message: how many bytes it reads, and what it then writes.
 struct Outcome {
     bool accepted;
     std::size_t consumed;
@@ -84,15 +84,15 @@ protected:
     }
 };
 
-// Whether the implementation writes just what it read: nothing in the message was beyond its ranges then.
-bool settled(const Outcome& outcome, const Bytes& message)
+// True if the implementation writes what it read: then all values of the message are within its ranges.
+bool keeps(const Outcome& outcome, const Bytes& message)
 {
     return outcome.accepted && outcome.written == hexOf(std::span(message).first(outcome.consumed));
 }
 
 }  // namespace
 
-TEST(DifferentialList, tableIsThatOfTheModules)
+TEST(Peers, areTheTypesOfTheModules)
 {
     for (const Peer& peer : peers()) ASSERT_STREQ(peerTypes[peer.index], peer.type->name);
     ASSERT_EQ(peerTypes[peers().size()], nullptr);
@@ -107,8 +107,8 @@ TEST_P(Differential, writesTheSameBytes)
     }
 }
 
-// A message that ends early is refused by both. One with a changed unit, and something behind it, is accepted by both
-// as soon as one of them finds nothing beyond its ranges in it; where neither does, the listed differences are at work.
+// Both refuse a message that ends early. Both accept a message with a changed unit and more bytes after it if its
+// values are within the ranges of either; otherwise the listed differences apply.
 TEST_P(Differential, refusesTheSameMessages)
 {
     std::mt19937 random(inspect::documentationOf(type).line);
@@ -122,12 +122,12 @@ TEST_P(Differential, refusesTheSameMessages)
             const std::size_t at = random() % (wire.size() / 4) * 4;
             const std::uint32_t old = unitAt(wire, at);
             const std::uint32_t values[] = {old + 1, old - 1, 0,         1,
-                                            0x1FF,   0x10000, 0x80000001};  // small where they count
+                                            0x1FF,   0x10000, 0x80000001};  // small, as they may be counts
             setUnit(changed, at, values[random() % std::size(values)]);
             changed.resize(changed.size() + 64);
             const Outcome mine = ours(GetParam(), changed);
             const Outcome other = theirs(GetParam(), changed);
-            if (settled(mine, changed) || settled(other, changed)) {
+            if (keeps(mine, changed) || keeps(other, changed)) {
                 ASSERT_TRUE(mine.accepted && other.accepted)
                     << mine.accepted << other.accepted << ' ' << hexOf(changed);
                 ASSERT_EQ(mine.consumed, other.consumed) << hexOf(changed);
@@ -139,8 +139,8 @@ TEST_P(Differential, refusesTheSameMessages)
 INSTANTIATE_TEST_SUITE_P(Types, Differential, ::testing::ValuesIn(peers()),
                          [](const auto& info) { return std::string(info.param.type->name); });
 
-// The deliberate differences, all of them. Nobody who keeps to the ranges of the interface meets one.
-TEST(DifferentialList, whereItIsMeant)
+// All intended differences. Values within the ranges of the interface files never meet one.
+TEST(Peers, differWhereItIsIntended)
 {
     const char* const refused = "refused";
     const struct {
@@ -151,17 +151,17 @@ TEST(DifferentialList, whereItIsMeant)
         std::string theirs;
     } differences[] = {
         {"a Natural keeps 16 bits", "CallbackToken", "00010005", "00000005", "00010005"},
-        {"an Integer too, whose sign is then theirs", "DocumentUnion", "00000240 00018000", "00000240 FFFF8000",
+        {"so does an Integer, and the peer extends the sign", "DocumentUnion", "00000240 00018000", "00000240 FFFF8000",
          "00000240 00018000"},
         {"a ShortNatural keeps 8 bits", "TimeOfDayStruct", "00000102 00000000 00000000", "00000002 00000000 00000000",
          "00000102 00000000 00000000"},
-        {"so does a ShortInteger, which travels without its sign", "IDCode", "FFFFFFFF", "000000FF", "FFFFFFFF"},
-        {"a boolean keeps its low byte as it is", "ColorAccessControlEnabled", "00000002", "00000002", "00000001"},
-        {"and nothing of the others", "ColorAccessControlEnabled", "00000100", "00000000", "00000001"},
+        {"so does a ShortInteger, which is sent without its sign", "IDCode", "FFFFFFFF", "000000FF", "FFFFFFFF"},
+        {"a Boolean keeps its low byte unchanged", "ColorAccessControlEnabled", "00000002", "00000002", "00000001"},
+        {"and drops its other bytes", "ColorAccessControlEnabled", "00000100", "00000000", "00000001"},
         {"a count of elements is its low 16 bits", "AttributeSeq", "00010001 00000007", "00000001 00000007", refused},
         {"and so is one of bytes", "EncodedString", "00000000 00010001 41000000", "00000000 00000001 41000000",
          refused},
-        {"presence is a low byte of 1, anything else absence", "EssFaultRecordList", "00000001 00000002",
+        {"a flag is present if its low byte is 1, and absent otherwise", "EssFaultRecordList", "00000001 00000002",
          "00000001 00000000", refused},
     };
     const auto written = [&](const Outcome& outcome) { return outcome.accepted ? outcome.written : refused; };
@@ -174,6 +174,6 @@ TEST(DifferentialList, whereItIsMeant)
             EXPECT_EQ(written(ours(peer, bytesOf(difference.message))), difference.ours);
             EXPECT_EQ(written(theirs(peer, bytesOf(difference.message))), difference.theirs);
         }
-        EXPECT_TRUE(found) << difference.type << " is gone: show the difference by another type";
+        EXPECT_TRUE(found) << difference.type << " does not exist: use another type";
     }
 }

@@ -1,4 +1,4 @@
-/* Runs the routines that rpcgen made over messages in memory. PEER_TABLE is written by peer_table. */
+/* Runs the routines of rpcgen over messages in memory. peer_table writes PEER_TABLE. */
 
 #include "peer.h"
 

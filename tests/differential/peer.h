@@ -1,4 +1,4 @@
-// The other implementation: routines that rpcgen made from the same interface files, run by libtirpc.
+// The other implementation of XDR: routines that rpcgen generated from the same interface files, run by libtirpc.
 #pragma once
 
 #ifdef __cplusplus
@@ -7,12 +7,12 @@ extern "C" {
 
 enum PeerFailure { peerRefusesToDecode = -1, peerRefusesToEncode = -2 };
 
-// Decodes `length` bytes as the type, encodes what came out into `room` bytes, and releases it. Returns the bytes
-// written or a PeerFailure; `consumed` is the bytes read. `index` is the type's place in peerTypes.
+// Decodes `length` bytes as the type, encodes the value into a buffer of `room` bytes, and releases it. Returns the
+// number of bytes written or a PeerFailure; sets `consumed` to the number of bytes read. `index` is that of peerTypes.
 int peerRecode(unsigned index, const unsigned char* message, unsigned length, unsigned char* out, unsigned room,
                unsigned* consumed);
 
-// The types' names in the interface files; the last is null.
+// The names of the types in the interface files; the last is null.
 extern const char* const peerTypes[];
 
 #ifdef __cplusplus

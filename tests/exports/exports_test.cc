@@ -1,5 +1,5 @@
-// The shared library as a file: its symbols are what the interface files imply, and it has no state, next to no work to
-// do when it is loaded, and a bounded size.
+// The shared library as a file: its exports are those that the interface files imply; it has no writable data, runs no
+// code when it is loaded, and has a bounded size.
 
 #include <inspect/describe.h>
 #include <inspect/documentation.h>
@@ -18,7 +18,7 @@ using Names = std::set<std::string>;
 
 namespace {
 
-// But for those of the built-in types.
+// Those without a description; every built-in type has a routine too.
 const Names primitives = {"XdrEnum",   "XdrLongNatural2", "XdrVoid",  "XdrLongFloat", "XdrOpaque", "XdrOpaque2",
                           "XdrString", "XdrWrapString",   "XdrBytes", "XdrVector",    "XdrArray",  "XdrPointer"};
 
@@ -37,8 +37,8 @@ Names implied()
     return names;
 }
 
-// The lines that a tool prints about the library, each as its words.
-std::vector<std::vector<std::string>> told(const std::string& tool)
+// The lines that a tool prints about the library, as words.
+std::vector<std::vector<std::string>> outputOf(const std::string& tool)
 {
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen((tool + " '" LIBRARY_FILE "'").c_str(), "r"), pclose);
     std::vector<std::vector<std::string>> lines(1);
@@ -56,11 +56,11 @@ std::vector<std::vector<std::string>> told(const std::string& tool)
     return lines;
 }
 
-// Global code of the library, by the names that the linker sees. Data or weak symbols are shown with their letter.
+// The exported functions by their linker names. Exported data and weak symbols have the letter of nm before the name.
 Names exported()
 {
     Names names;
-    for (const auto& line : told("nm -D --defined-only"))
+    for (const auto& line : outputOf("nm -D --defined-only"))
         names.insert(line.at(1) == "T" ? line.at(2) : line.at(1) + ' ' + line.at(2));
     return names;
 }
@@ -76,7 +76,7 @@ struct Section {
 std::map<std::string, Section> sections()
 {
     std::map<std::string, Section> all;
-    for (const auto& line : told("size -A"))
+    for (const auto& line : outputOf("size -A"))
         if (line.size() == 3 && line[0].starts_with('.')) all[line[0]] = {std::stoul(line[1]), std::stoul(line[2])};
     return all;
 }
@@ -96,13 +96,13 @@ TEST(Exports, areThoseOfTheInterface)
     EXPECT_EQ(without(implied(), exported()), Names()) << "missing";
     EXPECT_EQ(without(exported(), implied()), Names()) << "too many";
     const auto others = quorva::inspect::otherPrimitives();
-    EXPECT_EQ(Names(others.begin(), others.end()), primitives) << "by the inspector";
+    EXPECT_EQ(Names(others.begin(), others.end()), primitives) << "of the inspector";
 }
 
 #ifndef SANITIZED
 
-// State that passes share would be writable data. What remains is what every shared library of this toolchain begins
-// with; constants that hold addresses are in .data.rel.ro, which nobody can write any more once the library is loaded.
+// State that passes share would be writable data. The start files of the toolchain bring the rest. Constants that hold
+// addresses are in .data.rel.ro, which is read-only after the library is loaded.
 TEST(Library, hasNoWritableData)
 {
     const Names startFiles = {"_DYNAMIC",
@@ -115,7 +115,7 @@ TEST(Library, hasNoWritableData)
                               "DW.ref.__gxx_personality_v0"};
     auto all = sections();
     Names writable;
-    for (const auto& line : told("nm --defined-only")) {
+    for (const auto& line : outputOf("nm --defined-only")) {
         if (line.size() != 3 || std::string("dDbBgGsSuvV").find(line[1]) == std::string::npos) continue;
         if (!all[".data.rel.ro"].holds(std::stoul(line[0], nullptr, 16))) writable.insert(line[2]);
     }
@@ -132,29 +132,28 @@ TEST(Library, doesNothingWhenItIsLoaded)
     EXPECT_EQ(sections()[".init_array"].size, sizeof(void*)) << "the start files' frame_dummy alone";
     EXPECT_EQ(sections()[".fini_array"].size, sizeof(void*));
 
-    // Addresses within the library are added up without a look at any name. What takes a search is calls of other
-    // libraries and the few addresses that the start files hold: nothing that grows with the types.
+    // Relative relocations need no symbol lookup. Only calls of other libraries and the addresses in the start files
+    // need one, so their number does not grow with the types.
     const Names relative = {"R_X86_64_RELATIVE", "R_AARCH64_RELATIVE"}, symbolic = {"R_X86_64_64", "R_AARCH64_ABS64"};
     const Names expected = {"R_X86_64_GLOB_DAT",   "R_X86_64_JUMP_SLOT", "R_X86_64_TPOFF64",
-                            "R_AARCH64_TLS_TPREL",  // the thread's sink of traces, which the platform holds
+                            "R_AARCH64_TLS_TPREL",  // the platform's sink of the thread
                             "R_AARCH64_GLOB_DAT",  "R_AARCH64_JUMP_SLOT"};
-    const Names ofOthers = {"__gxx_personality_v0"};  // what the data of the start files and of exceptions names
-    std::size_t searched = 0;
-    for (const auto& line : told("readelf -rW")) {
+    const Names external = {"__gxx_personality_v0"};  // from the data of the start files and of exceptions
+    std::size_t lookups = 0;
+    for (const auto& line : outputOf("readelf -rW")) {
         if (line.size() < 3 || !line[2].starts_with("R_") || relative.contains(line[2])) continue;
-        ++searched;
+        ++lookups;
         if (symbolic.contains(line[2])) {
             const std::string name = line.size() > 4 ? line[4].substr(0, line[4].find('@')) : "";
-            EXPECT_TRUE(ofOthers.contains(name)) << "data that names " << name;
+            EXPECT_TRUE(external.contains(name)) << "data refers to " << name;
         } else {
             EXPECT_TRUE(expected.contains(line[2])) << line[2];
         }
     }
-    EXPECT_GT(searched, 0u);
-    EXPECT_LE(searched, 40u);
-    for (const auto& line : told("readelf -dW"))
-        for (const std::string& word : line)
-            EXPECT_EQ(word.find("TEXTREL"), std::string::npos) << "its code is patched";
+    EXPECT_GT(lookups, 0u);
+    EXPECT_LE(lookups, 40u);
+    for (const auto& line : outputOf("readelf -dW"))
+        for (const std::string& word : line) EXPECT_EQ(word.find("TEXTREL"), std::string::npos) << "code is relocated";
 }
 
 TEST(Library, hasABoundedSize)

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Installs the build tree into a folder of its own, builds the example module against that alone, and compares what the
-# example prints: run.sh BUILD_DIR SOURCE_DIR COMPILER [SANITIZERS]
+# Installs the build tree into a temporary folder, builds the example module against that folder alone, and compares the
+# output of the example: run.sh BUILD_DIR SOURCE_DIR COMPILER [SANITIZERS]
 set -eu
 build=$1 source=$2 compiler=$3 sanitize=${4:+-fsanitize=$4}
 work=$(mktemp -d)
