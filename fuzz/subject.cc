@@ -21,7 +21,7 @@ extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*call
 
 namespace quorva::fuzz {
 
-using test::deafTrace;
+using test::exhaustedTrace;
 using test::Watch;
 
 namespace {
@@ -148,19 +148,19 @@ Subject::Subject(const Type& type)
     : described(type), object(new unsigned char[type.size]), arena(new unsigned char[arenaSize])
 {
     if (__sanitizer_set_death_callback) refuseBlocksAbove(std::size_t{1} << 20);
-    deafTrace();
+    exhaustedTrace();
 }
 
-Pass Subject::run(Way way, Mode mode, std::span<unsigned char> buffer, long failFrom)
+Pass Subject::run(Coding coding, Mode mode, std::span<unsigned char> buffer, long failFrom)
 {
-    TraceText* const sink = way == Way::interpreted ? &deafTrace() : nullptr;
+    TraceText* const sink = coding == Coding::interpreted ? &exhaustedTrace() : nullptr;
     const Watch watch(test::Scarcity{.from = failFrom, .largest = largestBlock});
     return runPass(mode, described.routine, object.get(), buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
 }
 
-void Subject::release(Way way)
+void Subject::release(Coding coding)
 {
-    run(way, Mode::release, {});
+    run(coding, Mode::release, {});
     if (const long left = test::liveBlocks())
         throw Finding{std::string(described.name) + ": " + std::to_string(left) + " blocks stay allocated"};
     if (test::mismatchedReleases())
@@ -175,21 +175,21 @@ std::span<unsigned char> Subject::placed(std::span<const unsigned char> message)
     return place;
 }
 
-const Outcome& Subject::decode(Way way, std::span<const unsigned char> message, long failFrom)
+const Outcome& Subject::decode(Coding coding, std::span<const unsigned char> message, long failFrom)
 {
-    Outcome& outcome = outcomes[way == Way::interpreted];
+    Outcome& outcome = outcomes[coding == Coding::interpreted];
     std::memset(object.get(), 0, described.size);
     const auto buffer = placed(message);
-    const Pass pass = run(way, Mode::decode, buffer, failFrom);
+    const Pass pass = run(coding, Mode::decode, buffer, failFrom);
     outcome.succeeded = pass.succeeded;
     outcome.length = pass.length;
     outcome.allocated = test::allocations();
-    const Pass written = run(way, Mode::encode, buffer);
+    const Pass written = run(coding, Mode::encode, buffer);
     if (pass.length > buffer.size() || written.length > buffer.size())
         throw Finding{std::string(described.name) + ": the length is beyond the buffer's"};
     outcome.encodes = written.succeeded;
     outcome.left.assign(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(written.length));
-    release(way);
+    release(coding);
     if (showsUnwritten(outcome.left, message))
         throw Finding{std::string(described.name) + ": bytes that nobody wrote: " + fuzz::described(outcome)};
     return outcome;
@@ -197,8 +197,8 @@ const Outcome& Subject::decode(Way way, std::span<const unsigned char> message, 
 
 const Outcome& Subject::decodeBothWays(std::span<const unsigned char> message, long failFrom)
 {
-    const Outcome& plain = decode(Way::plain, message, failFrom);
-    const Outcome& interpreted = decode(Way::interpreted, message, failFrom);
+    const Outcome& plain = decode(Coding::plain, message, failFrom);
+    const Outcome& interpreted = decode(Coding::interpreted, message, failFrom);
     if (plain != interpreted)
         throw Finding{std::string(described.name) + ": the ways differ\n  plain:       " + fuzz::described(plain) +
                       "\n  interpreted: " + fuzz::described(interpreted)};
@@ -207,13 +207,13 @@ const Outcome& Subject::decodeBothWays(std::span<const unsigned char> message, l
 
 bool Subject::comesBack(std::span<const unsigned char> message)
 {
-    const Outcome& outcome = decode(Way::plain, message);
+    const Outcome& outcome = decode(Coding::plain, message);
     if (!outcome.succeeded) return false;
     Outcome& first = outcomes[2];
     first = outcome;
     if (!first.encodes)
         throw Finding{std::string(described.name) + ": accepted, but does not encode: " + fuzz::described(first)};
-    const Outcome& again = decode(Way::plain, first.left);
+    const Outcome& again = decode(Coding::plain, first.left);
     if (!again.succeeded || again.length != first.left.size() || again.left != first.left)
         throw Finding{std::string(described.name) + ": comes back changed\n  first: " + fuzz::described(first) +
                       "\n  again: " + fuzz::described(again)};
@@ -222,16 +222,16 @@ bool Subject::comesBack(std::span<const unsigned char> message)
 
 void Subject::encodeInto(std::size_t size, std::span<const unsigned char> message)
 {
-    const Bytes whole = decode(Way::plain, message).left;
-    for (const Way way : {Way::plain, Way::interpreted}) {
+    const Bytes whole = decode(Coding::plain, message).left;
+    for (const Coding coding : {Coding::plain, Coding::interpreted}) {
         std::memset(object.get(), 0, described.size);
-        const Pass read = run(way, Mode::decode, placed(message));
+        const Pass read = run(coding, Mode::decode, placed(message));
         const auto buffer = room(std::min(size, whole.size()));
-        const Pass pass = run(way, Mode::encode, buffer);
+        const Pass pass = run(coding, Mode::encode, buffer);
         const bool same =
             pass.length <= buffer.size() &&
             std::equal(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(pass.length), whole.begin());
-        release(way);
+        release(coding);
         if (!same || (read.succeeded && pass.succeeded != (buffer.size() == whole.size())))
             throw Finding{std::string(described.name) + ": encodes otherwise into " + std::to_string(size) + " bytes"};
     }
@@ -270,14 +270,14 @@ void Subject::agreesWithInspector(std::span<const unsigned char> message)
     try {
         inspect::toJson(described, object.get());
         const auto refusal = inspect::refusalOf(described, object.get(), buffer.size());
-        const Pass written = run(Way::plain, Mode::encode, buffer);
+        const Pass written = run(Coding::plain, Mode::encode, buffer);
         if (written.succeeded == refusal.has_value())
             different +=
                 refusal ? "; only the inspector refuses to encode: " + refusal->reason : "; encoding is refused";
     } catch (const inspect::Refusal&) {
         // Nested deeper than anything that is shown.
     }
-    release(Way::plain);
+    release(Coding::plain);
     if (!different.empty()) throw Finding{std::string(described.name) + ": " + different};
 }
 

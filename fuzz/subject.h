@@ -2,7 +2,7 @@
 #pragma once
 
 #include "memory.h"
-#include "ways.h"
+#include "coding.h"
 
 #include <quorvapixdr/codec.h>
 #include <quorvapixdr/description.h>
@@ -64,7 +64,7 @@ int judge(Body body)
 
 // ---- Properties ----------------------------------------------------------------------------------------------------
 
-using test::Way;
+using test::Coding;
 
 // What a decode pass did and left.
 struct Outcome {
@@ -87,7 +87,7 @@ public:
 
     // Decodes, encodes what is left, releases it: nothing is read beyond the message or written beyond the length,
     // nothing was written by nobody, nothing stays allocated. Allocations from the number `failFrom` on fail.
-    const Outcome& decode(Way way, std::span<const unsigned char> message, long failFrom = test::Watch::never);
+    const Outcome& decode(Coding coding, std::span<const unsigned char> message, long failFrom = test::Watch::never);
 
     // Both ways do and leave the same.
     const Outcome& decodeBothWays(std::span<const unsigned char> message, long failFrom = test::Watch::never);
@@ -103,8 +103,8 @@ public:
     void agreesWithInspector(std::span<const unsigned char> message);
 
 private:
-    Pass run(Way way, Mode mode, std::span<unsigned char> buffer, long failFrom = test::Watch::never);
-    void release(Way way);
+    Pass run(Coding coding, Mode mode, std::span<unsigned char> buffer, long failFrom = test::Watch::never);
+    void release(Coding coding);
     std::span<unsigned char> room(std::size_t size) { return {arena.get() + arenaSize - size, size}; }
     std::span<unsigned char> placed(std::span<const unsigned char> message);
 
