@@ -1,4 +1,4 @@
-// Damage by chance.
+// Damage by pseudo-random choice.
 
 #include "damage.h"
 
@@ -10,10 +10,11 @@ namespace quorva::fuzz {
 
 namespace {
 
-constexpr std::uint32_t tellingUnits[] = {0,          1,          2,          3,          0xFF,
-                                          0x100,      0xFFFF,     0x10000,    0x10001,    0x7FFFFFFF,
-                                          0x80000000, 0xFFFFFFFC, 0xFFFFFFFD, 0xFFFFFFFE, 0xFFFFFFFF};
-constexpr std::size_t longestGrown = 4096;  // messages stop growing here
+// Counts, lengths and numbers at the edges of what is accepted.
+constexpr std::uint32_t edgeUnits[] = {0,          1,          2,          3,          0xFF,
+                                       0x100,      0xFFFF,     0x10000,    0x10001,    0x7FFFFFFF,
+                                       0x80000000, 0xFFFFFFFC, 0xFFFFFFFD, 0xFFFFFFFE, 0xFFFFFFFF};
+constexpr std::size_t longestGrown = 4096;  // a longer message grows no further, in bytes
 
 std::uint32_t unitAt(std::span<const unsigned char> bytes, std::size_t at)
 {
@@ -26,12 +27,12 @@ void setUnit(Bytes& bytes, std::size_t at, std::uint32_t unit)
     for (std::size_t i = 4; i-- > 0; unit >>= 8) bytes[at + i] = static_cast<unsigned char>(unit);
 }
 
-// Another number where `unit` stands, of the kind that goes wrong somewhere.
+// A number to replace `unit` by: at an edge, close to the old one, small, or taken from `other`.
 std::uint32_t changed(std::uint32_t unit, std::span<const unsigned char> other, Chance& chance)
 {
     switch (chance.below(6)) {
     case 0:
-    case 1: return tellingUnits[chance.below(std::size(tellingUnits))];
+    case 1: return edgeUnits[chance.below(std::size(edgeUnits))];
     case 2: return unit + static_cast<std::uint32_t>(chance.below(8)) - 4;
     case 3: return unit ^ std::uint32_t{1} << chance.below(32);
     case 4: return static_cast<std::uint32_t>(chance.below(64));
@@ -48,28 +49,28 @@ std::ptrdiff_t offset(std::size_t at)
 
 }  // namespace
 
-Invented invent(inspect::Sampler& sampler, const Type& type, Chance& chance)
+Generated generate(inspect::Sampler& sampler, const Type& type, Chance& chance)
 {
     constexpr std::size_t budgets[] = {60, 120, 120, 240, 240, 480, 1024};
     inspect::Recipe recipe{inspect::Extent::random, chance.next(), budgets[chance.below(std::size(budgets))]};
     if (chance.oneIn(32)) recipe.extent = chance.oneIn(2) ? inspect::Extent::least : inspect::Extent::fullest;
-    Invented invented{sampler.sample(type, recipe), {}};
-    invented.steering = steeringUnits(type, invented.message);
-    return invented;
+    Generated generated{sampler.sample(type, recipe), {}};
+    generated.control = controlUnits(type, generated.message);
+    return generated;
 }
 
-std::vector<std::size_t> steeringUnits(const Type& type, std::span<const unsigned char> message)
+std::vector<std::size_t> controlUnits(const Type& type, std::span<const unsigned char> message)
 {
     std::vector<std::size_t> units;
     inspect::readMessage(type, message, [&](const inspect::Leaf& leaf) {
-        const bool steers = leaf.text.starts_with("count ") || leaf.text.starts_with("length ") ||
-                            leaf.text == "present" || leaf.text == "absent" || leaf.path.text().empty();
-        if (steers) units.push_back(leaf.offset);
+        const bool controls = leaf.text.starts_with("count ") || leaf.text.starts_with("length ") ||
+                              leaf.text == "present" || leaf.text == "absent" || leaf.path.text().empty();
+        if (controls) units.push_back(leaf.offset);
     });
     return units;
 }
 
-void damage(Bytes& message, std::span<const std::size_t> steering, std::span<const unsigned char> other, Chance& chance)
+void damage(Bytes& message, std::span<const std::size_t> control, std::span<const unsigned char> other, Chance& chance)
 {
     const std::size_t units = message.size() / 4;
     const auto someUnit = [&] { return 4 * chance.below(units); };
@@ -77,32 +78,32 @@ void damage(Bytes& message, std::span<const std::size_t> steering, std::span<con
         return 4 * (1 + chance.below(std::min<std::size_t>(8, (message.size() - from) / 4)));
     };
     switch (units == 0 ? 11 : chance.below(12)) {
-    default: {  // a unit says something else
+    default: {  // change a unit
         std::size_t at = someUnit();
-        if (!steering.empty() && !chance.oneIn(3)) at = steering[chance.below(steering.size())];
+        if (!control.empty() && !chance.oneIn(3)) at = control[chance.below(control.size())];
         if (at + 4 <= message.size()) setUnit(message, at, changed(unitAt(message, at), other, chance));
         return;
     }
-    case 7:  // a byte does
+    case 7:  // change a byte
         message[chance.below(message.size())] = static_cast<unsigned char>(chance.next());
         return;
-    case 8: {  // some units twice
+    case 8: {  // repeat some units
         if (message.size() > longestGrown) return;
         const std::size_t from = someUnit();
         const Bytes part(message.begin() + offset(from), message.begin() + offset(from + run(from)));
         message.insert(message.begin() + offset(from), part.begin(), part.end());
         return;
     }
-    case 9: {  // some units gone
+    case 9: {  // remove some units
         const std::size_t from = someUnit();
         const std::size_t size = run(from);
         message.erase(message.begin() + offset(from), message.begin() + offset(from + size));
         return;
     }
-    case 10:  // the end too early
+    case 10:  // cut the end
         message.resize(chance.below(message.size()));
         return;
-    case 11: {  // another's end, or a longer one
+    case 11: {  // replace the end, or append to it
         const std::size_t from = units == 0 ? 0 : someUnit();
         const std::size_t otherFrom = other.size() < 4 ? 0 : 4 * chance.below(other.size() / 4);
         message.resize(chance.oneIn(4) ? message.size() : from);

@@ -1,4 +1,4 @@
-// Damage as it happens to messages, done by chance.
+// Damage as it happens to messages, by pseudo-random choice.
 #pragma once
 
 #include "inspect/chance.h"
@@ -12,21 +12,21 @@ namespace quorva::fuzz {
 
 using inspect::Chance;
 
-// A well-formed message, and the offsets of its units that steer a decode: counts, lengths and presences.
-struct Invented {
+// A well-formed message, and the offsets of its control units: counts, lengths, presence flags and the root's
+// own unit, such as the discriminant of a union.
+struct Generated {
     Bytes message;
-    std::vector<std::size_t> steering;
+    std::vector<std::size_t> control;
 };
 
-// A fresh message of the type, short as a rule.
-Invented invent(inspect::Sampler& sampler, const Type& type, Chance& chance);
+// Generates a message of the type, mostly a short one.
+Generated generate(inspect::Sampler& sampler, const Type& type, Chance& chance);
 
-// The steering units of a message, as far as the inspector's reading gets.
-std::vector<std::size_t> steeringUnits(const Type& type, std::span<const unsigned char> message);
+// The offsets of a message's control units, as far as the inspector can read the message.
+std::vector<std::size_t> controlUnits(const Type& type, std::span<const unsigned char> message);
 
-// Damages a message once: a unit that says something else, mostly a steering one; units that are doubled, gone, or
-// taken over from `other`; an end that comes early or late.
-void damage(Bytes& message, std::span<const std::size_t> steering, std::span<const unsigned char> other,
-            Chance& chance);
+// Damages a message once: changes a unit, mostly one of `control`, or a byte; repeats or removes units; cuts the end,
+// or appends units of `other`. Offsets in `control` beyond the message are allowed.
+void damage(Bytes& message, std::span<const std::size_t> control, std::span<const unsigned char> other, Chance& chance);
 
 }  // namespace quorva::fuzz

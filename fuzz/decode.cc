@@ -1,5 +1,5 @@
-// Any bytes, decoded as any type: both ways through the code do the same, and nothing is left. The variant says which
-// allocations fail, if any.
+// Any bytes, decoded as any type: the interpreter and the plain functions agree, and no block stays allocated. Variants
+// from 128 on make allocations fail, from number variant - 128 on.
 
 #include "mutate.h"
 
@@ -7,7 +7,7 @@ using namespace quorva::fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    return judge([&] {
+    return runDriver([&] {
         const Input input = Input::of({data, size});
         const bool scarce = input.variant >= 128;
         Subject(*input.type).decodeBothWays(input.contents, scarce ? input.variant - 128 : quorva::test::Watch::never);

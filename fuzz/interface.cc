@@ -1,6 +1,5 @@
-// Any text as an interface file: every stage takes it, and what has no faults can be generated from, flattens to the
-// same interface, and differs in nothing from it. What stands before a form feed is a module "part" that the rest may
-// import.
+// Any text as an interface file: every stage of the compiler runs, and a file without errors flattens to the same
+// interface. Text before a form feed is a module "part", which the rest may import.
 
 #include "compiler/emit/emit.h"
 #include "compiler/evolve/compare.h"
@@ -18,61 +17,62 @@ using namespace quorva::fuzz;
 
 namespace {
 
-std::unique_ptr<Module> parsed(std::string_view name, std::string_view text, Diagnostics& faults)
+std::unique_ptr<Module> parsed(std::string_view name, std::string_view text, Diagnostics& errors)
 {
     auto module = std::make_unique<Module>();
     module->source = {std::string(name) + ".x", std::string(name), std::string(text)};
     module->requested = true;
-    parse(*module, faults);
+    parse(*module, errors);
     return module;
 }
 
-Program read(std::string_view text, Diagnostics& faults)
+Program read(std::string_view text, Diagnostics& errors)
 {
     Program program;
     const std::size_t split = text.find('\f');
-    if (split != text.npos) program.modules.push_back(parsed("part", text.substr(0, split), faults));
-    program.modules.push_back(parsed("whole", split == text.npos ? text : text.substr(split + 1), faults));
+    if (split != text.npos) program.modules.push_back(parsed("part", text.substr(0, split), errors));
+    program.modules.push_back(parsed("whole", split == text.npos ? text : text.substr(split + 1), errors));
     for (const auto& module : program.modules)
         for (Import& import : module->imports) {
             if (split != text.npos && module == program.modules.back() && import.name == "part") {
                 import.module = program.modules.front().get();
             } else {
-                faults.error(import.at, "module " + inQuotes(import.name) + " is not found");
+                errors.error(import.at, "module " + inQuotes(import.name) + " is not found");
                 module->incomplete = true;
             }
         }
-    resolve(program, faults);
-    check(program, faults);
+    resolve(program, errors);
+    check(program, errors);
     return program;
 }
 
-void isWorkedOn(const Program& program)
+void generateAll(const Program& program)
 {
     std::vector<const Module*> modules;
     for (const auto& module : program.modules) {
         modules.push_back(module.get());
         for (const auto emit : {emitHeader, emitPrivateHeader, emitUnit, emitDescriptions, emitDocumentation})
-            if (emit(*module).empty()) throw Finding{"nothing is generated"};
+            if (emit(*module).empty()) throw Finding{"an emitter writes nothing"};
     }
     emitModuleList(modules, "modules");
     emitPlain(program, {"plain_"});
     Diagnostics warnings("warning", mostWarnings);
     lint(program, warnings);
-    std::ostringstream said;
-    warnings.print(said);
+    std::ostringstream printed;
+    warnings.print(printed);
 }
 
-void staysFlat(const Program& program)
+void checkFlattening(const Program& program)
 {
     const std::string flat = flatten(program);
-    Diagnostics faults;
-    const Program again = read(flat, faults);
-    std::ostringstream said;
-    faults.print(said);
-    if (faults.count() > 0) throw Finding{"the flattened file has faults:\n" + said.str() + flat};
+    Diagnostics errors;
+    const Program again = read(flat, errors);
+    std::ostringstream printed;
+    errors.print(printed);
+    if (errors.count() > 0) throw Finding{"the flattened file has errors:\n" + printed.str() + flat};
     if (flatten(again) != flat) throw Finding{"flattening changes a flattened file:\n" + flat};
-    if (compare({program}, {again}, said) > 0) throw Finding{"flattening is a break:\n" + said.str() + flat};
+    if (compare({program}, {again}, printed) > 0)
+        throw Finding{"flattening breaks the interface:\n" + printed.str() + flat};
 }
 
 constexpr std::string_view words[] = {"enum",
@@ -145,16 +145,16 @@ constexpr std::string_view words[] = {"enum",
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    return judge([&] {
-        Diagnostics faults;
-        const Program program = read({reinterpret_cast<const char*>(data), size}, faults);
-        if (faults.count() > 0) {
-            std::ostringstream said;
-            faults.print(said);
+    return runDriver([&] {
+        Diagnostics errors;
+        const Program program = read({reinterpret_cast<const char*>(data), size}, errors);
+        if (errors.count() > 0) {
+            std::ostringstream printed;
+            errors.print(printed);
             return;
         }
-        isWorkedOn(program);
-        staysFlat(program);
+        generateAll(program);
+        checkFlattening(program);
     });
 }
 

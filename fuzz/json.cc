@@ -1,5 +1,5 @@
-// Any text, read as the JSON form of any type: what is accepted is an object that encodes unless the inspector says why
-// not, and that comes back from the wire and from JSON.
+// Any text, read as the JSON form of any type: an accepted text makes an object that encodes unless the inspector gives
+// a reason, and that survives the round trips through the wire and through JSON.
 
 #include "inspect/json.h"
 #include "inspect/input.h"
@@ -23,7 +23,7 @@ Bytes encoded(inspect::Object& object)
     return message;
 }
 
-void isReadAndComesBack(const Type& type, std::string_view text)
+void checkRoundTrips(const Type& type, std::string_view text)
 {
     inspect::Object object = inspect::fromJson(type, inspect::parseJson(text));
     Bytes message = encoded(object);
@@ -32,9 +32,9 @@ void isReadAndComesBack(const Type& type, std::string_view text)
     inspect::Object decoded(type);
     const Pass pass = runPass(Mode::decode, type.routine, decoded.data(), message);
     if (!pass.succeeded || pass.length != message.size())
-        throw Finding{std::string(type.name) + ": what JSON described is not decoded"};
+        throw Finding{std::string(type.name) + ": the object's own message is refused"};
     if (inspect::toJson(type, decoded.data()).dump() != json)
-        throw Finding{std::string(type.name) + ": the wire does not keep " + json};
+        throw Finding{std::string(type.name) + ": the message does not keep " + json};
     inspect::Object again = inspect::fromJson(type, inspect::parseJson(json));
     if (encoded(again) != message) throw Finding{std::string(type.name) + ": JSON does not keep " + json};
 }
@@ -74,13 +74,12 @@ constexpr std::string_view words[] = {"null",
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    return judge([&] {
+    return runDriver([&] {
         const Input input = Input::of({data, size});
         try {
-            isReadAndComesBack(*input.type,
-                               {reinterpret_cast<const char*>(input.contents.data()), input.contents.size()});
+            checkRoundTrips(*input.type, {reinterpret_cast<const char*>(input.contents.data()), input.contents.size()});
         } catch (const inspect::JsonError& error) {
-            if (error.faults.empty()) throw Finding{"refused without a reason"};
+            if (error.errors.empty()) throw Finding{"refused without a reason"};
         } catch (const inspect::InputError&) {
         } catch (const inspect::Refusal&) {
         }
@@ -95,10 +94,10 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
         return Input::headSize + mutateText(data + Input::headSize, size - Input::headSize, most - Input::headSize,
                                             static_cast<unsigned>(chance.next()), words);
     const Type& type = *allTypes()[chance.below(allTypes().size())];
-    Bytes message = invent(sampler, type, chance).message;
+    Bytes message = generate(sampler, type, chance).message;
     inspect::Object object(type);
     runPass(Mode::decode, type.routine, object.data(), message);
     const std::string text = inspect::toJson(type, object.data()).dump();
-    return stored(Input{&type, 0, {reinterpret_cast<const unsigned char*>(text.data()), text.size()}}.bytes(), data,
-                  most);
+    return store(Input{&type, 0, {reinterpret_cast<const unsigned char*>(text.data()), text.size()}}.bytes(), data,
+                 most);
 }

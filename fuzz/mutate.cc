@@ -17,7 +17,7 @@ std::ptrdiff_t offset(std::size_t at)
 
 }  // namespace
 
-std::size_t stored(std::span<const unsigned char> bytes, unsigned char* data, std::size_t most)
+std::size_t store(std::span<const unsigned char> bytes, unsigned char* data, std::size_t most)
 {
     const std::size_t size = std::min(bytes.size(), most);
     if (size > 0) std::memcpy(data, bytes.data(), size);
@@ -30,21 +30,21 @@ std::size_t mutateMessage(unsigned char* data, std::size_t size, std::size_t mos
     Chance chance(seed);
     Input input = Input::of({data, size});
     Bytes message(input.contents.begin(), input.contents.end());
-    const std::size_t deed = chance.below(16);
-    if (deed == 0) input.type = allTypes()[chance.below(allTypes().size())];
-    if (deed == 1) input.variant = static_cast<std::uint8_t>(chance.next());
-    if (deed <= 2 && !(deed == 1 && size > Input::headSize)) {
-        message = invent(sampler, *input.type, chance).message;
-    } else if (deed <= 6 && most > Input::headSize) {
+    const std::size_t choice = chance.below(16);
+    if (choice == 0) input.type = allTypes()[chance.below(allTypes().size())];
+    if (choice == 1) input.variant = static_cast<std::uint8_t>(chance.next());
+    if (choice <= 2 && !(choice == 1 && size > Input::headSize)) {
+        message = generate(sampler, *input.type, chance).message;
+    } else if (choice <= 6 && most > Input::headSize) {
         message.resize(std::max(message.size(), most - Input::headSize));
         message.resize(LLVMFuzzerMutate(message.data(), input.contents.size(), most - Input::headSize));
     } else {
-        const Bytes other = invent(sampler, *input.type, chance).message;
+        const Bytes other = generate(sampler, *input.type, chance).message;
         for (std::size_t i = 1 + chance.below(3); i > 0; --i)
-            damage(message, steeringUnits(*input.type, message), other, chance);
+            damage(message, controlUnits(*input.type, message), other, chance);
     }
     input.contents = message;
-    return stored(input.bytes(), data, most);
+    return store(input.bytes(), data, most);
 }
 
 std::size_t mutateText(unsigned char* data, std::size_t size, std::size_t most, unsigned seed,
@@ -64,20 +64,20 @@ std::size_t mutateText(unsigned char* data, std::size_t size, std::size_t most, 
     const auto some = [&] { return chance.below(tokens.size()); };
     for (std::size_t i = 1 + chance.below(3); i > 0 && !tokens.empty(); --i) {
         const std::size_t at = some();
-        const std::size_t behind = std::min(tokens.size(), at + 1 + chance.below(chance.oneIn(4) ? 40 : 3));
-        const std::vector<std::string> run(tokens.begin() + offset(at), tokens.begin() + offset(behind));
+        const std::size_t end = std::min(tokens.size(), at + 1 + chance.below(chance.oneIn(4) ? 40 : 3));
+        const std::vector<std::string> run(tokens.begin() + offset(at), tokens.begin() + offset(end));
         switch (chance.below(6)) {
         case 0: std::swap(tokens[at], tokens[some()]); break;
         case 1: tokens[at] = words[chance.below(words.size())]; break;
         case 2: tokens.insert(tokens.begin() + offset(at), std::string(words[chance.below(words.size())])); break;
         case 3: tokens[at] = tokens[some()]; break;
-        case 4: tokens.erase(tokens.begin() + offset(at), tokens.begin() + offset(behind)); break;
+        case 4: tokens.erase(tokens.begin() + offset(at), tokens.begin() + offset(end)); break;
         case 5: tokens.insert(tokens.begin() + offset(some()), run.begin(), run.end()); break;
         }
     }
     Bytes text;
     for (const std::string& token : tokens) text.insert(text.end(), token.begin(), token.end());
-    return stored(text, data, most);
+    return store(text, data, most);
 }
 
 }  // namespace quorva::fuzz

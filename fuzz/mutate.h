@@ -1,4 +1,4 @@
-// How drivers change their inputs: by damage that knows what the input is, and by libFuzzer's own changes.
+// Mutators for the drivers: damage that knows the form of the input, and libFuzzer's own mutations.
 #pragma once
 
 #include "damage.h"
@@ -8,20 +8,20 @@
 #include <span>
 #include <string_view>
 
-// libFuzzer's own mutation, or the replay program's.
+// libFuzzer's own mutation, or that of the replay program.
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t most);
 
 namespace quorva::fuzz {
 
-// Mutates a driver's input over all types, in place, and returns its new size. What does not fit into `most` is cut
-// off.
+// Mutates an Input in place: its type, its variant or its message. `data` holds `size` bytes and has storage for
+// `most`. Returns the new size; a longer result is cut to `most`.
 std::size_t mutateMessage(unsigned char* data, std::size_t size, std::size_t most, unsigned seed);
 
-// The same for a text: its tokens change places, are doubled, go, or give way to one of the words.
+// Mutates a text in the same coding: swaps, repeats or removes tokens, or replaces them by one of the words.
 std::size_t mutateText(unsigned char* data, std::size_t size, std::size_t most, unsigned seed,
                        std::span<const std::string_view> words);
 
-// Writes `bytes` into an input's storage, as much as fits, and returns how much that is.
-std::size_t stored(std::span<const unsigned char> bytes, unsigned char* data, std::size_t most);
+// Copies `bytes` to `data`, at most `most` of them. Returns the number of bytes copied.
+std::size_t store(std::span<const unsigned char> bytes, unsigned char* data, std::size_t most);
 
 }  // namespace quorva::fuzz

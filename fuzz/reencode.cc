@@ -1,5 +1,5 @@
-// Any bytes, decoded as any type and encoded again: what was accepted comes back for good, also into too little room,
-// and the inspector's reading of the message and of the object agrees. The variant says how many bytes are missing.
+// Any bytes, decoded as any type and encoded again: accepted messages survive the round trip, and the inspector's
+// reader agrees. The variant is the number of bytes by which the buffer of a further encode pass is too short.
 
 #include "mutate.h"
 
@@ -7,11 +7,11 @@ using namespace quorva::fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    return judge([&] {
+    return runDriver([&] {
         const Input input = Input::of({data, size});
         Subject subject(*input.type);
         subject.agreesWithInspector(input.contents);
-        if (subject.comesBack(input.contents) && input.contents.size() > input.variant)
+        if (subject.roundTrips(input.contents) && input.contents.size() > input.variant)
             subject.encodeInto(input.contents.size() - input.variant, input.contents);
     });
 }

@@ -1,5 +1,5 @@
-// Runs a driver over files and folders without libFuzzer, as an ordinary test; with --mutate over mutations of them
-// too. An input that ends the program is left in fuzz-finding.bin.
+// Runs a driver over files and folders without libFuzzer, as an ordinary test, and over mutations of them with
+// --mutate. An input that ends the program is written to fuzz-finding.bin.
 
 #include "mutate.h"
 
@@ -20,14 +20,14 @@ using namespace quorva;
 
 namespace {
 
-constexpr std::size_t longestInput = 4096;
+constexpr std::size_t longestInput = 4096;  // that is mutated, in bytes; a longer one is cut
 std::uint64_t seed = 1;
 
 const char* const usage = "usage: fuzz_DRIVER [--mutate N] [--seed S] FILE|FOLDER...\n";
 
-Bytes running;
+Bytes running;  // the current input, kept if the program ends
 
-// Over a copy that ends where its storage does, so that the address sanitizer sees the first byte too many.
+// Runs the driver over a copy in storage of just its size, so that the address sanitizer sees an overrun.
 void run(std::span<const unsigned char> input)
 {
     running.assign(input.begin(), input.end());
@@ -38,7 +38,7 @@ void run(std::span<const unsigned char> input)
 
 }  // namespace
 
-// Bytes that say something else, go, or come twice.
+// Inserts, removes or changes a byte.
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t most)
 {
     static fuzz::Chance chance(seed);
@@ -87,7 +87,7 @@ int main(int count, char** words)
         if (!file) std::fprintf(stderr, "cannot read %s\n", path.c_str());
         if (!file) return 2;
     }
-    fuzz::whenDying([] { fuzz::leave("fuzz-finding.bin", running); });
+    fuzz::onCrash([] { fuzz::keepInput("fuzz-finding.bin", running); });
     for (const Bytes& input : inputs) run(input);
     fuzz::Chance chance(seed);
     for (std::uint64_t i = 0; i < mutations && !inputs.empty(); ++i) {
@@ -99,6 +99,7 @@ int main(int count, char** words)
         input.resize(size);
         run(input);
     }
-    std::printf("%zu inputs and %llu mutations hold\n", inputs.size(), static_cast<unsigned long long>(mutations));
+    std::printf("%zu inputs and %llu mutations, no finding\n", inputs.size(),
+                static_cast<unsigned long long>(mutations));
     return inputs.empty() ? 1 : 0;
 }

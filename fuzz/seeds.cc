@@ -1,14 +1,21 @@
-// Writes the first inputs of the drivers: messages of every type, invented and from samples, and their JSON.
+// Writes the first inputs of every driver, the same ones in every run: messages of all types and from the samples,
+// their JSON, hexadecimal and base64 forms, and interface files.
 
+#include "compiler/evolve/flatten.h"
+#include "compiler/front/check.h"
+#include "compiler/front/resolve.h"
+#include "compiler/front/source.h"
 #include "damage.h"
 #include "inspect/catalogue.h"
+#include "inspect/input.h"
 #include "inspect/json.h"
 #include "inspect/layout.h"
 
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <stdexcept>
 
 namespace fs = std::filesystem;
 using namespace quorva;
@@ -16,20 +23,123 @@ using namespace quorva::fuzz;
 
 namespace {
 
-void write(const fs::path& file, std::span<const unsigned char> bytes)
+// Interface files of more bytes are left out: mutation and flattening gain nothing from their length.
+constexpr std::size_t longestInterface = 12288;
+
+std::string textOf(const fs::path& file)
 {
-    std::ofstream(file, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    std::string text;
+    if (const auto reason = compiler::readFile(file.string(), text))
+        throw std::runtime_error(file.string() + ": " + *reason);
+    return text;
 }
 
-void writeBoth(const fs::path& folder, const std::string& name, const Type& type, Bytes message)
+std::span<const unsigned char> bytesOf(std::string_view text)
 {
-    write(folder / "messages" / name, Input{&type, 0, message}.bytes());
-    inspect::Object object(type);
-    if (!runPass(Mode::decode, type.routine, object.data(), message).succeeded) return;
-    const std::string json = inspect::toJson(type, object.data()).dump();
-    write(folder / "json" / name,
-          Input{&type, 0, {reinterpret_cast<const unsigned char*>(json.data()), json.size()}}.bytes());
+    return {reinterpret_cast<const unsigned char*>(text.data()), text.size()};
+}
+
+// The seeds below one folder, in a folder for each kind. Those of an earlier run are removed.
+class Seeds {
+public:
+    explicit Seeds(fs::path folder) : root(std::move(folder))
+    {
+        for (const char* kind : {"messages", "json", "hex_input", "interface"}) {
+            fs::remove_all(root / kind);
+            fs::create_directories(root / kind);
+        }
+    }
+
+    void write(const char* kind, const std::string& name, std::span<const unsigned char> bytes)
+    {
+        std::ofstream file(root / kind / name, std::ios::binary);
+        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        file.close();
+        if (!file) throw std::runtime_error("cannot write " + (root / kind / name).string());
+        ++count;
+    }
+
+    void writeText(const char* kind, const std::string& name, std::string_view text)
+    {
+        write(kind, name, bytesOf(text));
+    }
+
+    // A message, and its JSON form if a decode accepts it. `variant` is what Input says of it.
+    void writeMessage(const std::string& name, const Type& type, Bytes message, std::uint8_t variant = 0)
+    {
+        write("messages", name, Input{&type, variant, message}.bytes());
+        inspect::Object object(type);
+        if (!runPass(Mode::decode, type.routine, object.data(), message).succeeded) return;
+        const std::string json = inspect::toJson(type, object.data()).dump();
+        write("json", name, Input{&type, 0, bytesOf(json)}.bytes());
+    }
+
+    std::size_t written() const { return count; }
+
+private:
+    fs::path root;
+    std::size_t count = 0;
+};
+
+// For each type its shortest message, a full one, one for each arm of its first union, and a damaged one.
+void writeEveryType(Seeds& seeds)
+{
+    inspect::Sampler sampler;
+    Chance chance(1);
+    for (const Type* type : allTypes()) {
+        const std::string name = type->name;
+        const auto sample = [&](const inspect::Recipe& recipe) { return sampler.sample(*type, recipe); };
+        seeds.writeMessage(name + "-least", *type, sample({inspect::Extent::least, 0, 0}));
+        seeds.writeMessage(name + "-fullest", *type, sample({inspect::Extent::fullest, 0, 200}));
+        for (std::uint64_t seed = 0; seed < std::max<std::size_t>(1, inspect::armsOf(*type).size()); ++seed)
+            seeds.writeMessage(name + '-' + std::to_string(seed), *type, sample({inspect::Extent::random, seed, 160}));
+        Generated damaged = generate(sampler, *type, chance);
+        damage(damaged.message, damaged.control, generate(sampler, *type, chance).message, chance);
+        seeds.writeMessage(name + "-damaged", *type, damaged.message, static_cast<std::uint8_t>(chance.next()));
+    }
+}
+
+// The samples as messages, and those messages in the forms that the inspector prints.
+void writeSamples(Seeds& seeds, const fs::path& samples)
+{
+    const inspect::Catalogue catalogue;
+    for (const auto& entry : fs::recursive_directory_iterator(samples)) {
+        if (entry.path().extension() != ".json" || entry.path().parent_path().filename() == "refused") continue;
+        const std::string name = entry.path().stem().string();  // "print_job_submitted.JobNotification"
+        const Type* const type = catalogue.find(fs::path(name).extension().string().substr(1));
+        if (!type) throw std::runtime_error("no type for " + entry.path().string());
+        inspect::Object object = inspect::fromJson(*type, inspect::parseJson(textOf(entry.path())));
+        Bytes message(longestMessage);
+        message.resize(runPass(Mode::encode, type->routine, object.data(), message).length);
+        seeds.writeMessage("sample-" + name, *type, message);
+        seeds.writeText("hex_input", name + "-hex", inspect::hexText(message));
+        seeds.writeText("hex_input", name + "-digits", inspect::hexDigits(message));
+        seeds.writeText("hex_input", name + "-base64", inspect::base64Text(message));
+    }
+}
+
+// The interface files of a folder as they are; and where imports make sense only together with other files, the file
+// that all of them flatten to.
+void writeInterfaces(Seeds& seeds, const fs::path& folder, const std::string& prefix)
+{
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        if (entry.path().extension() != ".x" || entry.file_size() > longestInterface) continue;
+        std::string name = prefix + '-' + fs::relative(entry.path(), folder).string();
+        std::ranges::replace(name, '/', '-');
+        const std::string text = textOf(entry.path());
+        seeds.writeText("interface", name, text);
+        if (!text.starts_with("import ") && text.find("\nimport ") == text.npos) continue;
+
+        compiler::Diagnostics errors;
+        std::vector<std::string> unreadable;
+        compiler::Program program =
+            compiler::readProgram({entry.path().string()}, compiler::SearchPath({folder.string()}), errors, unreadable);
+        compiler::resolve(program, errors);
+        compiler::check(program, errors);
+        if (errors.count() > 0 || !unreadable.empty()) continue;
+        const std::string flat = compiler::flatten(program);
+        if (flat.size() <= longestInterface) seeds.writeText("interface", name + "-flat", flat);
+    }
 }
 
 }  // namespace
@@ -37,30 +147,23 @@ void writeBoth(const fs::path& folder, const std::string& name, const Type& type
 int main(int count, char** words)
 {
     if (count != 3) {
-        std::fputs("usage: fuzz_seeds FOLDER SAMPLES\n", stderr);
+        std::fputs(
+            "usage: fuzz_seeds FOLDER PROJECT\n\n"
+            "Writes seeds to FOLDER/messages, json, hex_input and interface, and removes those of an earlier run.\n"
+            "PROJECT is the root of the source tree.\n",
+            stderr);
         return 2;
     }
-    const fs::path folder = words[1];
-    for (const char* each : {"messages", "json"}) fs::create_directories(folder / each);
-    inspect::Sampler sampler;
-    for (const Type* type : allTypes()) {
-        const std::string name = type->name;
-        writeBoth(folder, name + "-least", *type, sampler.sample(*type, {inspect::Extent::least, 0, 0}));
-        writeBoth(folder, name + "-fullest", *type, sampler.sample(*type, {inspect::Extent::fullest, 0, 200}));
-        for (std::uint64_t seed = 0; seed < std::max<std::size_t>(1, inspect::armsOf(*type).size()); ++seed)
-            writeBoth(folder, name + '-' + std::to_string(seed), *type,
-                      sampler.sample(*type, {inspect::Extent::random, seed, 160}));
-    }
-    const inspect::Catalogue catalogue;
-    for (const auto& entry : fs::recursive_directory_iterator(words[2])) {
-        if (entry.path().extension() != ".json" || entry.path().parent_path().filename() == "refused") continue;
-        const Type* const type = catalogue.find(entry.path().stem().extension().string().substr(1));
-        std::ifstream file(entry.path());
-        const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-        if (!type) throw std::runtime_error("no type for " + entry.path().string());
-        inspect::Object object = inspect::fromJson(*type, inspect::parseJson(text));
-        Bytes message(longestMessage);
-        message.resize(runPass(Mode::encode, type->routine, object.data(), message).length);
-        writeBoth(folder, "sample-" + entry.path().stem().string(), *type, message);
+    try {
+        const fs::path project = words[2];
+        Seeds seeds(words[1]);
+        writeEveryType(seeds);
+        writeSamples(seeds, project / "samples");
+        writeInterfaces(seeds, project / "types", "types");
+        writeInterfaces(seeds, project / "tests", "tests");
+        std::printf("%zu seeds\n", seeds.written());
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "fuzz_seeds: %s\n", error.what());
+        return 1;
     }
 }

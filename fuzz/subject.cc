@@ -1,4 +1,4 @@
-// The properties, and the types behind the inputs.
+// The properties, and the types that inputs select.
 
 #include "subject.h"
 
@@ -21,12 +21,12 @@ extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*call
 
 namespace quorva::fuzz {
 
-using test::exhaustedTrace;
+using test::deafTrace;
 using test::Watch;
 
 namespace {
 
-void (*onDeath)() = nullptr;
+void (*crashReport)() = nullptr;
 
 struct Keys {
     std::map<std::uint16_t, const Type*> types;
@@ -62,14 +62,14 @@ std::string described(const Outcome& outcome)
     return text + (outcome.encodes ? "" : " and no more");
 }
 
-// Whether bytes came out that the operators filled a block with and that did not come in.
-bool showsUnwritten(std::span<const unsigned char> out, std::span<const unsigned char> in)
+// True if the output has the bytes that the test's allocation operators fill new blocks with, and the input has not.
+bool showsUninitialised(std::span<const unsigned char> out, std::span<const unsigned char> in)
 {
-    const auto holds = [](std::span<const unsigned char> bytes, std::size_t inRow) {
+    const auto contains = [](std::span<const unsigned char> bytes, std::size_t inRow) {
         return std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size())
                    .find("\xA5\xA5\xA5\xA5", 0, inRow) != std::string_view::npos;
     };
-    return holds(out, 4) && !holds(in, 2);
+    return contains(out, 4) && !contains(in, 2);
 }
 
 }  // namespace
@@ -114,28 +114,28 @@ Bytes Input::bytes() const
     return all;
 }
 
-void giveUp(const Finding& finding)
+void abortOn(const Finding& finding)
 {
     std::fprintf(stderr, "FINDING: %s\n", finding.what.c_str());
     std::abort();
 }
 
-void whenDying(void (*report)())
+void onCrash(void (*report)())
 {
     if (__sanitizer_set_death_callback) {
         __sanitizer_set_death_callback(report);
         return;
     }
-    onDeath = report;
+    crashReport = report;
     for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT})
         std::signal(signal, [](int number) {
             std::signal(number, SIG_DFL);
-            onDeath();
+            crashReport();
             std::raise(number);
         });
 }
 
-void leave(const char* file, std::span<const unsigned char> input)
+void keepInput(const char* file, std::span<const unsigned char> input)
 {
     const int handle = ::open(file, O_CREAT | O_TRUNC | O_WRONLY, 0644);
     const auto size = static_cast<ssize_t>(input.size());
@@ -148,12 +148,12 @@ Subject::Subject(const Type& type)
     : described(type), object(new unsigned char[type.size]), arena(new unsigned char[arenaSize])
 {
     if (__sanitizer_set_death_callback) refuseBlocksAbove(std::size_t{1} << 20);
-    exhaustedTrace();
+    deafTrace();
 }
 
 Pass Subject::run(Coding coding, Mode mode, std::span<unsigned char> buffer, long failFrom)
 {
-    TraceText* const sink = coding == Coding::interpreted ? &exhaustedTrace() : nullptr;
+    TraceText* const sink = coding == Coding::interpreted ? &deafTrace() : nullptr;
     const Watch watch(test::Scarcity{.from = failFrom, .largest = largestBlock});
     return runPass(mode, described.routine, object.get(), buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
 }
@@ -170,7 +170,7 @@ void Subject::release(Coding coding)
 std::span<unsigned char> Subject::placed(std::span<const unsigned char> message)
 {
     if (message.size() > arenaSize) message = message.first(arenaSize);
-    const auto place = room(message.size());
+    const auto place = lastBytes(message.size());
     if (!message.empty()) std::memcpy(place.data(), message.data(), message.size());
     return place;
 }
@@ -190,8 +190,8 @@ const Outcome& Subject::decode(Coding coding, std::span<const unsigned char> mes
     outcome.encodes = written.succeeded;
     outcome.left.assign(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(written.length));
     release(coding);
-    if (showsUnwritten(outcome.left, message))
-        throw Finding{std::string(described.name) + ": bytes that nobody wrote: " + fuzz::described(outcome)};
+    if (showsUninitialised(outcome.left, message))
+        throw Finding{std::string(described.name) + ": shows uninitialised memory: " + fuzz::described(outcome)};
     return outcome;
 }
 
@@ -200,12 +200,12 @@ const Outcome& Subject::decodeBothWays(std::span<const unsigned char> message, l
     const Outcome& plain = decode(Coding::plain, message, failFrom);
     const Outcome& interpreted = decode(Coding::interpreted, message, failFrom);
     if (plain != interpreted)
-        throw Finding{std::string(described.name) + ": the ways differ\n  plain:       " + fuzz::described(plain) +
-                      "\n  interpreted: " + fuzz::described(interpreted)};
+        throw Finding{std::string(described.name) + ": interpreter and plain functions differ\n  plain:       " +
+                      fuzz::described(plain) + "\n  interpreted: " + fuzz::described(interpreted)};
     return plain;
 }
 
-bool Subject::comesBack(std::span<const unsigned char> message)
+bool Subject::roundTrips(std::span<const unsigned char> message)
 {
     const Outcome& outcome = decode(Coding::plain, message);
     if (!outcome.succeeded) return false;
@@ -215,7 +215,7 @@ bool Subject::comesBack(std::span<const unsigned char> message)
         throw Finding{std::string(described.name) + ": accepted, but does not encode: " + fuzz::described(first)};
     const Outcome& again = decode(Coding::plain, first.left);
     if (!again.succeeded || again.length != first.left.size() || again.left != first.left)
-        throw Finding{std::string(described.name) + ": comes back changed\n  first: " + fuzz::described(first) +
+        throw Finding{std::string(described.name) + ": the round trip changes it\n  first: " + fuzz::described(first) +
                       "\n  again: " + fuzz::described(again)};
     return true;
 }
@@ -226,14 +226,15 @@ void Subject::encodeInto(std::size_t size, std::span<const unsigned char> messag
     for (const Coding coding : {Coding::plain, Coding::interpreted}) {
         std::memset(object.get(), 0, described.size);
         const Pass read = run(coding, Mode::decode, placed(message));
-        const auto buffer = room(std::min(size, whole.size()));
+        const auto buffer = lastBytes(std::min(size, whole.size()));
         const Pass pass = run(coding, Mode::encode, buffer);
         const bool same =
             pass.length <= buffer.size() &&
             std::equal(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(pass.length), whole.begin());
         release(coding);
         if (!same || (read.succeeded && pass.succeeded != (buffer.size() == whole.size())))
-            throw Finding{std::string(described.name) + ": encodes otherwise into " + std::to_string(size) + " bytes"};
+            throw Finding{std::string(described.name) + ": the bytes differ when it encodes into " +
+                          std::to_string(size) + " bytes"};
     }
 }
 
@@ -245,7 +246,7 @@ void Subject::agreesWithInspector(std::span<const unsigned char> message)
     std::string path;
     bool outOfMemory;
     {
-        TraceText trace;  // allocates under the same watch as the pass, and is gone before anybody counts
+        TraceText trace;  // allocates under the same watch as the pass; ends before blocks are counted
         {
             const Watch watch(test::Scarcity{.largest = largestBlock});
             pass = runPass(Mode::decode, described.routine, object.get(), buffer,
@@ -275,7 +276,7 @@ void Subject::agreesWithInspector(std::span<const unsigned char> message)
             different +=
                 refusal ? "; only the inspector refuses to encode: " + refusal->reason : "; encoding is refused";
     } catch (const inspect::Refusal&) {
-        // Nested deeper than anything that is shown.
+        // Nested deeper than the inspector goes.
     }
     release(Coding::plain);
     if (!different.empty()) throw Finding{std::string(described.name) + ": " + different};
