@@ -17,7 +17,7 @@ namespace quorva::fuzz {
 // `most`. Returns the new size; a longer result is cut to `most`.
 std::size_t mutateMessage(unsigned char* data, std::size_t size, std::size_t most, unsigned seed);
 
-// Mutates a text in the same coding: swaps, repeats or removes tokens, or replaces them by one of the words.
+// Mutates a text in the same way: swaps, repeats or removes tokens, or replaces them by one of the words.
 std::size_t mutateText(unsigned char* data, std::size_t size, std::size_t most, unsigned seed,
                        std::span<const std::string_view> words);
 

@@ -1,8 +1,8 @@
 // The properties that hold for any bytes decoded as any type; and the inputs, which choose the type.
 #pragma once
 
+#include "coding.h"
 #include "memory.h"
-#include "ways.h"
 
 #include <quorvapixdr/codec.h>
 #include <quorvapixdr/description.h>
