@@ -21,7 +21,7 @@ extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*call
 
 namespace quorva::fuzz {
 
-using test::deafTrace;
+using test::exhaustedTrace;
 using test::Watch;
 
 namespace {
@@ -148,12 +148,12 @@ Subject::Subject(const Type& type)
     : described(type), object(new unsigned char[type.size]), arena(new unsigned char[arenaSize])
 {
     if (__sanitizer_set_death_callback) refuseBlocksAbove(std::size_t{1} << 20);
-    deafTrace();
+    exhaustedTrace();
 }
 
 Pass Subject::run(Coding coding, Mode mode, std::span<unsigned char> buffer, long failFrom)
 {
-    TraceText* const sink = coding == Coding::interpreted ? &deafTrace() : nullptr;
+    TraceText* const sink = coding == Coding::interpreted ? &exhaustedTrace() : nullptr;
     const Watch watch(test::Scarcity{.from = failFrom, .largest = largestBlock});
     return runPass(mode, described.routine, object.get(), buffer, [sink](Xdr& xdrs) { xdrs.setTrace(sink); });
 }
