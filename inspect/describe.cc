@@ -79,7 +79,7 @@ std::string caseText(const Type& type, std::int64_t value)
 std::string enumeratorsText(const Type& type)
 {
     Table table("    ");
-    for (const Enumerator& e : enumeratorsOf(type)) table.add({std::to_string(e.value), e.name, oneLine(e.text), ""});
+    for (const Enumerator& e : enumeratorsOf(type)) table.add({std::to_string(e.value), e.name, oneLine(e.text)});
     return "\n  enumerators\n" + table.text();
 }
 
@@ -88,7 +88,7 @@ std::string fieldsText(const Type& type)
     Table table("    ");
     for (const Member& field : type.members) {
         const MemberDocumentation& documentation = documentationOf(type, field);
-        table.add({declaration(field.use, field.name), oneLine(documentation.text), markOf(documentation), ""});
+        table.add({declaration(field.use, field.name), oneLine(documentation.text), markOf(documentation)});
     }
     return "\n  fields\n" + table.text();
 }
@@ -102,7 +102,7 @@ std::string armsText(const Type& type)
             table.add({caseText(type, value), declaration(arm.use, arm.name), oneLine(documentation.text),
                        markOf(documentation)});
     }
-    if (type.hasDefault) table.add({"default", "void", "", ""});
+    if (type.hasDefault) table.add({"default", "void"});
     const Member& discriminant = type.members.front();
     const std::string mark = markOf(documentationOf(type, discriminant));
     return "\n  arms by " + declaration(discriminant.use, discriminant.name) + (mark.empty() ? "" : "  " + mark) +
@@ -247,15 +247,16 @@ std::string summaryText(std::span<const Module* const> modules)
     for (const char* kind : kindNames)
         if (const auto found = ofKind.find(kind); found != ofKind.end())
             kinds += (kinds.empty() ? "" : ", ") + std::to_string(found->second) + ' ' + kind;
-    return "modules         " + std::to_string(modules.size()) + "\n" +               //
-           "types           " + std::to_string(types.size()) + ": " + kinds + "\n" +  //
-           "routines        " + std::to_string(types.size()) + " of these types, " +
-           std::to_string(builtinTypes().size()) + " of built-in types, " + std::to_string(otherPrimitives().size()) +
-           " other primitives\n" +                                      //
-           "name functions  " + std::to_string(nameFunctions) + "\n" +  //
-           "layouts         " + std::to_string(types.size() - provisional) + " settled, " +
-           std::to_string(provisional) + " provisional\n" +  //
-           "members         " + std::to_string(provisionalMembers) + " provisional in settled types\n";
+    const auto number = [](std::size_t value) { return std::to_string(value); };
+    Table table("");
+    table.add({"modules", number(modules.size())});
+    table.add({"types", number(types.size()) + ": " + kinds});
+    table.add({"routines", number(types.size()) + " of these types, " + number(builtinTypes().size()) +
+                               " of built-in types, " + number(otherPrimitives().size()) + " other primitives"});
+    table.add({"name functions", number(nameFunctions)});
+    table.add({"layouts", number(types.size() - provisional) + " settled, " + number(provisional) + " provisional"});
+    table.add({"members", number(provisionalMembers) + " provisional in settled types"});
+    return table.text();
 }
 
 }  // namespace quorva::inspect
