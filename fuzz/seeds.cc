@@ -9,12 +9,13 @@
 #include "inspect/catalogue.h"
 #include "inspect/input.h"
 #include "inspect/json.h"
-#include "inspect/layout.h"
 
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <optional>
+#include <sstream>
 #include <stdexcept>
 
 namespace fs = std::filesystem;
@@ -64,12 +65,19 @@ public:
         write(kind, name, bytesOf(text));
     }
 
-    // A message, and its JSON form if a decode accepts it. `variant` is what Input says of it.
-    void writeMessage(const std::string& name, const Type& type, Bytes message, std::uint8_t variant = 0)
+    void writeMessage(const std::string& name, const Type& type, std::span<const unsigned char> message,
+                      std::uint8_t variant = 0)
     {
         write("messages", name, Input{&type, variant, message}.bytes());
+    }
+
+    // A well-formed message and its JSON form.
+    void writeBothForms(const std::string& name, const Type& type, Bytes message)
+    {
+        writeMessage(name, type, message);
         inspect::Object object(type);
-        if (!runPass(Mode::decode, type.routine, object.data(), message).succeeded) return;
+        if (!runPass(Mode::decode, type.routine, object.data(), message).succeeded)
+            throw std::runtime_error(std::string(type.name) + ": its message is refused");
         const std::string json = inspect::toJson(type, object.data()).dump();
         write("json", name, Input{&type, 0, bytesOf(json)}.bytes());
     }
@@ -81,7 +89,7 @@ private:
     std::size_t count = 0;
 };
 
-// For each type its shortest message, a full one, one for each arm of its first union, and a damaged one.
+// For each type a full message with its JSON, a random one and a damaged one.
 void writeEveryType(Seeds& seeds)
 {
     inspect::Sampler sampler;
@@ -89,10 +97,8 @@ void writeEveryType(Seeds& seeds)
     for (const Type* type : allTypes()) {
         const std::string name = type->name;
         const auto sample = [&](const inspect::Recipe& recipe) { return sampler.sample(*type, recipe); };
-        seeds.writeMessage(name + "-least", *type, sample({inspect::Extent::least, 0, 0}));
-        seeds.writeMessage(name + "-fullest", *type, sample({inspect::Extent::fullest, 0, 200}));
-        for (std::uint64_t seed = 0; seed < std::max<std::size_t>(1, inspect::armsOf(*type).size()); ++seed)
-            seeds.writeMessage(name + '-' + std::to_string(seed), *type, sample({inspect::Extent::random, seed, 160}));
+        seeds.writeBothForms(name + "-fullest", *type, sample({inspect::Extent::fullest, 0, 200}));
+        seeds.writeMessage(name + "-random", *type, sample({inspect::Extent::random, chance.next(), 160}));
         Generated damaged = generate(sampler, *type, chance);
         damage(damaged.message, damaged.control, generate(sampler, *type, chance).message, chance);
         seeds.writeMessage(name + "-damaged", *type, damaged.message, static_cast<std::uint8_t>(chance.next()));
@@ -111,34 +117,59 @@ void writeSamples(Seeds& seeds, const fs::path& samples)
         inspect::Object object = inspect::fromJson(*type, inspect::parseJson(textOf(entry.path())));
         Bytes message(longestMessage);
         message.resize(runPass(Mode::encode, type->routine, object.data(), message).length);
-        seeds.writeMessage("sample-" + name, *type, message);
+        seeds.writeBothForms("sample-" + name, *type, message);
         seeds.writeText("hex_input", name + "-hex", inspect::hexText(message));
         seeds.writeText("hex_input", name + "-digits", inspect::hexDigits(message));
         seeds.writeText("hex_input", name + "-base64", inspect::base64Text(message));
     }
 }
 
-// The interface files of a folder as they are; and where imports make sense only together with other files, the file
-// that all of them flatten to.
+// The parts of a file: the whole of an interface file, and each snippet of a file of compiler cases. In the latter,
+// lines that begin with one of three marks separate the snippets, and lines that begin with ">>" are expected messages.
+std::vector<std::string> partsOf(const std::string& text)
+{
+    std::vector<std::string> parts(1);
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("---- ") || line.starts_with("-- ") || line.starts_with("=== "))
+            parts.emplace_back();
+        else if (!line.starts_with(">>"))
+            parts.back() += line + '\n';
+    }
+    return parts;
+}
+
+// The file that an interface file and its imports flatten to, if they are free of errors.
+std::optional<std::string> flattened(const fs::path& file, const fs::path& folder)
+{
+    compiler::Diagnostics errors;
+    std::vector<std::string> unreadable;
+    compiler::Program program =
+        compiler::readProgram({file.string()}, compiler::SearchPath({folder.string()}), errors, unreadable);
+    compiler::resolve(program, errors);
+    compiler::check(program, errors);
+    if (errors.count() > 0 || !unreadable.empty()) return std::nullopt;
+    return compiler::flatten(program);
+}
+
+// The interface files and compiler cases of a folder. The driver has no file to import, so that a file with imports is
+// also written in its flattened form.
 void writeInterfaces(Seeds& seeds, const fs::path& folder, const std::string& prefix)
 {
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        if (entry.path().extension() != ".x" || entry.file_size() > longestInterface) continue;
+        const std::string extension = entry.path().extension().string();
+        if (extension != ".x" && extension != ".case" && extension != ".cases") continue;
         std::string name = prefix + '-' + fs::relative(entry.path(), folder).string();
         std::ranges::replace(name, '/', '-');
+        std::size_t number = 0;
+        const auto write = [&](const std::string& text) {
+            if (text.size() <= longestInterface)
+                seeds.writeText("interface", name + '-' + std::to_string(number++), text);
+        };
         const std::string text = textOf(entry.path());
-        seeds.writeText("interface", name, text);
-        if (!text.starts_with("import ") && text.find("\nimport ") == text.npos) continue;
-
-        compiler::Diagnostics errors;
-        std::vector<std::string> unreadable;
-        compiler::Program program =
-            compiler::readProgram({entry.path().string()}, compiler::SearchPath({folder.string()}), errors, unreadable);
-        compiler::resolve(program, errors);
-        compiler::check(program, errors);
-        if (errors.count() > 0 || !unreadable.empty()) continue;
-        const std::string flat = compiler::flatten(program);
-        if (flat.size() <= longestInterface) seeds.writeText("interface", name + "-flat", flat);
+        for (const std::string& part : partsOf(text)) write(part);
+        if (extension != ".x" || text.find("import ") == text.npos) continue;
+        if (const auto flat = flattened(entry.path(), folder)) write(*flat);
     }
 }
 
