@@ -10,6 +10,7 @@
 // and encoding a valid message follow after tabs. Text in parentheses reports blocks that a release leaves, writes
 // beyond an object or a buffer, and a pass that differs with a trace.
 
+#include "memory.h"
 #include "table.h"
 
 #include <Xdr.h>
@@ -19,7 +20,6 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
-#include <new>
 #include <span>
 #include <string>
 #include <vector>
@@ -27,48 +27,7 @@
 extern "C" __attribute__((weak)) int peerRecode(unsigned index, const unsigned char* message, unsigned length,
                                                 unsigned char* out, unsigned room, unsigned* consumed);
 
-// ---- Memory: blocks are counted and filled ----
-
-static long live = 0;
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    void* const block = std::malloc(size ? size : 1);
-    if (!block) return nullptr;
-    ++live;
-    return size < 1u << 20 ? std::memset(block, 0xA5, size) : block;
-}
-void* operator new(std::size_t size)
-{
-    if (void* const block = operator new(size, std::nothrow)) return block;
-    throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept
-{
-    if (block) --live;
-    std::free(block);
-}
-void* operator new[](std::size_t size)
-{
-    return operator new(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t& none) noexcept
-{
-    return operator new(size, none);
-}
-void operator delete[](void* block) noexcept
-{
-    operator delete(block);
-}
-void operator delete(void* block, std::size_t) noexcept
-{
-    operator delete(block);
-}
-void operator delete[](void* block, std::size_t) noexcept
-{
-    operator delete(block);
-}
-
+using namespace quorva::test;
 using random_interfaces::Entry;
 using random_interfaces::table;
 
@@ -116,10 +75,9 @@ struct Pass {
     std::size_t length;
 };
 
-// Runs passes, all without a trace or all with one. Here and below, a string that grows has a block from the start, so
-// that it does not change the number of blocks.
+// Runs passes, all without a trace or all with one.
 struct Runner {
-    explicit Runner(bool isTraced) : traced(isTraced) { traces.reserve(100); }
+    explicit Runner(bool isTraced) : traced(isTraced) {}
 
     Pass run(Mode mode, const Entry& type, Block& object, std::span<unsigned char> buffer)
     {
@@ -130,7 +88,11 @@ struct Runner {
             xdrs.setTrace(&trace);
             xdrs.addOpenTag(type.name);
         }
-        const bool succeeded = type.routine(&xdrs, object.storage) != 0;
+        bool succeeded;
+        {
+            const Watch watch;
+            succeeded = type.routine(&xdrs, object.storage) != 0;
+        }
         if (traced && succeeded && mode != Mode::release) {
             trace.close(type.name);
             traces.append("\t").append(trace.text());
@@ -145,9 +107,8 @@ struct Runner {
 std::string outcome(const Entry& type, const std::vector<unsigned char>& message, Runner& runner)
 {
     std::string line;
-    line.reserve(100);
     const auto add = [&](auto number) { (line += ' ') += std::to_string(number); };
-    const long before = live;
+    const long before = liveBlocks();
     Block object(type.size);
     Block wire(message.size());
     if (!message.empty()) std::memcpy(wire.storage, message.data(), message.size());
@@ -171,7 +132,8 @@ std::string outcome(const Entry& type, const std::vector<unsigned char>& message
     }
     runner.run(Mode::release, type, object, {});
     if (!object.isIntact()) line += " (something writes beyond the object)";
-    if (live != before) line += " (release leaves " + std::to_string(live - before) + " blocks)";
+    if (liveBlocks() != before) line += " (release leaves " + std::to_string(liveBlocks() - before) + " blocks)";
+    if (mismatchedReleases() != 0) line += " (a block is released in another form than it was allocated)";
     return line;
 }
 

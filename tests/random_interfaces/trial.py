@@ -16,6 +16,7 @@ import wire
 
 HERE = pathlib.Path(__file__).resolve().parent
 SOURCE = HERE.parents[1]
+SUPPORT = SOURCE / "tests/support"
 WARNINGS = "-std=c++20 -O0 -Wall -Wextra -Wpedantic -Wconversion -Werror".split()
 SHOWN = 4     # lines of a finding's details; all of them are in findings.txt
 WIDTH = 300   # of these lines
@@ -253,8 +254,9 @@ class Trial:
             *self.generated.headers, '#include "table.h"', "namespace random_interfaces {", "const Entry table[] = {",
             *entries, "    {nullptr, nullptr, 0},", "};", "}"]))
         self.compile(compiler, "a unit", ["-c", "-fvisibility=hidden"], files, objects)
-        linked = [*objects.glob("*.o"), self.given.work / "driver.o", *(self.peer() if self.hasPeer() else []),
-                  *self.given.library, *[f"-Wl,-rpath,{os.path.dirname(each)}" for each in self.given.library]]
+        linked = [*objects.glob("*.o"), self.given.work / "driver.o", self.given.work / "memory.o",
+                  *(self.peer() if self.hasPeer() else []), *self.given.library,
+                  *[f"-Wl,-rpath,{os.path.dirname(each)}" for each in self.given.library]]
         program = self.made / "program"
         command([compiler, *self.given.flags, "-o", program, *linked, *["-ltirpc"] * self.hasPeer()],
                 check=f"linking with {compiler} fails")
@@ -349,5 +351,6 @@ def prepare(given):
         for compiler in given.compilers:
             out = f"{prelude}.{compiler}.pch" if "clang" in compiler else f"{prelude}.gch"
             command([compiler, *flags, "-x", "c++-header", prelude, "-o", out], check="the prelude does not compile")
-    command([given.compilers[0], *flags, *[f"-I{each}" for each in given.include], "-c", HERE / "driver.cc", "-o",
-             given.work / "driver.o"], check="the driver does not compile")
+    folders = [*given.include, SUPPORT]
+    command([given.compilers[0], *flags, *[f"-I{each}" for each in folders], "-c", HERE / "driver.cc",
+             SUPPORT / "memory.cc"], given.work, "the driver does not compile")
