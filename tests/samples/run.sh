@@ -1,6 +1,6 @@
 #!/bin/sh
-# Runs the inspector over each sample <name>.<Type>.json: run.sh QUORVAXDR SAMPLES_DIR. A sample must fit in a message of
-# 1024 bytes, come back unchanged, and have a trace. The inspector must refuse the samples in folders named `refused`.
+# Runs the inspector over each sample <name>.<Type>.json: run.sh QUORVAXDR SAMPLES_DIR. A sample must fit in a message
+# of 1024 bytes, come back unchanged, and have a trace. The inspector must refuse samples in folders named `refused`.
 [ $# -eq 2 ] || { echo "usage: run.sh QUORVAXDR SAMPLES_DIR" >&2; exit 2; }
 case $1 in /*) inspector=$1 ;; *) inspector=$PWD/$1 ;; esac
 cd "$2" || exit 2
