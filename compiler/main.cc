@@ -195,7 +195,7 @@ std::string nameOf(Verb verb)
 
 class ArgumentReader {
 public:
-    explicit ArgumentReader(const std::vector<std::string>& words) : words_(words) {}
+    explicit ArgumentReader(const std::vector<std::string>& given) : words(given) {}
 
     Arguments read();
 
@@ -204,35 +204,35 @@ private:
     std::string valueOf(std::string_view name);
     void complete() const;
 
-    const std::vector<std::string>& words_;
-    std::size_t at_ = 1;  // after the verb
-    Arguments read_;
+    const std::vector<std::string>& words;
+    std::size_t next = 1;  // after the verb
+    Arguments result;
 };
 
 std::string ArgumentReader::valueOf(std::string_view name)
 {
-    if (at_ == words_.size()) throw UsageError{"'" + std::string(name) + "' lacks its value"};
-    return words_[at_++];
+    if (next == words.size()) throw UsageError{"'" + std::string(name) + "' lacks its value"};
+    return words[next++];
 }
 
 void ArgumentReader::option(const std::string& word)
 {
     if (word.starts_with("-I")) {
-        read_.folders.push_back(word.size() > 2 ? word.substr(2) : valueOf("-I"));
+        result.folders.push_back(word.size() > 2 ? word.substr(2) : valueOf("-I"));
         return;
     }
     const auto equals = word.find('=');
     const std::string name = word == "-h" ? "--help" : word.substr(0, equals);
     const auto known = std::find_if(options.begin(), options.end(), [&](const Option& o) {
-        return o.name == name && (!o.verb || *o.verb == read_.verb);
+        return o.name == name && (!o.verb || *o.verb == result.verb);
     });
-    if (known == options.end()) throw UsageError{"'" + nameOf(read_.verb) + "' knows no option " + inQuotes(name)};
+    if (known == options.end()) throw UsageError{"'" + nameOf(result.verb) + "' knows no option " + inQuotes(name)};
     if (known->flag) {
         if (equals != std::string::npos) throw UsageError{inQuotes(name) + " takes no value"};
-        read_.*known->flag = true;
+        result.*known->flag = true;
         return;
     }
-    std::string& place = read_.*known->text;
+    std::string& place = result.*known->text;
     if (!place.empty()) throw UsageError{inQuotes(name) + " is given twice"};
     place = equals != std::string::npos ? word.substr(equals + 1) : valueOf(name);
     if (place.empty()) throw UsageError{inQuotes(name) + " has an empty value"};
@@ -240,22 +240,22 @@ void ArgumentReader::option(const std::string& word)
 
 void ArgumentReader::complete() const
 {
-    const std::string verb = inQuotes(nameOf(read_.verb));
-    if (read_.verb == Verb::generate && read_.out.empty()) throw UsageError{verb + " needs '--out DIR'"};
-    if (read_.depfile.empty() != read_.target.empty()) {
-        throw UsageError{read_.target.empty() ? "'--depfile' needs '--target NAME'"
-                                              : "'--target' needs '--depfile FILE'"};
+    const std::string verb = inQuotes(nameOf(result.verb));
+    if (result.verb == Verb::generate && result.out.empty()) throw UsageError{verb + " needs '--out DIR'"};
+    if (result.depfile.empty() != result.target.empty()) {
+        throw UsageError{result.target.empty() ? "'--depfile' needs '--target NAME'"
+                                               : "'--target' needs '--depfile FILE'"};
     }
-    if (read_.files.empty()) throw UsageError{verb + " needs an interface file"};
-    if (read_.verb == Verb::compare && read_.files.size() != 2) throw UsageError{verb + " needs OLD and NEW"};
-    for (const std::string& file : read_.files) {
+    if (result.files.empty()) throw UsageError{verb + " needs an interface file"};
+    if (result.verb == Verb::compare && result.files.size() != 2) throw UsageError{verb + " needs OLD and NEW"};
+    for (const std::string& file : result.files) {
         std::error_code ignored;
-        if (read_.verb == Verb::compare && fs::is_directory(file, ignored)) continue;
+        if (result.verb == Verb::compare && fs::is_directory(file, ignored)) continue;
         if (fs::path(file).extension() != ".x") {
             throw UsageError{inQuotes(file) + " is no interface file: its name does not end in '.x'"};
         }
     }
-    for (const std::string& folder : read_.folders) {
+    for (const std::string& folder : result.folders) {
         std::error_code failed;
         if (!fs::is_directory(folder, failed)) {
             throw UsageError{"'-I " + folder + "': " + (failed ? failed.message() : "it is no folder")};
@@ -263,35 +263,35 @@ void ArgumentReader::complete() const
     }
     const auto startsName = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
     const auto continuesName = [&](char c) { return startsName(c) || (c >= '0' && c <= '9') || c == '_'; };
-    if (!read_.prefix.empty() &&
-        (!startsName(read_.prefix[0]) || !std::all_of(read_.prefix.begin(), read_.prefix.end(), continuesName))) {
-        throw UsageError{"the prefix " + inQuotes(read_.prefix) +
+    if (!result.prefix.empty() &&
+        (!startsName(result.prefix[0]) || !std::all_of(result.prefix.begin(), result.prefix.end(), continuesName))) {
+        throw UsageError{"the prefix " + inQuotes(result.prefix) +
                          " cannot begin a name: it is made of a letter, then letters, digits and '_'"};
     }
 }
 
 Arguments ArgumentReader::read()
 {
-    const auto verb = verbOf(words_[0]);
+    const auto verb = verbOf(words[0]);
     if (!verb) {
         std::string known;
         for (const auto& [name, ignored] : verbs) known += (known.empty() ? "" : ", ") + inQuotes(name);
-        throw UsageError{inQuotes(words_[0]) + " is no command; there are " + known};
+        throw UsageError{inQuotes(words[0]) + " is no command; there are " + known};
     }
-    read_.verb = *verb;
+    result.verb = *verb;
     bool onlyFiles = false;
-    while (at_ < words_.size()) {
-        const std::string& word = words_[at_++];
+    while (next < words.size()) {
+        const std::string& word = words[next++];
         if (!onlyFiles && word == "--") {
             onlyFiles = true;
         } else if (!onlyFiles && word.size() > 1 && word[0] == '-') {
             option(word);
         } else {
-            read_.files.push_back(word);
+            result.files.push_back(word);
         }
     }
-    if (!read_.help) complete();
-    return read_;
+    if (!result.help) complete();
+    return result;
 }
 
 void printHelp(Verb verb)

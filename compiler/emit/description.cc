@@ -57,12 +57,12 @@ std::string arrayOf(const std::string& type, const std::string& name, const std:
 
 class DescriptionPrinter {
 public:
-    explicit DescriptionPrinter(const Module& module) : plans_(module) {}
+    explicit DescriptionPrinter(const Module& module) : plans(module) {}
 
     // The description that a declaration refers to.
     std::string typeOf(const TypeRef& type)
     {
-        if (type.definition && plans_.isForeign(*type.definition)) return "::quorva::foreign::" + type.definition->name;
+        if (type.definition && plans.isForeign(*type.definition)) return "::quorva::foreign::" + type.definition->name;
         return "::quorva::types::" + type.name;
     }
 
@@ -122,7 +122,7 @@ public:
         for (const Definition* definition : typesOf(module))
             for (const Declaration* declaration : declarationsOf(*definition)) {
                 const Definition* used = declaration->type.definition;
-                if (used && plans_.isForeign(*used) && std::ranges::find(out, used) == out.end()) out.push_back(used);
+                if (used && plans.isForeign(*used) && std::ranges::find(out, used) == out.end()) out.push_back(used);
             }
         return out;
     }
@@ -150,7 +150,7 @@ private:
         return names[static_cast<int>(canonicalType(definition.target.type).builtin)];
     }
 
-    Plans plans_;
+    Plans plans;
 };
 
 // ---- Documentation -------------------------------------------------------------------------------------------------

@@ -4,6 +4,7 @@
 #include "names.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quorva::compiler {
 
@@ -50,9 +51,9 @@ void codeFields(FunctionBody& out, const std::string& verb, Plans& plans, const 
 // Emits what the bodies of encode() and decode() share. In a body, `at` points to the next byte of the message.
 class CodingEmitter {
 public:
-    // `stream` is the parameter of the function, `function` encode or decode, and `verb` put or get.
-    CodingEmitter(Plans& plans, const std::string& stream, const std::string& function, const std::string& verb)
-        : plans_(plans), stream_(stream), function_(function), verb_(verb)
+    // The names of the stream parameter, of the function (encode or decode), and of the verb (put or get).
+    CodingEmitter(Plans& typePlans, std::string streamName, std::string functionName, std::string verbName)
+        : plans(typePlans), stream(std::move(streamName)), function(std::move(functionName)), verb(std::move(verbName))
     {
     }
     virtual ~CodingEmitter() = default;
@@ -64,7 +65,7 @@ public:
         if (definition.kind == DefinitionKind::discriminatedUnion)
             unionContents(out, definition);
         else if (isCountedStruct(definition))
-            last(out, plans_.valuePlan(definition.target), {"value", &definition});
+            last(out, plans.valuePlan(definition.target), {"value", &definition});
         else
             structContents(out, definition);
         return out.text();
@@ -74,11 +75,11 @@ protected:
     // An expression that lets the interpreter code the object from the operand's member on.
     std::string rest(const Operand& operand) const
     {
-        return stream_ + ".rest(at, &value, " + description(*operand.owner) + ", " + number(operand.member) + ")";
+        return stream + ".rest(at, &value, " + description(*operand.owner) + ", " + number(operand.member) + ")";
     }
     void restIf(FunctionBody& out, const std::string& condition, const Operand& operand) const
     {
-        out.line("if (" + stream_ + "." + condition + ") return " + rest(operand) + ";");
+        out.line("if (" + stream + "." + condition + ") return " + rest(operand) + ";");
     }
     // Sets `at` to `next`, and returns `otherwise` from the generated function if that is null.
     static void advance(FunctionBody& out, const std::string& next, const std::string& otherwise = "nullptr")
@@ -90,13 +91,13 @@ protected:
     void fixedElements(FunctionBody& out, const ValuePlan& element, const Operand& operand) const
     {
         if (element.fillsUnit) {
-            out.line("quorva::" + verb_ + "Units(at, " + operand.expression + ".elements, " + operand.expression +
+            out.line("quorva::" + verb + "Units(at, " + operand.expression + ".elements, " + operand.expression +
                      ".count);");
             out.line("at += 4 * std::size_t{" + operand.expression + ".count};");
             return;
         }
         out.open("for (auto& each : " + elementsOf(operand) + ")");
-        codeFixed(out, verb_, element, "each", "at", 1);
+        codeFixed(out, verb, element, "each", "at", 1);
         out.line("at += " + number(element.size) + ";");
         out.close();
     }
@@ -111,13 +112,13 @@ protected:
     // An expression that codes the value and returns the byte after it, or null on failure.
     std::string next(const ValuePlan& plan, const std::string& object) const
     {
-        const std::string head = stream_ + ".";
+        const std::string head = stream + ".";
         const std::string value = "(at, " + object + ", ";
         switch (plan.coding) {
         case Coding::foreign: return head + "foreign" + value + "Xdr" + plan.type->name + ")";
         case Coding::string: return head + "string" + value + number(plan.bound) + ")";
         case Coding::variableOpaque: return head + "opaque" + value + number(plan.bound) + ")";
-        default: return "quorva::plain::" + function_ + "(" + stream_ + ", at, " + object + ")";
+        default: return "quorva::plain::" + function + "(" + stream + ", at, " + object + ")";
         }
     }
 
@@ -135,7 +136,7 @@ protected:
         case Coding::variableArray: return array(out, plan, operand);
         case Coding::optional: return optional(out, plan, operand);
         case Coding::interpreted:
-            return advance(out, stream_ + ".member(at, &value, " + description(*operand.owner) + ", " +
+            return advance(out, stream + ".member(at, &value, " + description(*operand.owner) + ", " +
                                     number(operand.member) + ")");
         default: return advance(out, next(plan, operand.expression));
         }
@@ -146,7 +147,7 @@ private:
     void fixedMembers(FunctionBody& out, const Definition& structure, const Run& run)
     {
         restIf(out, "lacks(at, " + number(run.size) + ")", {"", &structure, run.first});
-        codeFields(out, verb_, plans_, structure, run.first, run.count);
+        codeFields(out, verb, plans, structure, run.first, run.count);
     }
 
     static void voidArms(FunctionBody& out, const Definition& definition)
@@ -172,7 +173,7 @@ private:
 
     void structContents(FunctionBody& out, const Definition& definition)
     {
-        for (const Run& run : plans_.runsOf(definition)) {
+        for (const Run& run : plans.runsOf(definition)) {
             const bool isLast = run.first + run.count == definition.fields.size();
             if (run.size != 0) {
                 fixedMembers(out, definition, run);
@@ -182,9 +183,9 @@ private:
             const Declaration& field = definition.fields[run.first];
             const Operand operand = {"value." + field.name, &definition, run.first};
             if (isLast)
-                last(out, plans_.valuePlan(field), operand);
+                last(out, plans.valuePlan(field), operand);
             else
-                varying(out, plans_.valuePlan(field), operand, 0);
+                varying(out, plans.valuePlan(field), operand, 0);
         }
     }
 
@@ -194,20 +195,20 @@ private:
     {
         const std::vector<ArmMember> arms = armMembersOf(definition);
         const bool hasUnits = std::any_of(arms.begin(), arms.end(), [&](const ArmMember& arm) {
-            return plans_.valuePlan(*arm.declaration).size == 4;
+            return plans.valuePlan(*arm.declaration).size == 4;
         });
         const std::string discriminant = "value." + definition.discriminant.name;
         restIf(out, std::string("lacks(at, ") + (hasUnits ? "8" : "4") + ")", {"", &definition, 0});
-        out.line("quorva::" + verb_ + "(at, " + discriminant + ");");
+        out.line("quorva::" + verb + "(at, " + discriminant + ");");
         out.line("at += 4;");
         out.open("switch (" + switchOn(definition, discriminant) + ")");
         for (const ArmMember& arm : arms) {
             const Operand at = {"value." + arm.declaration->name, &definition, armIndex(definition, *arm.declaration)};
-            const ValuePlan plan = plans_.valuePlan(*arm.declaration);
+            const ValuePlan plan = plans.valuePlan(*arm.declaration);
             FunctionBody statements(2);
             if (plan.size != 0) {
                 if (plan.size != 4) restIf(statements, "lacks(at, " + number(plan.size) + ")", at);
-                codeFixed(statements, verb_, plan, at.expression, "at");
+                codeFixed(statements, verb, plan, at.expression, "at");
                 statements.line("return at + " + number(plan.size) + ";");
             } else {
                 last(statements, plan, at);
@@ -220,15 +221,15 @@ private:
         if (!definition.defaultArm) out.line("return " + refusal(discriminant) + ";");
     }
 
-    Plans& plans_;
-    const std::string stream_;
-    const std::string function_;
-    const std::string verb_;
+    Plans& plans;
+    const std::string stream;
+    const std::string function;
+    const std::string verb;
 };
 
 class EncodeEmitter : public CodingEmitter {
 public:
-    explicit EncodeEmitter(Plans& plans) : CodingEmitter(plans, "out", "encode", "put") {}
+    explicit EncodeEmitter(Plans& typePlans) : CodingEmitter(typePlans, "out", "encode", "put") {}
 
 private:
     std::string refusal(const std::string&) const override { return "out.refuse(at)"; }
@@ -267,7 +268,7 @@ private:
 
 class DecodeEmitter : public CodingEmitter {
 public:
-    explicit DecodeEmitter(Plans& plans) : CodingEmitter(plans, "in", "decode", "get") {}
+    explicit DecodeEmitter(Plans& typePlans) : CodingEmitter(typePlans, "in", "decode", "get") {}
 
 private:
     std::string refusal(const std::string& discriminant) const override

@@ -11,31 +11,31 @@ namespace quorva::compiler {
 
 void FunctionBody::line(const std::string& text)
 {
-    text_ += std::string(depth_ * indentWidth, ' ') + text + "\n";
+    lines += std::string(level * indentWidth, ' ') + text + "\n";
 }
 
 void FunctionBody::open(const std::string& head)
 {
-    blocks_.push_back({text_.size(), head});
+    blocks.push_back({lines.size(), head});
     line(head + " {");
-    ++depth_;
+    ++level;
 }
 
 void FunctionBody::close()
 {
-    --depth_;
-    const auto [from, head] = blocks_.back();
-    blocks_.pop_back();
-    const std::size_t contents = text_.find('\n', from) + 1;
+    --level;
+    const auto [from, head] = blocks.back();
+    blocks.pop_back();
+    const std::size_t contents = lines.find('\n', from) + 1;
     if (!head.starts_with("switch") &&
-        std::count(text_.begin() + static_cast<std::ptrdiff_t>(contents), text_.end(), '\n') == 1) {
-        const std::string statement = text_.substr(contents);
-        text_.resize(from);
+        std::count(lines.begin() + static_cast<std::ptrdiff_t>(contents), lines.end(), '\n') == 1) {
+        const std::string statement = lines.substr(contents);
+        lines.resize(from);
         const std::size_t blanks = statement.find_first_not_of(' ');
         if (blanks + head.size() + statement.size() - blanks <= lineWidth)
             line(head + " " + statement.substr(blanks, statement.size() - blanks - 1));
         else
-            text_ += std::string(depth_ * indentWidth, ' ') + head + "\n" + statement;
+            lines += std::string(level * indentWidth, ' ') + head + "\n" + statement;
         return;
     }
     line("}");
@@ -43,18 +43,18 @@ void FunctionBody::close()
 
 void FunctionBody::label(const std::string& text)
 {
-    --depth_;
+    --level;
     line(text);
-    ++depth_;
+    ++level;
 }
 
 std::string FunctionBody::asLine() const
 {
     std::string out;
-    for (std::size_t at = 0; at < text_.size();) {
-        const std::size_t end = text_.find('\n', at);
-        at = text_.find_first_not_of(' ', at);
-        out += ' ' + text_.substr(at, end - at);
+    for (std::size_t at = 0; at < lines.size();) {
+        const std::size_t end = lines.find('\n', at);
+        at = lines.find_first_not_of(' ', at);
+        out += ' ' + lines.substr(at, end - at);
         at = end + 1;
     }
     return out;

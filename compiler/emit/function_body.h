@@ -15,7 +15,7 @@ namespace quorva::compiler {
 class FunctionBody {
 public:
     // `depth` counts levels of indentation.
-    explicit FunctionBody(std::size_t depth = 1) : depth_(depth) {}
+    explicit FunctionBody(std::size_t depth = 1) : level(depth) {}
 
     void line(const std::string& text);
 
@@ -27,10 +27,10 @@ public:
     void label(const std::string& text);
 
     // Appends lines that are indented already.
-    void add(const std::string& lines) { text_ += lines; }
+    void add(const std::string& indented) { lines += indented; }
 
-    std::size_t depth() const { return depth_; }
-    const std::string& text() const { return text_; }
+    std::size_t depth() const { return level; }
+    const std::string& text() const { return lines; }
 
     // The statements on one line, each preceded by a blank.
     std::string asLine() const;
@@ -41,9 +41,9 @@ private:
         std::string head;
     };
 
-    std::string text_;
-    std::size_t depth_;
-    std::vector<Block> blocks_;  // the open ones
+    std::string lines;
+    std::size_t level;
+    std::vector<Block> blocks;  // the open ones
 };
 
 // A value that generated code works on, and the member to which it belongs: the interpreter resumes there if the plain

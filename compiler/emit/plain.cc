@@ -43,13 +43,13 @@ std::string wireType(Builtin builtin)
 // Emits definitions, and remembers which are emitted already.
 class PlainPrinter {
 public:
-    explicit PlainPrinter(const PlainOptions& options) : prefix_(options.prefix) {}
+    explicit PlainPrinter(const PlainOptions& options) : prefix(options.prefix) {}
 
     std::string module(const Module& module);
 
 private:
     // Types, enumerators and constants share one name space in C.
-    std::string global(const std::string& name) const { return spelled(prefix_ + name); }
+    std::string global(const std::string& name) const { return spelled(prefix + name); }
 
     std::string type(const Declaration& declaration, const Definition& user) const;
     std::string bound(const Declaration& declaration) const;
@@ -62,8 +62,8 @@ private:
     std::string typeDefinition(const Definition& definition) const;
     std::string definition(const Definition& definition) const;
 
-    std::string prefix_;
-    std::unordered_set<const Definition*> printed_;
+    std::string prefix;
+    std::unordered_set<const Definition*> printed;
 };
 
 // A type that is not emitted yet is part of a cycle with the user. There, and for an array of the user's own type, C
@@ -74,7 +74,7 @@ std::string PlainPrinter::type(const Declaration& declaration, const Definition&
     if (!used) return wireType(declaration.type.builtin);
     const bool isStructure =
         used->kind == DefinitionKind::structure || used->kind == DefinitionKind::discriminatedUnion;
-    const bool isAhead = used == &user ? declaration.form == Form::variableArray : !printed_.contains(used);
+    const bool isAhead = used == &user ? declaration.form == Form::variableArray : !printed.contains(used);
     return (isAhead && isStructure ? "struct " : "") + global(used->name);
 }
 
@@ -179,7 +179,7 @@ std::string PlainPrinter::module(const Module& module)
     for (const Definition* each : constantsOf(module)) parts.push_back(definition(*each));
     for (const Definition* each : declarationOrder(typesOf(module))) {
         parts.push_back(definition(*each));
-        printed_.insert(each);
+        printed.insert(each);
     }
     return sections(parts);
 }

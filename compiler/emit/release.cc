@@ -10,7 +10,7 @@ namespace {
 
 class ReleaseEmitter {
 public:
-    explicit ReleaseEmitter(Plans& plans) : plans_(plans) {}
+    explicit ReleaseEmitter(Plans& typePlans) : plans(typePlans) {}
 
     // The statements that release the object `value` and return true, or false if the release is refused.
     std::string body(const Definition& definition)
@@ -20,10 +20,10 @@ public:
             arms(out, definition);
         } else {
             if (isCountedStruct(definition)) {
-                release(out, plans_.valuePlan(definition.target), {"value", &definition, 0}, 0);
+                release(out, plans.valuePlan(definition.target), {"value", &definition, 0}, 0);
             } else {
                 for (std::size_t i = 0; i < definition.fields.size(); ++i)
-                    release(out, plans_.valuePlan(definition.fields[i]),
+                    release(out, plans.valuePlan(definition.fields[i]),
                             {"value." + definition.fields[i].name, &definition, i}, 0);
             }
             out.line("return true;");
@@ -116,7 +116,7 @@ private:
         out.open("switch (" + switchOn(definition, discriminant) + ")");
         std::vector<const Value*> unowned;
         for (const ArmMember& arm : armMembersOf(definition)) {
-            const ValuePlan plan = plans_.valuePlan(*arm.declaration);
+            const ValuePlan plan = plans.valuePlan(*arm.declaration);
             if (!plan.owns) {
                 unowned.insert(unowned.end(), arm.cases.begin(), arm.cases.end());
                 continue;
@@ -145,7 +145,7 @@ private:
         if (!definition.defaultArm) out.line("return false;");
     }
 
-    Plans& plans_;
+    Plans& plans;
 };
 
 }  // namespace

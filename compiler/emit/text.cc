@@ -241,7 +241,7 @@ std::string sections(const std::vector<std::string>& parts)
 void Paragraphs::add(const BodyLine& line)
 {
     if (placed(line, 0).above.empty())
-        group_.push_back(line);
+        group.push_back(line);
     else
         add(body({line}, 0));
 }
@@ -249,19 +249,19 @@ void Paragraphs::add(const BodyLine& line)
 void Paragraphs::add(const std::string& text)
 {
     endGroup();
-    parts_.push_back(text);
+    parts.push_back(text);
 }
 
 std::string Paragraphs::text()
 {
     endGroup();
-    return sections(parts_);
+    return sections(parts);
 }
 
 void Paragraphs::endGroup()
 {
-    if (!group_.empty()) parts_.push_back(body(group_, 0));
-    group_.clear();
+    if (!group.empty()) parts.push_back(body(group, 0));
+    group.clear();
 }
 
 }  // namespace quorva::compiler

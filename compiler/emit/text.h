@@ -62,8 +62,8 @@ public:
 private:
     void endGroup();
 
-    std::vector<BodyLine> group_;  // definitions of one line, not yet in parts_
-    std::vector<std::string> parts_;
+    std::vector<BodyLine> group;  // definitions of one line, not yet in parts
+    std::vector<std::string> parts;
 };
 
 }  // namespace quorva::compiler

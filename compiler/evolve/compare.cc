@@ -53,20 +53,21 @@ std::string typeText(const Declaration& declaration)
 
 void Comparison::add(Impact impact, const Span& before, const Span& after, std::string sentence)
 {
-    findings_.push_back({impact, before, after, std::move(sentence)});
+    findings.push_back({impact, before, after, std::move(sentence)});
 }
 
 void Comparison::change(Impact impact, const Span& before, const Span& after, const std::string& what)
 {
     std::string holders;
     if (impact != Impact::addition) {
-        if (!holders_) holders_ = before_.holdersOf(*oldDefinition_);
-        const bool isMore = *holders_ == InterfaceIndex::mostHolders;
-        if (*holders_ == 1) holders = " (1 type holds it)";
-        if (*holders_ > 1) holders = (isMore ? " (at least " : " (") + std::to_string(*holders_) + " types hold it)";
+        if (!holderCount) holderCount = oldIndex.holdersOf(*oldDefinition);
+        const bool isMore = *holderCount == InterfaceIndex::mostHolders;
+        if (*holderCount == 1) holders = " (1 type holds it)";
+        if (*holderCount > 1)
+            holders = (isMore ? " (at least " : " (") + std::to_string(*holderCount) + " types hold it)";
     }
-    add(oldDefinition_->provisional ? Impact::provisional : impact, before, after,
-        withKeyword(*oldDefinition_) + ": " + what + holders);
+    add(oldDefinition->provisional ? Impact::provisional : impact, before, after,
+        withKeyword(*oldDefinition) + ": " + what + holders);
 }
 
 void Comparison::change(Impact impact, const Declaration& before, const Span& after, const std::string& what)
@@ -76,7 +77,7 @@ void Comparison::change(Impact impact, const Declaration& before, const Span& af
 
 void Comparison::mark(const std::string& subject, const Declaration& before, const Declaration& after, bool isChanged)
 {
-    if (oldDefinition_->provisional || newDefinition_->provisional) return;
+    if (oldDefinition->provisional || newDefinition->provisional) return;
     if (before.provisional && !after.provisional && !isChanged) {
         change(Impact::provisional, before, after.at, subject + " is settled as it was");
     } else if (!before.provisional && after.provisional) {
@@ -86,19 +87,19 @@ void Comparison::mark(const std::string& subject, const Declaration& before, con
 
 void Comparison::modules()
 {
-    if (!before_.knowsModules() || !after_.knowsModules()) return;
+    if (!oldIndex.knowsModules() || !newIndex.knowsModules()) return;
     const auto isOpen = [](const Definition* definition) { return definition->provisional.has_value(); };
-    for (const auto& [name, definitions] : before_.contents()) {
-        if (after_.contents().contains(name)) continue;
+    for (const auto& [name, definitions] : oldIndex.contents()) {
+        if (newIndex.contents().contains(name)) continue;
         const bool open = !definitions.empty() && std::all_of(definitions.begin(), definitions.end(), isOpen);
-        add(open ? Impact::provisional : Impact::source, before_.startOf(name), {},
+        add(open ? Impact::provisional : Impact::source, oldIndex.startOf(name), {},
             "module " + inQuotes(name) + " is gone, and with it its header");
     }
-    for (const auto& [name, definitions] : after_.contents()) {
-        if (before_.contents().contains(name)) continue;
+    for (const auto& [name, definitions] : newIndex.contents()) {
+        if (oldIndex.contents().contains(name)) continue;
         const auto count = std::count_if(definitions.begin(), definitions.end(),
-                                         [&](const Definition* each) { return !pairs_.isPaired(each); });
-        add(Impact::addition, {}, after_.startOf(name),
+                                         [&](const Definition* each) { return !pairs.isPaired(each); });
+        add(Impact::addition, {}, newIndex.startOf(name),
             "module " + inQuotes(name) + ", new definitions in it: " + std::to_string(count));
     }
 }
@@ -111,7 +112,7 @@ void Comparison::removed(const Definition& before)
 void Comparison::added(const Definition& after)
 {
     const bool isInNewModule =
-        after_.knowsModules() && before_.knowsModules() && !before_.contents().contains(after_.moduleOf(after));
+        newIndex.knowsModules() && oldIndex.knowsModules() && !oldIndex.contents().contains(newIndex.moduleOf(after));
     if (!isInNewModule) add(Impact::addition, {}, after.at, withKeyword(after));
 }
 
@@ -122,25 +123,25 @@ void Comparison::nameAndModule(const Definition& before, const Definition& after
         change(Impact::source, before.at, after.at,
                "is named " + inQuotes(after.name) + (inTrace ? ", in the trace, too" : ""));
     }
-    if (!before_.knowsModules() || !after_.knowsModules()) return;
-    const std::string& from = before_.moduleOf(before);
-    const std::string& to = after_.moduleOf(after);
-    if (from == to || after_.reaches(from, to)) return;
+    if (!oldIndex.knowsModules() || !newIndex.knowsModules()) return;
+    const std::string& from = oldIndex.moduleOf(before);
+    const std::string& to = newIndex.moduleOf(after);
+    if (from == to || newIndex.reaches(from, to)) return;
     change(Impact::source, before.at, after.at,
            "moved from module " + inQuotes(from) + " to " + inQuotes(to) + ", which the former does not import");
 }
 
 void Comparison::definition(const Definition& before, const Definition& after)
 {
-    oldDefinition_ = &before;
-    newDefinition_ = &after;
-    holders_.reset();
+    oldDefinition = &before;
+    newDefinition = &after;
+    holderCount.reset();
     nameAndModule(before, after);
-    const std::size_t first = findings_.size();
+    const std::size_t first = findings.size();
     content(before, after);
     if (before.provisional && !after.provisional) {
-        const bool same = findings_.size() == first;
-        findings_.erase(findings_.begin() + static_cast<std::ptrdiff_t>(first), findings_.end());
+        const bool same = findings.size() == first;
+        findings.erase(findings.begin() + static_cast<std::ptrdiff_t>(first), findings.end());
         change(Impact::provisional, before.at, after.at,
                same ? "the provisional layout is settled as it was"
                     : "the provisional layout is replaced by a settled one");
@@ -173,17 +174,17 @@ void Comparison::content(const Definition& before, const Definition& after)
     const auto declarationOf = [](const Definition& definition) {
         return definition.kind == DefinitionKind::typeDefinition ? definition.target : singleOf(definition);
     };
-    const bool wire = !aliased || types_.difference(declarationOf(before), declarationOf(after)).wire;
+    const bool wire = !aliased || types.difference(declarationOf(before), declarationOf(after)).wire;
     change(wire ? Impact::wire : Impact::source, before.at, after.at, what);
 }
 
 void Comparison::type(const std::string& subject, const Declaration& before, const Declaration& after)
 {
-    const Difference found = types_.difference(before, after);
+    const Difference found = types.difference(before, after);
     mark(subject, before, after, found.any());
     if (!found.any()) return;
     const bool onlyMaximum = before.form == after.form && hasMaximum(before.form) && before.bound != after.bound &&
-                             !types_.difference(singleOf(before.type), singleOf(after.type)).any();
+                             !types.difference(singleOf(before.type), singleOf(after.type)).any();
     const std::string what =
         onlyMaximum ? "the maximum" + (subject.empty() ? "" : " of " + subject) + " was " +
                           std::to_string(before.bound) + ", is " + std::to_string(after.bound)
@@ -194,21 +195,21 @@ void Comparison::type(const std::string& subject, const Declaration& before, con
 std::vector<Finding> Comparison::run()
 {
     modules();
-    for (const auto& [module, definitions] : before_.contents()) {
+    for (const auto& [module, definitions] : oldIndex.contents()) {
         for (const Definition* before : definitions) {
-            if (const Definition* after = pairs_.of(before)) {
+            if (const Definition* after = pairs.of(before)) {
                 definition(*before, *after);
             } else {
                 removed(*before);
             }
         }
     }
-    for (const auto& [module, definitions] : after_.contents()) {
+    for (const auto& [module, definitions] : newIndex.contents()) {
         for (const Definition* after : definitions) {
-            if (!pairs_.isPaired(after)) added(*after);
+            if (!pairs.isPaired(after)) added(*after);
         }
     }
-    return std::move(findings_);
+    return std::move(findings);
 }
 
 std::size_t compare(const InterfaceVersion& before, const InterfaceVersion& after, std::ostream& out)

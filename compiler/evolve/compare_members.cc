@@ -115,17 +115,17 @@ void Comparison::replacedFields(const std::vector<const Declaration*>& before,
 {
     if (before.size() != after.size()) {
         for (const Declaration* field : before) {
-            change(Impact::wire, *field, newDefinition_->at, "field " + inQuotes(field->name) + " is gone");
+            change(Impact::wire, *field, newDefinition->at, "field " + inQuotes(field->name) + " is gone");
         }
         for (const Declaration* field : after) {
-            change(Impact::wire, oldDefinition_->at, field->at, "field " + inQuotes(field->name) + " is new");
+            change(Impact::wire, oldDefinition->at, field->at, "field " + inQuotes(field->name) + " is new");
         }
         return;
     }
     for (std::size_t at = 0; at < before.size(); ++at) {
         const Declaration& was = *before[at];
         const Declaration& is = *after[at];
-        const Difference found = types_.difference(was, is);
+        const Difference found = types.difference(was, is);
         if (found.wire) {
             change(impactOf(found), was, is.at,
                    "field " + inQuotes(was.name) + " of type " + typeText(was) + " gave way to " + inQuotes(is.name) +
@@ -223,10 +223,10 @@ void Comparison::enumeration(const Definition& before, const Definition& after)
 void Comparison::removedArm(const ArmCase& before)
 {
     const std::string what = armText(*before.value, *before.declaration) + " is gone";
-    if (newDefinition_->defaultArm && before.declaration->form == Form::none) {
-        change(Impact::trace, *before.declaration, newDefinition_->at, what + "; its value shows as 'default'");
+    if (newDefinition->defaultArm && before.declaration->form == Form::none) {
+        change(Impact::trace, *before.declaration, newDefinition->at, what + "; its value shows as 'default'");
     } else {
-        change(Impact::wire, *before.declaration, newDefinition_->at, what);
+        change(Impact::wire, *before.declaration, newDefinition->at, what);
     }
 }
 
@@ -234,14 +234,14 @@ void Comparison::removedArm(const ArmCase& before)
 void Comparison::addedArm(const ArmCase& after)
 {
     const std::string what = armText(*after.value, *after.declaration) + " is new";
-    if (!oldDefinition_->defaultArm) {
-        change(Impact::addition, oldDefinition_->at, after.declaration->at, what);
-    } else if (oldDefinition_->defaultArm->declaration.provisional) {
-        change(Impact::provisional, oldDefinition_->at, after.declaration->at, what);
+    if (!oldDefinition->defaultArm) {
+        change(Impact::addition, oldDefinition->at, after.declaration->at, what);
+    } else if (oldDefinition->defaultArm->declaration.provisional) {
+        change(Impact::provisional, oldDefinition->at, after.declaration->at, what);
     } else if (after.declaration->form == Form::none) {
-        change(Impact::trace, oldDefinition_->at, after.declaration->at, what + "; its value showed as 'default'");
+        change(Impact::trace, oldDefinition->at, after.declaration->at, what + "; its value showed as 'default'");
     } else {
-        change(Impact::wire, oldDefinition_->at, after.declaration->at,
+        change(Impact::wire, oldDefinition->at, after.declaration->at,
                what + "; its value carried nothing, as 'default'");
     }
 }
@@ -255,7 +255,7 @@ void Comparison::arm(const ArmCase& before, const ArmCase& after)
         type(what, was, is);
         return;
     }
-    const Difference found = types_.difference(was, is);
+    const Difference found = types.difference(was, is);
     if (found.wire) {
         change(impactOf(found), was, is.at,
                what + " of type " + typeText(was) + " gave way to " + inQuotes(is.name) + " of type " + typeText(is));
@@ -307,7 +307,7 @@ void Comparison::arms(const Definition& before, const Definition& after)
     std::vector<ArmCase> otherNumber;
     for (const ArmCase& was : otherName) {
         const auto moved = was.declaration->form == Form::none ? left.end() : withName(was);
-        if (moved == left.end() || types_.difference(*was.declaration, *moved->second.declaration).wire) {
+        if (moved == left.end() || types.difference(*was.declaration, *moved->second.declaration).wire) {
             otherNumber.push_back(was);
             continue;
         }

@@ -17,10 +17,10 @@ namespace quorva::compiler {
 class Comparison {
 public:
     Comparison(const InterfaceVersion& before, const InterfaceVersion& after)
-        : before_(before.program, before.isFolder),
-          after_(after.program, after.isFolder),
-          pairs_(before_, after_),
-          types_(pairs_)
+        : oldIndex(before.program, before.isFolder),
+          newIndex(after.program, after.isFolder),
+          pairs(oldIndex, newIndex),
+          types(pairs)
     {
     }
 
@@ -72,14 +72,14 @@ private:
     void removedArm(const ArmCase& before);
     void addedArm(const ArmCase& after);
 
-    InterfaceIndex before_;
-    InterfaceIndex after_;
-    Pairs pairs_;
-    TypeComparison types_;
-    std::vector<Finding> findings_;
-    const Definition* oldDefinition_ = nullptr;  // the pair under comparison
-    const Definition* newDefinition_ = nullptr;
-    std::optional<std::size_t> holders_;  // of oldDefinition_, once counted
+    InterfaceIndex oldIndex;
+    InterfaceIndex newIndex;
+    Pairs pairs;
+    TypeComparison types;
+    std::vector<Finding> findings;
+    const Definition* oldDefinition = nullptr;  // the pair under comparison
+    const Definition* newDefinition = nullptr;
+    std::optional<std::size_t> holderCount;  // of oldDefinition, once counted
 };
 
 // The impact of a difference between types.

@@ -40,12 +40,12 @@ public:
         return *this;
     }
 
-    std::uint64_t value() const { return value_; }
+    std::uint64_t value() const { return state; }
 
 private:
-    void addByte(unsigned char byte) { value_ = (value_ ^ byte) * 0x100000001B3U; }
+    void addByte(unsigned char byte) { state = (state ^ byte) * 0x100000001B3U; }
 
-    std::uint64_t value_ = 0xCBF29CE484222325U;
+    std::uint64_t state = 0xCBF29CE484222325U;
 };
 
 // What one unit of the type holds on the wire.
@@ -103,16 +103,16 @@ private:
     static void addFields(Hash& hash, View view, const Definition& record, const Hashes& previous);
     static void addArms(Hash& hash, View view, const Definition& discriminated, const Hashes& previous);
 
-    std::vector<const Definition*> types_;
+    std::vector<const Definition*> types;
 };
 
 Fingerprints::Fingerprints(const Program& program)
 {
     for (const auto& module : program.modules) {
-        const std::vector<const Definition*> types = typesOf(*module);
-        types_.insert(types_.end(), types.begin(), types.end());
+        const std::vector<const Definition*> added = typesOf(*module);
+        types.insert(types.end(), added.begin(), added.end());
     }
-    std::sort(types_.begin(), types_.end(), [](const auto* a, const auto* b) { return a->name < b->name; });
+    std::sort(types.begin(), types.end(), [](const auto* a, const auto* b) { return a->name < b->name; });
 }
 
 std::uint64_t Fingerprints::ofType(View view, const TypeRef& type, const Hashes& previous)
@@ -197,7 +197,7 @@ std::uint64_t Fingerprints::ofDefinition(View view, const Definition& definition
 Fingerprints::Hashes Fingerprints::hashesOf(View view) const
 {
     Hashes hashes;
-    for (const Definition* type : types_) hashes[type] = 0;
+    for (const Definition* type : types) hashes[type] = 0;
     for (int level = 0; level < levels; ++level) {
         const Hashes previous = hashes;
         for (auto& [type, hash] : hashes) hash = ofDefinition(view, *type, previous);
@@ -217,7 +217,7 @@ std::string Fingerprints::lines() const
     std::vector<Hashes> hashes;
     for (const View view : views) hashes.push_back(hashesOf(view));
     std::string out;
-    for (const Definition* type : types_) {
+    for (const Definition* type : types) {
         if (type->provisional) continue;
         out += type->name;
         for (const Hashes& each : hashes) out += " " + hexadecimal(each.at(type));

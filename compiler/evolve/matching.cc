@@ -84,18 +84,18 @@ std::set<std::int64_t> valuesOf(const Definition& enumeration)
 
 }  // namespace
 
-InterfaceIndex::InterfaceIndex(const Program& program, bool isFolder)
-    : program_(program), contents_(definitionsByModule(program))
+InterfaceIndex::InterfaceIndex(const Program& indexed, bool isFolder)
+    : program(indexed), byModule(definitionsByModule(indexed))
 {
-    const auto& modules = program_.modules;
-    knowsModules_ = isFolder || std::any_of(modules.begin(), modules.end(),
-                                            [](const auto& module) { return isFlattened(module->source); });
-    for (const auto& [name, definitions] : contents_) {
+    const auto& modules = program.modules;
+    hasModules = isFolder || std::any_of(modules.begin(), modules.end(),
+                                         [](const auto& module) { return isFlattened(module->source); });
+    for (const auto& [name, definitions] : byModule) {
         for (const Definition* definition : definitions) {
-            byName_.emplace(definition->name, definition);
-            modules_.emplace(definition, &name);
+            byName.emplace(definition->name, definition);
+            moduleNames.emplace(definition, &name);
             for (const Declaration* declaration : declarationsOf(*definition)) {
-                if (declaration->type.definition) users_[declaration->type.definition].push_back(definition);
+                if (declaration->type.definition) usersOf[declaration->type.definition].push_back(definition);
             }
         }
     }
@@ -103,15 +103,15 @@ InterfaceIndex::InterfaceIndex(const Program& program, bool isFolder)
 
 const Definition* InterfaceIndex::find(const std::string& name) const
 {
-    const auto found = byName_.find(name);
-    return found == byName_.end() ? nullptr : found->second;
+    const auto found = byName.find(name);
+    return found == byName.end() ? nullptr : found->second;
 }
 
 Span InterfaceIndex::startOf(const std::string& module) const
 {
-    const auto found = contents_.find(module);
-    if (found != contents_.end() && !found->second.empty()) return found->second.front()->at;
-    for (const auto& each : program_.modules) {
+    const auto found = byModule.find(module);
+    if (found != byModule.end() && !found->second.empty()) return found->second.front()->at;
+    for (const auto& each : program.modules) {
         if (each->source.module == module || isFlattened(each->source)) return {&each->source, 1, 1, 1};
     }
     return {};
@@ -119,7 +119,7 @@ Span InterfaceIndex::startOf(const std::string& module) const
 
 bool InterfaceIndex::reaches(const std::string& from, const std::string& to) const
 {
-    for (const auto& module : program_.modules) {
+    for (const auto& module : program.modules) {
         if (module->source.module != from) continue;
         for (const Module* reached : importClosure(*module))
             if (reached->source.module == to) return true;
@@ -132,9 +132,9 @@ std::size_t InterfaceIndex::holdersOf(const Definition& type) const
     std::unordered_set<const Definition*> seen = {&type};
     std::vector<const Definition*> waiting = {&type};
     while (!waiting.empty() && seen.size() <= mostHolders) {
-        const auto users = users_.find(waiting.back());
+        const auto users = usersOf.find(waiting.back());
         waiting.pop_back();
-        if (users == users_.end()) continue;
+        if (users == usersOf.end()) continue;
         for (const Definition* user : users->second) {
             if (seen.insert(user).second) waiting.push_back(user);
         }
@@ -156,14 +156,14 @@ Pairs::Pairs(const InterfaceIndex& before, const InterfaceIndex& after)
 
 const Definition* Pairs::of(const Definition* before) const
 {
-    const auto found = pairs_.find(before);
-    return found == pairs_.end() ? nullptr : found->second;
+    const auto found = partners.find(before);
+    return found == partners.end() ? nullptr : found->second;
 }
 
 void Pairs::pair(const Definition& before, const Definition& after)
 {
-    pairs_.emplace(&before, &after);
-    paired_.insert(&after);
+    partners.emplace(&before, &after);
+    paired.insert(&after);
 }
 
 std::string Pairs::typeName(const TypeRef& type, const Definition& within, bool isBefore) const
@@ -243,7 +243,7 @@ Declaration singleOf(const Definition& definition)
 
 bool TypeComparison::isSame(const TypeRef& before, const TypeRef& after) const
 {
-    return before.builtin == after.builtin && pairs_.of(before.definition) == after.definition &&
+    return before.builtin == after.builtin && pairs.of(before.definition) == after.definition &&
            (before.definition == nullptr) == (after.definition == nullptr);
 }
 
@@ -285,7 +285,7 @@ Difference TypeComparison::declared(Declaration before, Declaration after, Pendi
             found.wire = true;
             return found;
         }
-        if (pairs_.of(was.counted) != is.counted || (was.counted == nullptr) != (is.counted == nullptr)) {
+        if (pairs.of(was.counted) != is.counted || (was.counted == nullptr) != (is.counted == nullptr)) {
             found.source = true;
         }
         switch (was.form) {

@@ -18,18 +18,18 @@ namespace quorva::compiler {
 class InterfaceIndex {
 public:
     // `isFolder` tells that the program consists of all files below a folder.
-    InterfaceIndex(const Program& program, bool isFolder);
+    InterfaceIndex(const Program& indexed, bool isFolder);
 
-    const DefinitionsByModule& contents() const { return contents_; }
+    const DefinitionsByModule& contents() const { return byModule; }
 
     // The definition of that name, or null.
     const Definition* find(const std::string& name) const;
 
     // True if the names of modules belong to the interface: the files are below a folder, or flattened.
-    bool knowsModules() const { return knowsModules_; }
+    bool knowsModules() const { return hasModules; }
 
     // The module of one of the program's definitions.
-    const std::string& moduleOf(const Definition& definition) const { return *modules_.at(&definition); }
+    const std::string& moduleOf(const Definition& definition) const { return *moduleNames.at(&definition); }
 
     // The start of the module; a span without a source if the program has no such module.
     Span startOf(const std::string& module) const;
@@ -42,12 +42,12 @@ public:
     std::size_t holdersOf(const Definition& type) const;
 
 private:
-    const Program& program_;
-    DefinitionsByModule contents_;
-    bool knowsModules_ = false;
-    std::unordered_map<std::string_view, const Definition*> byName_;
-    std::unordered_map<const Definition*, const std::string*> modules_;
-    std::unordered_map<const Definition*, std::vector<const Definition*>> users_;  // of each type
+    const Program& program;
+    DefinitionsByModule byModule;
+    bool hasModules = false;
+    std::unordered_map<std::string_view, const Definition*> byName;
+    std::unordered_map<const Definition*, const std::string*> moduleNames;
+    std::unordered_map<const Definition*, std::vector<const Definition*>> usersOf;
 };
 
 // Matches each definition of the earlier program with the one of the same name in the later program, or with the one
@@ -60,7 +60,7 @@ public:
     const Definition* of(const Definition* before) const;
 
     // True if the later definition has a partner.
-    bool isPaired(const Definition* after) const { return paired_.contains(after); }
+    bool isPaired(const Definition* after) const { return paired.contains(after); }
 
 private:
     void pair(const Definition& before, const Definition& after);
@@ -68,8 +68,8 @@ private:
     std::string content(const Definition& definition, bool isBefore) const;
     std::string typeName(const TypeRef& type, const Definition& within, bool isBefore) const;
 
-    std::unordered_map<const Definition*, const Definition*> pairs_;
-    std::unordered_set<const Definition*> paired_;  // later definitions
+    std::unordered_map<const Definition*, const Definition*> partners;
+    std::unordered_set<const Definition*> paired;  // later definitions
 };
 
 // What a change from one declared type to another affects.
@@ -90,7 +90,7 @@ Declaration singleOf(const Definition& definition);
 // them is reported at the definition. The pairs must outlive it.
 class TypeComparison {
 public:
-    explicit TypeComparison(const Pairs& pairs) : pairs_(pairs) {}
+    explicit TypeComparison(const Pairs& matched) : pairs(matched) {}
 
     // The difference between two fields, arms or targets of typedefs. Their names are not compared.
     Difference difference(const Declaration& before, const Declaration& after) const;
@@ -105,7 +105,7 @@ private:
     bool haveSameWire(PendingPairs& pending) const;
     bool isSame(const TypeRef& before, const TypeRef& after) const;
 
-    const Pairs& pairs_;
+    const Pairs& pairs;
 };
 
 }  // namespace quorva::compiler

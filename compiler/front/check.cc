@@ -18,7 +18,7 @@ namespace {
 
 class Checker {
 public:
-    explicit Checker(Diagnostics& errors) : errors_(errors) {}
+    explicit Checker(Diagnostics& diagnostics) : errors(diagnostics) {}
 
     void definition(const Definition& definition);
 
@@ -38,8 +38,8 @@ private:
     bool hasNumber(const Definition& enumeration, std::int64_t number);
     void declaration(const Declaration& declaration);
 
-    Diagnostics& errors_;
-    std::unordered_map<const Definition*, Numbers> numbers_;
+    Diagnostics& errors;
+    std::unordered_map<const Definition*, Numbers> numbersOf;
 };
 
 void Checker::definition(const Definition& definition)
@@ -58,29 +58,29 @@ void Checker::constant(const Definition& definition)
     const Value& value = definition.constant;
     if (value.known && (value.number < std::numeric_limits<std::int32_t>::min() ||
                         value.number > std::numeric_limits<std::uint32_t>::max())) {
-        errors_.error(value.at, describe(definition) + " is out of range: the API's numbers have 32 bits");
+        errors.error(value.at, describe(definition) + " is out of range: the API's numbers have 32 bits");
     }
 }
 
 void Checker::enumeration(const Definition& definition)
 {
     if (definition.enumerators.empty() && !definition.hasErrors) {
-        errors_.error(definition.at, describe(definition) + " has no enumerators");
+        errors.error(definition.at, describe(definition) + " has no enumerators");
     }
     std::unordered_map<std::int64_t, const Enumerator*> values;
     for (const Enumerator& enumerator : definition.enumerators) {
         const Value& value = enumerator.value;
         if (!value.known) continue;
         if (value.number < 0) {
-            errors_.error(value.at, "enumerator " + inQuotes(enumerator.name) + " is negative; values begin at 0");
+            errors.error(value.at, "enumerator " + inQuotes(enumerator.name) + " is negative; values begin at 0");
         } else if (value.number > std::numeric_limits<std::int32_t>::max()) {
-            errors_.error(value.at, "enumerator " + inQuotes(enumerator.name) +
-                                        " is out of range: the largest value is 2147483647");
+            errors.error(value.at, "enumerator " + inQuotes(enumerator.name) +
+                                       " is out of range: the largest value is 2147483647");
         } else if (const auto [first, fresh] = values.emplace(value.number, &enumerator); !fresh) {
-            errors_.error(value.at,
-                          "enumerator " + inQuotes(enumerator.name) + " has the value " + std::to_string(value.number) +
-                              ", which " + inQuotes(first->second->name) + " has already; each value has one name",
-                          Note{first->second->value.at, "first used here"});
+            errors.error(value.at,
+                         "enumerator " + inQuotes(enumerator.name) + " has the value " + std::to_string(value.number) +
+                             ", which " + inQuotes(first->second->name) + " has already; each value has one name",
+                         Note{first->second->value.at, "first used here"});
         }
     }
 }
@@ -88,12 +88,12 @@ void Checker::enumeration(const Definition& definition)
 void Checker::structure(const Definition& definition)
 {
     if (definition.fields.empty() && !definition.hasErrors) {
-        errors_.error(definition.at, describe(definition) + " has no fields");
+        errors.error(definition.at, describe(definition) + " has no fields");
     }
     for (const Declaration& field : definition.fields) {
         declaration(field);
         if (field.form == Form::none)
-            errors_.error(field.at, "'void' is for the arms of a union; a struct has no empty fields");
+            errors.error(field.at, "'void' is for the arms of a union; a struct has no empty fields");
     }
 }
 
@@ -101,12 +101,11 @@ void Checker::discriminatedUnion(const Definition& definition)
 {
     discriminant(definition);
     if (definition.arms.empty() && !definition.hasErrors) {
-        errors_.error(definition.at, describe(definition) + " has no 'case'; it needs at least one");
+        errors.error(definition.at, describe(definition) + " has no 'case'; it needs at least one");
     }
     if (definition.defaultArm && definition.defaultArm->declaration.form != Form::none) {
-        errors_.error(
-            definition.defaultArm->declaration.at,
-            "a default arm carries nothing: only 'default: void;' is possible; give every value its own case");
+        errors.error(definition.defaultArm->declaration.at,
+                     "a default arm carries nothing: only 'default: void;' is possible; give every value its own case");
     }
     for (const Arm& arm : definition.arms) declaration(arm.declaration);
     cases(definition);
@@ -126,19 +125,19 @@ void Checker::discriminant(const Definition& definition)
     case Builtin::Integer:
     case Builtin::Natural:
     case Builtin::Float:
-        errors_.error(written.at, inQuotes(written.name) +
-                                      " cannot select an arm; a discriminant is an enumeration, "
-                                      "a 32-bit number or 'bool'");
+        errors.error(written.at, inQuotes(written.name) +
+                                     " cannot select an arm; a discriminant is an enumeration, "
+                                     "a 32-bit number or 'bool'");
         return;
     case Builtin::none: break;
     }
     if (!type.definition || type.definition->kind == DefinitionKind::enumeration) return;
     if (isAlias(*type.definition)) return;  // a cycle, or too many aliases; checkNesting() reports both
-    errors_.error(written.at,
-                  describe(*type.definition) +
-                      " cannot select an arm; a discriminant is an enumeration, "
-                      "a 32-bit number or 'bool'",
-                  Note{type.definition->at, "defined here"});
+    errors.error(written.at,
+                 describe(*type.definition) +
+                     " cannot select an arm; a discriminant is an enumeration, "
+                     "a 32-bit number or 'bool'",
+                 Note{type.definition->at, "defined here"});
 }
 
 void Checker::cases(const Definition& definition)
@@ -150,8 +149,8 @@ void Checker::cases(const Definition& definition)
             caseValue(definition, value);
             if (const auto [first, fresh] = seen.emplace(value.number, &value); !fresh) {
                 const std::string number = value.isName ? " (" + std::to_string(value.number) + ")" : "";
-                errors_.error(value.at, "case " + inQuotes(value.text) + number + " has an arm already",
-                              Note{first->second->at, "the first is here"});
+                errors.error(value.at, "case " + inQuotes(value.text) + number + " has an arm already",
+                             Note{first->second->at, "the first is here"});
             }
         }
     }
@@ -162,13 +161,13 @@ void Checker::caseValue(const Definition& definition, const Value& value)
     const TypeRef& type = canonicalType(definition.discriminant.type);
     const auto outside = [&](std::int64_t least, std::int64_t most) {
         if (value.number < least || value.number > most) {
-            errors_.error(value.at, "case " + inQuotes(value.text) + " is out of range: the discriminant " +
-                                        inQuotes(definition.discriminant.name) + " holds " + std::to_string(least) +
-                                        " to " + std::to_string(most));
+            errors.error(value.at, "case " + inQuotes(value.text) + " is out of range: the discriminant " +
+                                       inQuotes(definition.discriminant.name) + " holds " + std::to_string(least) +
+                                       " to " + std::to_string(most));
         }
     };
     if (type.builtin == Builtin::Boolean && value.number != 0 && value.number != 1) {
-        errors_.error(value.at, "case " + inQuotes(value.text) + " is neither TRUE nor FALSE");
+        errors.error(value.at, "case " + inQuotes(value.text) + " is neither TRUE nor FALSE");
     }
     if (type.builtin == Builtin::LongInteger) {
         outside(std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max());
@@ -180,7 +179,7 @@ void Checker::caseValue(const Definition& definition, const Value& value)
     const Definition& enumeration = *type.definition;
     if (value.owner == &enumeration) return;
     if (!hasNumber(enumeration, value.number)) {
-        errors_.error(
+        errors.error(
             value.at,
             "no enumerator of " + inQuotes(enumeration.name) + " has the value " + std::to_string(value.number),
             Note{enumeration.at, inQuotes(enumeration.name) + " is defined here"});
@@ -190,7 +189,7 @@ void Checker::caseValue(const Definition& definition, const Value& value)
 // True if an enumerator has the number, or may have it because its own number could not be resolved.
 bool Checker::hasNumber(const Definition& enumeration, std::int64_t number)
 {
-    const auto [entry, isNew] = numbers_.try_emplace(&enumeration);
+    const auto [entry, isNew] = numbersOf.try_emplace(&enumeration);
     Numbers& numbers = entry->second;
     if (isNew) {
         for (const Enumerator& each : enumeration.enumerators) {
@@ -209,13 +208,13 @@ void Checker::declaration(const Declaration& declaration)
     const std::string number =
         inQuotes(written.text) + (written.isName ? " (" + std::to_string(written.number) + ")" : "");
     if (written.number < 0) {
-        errors_.error(written.at, number + " is negative, and nothing can be counted with it");
+        errors.error(written.at, number + " is negative, and nothing can be counted with it");
     } else if (fixed && written.number == 0) {
-        errors_.error(written.at, declaration.form == Form::fixedOpaque
-                                      ? "no bytes at all: 'opaque' with '[ ]' needs 1 or more"
-                                      : "a vector of no elements; give it 1 or more");
+        errors.error(written.at, declaration.form == Form::fixedOpaque
+                                     ? "no bytes at all: 'opaque' with '[ ]' needs 1 or more"
+                                     : "a vector of no elements; give it 1 or more");
     } else if (written.number > mostElements) {
-        errors_.error(written.at, number + " is too large: counts in memory have 16 bits, so the most is 65535");
+        errors.error(written.at, number + " is too large: counts in memory have 16 bits, so the most is 65535");
     }
 }
 

@@ -19,7 +19,7 @@ bool isSameType(const Declaration& a, const Declaration& b)
 
 class NameChecker {
 public:
-    explicit NameChecker(Diagnostics& errors) : errors_(errors) {}
+    explicit NameChecker(Diagnostics& diagnostics) : errors(diagnostics) {}
 
     std::vector<const Definition*> run(const Program& program);
 
@@ -47,10 +47,10 @@ private:
     bool isFree(const std::string& name, const Span& at, NameScope scope);
     static std::string describeOwner(const Owner& owner);
 
-    Diagnostics& errors_;
-    std::unordered_map<std::string, Owner> globals_;           // names in the global scope of the generated code
-    std::unordered_map<std::string_view, Owner> enumerators_;  // of all enumerations
-    std::vector<const Definition*> unique_;                    // without those that repeat a name
+    Diagnostics& errors;
+    std::unordered_map<std::string, Owner> globals;              // names in the global scope of the generated code
+    std::unordered_map<std::string_view, Owner> allEnumerators;  // of all enumerations
+    std::vector<const Definition*> unique;                       // without those that repeat a name
 };
 
 void NameChecker::moduleName(const Module& module)
@@ -60,8 +60,8 @@ void NameChecker::moduleName(const Module& module)
         return !(c >= 'a' && c <= 'z') && !(c >= 'A' && c <= 'Z') && !(c >= '0' && c <= '9') && c != '_' && c != '/';
     });
     if (isMalformed) {
-        errors_.error({&module.source, 1, 1, 1}, "a module's name is made of letters, digits and '_', which " +
-                                                     inQuotes(name) + " is not; rename this file");
+        errors.error({&module.source, 1, 1, 1}, "a module's name is made of letters, digits and '_', which " +
+                                                    inQuotes(name) + " is not; rename this file");
     }
 }
 
@@ -69,7 +69,7 @@ bool NameChecker::isFree(const std::string& name, const Span& at, NameScope scop
 {
     const std::string_view reason = reservedBecause(name, scope);
     if (reason.empty()) return true;
-    errors_.error(at, inQuotes(name) + " " + std::string(reason) + "; choose another name");
+    errors.error(at, inQuotes(name) + " " + std::string(reason) + "; choose another name");
     return false;
 }
 
@@ -85,19 +85,19 @@ std::string NameChecker::describeOwner(const Owner& owner)
 
 void NameChecker::claim(const std::string& name, const Owner& owner)
 {
-    const auto [first, isNew] = globals_.emplace(name, owner);
+    const auto [first, isNew] = globals.emplace(name, owner);
     if (isNew) return;
-    errors_.error(owner.at,
-                  inQuotes(name) + " would be the name of two things, of " + describeOwner(owner) + " and of " +
-                      describeOwner(first->second) + "; rename one of them",
-                  Note{first->second.at, describeOwner(first->second) + " comes from here"});
+    errors.error(owner.at,
+                 inQuotes(name) + " would be the name of two things, of " + describeOwner(owner) + " and of " +
+                     describeOwner(first->second) + "; rename one of them",
+                 Note{first->second.at, describeOwner(first->second) + " comes from here"});
 }
 
 void NameChecker::claimDerived(const std::string& name, const Owner& owner)
 {
     if (const std::string_view reason = reservedBecause(name, NameScope::global); !reason.empty()) {
-        errors_.error(owner.at, describeOwner(owner) + " would be " + inQuotes(name) + ", which " +
-                                    std::string(reason) + "; choose another name");
+        errors.error(owner.at, describeOwner(owner) + " would be " + inQuotes(name) + ", which " + std::string(reason) +
+                                   "; choose another name");
         return;
     }
     claim(name, owner);
@@ -105,14 +105,14 @@ void NameChecker::claimDerived(const std::string& name, const Owner& owner)
 
 void NameChecker::definition(const Definition& definition)
 {
-    const auto known = globals_.find(definition.name);
-    if (known != globals_.end() && known->second.role == Role::itself) {
-        errors_.error(definition.at,
-                      inQuotes(definition.name) + " is defined twice; remove or rename one of the definitions",
-                      Note{known->second.at, "first defined here"});
+    const auto known = globals.find(definition.name);
+    if (known != globals.end() && known->second.role == Role::itself) {
+        errors.error(definition.at,
+                     inQuotes(definition.name) + " is defined twice; remove or rename one of the definitions",
+                     Note{known->second.at, "first defined here"});
         return;
     }
-    unique_.push_back(&definition);
+    unique.push_back(&definition);
     claim(definition.name, {&definition, Role::itself, definition.at});
     if (!isFree(definition.name, definition.at, NameScope::global) || definition.kind == DefinitionKind::constant)
         return;
@@ -128,19 +128,19 @@ void NameChecker::enumerators(const Definition& enumeration)
         isFree(enumerator.name, enumerator.at, NameScope::inner);
         const std::string name = "enumerator " + inQuotes(enumerator.name);
         const auto [first, isNew] =
-            enumerators_.emplace(enumerator.name, Owner{&enumeration, Role::itself, enumerator.at});
+            allEnumerators.emplace(enumerator.name, Owner{&enumeration, Role::itself, enumerator.at});
         if (!isNew) {
-            errors_.error(enumerator.at,
-                          name + " stands in " + describe(*first->second.definition) +
-                              " already; all enumerators share one scope, so rename one",
-                          Note{first->second.at, "first defined here"});
+            errors.error(enumerator.at,
+                         name + " stands in " + describe(*first->second.definition) +
+                             " already; all enumerators share one scope, so rename one",
+                         Note{first->second.at, "first defined here"});
             continue;
         }
-        const auto global = globals_.find(enumerator.name);
-        if (global != globals_.end() && global->second.role == Role::itself) {
-            errors_.error(enumerator.at,
-                          name + " has the name of " + describe(*global->second.definition) + "; rename one",
-                          Note{global->second.at, "defined here"});
+        const auto global = globals.find(enumerator.name);
+        if (global != globals.end() && global->second.role == Role::itself) {
+            errors.error(enumerator.at,
+                         name + " has the name of " + describe(*global->second.definition) + "; rename one",
+                         Note{global->second.at, "defined here"});
         }
     }
 }
@@ -152,8 +152,8 @@ void NameChecker::fields(const Definition& definition)
         if (field.form == Form::none) continue;
         isFree(field.name, field.at, NameScope::inner);
         if (const auto [first, isNew] = names.emplace(field.name, &field); !isNew) {
-            errors_.error(field.at, describe(definition) + " has two fields " + inQuotes(field.name) + "; rename one",
-                          Note{first->second->at, "the first is here"});
+            errors.error(field.at, describe(definition) + " has two fields " + inQuotes(field.name) + "; rename one",
+                         Note{first->second->at, "the first is here"});
         }
     }
 }
@@ -169,23 +169,23 @@ void NameChecker::arms(const Definition& definition)
         if (held.form == Form::none) continue;
         isFree(held.name, held.at, NameScope::inner);
         if (held.name == discriminant.name) {
-            errors_.error(held.at, "arm " + inQuotes(held.name) + " has the name of the discriminant; rename one",
-                          Note{discriminant.at, "the discriminant is here"});
+            errors.error(held.at, "arm " + inQuotes(held.name) + " has the name of the discriminant; rename one",
+                         Note{discriminant.at, "the discriminant is here"});
             continue;
         }
         if (held.name == definition.name) {
-            errors_.error(held.at,
-                          "arm " + inQuotes(held.name) +
-                              " has the name of its union, which C++ keeps for a constructor; rename one",
-                          Note{definition.at, "the union is here"});
+            errors.error(held.at,
+                         "arm " + inQuotes(held.name) +
+                             " has the name of its union, which C++ keeps for a constructor; rename one",
+                         Note{definition.at, "the union is here"});
             continue;
         }
         const auto [first, isNew] = names.emplace(held.name, &held);
         if (!isNew && !isSameType(held, *first->second)) {
-            errors_.error(held.at,
-                          describe(definition) + " has two arms " + inQuotes(held.name) +
-                              " with different types; rename one, or give both the same type",
-                          Note{first->second->at, "the first is here"});
+            errors.error(held.at,
+                         describe(definition) + " has two arms " + inQuotes(held.name) +
+                             " with different types; rename one, or give both the same type",
+                         Note{first->second->at, "the first is here"});
         }
     }
 }
@@ -196,12 +196,12 @@ std::vector<const Definition*> NameChecker::run(const Program& program)
         moduleName(*module);
         for (const auto& each : module->definitions) definition(*each);
     }
-    for (const Definition* definition : unique_) {
+    for (const Definition* definition : unique) {
         enumerators(*definition);
         fields(*definition);
         if (definition->kind == DefinitionKind::discriminatedUnion) arms(*definition);
     }
-    return std::move(unique_);
+    return std::move(unique);
 }
 
 }  // namespace

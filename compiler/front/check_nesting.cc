@@ -29,26 +29,26 @@ public:
     // True if the definition contains the type of the declaration, which is one of its members.
     using IsEdge = bool (*)(const Definition&, const Declaration&);
 
-    TypeGraph(const std::vector<const Definition*>& types, IsEdge isEdge);
+    TypeGraph(const std::vector<const Definition*>& definitions, IsEdge isEdge);
 
     // Calls `report` with each cycle until `errors` is full. Returns true if there is no cycle.
     bool isAcyclic(const Diagnostics& errors, const std::function<void(const Cycle&)>& report);
 
     // The nodes, each after the nodes that it has edges to. Call isAcyclic() first.
-    const std::vector<std::size_t>& order() const { return order_; }
+    const std::vector<std::size_t>& order() const { return sorted; }
 
-    const Definition& type(std::size_t node) const { return *types_[node]; }
-    const std::vector<std::size_t>& edges(std::size_t node) const { return edges_[node]; }
+    const Definition& type(std::size_t node) const { return *types[node]; }
+    const std::vector<std::size_t>& edges(std::size_t node) const { return successors[node]; }
 
 private:
-    const std::vector<const Definition*>& types_;
-    std::vector<std::vector<std::size_t>> edges_;
-    std::vector<std::vector<const Declaration*>> declarations_;  // of the edges
-    std::vector<std::size_t> order_;
+    const std::vector<const Definition*>& types;
+    std::vector<std::vector<std::size_t>> successors;
+    std::vector<std::vector<const Declaration*>> edgeDeclarations;
+    std::vector<std::size_t> sorted;
 };
 
-TypeGraph::TypeGraph(const std::vector<const Definition*>& types, IsEdge isEdge)
-    : types_(types), edges_(types.size()), declarations_(types.size())
+TypeGraph::TypeGraph(const std::vector<const Definition*>& definitions, IsEdge isEdge)
+    : types(definitions), successors(definitions.size()), edgeDeclarations(definitions.size())
 {
     std::unordered_map<const Definition*, std::size_t> nodes;
     for (std::size_t node = 0; node < types.size(); ++node) nodes.emplace(types[node], node);
@@ -58,8 +58,8 @@ TypeGraph::TypeGraph(const std::vector<const Definition*>& types, IsEdge isEdge)
         const auto add = [&](const Declaration& declaration) {
             const auto to = nodes.find(declaration.type.definition);
             if (to == nodes.end() || !isEdge(*types[from], declaration) || !known.insert(to->second).second) return;
-            edges_[from].push_back(to->second);
-            declarations_[from].push_back(&declaration);
+            successors[from].push_back(to->second);
+            edgeDeclarations[from].push_back(&declaration);
         };
         for (const Declaration& field : types[from]->fields) add(field);
         if (types[from]->kind == DefinitionKind::discriminatedUnion) add(types[from]->discriminant);
@@ -71,15 +71,15 @@ TypeGraph::TypeGraph(const std::vector<const Definition*>& types, IsEdge isEdge)
 bool TypeGraph::isAcyclic(const Diagnostics& errors, const std::function<void(const Cycle&)>& report)
 {
     bool acyclic = true;
-    order_ = depthFirst(edges_, [&](const std::vector<PathNode>& path, std::size_t first) {
+    sorted = depthFirst(successors, [&](const std::vector<PathNode>& path, std::size_t first) {
         acyclic = false;
         if (errors.full()) return;
         const PathNode& start = path[first];
-        Cycle cycle = {types_[start.node], declarations_[start.node][start.edge]->type.at, "", false};
+        Cycle cycle = {types[start.node], edgeDeclarations[start.node][start.edge]->type.at, "", false};
         std::vector<std::string_view> names;
         for (std::size_t i = first; i < path.size(); ++i) {
-            names.emplace_back(types_[path[i].node]->name);
-            if (declarations_[path[i].node][path[i].edge]->form == Form::optional) cycle.throughOptional = true;
+            names.emplace_back(types[path[i].node]->name);
+            if (edgeDeclarations[path[i].node][path[i].edge]->form == Form::optional) cycle.throughOptional = true;
         }
         cycle.path = cyclePath(names);
         report(cycle);
@@ -103,7 +103,10 @@ bool isSpelledOut(const Definition& definition, const Declaration& declaration)
 
 class NestingChecker {
 public:
-    NestingChecker(const std::vector<const Definition*>& types, Diagnostics& errors) : types_(types), errors_(errors) {}
+    NestingChecker(const std::vector<const Definition*>& definitions, Diagnostics& diagnostics)
+        : types(definitions), errors(diagnostics)
+    {
+    }
 
     void run();
 
@@ -111,21 +114,21 @@ private:
     void depths(const TypeGraph& graph);
     void sizes(const TypeGraph& graph);
 
-    const std::vector<const Definition*>& types_;
-    Diagnostics& errors_;
-    std::unordered_set<const Definition*> tooDeep_;  // reported
+    const std::vector<const Definition*>& types;
+    Diagnostics& errors;
+    std::unordered_set<const Definition*> tooDeep;  // reported
 };
 
 // Reports only the types that are one level too deep, not the types that contain them.
 void NestingChecker::depths(const TypeGraph& graph)
 {
-    std::vector<std::size_t> depths(types_.size(), 1);
+    std::vector<std::size_t> depths(types.size(), 1);
     for (const std::size_t node : graph.order()) {
         for (const std::size_t inner : graph.edges(node)) depths[node] = std::max(depths[node], depths[inner] + 1);
         const Definition& type = graph.type(node);
-        if (depths[node] != deepestNesting + 1 || !tooDeep_.insert(&type).second) continue;
-        errors_.error(type.at, describe(type) + " nests " + std::to_string(depths[node]) +
-                                   " types, one in the other; the most is " + std::to_string(deepestNesting));
+        if (depths[node] != deepestNesting + 1 || !tooDeep.insert(&type).second) continue;
+        errors.error(type.at, describe(type) + " nests " + std::to_string(depths[node]) +
+                                  " types, one in the other; the most is " + std::to_string(deepestNesting));
     }
 }
 
@@ -133,14 +136,14 @@ void NestingChecker::depths(const TypeGraph& graph)
 void NestingChecker::sizes(const TypeGraph& graph)
 {
     Layouts layouts;
-    std::vector<bool> isTooLarge(types_.size(), false);
+    std::vector<bool> isTooLarge(types.size(), false);
     for (const std::size_t node : graph.order()) {
         const Definition& type = graph.type(node);
         const Layout layout = layouts.add(type);
         const bool hasTooMany = layout.members > Layouts::mostMembers;
         isTooLarge[node] = hasTooMany || layout.size > Layouts::mostBytes;
         const auto& inner = graph.edges(node);
-        if (!isTooLarge[node] || std::any_of(inner.begin(), inner.end(), [&](auto type) { return isTooLarge[type]; }))
+        if (!isTooLarge[node] || std::any_of(inner.begin(), inner.end(), [&](auto held) { return isTooLarge[held]; }))
             continue;
         const std::string sentence = hasTooMany
                                          ? " has " + std::to_string(layout.members) +
@@ -148,28 +151,28 @@ void NestingChecker::sizes(const TypeGraph& graph)
                                                std::to_string(Layouts::mostMembers)
                                          : " takes " + std::to_string(layout.size) + " bytes in memory; the most is " +
                                                std::to_string(Layouts::mostBytes) + ", which is 64 MiB";
-        errors_.error(type.at, describe(type) + sentence);
+        errors.error(type.at, describe(type) + sentence);
     }
 }
 
 void NestingChecker::run()
 {
-    TypeGraph values(types_, isHeldByValue);
-    const bool areValuesFinite = values.isAcyclic(errors_, [&](const Cycle& cycle) {
-        errors_.error(cycle.at, inQuotes(cycle.first->name) + " contains itself: " + cycle.path +
-                                    "; hold one of them as an optional value ('*') or a list ('< >')");
+    TypeGraph values(types, isHeldByValue);
+    const bool areValuesFinite = values.isAcyclic(errors, [&](const Cycle& cycle) {
+        errors.error(cycle.at, inQuotes(cycle.first->name) + " contains itself: " + cycle.path +
+                                   "; hold one of them as an optional value ('*') or a list ('< >')");
     });
     // `typedef A *B; typedef B *A;` is finite in memory, but C++ has no type for it.
-    TypeGraph typedefs(types_, isSpelledOut);
-    const bool areTypedefsFinite = typedefs.isAcyclic(errors_, [&](const Cycle& cycle) {
+    TypeGraph typedefs(types, isSpelledOut);
+    const bool areTypedefsFinite = typedefs.isAcyclic(errors, [&](const Cycle& cycle) {
         if (!cycle.throughOptional) return;  // reported above, as contained by value
-        errors_.error(cycle.at, "typedef " + inQuotes(cycle.first->name) +
-                                    " is made of nothing but typedefs: " + cycle.path + "; put a struct between them");
+        errors.error(cycle.at, "typedef " + inQuotes(cycle.first->name) +
+                                   " is made of nothing but typedefs: " + cycle.path + "; put a struct between them");
     });
     if (areTypedefsFinite) depths(typedefs);
     if (areValuesFinite) {
         depths(values);
-        if (tooDeep_.empty()) sizes(values);  // else the deepest types would be reported twice
+        if (tooDeep.empty()) sizes(values);  // else the deepest types would be reported twice
     }
 }
 

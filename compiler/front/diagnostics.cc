@@ -73,23 +73,23 @@ void printOne(std::ostream& out, const Span& at, std::string_view severity, std:
 
 void Diagnostics::error(const Span& at, std::string sentence, std::optional<Note> note)
 {
-    if (!full()) entries_.push_back({at, std::move(sentence), std::move(note)});
+    if (!full()) entries.push_back({at, std::move(sentence), std::move(note)});
 }
 
 void Diagnostics::print(std::ostream& out) const
 {
     std::vector<const Entry*> ordered;
-    ordered.reserve(entries_.size());
-    for (const Entry& entry : entries_) ordered.push_back(&entry);
+    ordered.reserve(entries.size());
+    for (const Entry& entry : entries) ordered.push_back(&entry);
     std::stable_sort(ordered.begin(), ordered.end(), [](const Entry* a, const Entry* b) {
         return std::tie(a->at.source->path, a->at.line, a->at.column) <
                std::tie(b->at.source->path, b->at.line, b->at.column);
     });
     for (const Entry* entry : ordered) {
-        printOne(out, entry->at, severity_, entry->sentence);
+        printOne(out, entry->at, severity, entry->sentence);
         if (entry->note) printOne(out, entry->note->at, "note", entry->note->sentence);
     }
-    if (full()) out << "quorvaxdrc: too many " << severity_ << "s; only " << limit_ << " are shown\n";
+    if (full()) out << "quorvaxdrc: too many " << severity << "s; only " << limit << " are shown\n";
 }
 
 std::string inQuotes(std::string_view name)

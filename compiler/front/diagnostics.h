@@ -22,21 +22,21 @@ struct Note {
 class Diagnostics {
 public:
     // The default limit. A file with more errors is seldom an interface file.
-    static constexpr std::size_t limit = 100;
+    static constexpr std::size_t defaultLimit = 100;
 
-    // A list of at most `limit` errors.
+    // A list of at most `defaultLimit` errors.
     Diagnostics() = default;
 
     // A list of another severity ("warning"), with a limit of its own.
-    Diagnostics(std::string_view severity, std::size_t limit) : severity_(severity), limit_(limit) {}
+    Diagnostics(std::string_view listSeverity, std::size_t listLimit) : severity(listSeverity), limit(listLimit) {}
 
     // Adds a diagnostic, of whatever severity the list has; dropped once the list is full.
     void error(const Span& at, std::string sentence, std::optional<Note> note = std::nullopt);
 
-    std::size_t count() const { return entries_.size(); }
+    std::size_t count() const { return entries.size(); }
 
     // True if the limit is reached. Checks may stop then.
-    bool full() const { return entries_.size() >= limit_; }
+    bool full() const { return entries.size() >= limit; }
 
     // Prints the list ordered by file, line and column.
     void print(std::ostream& out) const;
@@ -48,9 +48,9 @@ private:
         std::optional<Note> note;
     };
 
-    std::string severity_ = "error";
-    std::size_t limit_ = limit;
-    std::vector<Entry> entries_;
+    std::string severity = "error";
+    std::size_t limit = defaultLimit;
+    std::vector<Entry> entries;
 };
 
 // The functions below return text for messages.

@@ -73,25 +73,25 @@ void append(std::vector<DocLine>& lines, const Comment& comment)
 
 DocComments::Range DocComments::commentsBefore(std::size_t token) const
 {
-    const std::vector<Token>& tokens = file_.tokens;
+    const std::vector<Token>& tokens = file.tokens;
     return {tokens[token].firstComment,
-            token + 1 < tokens.size() ? tokens[token + 1].firstComment : file_.comments.size()};
+            token + 1 < tokens.size() ? tokens[token + 1].firstComment : file.comments.size()};
 }
 
 void DocComments::take(std::vector<DocLine>& doc, std::size_t comment)
 {
-    taken_[comment] = true;
-    append(doc, file_.comments[comment]);
+    taken[comment] = true;
+    append(doc, file.comments[comment]);
 }
 
 std::vector<DocLine> DocComments::moduleComments()
 {
     const auto [begin, end] = commentsBefore(0);
     if (begin == end) return {};
-    const std::vector<Comment>& comments = file_.comments;
+    const std::vector<Comment>& comments = file.comments;
     std::size_t last = begin;
     while (last + 1 < end && comments[last + 1].at.line <= comments[last].lastLine + 1) ++last;
-    const Token& next = file_.tokens.front();
+    const Token& next = file.tokens.front();
     const bool touches = next.kind != TokenKind::end && last + 1 == end && next.at.line <= comments[last].lastLine + 1;
     if (touches && !next.is("import")) return {};
     std::vector<DocLine> doc;
@@ -102,12 +102,12 @@ std::vector<DocLine> DocComments::moduleComments()
 std::vector<DocLine> DocComments::above(std::size_t token)
 {
     const auto [begin, end] = commentsBefore(token);
-    const bool opensBody = token > 0 && file_.tokens[token - 1].is("{");
-    unsigned below = file_.tokens[token].at.line;
+    const bool opensBody = token > 0 && file.tokens[token - 1].is("{");
+    unsigned below = file.tokens[token].at.line;
     std::size_t from = end;
     while (from > begin) {
-        const Comment& comment = file_.comments[from - 1];
-        if (taken_[from - 1] || comment.lastLine + 1 < below || !(comment.alone || opensBody)) break;
+        const Comment& comment = file.comments[from - 1];
+        if (taken[from - 1] || comment.lastLine + 1 < below || !(comment.alone || opensBody)) break;
         below = comment.at.line;
         --from;
     }
@@ -118,15 +118,15 @@ std::vector<DocLine> DocComments::above(std::size_t token)
 
 void DocComments::appendAfter(std::vector<DocLine>& doc, std::size_t token)
 {
-    if (token + 1 >= file_.tokens.size()) return;
+    if (token + 1 >= file.tokens.size()) return;
     const auto [begin, end] = commentsBefore(token + 1);
     const Comment* above = nullptr;
     for (std::size_t i = begin; i < end; ++i) {
-        const Comment& comment = file_.comments[i];
-        const bool isOnLine = comment.at.line == file_.tokens[token].at.line;
+        const Comment& comment = file.comments[i];
+        const bool isOnLine = comment.at.line == file.tokens[token].at.line;
         const bool continues = above && !above->block && !comment.block && comment.alone &&
                                comment.at.line == above->at.line + 1 && comment.at.column == above->at.column;
-        if (taken_[i] || !(isOnLine || continues)) return;
+        if (taken[i] || !(isOnLine || continues)) return;
         take(doc, i);
         above = &comment;
     }
@@ -136,7 +136,7 @@ void DocComments::appendBetween(std::vector<DocLine>& doc, std::size_t first, st
 {
     if (first >= last) return;
     for (std::size_t i = commentsBefore(first + 1).begin; i < commentsBefore(last).end; ++i)
-        if (!taken_[i]) take(doc, i);
+        if (!taken[i]) take(doc, i);
 }
 
 std::string textOf(const std::vector<DocLine>& lines)

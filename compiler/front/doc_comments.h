@@ -20,7 +20,7 @@ struct DocLine {
 // Tokens are given by their index. The LexResult must outlive the object.
 class DocComments {
 public:
-    explicit DocComments(const LexResult& file) : file_(file), taken_(file.comments.size(), false) {}
+    explicit DocComments(const LexResult& lexedFile) : file(lexedFile), taken(lexedFile.comments.size(), false) {}
 
     // The module's documentation: the first comments of the file, unless they are directly above a definition.
     std::vector<DocLine> moduleComments();
@@ -43,8 +43,8 @@ private:
     Range commentsBefore(std::size_t token) const;
     void take(std::vector<DocLine>& doc, std::size_t comment);
 
-    const LexResult& file_;
-    std::vector<bool> taken_;  // by index of the comment
+    const LexResult& file;
+    std::vector<bool> taken;  // by index of the comment
 };
 
 // The lines as one text, joined by '\n', without empty lines at its start and end.

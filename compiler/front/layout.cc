@@ -30,8 +30,8 @@ void append(Layout& layout, const Layout& member)
 Layout Layouts::add(const Definition& type)
 {
     const Layout layout = of(type);
-    known_.emplace(&type, Layout{std::min(layout.size, mostBytes + 1), layout.alignment,
-                                 std::min(layout.members, mostMembers + 1)});
+    known.emplace(&type, Layout{std::min(layout.size, mostBytes + 1), layout.alignment,
+                                std::min(layout.members, mostMembers + 1)});
     return layout;
 }
 
@@ -49,8 +49,8 @@ Layout Layouts::of(const TypeRef& type) const
     case Builtin::Float: return {4, 4};
     case Builtin::none: break;
     }
-    const auto known = known_.find(type.definition);
-    return known == known_.end() ? Layout{} : known->second;
+    const auto found = known.find(type.definition);
+    return found == known.end() ? Layout{} : found->second;
 }
 
 Layout Layouts::of(const Declaration& declaration) const

@@ -37,7 +37,7 @@ private:
     Layout of(const TypeRef& type) const;
     Layout of(const Definition& definition) const;
 
-    std::unordered_map<const Definition*, Layout> known_;
+    std::unordered_map<const Definition*, Layout> known;
 };
 
 }  // namespace quorva::compiler

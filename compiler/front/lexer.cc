@@ -44,16 +44,19 @@ bool isPunctuation(char c)
 
 class Lexer {
 public:
-    Lexer(Module& module, Diagnostics& errors) : module_(module), errors_(errors), text_(module.source.text) {}
+    Lexer(Module& lexedModule, Diagnostics& diagnostics)
+        : module(lexedModule), errors(diagnostics), text(lexedModule.source.text)
+    {
+    }
 
     LexResult run();
 
 private:
-    char peek(std::size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
-    bool atEnd() const { return at_ >= text_.size(); }
+    char peek(std::size_t ahead = 0) const { return position + ahead < text.size() ? text[position + ahead] : '\0'; }
+    bool atEnd() const { return position >= text.size(); }
     Span span(std::size_t from, std::size_t length) const;
     void newLine();
-    std::size_t endOfLine(std::size_t from) const { return std::min(text_.find('\n', from), text_.size()); }
+    std::size_t endOfLine(std::size_t from) const { return std::min(text.find('\n', from), text.size()); }
 
     void add(TokenKind kind, std::size_t from);
     void lineComment();
@@ -63,102 +66,101 @@ private:
     void preprocessorLine();
     void illegal();
 
-    Module& module_;
-    Diagnostics& errors_;
-    std::string_view text_;
-    std::size_t at_ = 0;
-    std::size_t lineStart_ = 0;
-    unsigned line_ = 1;
-    unsigned lastIllegal_ = 0;  // line
-    bool tokenOnLine_ = false;
-    unsigned commentsSeen_ = 0;
-    LexResult out_;
+    Module& module;
+    Diagnostics& errors;
+    std::string_view text;
+    std::size_t position = 0;
+    std::size_t lineStart = 0;
+    unsigned lineNumber = 1;
+    unsigned lastIllegalLine = 0;
+    bool tokenOnLine = false;
+    unsigned commentsSeen = 0;
+    LexResult out;
 };
 
 Span Lexer::span(std::size_t from, std::size_t length) const
 {
-    return {&module_.source, line_, static_cast<unsigned>(from - lineStart_ + 1), static_cast<unsigned>(length)};
+    return {&module.source, lineNumber, static_cast<unsigned>(from - lineStart + 1), static_cast<unsigned>(length)};
 }
 
-// Expects at_ on the '\n'.
+// Expects `position` at the '\n'.
 void Lexer::newLine()
 {
-    lineStart_ = ++at_;
-    ++line_;
-    tokenOnLine_ = false;
+    lineStart = ++position;
+    ++lineNumber;
+    tokenOnLine = false;
 }
 
 void Lexer::add(TokenKind kind, std::size_t from)
 {
     Token token;
     token.kind = kind;
-    token.firstOnLine = !tokenOnLine_;
-    token.firstComment = commentsSeen_;
-    token.at = span(from, at_ - from);
-    token.text = text_.substr(from, at_ - from);
-    out_.tokens.push_back(token);
-    commentsSeen_ = static_cast<unsigned>(out_.comments.size());
-    tokenOnLine_ = true;
+    token.firstOnLine = !tokenOnLine;
+    token.firstComment = commentsSeen;
+    token.at = span(from, position - from);
+    token.text = text.substr(from, position - from);
+    out.tokens.push_back(token);
+    commentsSeen = static_cast<unsigned>(out.comments.size());
+    tokenOnLine = true;
 }
 
 void Lexer::lineComment()
 {
-    const std::size_t from = at_;
-    at_ = endOfLine(at_);
-    const auto text = text_.substr(from + 2, at_ - from - 2);
-    out_.comments.push_back({text, span(from, at_ - from), line_, false, !tokenOnLine_});
+    const std::size_t from = position;
+    position = endOfLine(position);
+    const auto content = text.substr(from + 2, position - from - 2);
+    out.comments.push_back({content, span(from, position - from), lineNumber, false, !tokenOnLine});
 }
 
 void Lexer::blockComment()
 {
-    const std::size_t from = at_;
+    const std::size_t from = position;
     const Span at = span(from, 2);
-    const bool alone = !tokenOnLine_;
-    const std::size_t close = text_.find("*/", from + 2);
+    const bool alone = !tokenOnLine;
+    const std::size_t close = text.find("*/", from + 2);
     if (close == std::string_view::npos) {
-        errors_.error(at, "this comment never ends: '*/' is missing");
-        module_.incomplete = true;  // the rest of the file became part of the comment
-        at_ = text_.size();
+        errors.error(at, "this comment never ends: '*/' is missing");
+        module.incomplete = true;  // the rest of the file became part of the comment
+        position = text.size();
         return;
     }
-    const bool sameLineToken = tokenOnLine_;
+    const bool sameLineToken = tokenOnLine;
     bool crossed = false;
-    while (at_ < close) {
-        if (text_[at_] == '\n') {
+    while (position < close) {
+        if (text[position] == '\n') {
             newLine();
             crossed = true;
         } else {
-            ++at_;
+            ++position;
         }
     }
-    at_ = close + 2;
-    tokenOnLine_ = !crossed && sameLineToken;
-    out_.comments.push_back({text_.substr(from + 2, close - from - 2), at, line_, true, alone});
+    position = close + 2;
+    tokenOnLine = !crossed && sameLineToken;
+    out.comments.push_back({text.substr(from + 2, close - from - 2), at, lineNumber, true, alone});
 }
 
 void Lexer::word()
 {
-    const std::size_t from = at_;
-    while (continuesWord(peek())) ++at_;
-    const auto text = text_.substr(from, at_ - from);
-    const bool keyword = std::find(keywords.begin(), keywords.end(), text) != keywords.end();
+    const std::size_t from = position;
+    while (continuesWord(peek())) ++position;
+    const auto name = text.substr(from, position - from);
+    const bool keyword = std::find(keywords.begin(), keywords.end(), name) != keywords.end();
     add(keyword ? TokenKind::keyword : TokenKind::name, from);
-    if (text.size() > longestWord) {
-        errors_.error(span(from, text.size()), "this name has " + std::to_string(text.size()) +
-                                                   " characters; at most " + std::to_string(longestWord) +
-                                                   " are taken");
-        out_.tokens.back().text = text.substr(0, longestWord);
+    if (name.size() > longestWord) {
+        errors.error(span(from, name.size()), "this name has " + std::to_string(name.size()) + " characters; at most " +
+                                                  std::to_string(longestWord) + " are taken");
+        out.tokens.back().text = name.substr(0, longestWord);
     }
 }
 
 void Lexer::number()
 {
-    const std::size_t from = at_;
+    const std::size_t from = position;
     const bool negative = peek() == '-';
-    if (negative) ++at_;
-    while (continuesWord(peek())) ++at_;
+    if (negative) ++position;
+    while (continuesWord(peek())) ++position;
     add(TokenKind::number, from);
-    Token& token = out_.tokens.back();
+    Token& token = out.tokens.back();
 
     std::string_view digits = token.text.substr(negative ? 1 : 0);
     int base = 10;
@@ -174,13 +176,13 @@ void Lexer::number()
     if (digits.empty() || (result != std::errc::result_out_of_range && stop != end)) {
         token.known = false;
         const bool octal = base == 8 && std::all_of(digits.begin(), digits.end(), isDigit);
-        errors_.error(token.at, inQuotes(token.text) +
-                                    (octal ? " is no number: a leading 0 makes it octal, and octal has no 8 and 9"
-                                           : " is no number, and a name cannot begin with a digit"));
+        errors.error(token.at, inQuotes(token.text) +
+                                   (octal ? " is no number: a leading 0 makes it octal, and octal has no 8 and 9"
+                                          : " is no number, and a name cannot begin with a digit"));
     } else if (result == std::errc::result_out_of_range) {
         token.known = false;
-        errors_.error(token.at,
-                      "the number " + inQuotes(token.text) + " is out of range: the API's numbers have 32 bits");
+        errors.error(token.at,
+                     "the number " + inQuotes(token.text) + " is out of range: the API's numbers have 32 bits");
     } else {
         token.number = negative ? -magnitude : magnitude;
     }
@@ -189,8 +191,8 @@ void Lexer::number()
 // rpcgen runs the C preprocessor over its input. This compiler does not, and tells what to write instead.
 void Lexer::preprocessorLine()
 {
-    std::size_t end = endOfLine(at_);
-    const auto line = text_.substr(at_, end - at_);
+    std::size_t end = endOfLine(position);
+    const auto line = text.substr(position, end - position);
     std::size_t wordStart = 1;
     while (wordStart < line.size() && isBlank(line[wordStart])) ++wordStart;
     std::size_t wordEnd = wordStart;
@@ -204,36 +206,37 @@ void Lexer::preprocessorLine()
         while (nameStart < line.size() && isBlank(line[nameStart])) ++nameStart;
         std::size_t nameEnd = nameStart;
         while (nameEnd < line.size() && continuesWord(line[nameEnd])) ++nameEnd;
-        module_.skipped.emplace(line.substr(nameStart, nameEnd - nameStart));
+        module.skipped.emplace(line.substr(nameStart, nameEnd - nameStart));
     } else if (directive == "include") {
         sentence = "there is no preprocessor: write 'import module;' instead of '#include'";
-        module_.incomplete = true;
+        module.incomplete = true;
     } else if (directive.starts_with("if") || directive.starts_with("el") || directive == "endif") {
         sentence = "there is no preprocessor: keep only the definitions that hold and remove the '#" +
                    std::string(directive.substr(0, longestWord)) + "' line";
     }
     const auto shown = line.substr(0, line.find_last_not_of(" \t\r") + 1);
-    errors_.error(span(at_, shown.size()), std::move(sentence));
+    errors.error(span(position, shown.size()), std::move(sentence));
 
     // A backslash continues the line.
-    while (end < text_.size() && text_.substr(at_, end - at_).ends_with('\\')) {
-        at_ = end;
+    while (end < text.size() && text.substr(position, end - position).ends_with('\\')) {
+        position = end;
         newLine();
-        end = endOfLine(at_);
+        end = endOfLine(position);
     }
-    at_ = end;
+    position = end;
 }
 
 void Lexer::illegal()
 {
-    const std::size_t from = at_;
-    while (!atEnd() && peek() != '\n' && !isBlank(peek()) && !continuesWord(peek()) && !isPunctuation(peek())) ++at_;
-    const auto byte = static_cast<unsigned char>(text_[from]);
+    const std::size_t from = position;
+    while (!atEnd() && peek() != '\n' && !isBlank(peek()) && !continuesWord(peek()) && !isPunctuation(peek()))
+        ++position;
+    const auto byte = static_cast<unsigned char>(text[from]);
     std::string what;
     if (byte == '"') {
         what = "nothing stands in quotes in this language";
     } else if (byte > 0x20 && byte < 0x7F) {
-        what = inQuotes(text_.substr(from, 1)) + " is no character of this language";
+        what = inQuotes(text.substr(from, 1)) + " is no character of this language";
     } else {
         constexpr std::string_view hex = "0123456789ABCDEF";
         what = std::string("the byte 0x") + hex[byte >> 4U] + hex[byte & 15U] +
@@ -241,18 +244,18 @@ void Lexer::illegal()
     }
     add(TokenKind::bad, from);
     // Bad characters come in groups; one error a line is enough.
-    if (line_ != lastIllegal_) errors_.error(out_.tokens.back().at, std::move(what));
-    lastIllegal_ = line_;
+    if (lineNumber != lastIllegalLine) errors.error(out.tokens.back().at, std::move(what));
+    lastIllegalLine = lineNumber;
 }
 
 LexResult Lexer::run()
 {
-    while (!atEnd() && !errors_.full()) {
+    while (!atEnd() && !errors.full()) {
         const char c = peek();
         if (c == '\n') {
             newLine();
         } else if (isBlank(c)) {
-            ++at_;
+            ++position;
         } else if (c == '/' && peek(1) == '/') {
             lineComment();
         } else if (c == '/' && peek(1) == '*') {
@@ -261,20 +264,20 @@ LexResult Lexer::run()
             word();
         } else if (isDigit(c) || (c == '-' && isDigit(peek(1)))) {
             number();
-        } else if (c == '%' && !tokenOnLine_) {
-            at_ = endOfLine(at_);  // rpcgen copies such lines to its output
-        } else if (c == '#' && !tokenOnLine_) {
+        } else if (c == '%' && !tokenOnLine) {
+            position = endOfLine(position);  // rpcgen copies such lines to its output
+        } else if (c == '#' && !tokenOnLine) {
             preprocessorLine();
         } else if (isPunctuation(c)) {
-            const std::size_t from = at_++;
+            const std::size_t from = position++;
             add(TokenKind::punctuation, from);
         } else {
             illegal();
         }
     }
-    const std::size_t end = at_;
+    const std::size_t end = position;
     add(TokenKind::end, end);
-    return std::move(out_);
+    return std::move(out);
 }
 
 }  // namespace

@@ -59,7 +59,7 @@ Layouts layoutsOf(const Program& program)
 
 class Linter {
 public:
-    Linter(const Program& program, Diagnostics& warnings);
+    Linter(const Program& program, Diagnostics& diagnostics);
 
     void module(const Module& module);
 
@@ -78,24 +78,24 @@ private:
     void sizeOfArms(const Definition& definition);
     void definition(const Definition& definition);
 
-    Layouts layouts_;
-    std::unordered_set<const Definition*> settledNames_;
-    Diagnostics& warnings_;
+    Layouts layouts;
+    std::unordered_set<const Definition*> settledNames;
+    Diagnostics& warnings;
 };
 
-Linter::Linter(const Program& program, Diagnostics& warnings) : layouts_(layoutsOf(program)), warnings_(warnings)
+Linter::Linter(const Program& program, Diagnostics& diagnostics) : layouts(layoutsOf(program)), warnings(diagnostics)
 {
     for (const auto& module : program.modules) {
         for (const auto& definition : module->definitions) {
             if (definition->provisional) continue;
-            for (const Declaration* used : declarationsOf(*definition)) settledNames_.insert(used->type.definition);
+            for (const Declaration* used : declarationsOf(*definition)) settledNames.insert(used->type.definition);
         }
     }
 }
 
 void Linter::warn(const Span& at, std::string sentence, std::optional<Note> note)
 {
-    warnings_.error(at, std::move(sentence), std::move(note));
+    warnings.error(at, std::move(sentence), std::move(note));
 }
 
 // Text
@@ -181,7 +181,7 @@ void Linter::documentation(const Definition& definition)
 void Linter::typeName(const Definition& definition)
 {
     const std::string& name = definition.name;
-    if (settledNames_.contains(&definition) || (isCapital(name[0]) && name.find('_') == std::string::npos)) return;
+    if (settledNames.contains(&definition) || (isCapital(name[0]) && name.find('_') == std::string::npos)) return;
     warn(definition.at, inQuotes(name) + " is not written as types are: in capitalised words, without '_'");
 }
 
@@ -265,7 +265,7 @@ void Linter::sizeOfArms(const Definition& definition)
     std::uint64_t next = 0;
     for (const Arm& arm : definition.arms) {
         const Declaration& held = arm.declaration;
-        const std::uint64_t size = layouts_.of(held).size;
+        const std::uint64_t size = layouts.of(held).size;
         if (largest && largest->name == held.name) continue;  // the same member under another number
         if (size > most) {
             next = most;

@@ -21,7 +21,7 @@ constexpr std::string_view provisionalMark = "@provisional";
 // has to be skipped; the error is reported then.
 class Parser : TokenReader {
 public:
-    Parser(Module& module, Diagnostics& errors) : TokenReader(module, errors), comments_(file()) {}
+    Parser(Module& parsedModule, Diagnostics& diagnostics) : TokenReader(parsedModule, diagnostics), comments(file()) {}
 
     void run();
 
@@ -50,8 +50,8 @@ private:
     bool value(Value& value, const std::string& what);
     bool endOfDeclaration(const std::string& what);
 
-    DocComments comments_;
-    std::vector<DocLine> bodyDoc_;  // the comments after the '{' of the current definition
+    DocComments comments;
+    std::vector<DocLine> bodyDoc;  // the comments after the '{' of the current definition
 };
 
 // For modules and enumerators, which cannot be provisional.
@@ -90,8 +90,8 @@ void Parser::document(Marked& marked, const std::vector<DocLine>& lines)
 
 void Parser::run()
 {
-    module_.doc = unmarkedDoc(comments_.moduleComments());
-    while (!atEnd() && !errors_.full()) {
+    module.doc = unmarkedDoc(comments.moduleComments());
+    while (!atEnd() && !errors.full()) {
         const std::size_t start = position();
         clearErrors();
         if (!definition()) skipToDefinition(start);
@@ -111,8 +111,8 @@ bool Parser::definition()
     }
 
     auto made = std::make_unique<Definition>();
-    std::vector<DocLine> doc = comments_.above(position());
-    bodyDoc_.clear();
+    std::vector<DocLine> doc = comments.above(position());
+    bodyDoc.clear();
     bool complete = false;
     if (at("const")) {
         complete = constant(*made);
@@ -130,11 +130,11 @@ bool Parser::definition()
     }
 
     if (!made->name.empty()) {
-        doc.insert(doc.end(), bodyDoc_.begin(), bodyDoc_.end());
-        if (complete) comments_.appendAfter(doc, position() - 1);
+        doc.insert(doc.end(), bodyDoc.begin(), bodyDoc.end());
+        if (complete) comments.appendAfter(doc, position() - 1);
         document(*made, doc);
         made->hasErrors = hasErrors();
-        module_.definitions.push_back(std::move(made));
+        module.definitions.push_back(std::move(made));
     }
     return complete;
 }
@@ -161,17 +161,17 @@ bool Parser::import()
         report(at, "this module's name is longer than " + std::to_string(longestPath) + " characters");
         return false;
     }
-    if (!module_.definitions.empty()) {
+    if (!module.definitions.empty()) {
         report(word.at, "imports stand before the first definition; move this one up to the head of the file",
-               Note{module_.definitions.front()->at, "the first definition is here"});
+               Note{module.definitions.front()->at, "the first definition is here"});
     }
     if (!expect(";", "behind the module's name")) return false;
-    const auto same = std::find_if(module_.imports.begin(), module_.imports.end(),
+    const auto same = std::find_if(module.imports.begin(), module.imports.end(),
                                    [&](const Import& other) { return other.name == import.name; });
-    if (same != module_.imports.end()) {
+    if (same != module.imports.end()) {
         report(at, "module " + inQuotes(import.name) + " is imported twice", Note{same->at, "first imported here"});
     } else {
-        module_.imports.push_back(std::move(import));
+        module.imports.push_back(std::move(import));
     }
     return true;
 }
@@ -259,12 +259,12 @@ bool Parser::body(Definition& definition)
             return false;
         }
         std::vector<DocLine> doc;
-        comments_.appendBetween(doc, open, position() - 1);
+        comments.appendBetween(doc, open, position() - 1);
         document(discriminant, doc);
     }
     const Span opened = token().at;
     if (!expect("{", "behind " + describe(definition))) return false;
-    if (token().at.line > previous().at.line) comments_.appendAfter(bodyDoc_, position() - 1);
+    if (token().at.line > previous().at.line) comments.appendAfter(bodyDoc, position() - 1);
 
     while (continuesBody(opened, describe(definition))) {
         const bool complete = definition.kind == DefinitionKind::enumeration ? enumeration(definition)
@@ -279,15 +279,15 @@ bool Parser::body(Definition& definition)
 bool Parser::enumeration(Definition& definition)
 {
     Enumerator made;
-    std::vector<DocLine> doc = comments_.above(position());
+    std::vector<DocLine> doc = comments.above(position());
     if (!expectName("an enumerator", made.name, made.at) ||
         !expect("=", "and a number behind enumerator " + inQuotes(made.name)) ||
         !value(made.value, "the value of " + inQuotes(made.name))) {
         return false;
     }
-    comments_.appendAfter(doc, position() - 1);
+    comments.appendAfter(doc, position() - 1);
     if (accept(",")) {
-        comments_.appendAfter(doc, position() - 1);
+        comments.appendAfter(doc, position() - 1);
         if (at("}")) report(previous().at, "no enumerator follows this ','; remove it");
     } else if (token().kind == TokenKind::name && token(1).is("=")) {
         report(positionAfter(previous().at), "expected ',' behind enumerator " + inQuotes(made.name));
@@ -307,11 +307,11 @@ bool Parser::structure(Definition& definition)
 {
     Declaration field;
     const std::size_t first = position();
-    std::vector<DocLine> doc = comments_.above(first);
+    std::vector<DocLine> doc = comments.above(first);
     const bool complete = declaration(field, "field");
     if (!complete && field.name.empty()) return false;
     const bool ended = complete && endOfDeclaration("field " + inQuotes(field.name));
-    if (ended) comments_.appendAfter(doc, position() - 1);
+    if (ended) comments.appendAfter(doc, position() - 1);
     document(field, doc);
     definition.fields.push_back(std::move(field));
     return ended;
@@ -323,7 +323,7 @@ bool Parser::arm(Definition& definition)
     const std::size_t first = position();
     const bool isDefault = at("default");
     const Span begin = token().at;
-    std::vector<DocLine> doc = comments_.above(first);
+    std::vector<DocLine> doc = comments.above(first);
     if (isDefault) {
         advance();
         if (!expect(":", "behind 'default'")) return false;
@@ -351,8 +351,8 @@ bool Parser::arm(Definition& definition)
         complete &&
         endOfDeclaration(arm.declaration.form == Form::none ? "'void'" : "arm " + inQuotes(arm.declaration.name));
     if (ended) {
-        comments_.appendBetween(doc, first, position() - 1);
-        comments_.appendAfter(doc, position() - 1);
+        comments.appendBetween(doc, first, position() - 1);
+        comments.appendAfter(doc, position() - 1);
     }
     document(arm.declaration, doc);
     if (!isDefault) {

@@ -66,7 +66,7 @@ std::string_view withArticle(DefinitionKind kind)
 
 class Resolver {
 public:
-    Resolver(Program& program, Diagnostics& errors) : program_(program), errors_(errors) {}
+    Resolver(Program& parsedProgram, Diagnostics& diagnostics) : program(parsedProgram), errors(diagnostics) {}
 
     void run();
 
@@ -109,64 +109,64 @@ private:
     NamedNumber* findEnumerator(const Definition& enumeration, const std::string& name);
     NamedNumber* findOrReport(const Value& value);
     bool followsFromReportedError(const std::string& name) const;
-    const std::string& moduleName(std::size_t at) const { return program_.modules[at]->source.module; }
+    const std::string& moduleName(std::size_t at) const { return program.modules[at]->source.module; }
 
-    Program& program_;
-    Diagnostics& errors_;
-    std::unordered_map<std::string_view, std::vector<TypeEntry>> types_;
-    // By name the indices into namedNumbers_: of all names, and of the enumerators of each enumeration.
-    std::unordered_map<std::string_view, std::vector<std::size_t>> numbers_;
-    std::unordered_map<const Definition*, std::unordered_map<std::string_view, std::size_t>> enumerators_;
-    std::vector<NamedNumber> namedNumbers_;
-    std::vector<std::vector<bool>> visible_;  // visible_[a][b]: module a imports b, directly or through others
-    std::size_t module_ = 0;                  // the current one
+    Program& program;
+    Diagnostics& errors;
+    std::unordered_map<std::string_view, std::vector<TypeEntry>> types;
+    // By name the indices into namedNumbers: of all names, and of the enumerators of each enumeration.
+    std::unordered_map<std::string_view, std::vector<std::size_t>> numbers;
+    std::unordered_map<const Definition*, std::unordered_map<std::string_view, std::size_t>> enumerators;
+    std::vector<NamedNumber> namedNumbers;
+    std::vector<std::vector<bool>> visible;  // visible[a][b]: module a imports b, directly or through others
+    std::size_t currentModule = 0;
 };
 
 void Resolver::collect()
 {
-    for (std::size_t at = 0; at < program_.modules.size(); ++at) {
-        for (const auto& definition : program_.modules[at]->definitions) {
+    for (std::size_t at = 0; at < program.modules.size(); ++at) {
+        for (const auto& definition : program.modules[at]->definitions) {
             if (definition->kind == DefinitionKind::constant) {
-                namedNumbers_.push_back({definition->name, &definition->constant, definition.get(), at, {}});
+                namedNumbers.push_back({definition->name, &definition->constant, definition.get(), at, {}});
             } else {
-                types_[definition->name].push_back({definition.get(), at});
+                types[definition->name].push_back({definition.get(), at});
             }
             for (Enumerator& enumerator : definition->enumerators) {
-                enumerators_[definition.get()].emplace(enumerator.name, namedNumbers_.size());
-                namedNumbers_.push_back({enumerator.name, &enumerator.value, definition.get(), at, {}});
+                enumerators[definition.get()].emplace(enumerator.name, namedNumbers.size());
+                namedNumbers.push_back({enumerator.name, &enumerator.value, definition.get(), at, {}});
             }
         }
     }
-    for (std::size_t i = 0; i < namedNumbers_.size(); ++i) numbers_[namedNumbers_[i].name].push_back(i);
+    for (std::size_t i = 0; i < namedNumbers.size(); ++i) numbers[namedNumbers[i].name].push_back(i);
 }
 
 void Resolver::findVisible()
 {
-    const std::size_t count = program_.modules.size();
+    const std::size_t count = program.modules.size();
     std::unordered_map<const Module*, std::size_t> indexOf;
-    for (std::size_t at = 0; at < count; ++at) indexOf.emplace(program_.modules[at].get(), at);
+    for (std::size_t at = 0; at < count; ++at) indexOf.emplace(program.modules[at].get(), at);
 
-    visible_.assign(count, std::vector<bool>(count, false));
+    visible.assign(count, std::vector<bool>(count, false));
     for (std::size_t at = 0; at < count; ++at)
-        for (const Module* module : importClosure(*program_.modules[at])) visible_[at][indexOf.at(module)] = true;
+        for (const Module* module : importClosure(*program.modules[at])) visible[at][indexOf.at(module)] = true;
 }
 
 // True if the name may be unknown only because of an error that was reported before.
 bool Resolver::followsFromReportedError(const std::string& name) const
 {
-    for (std::size_t at = 0; at < program_.modules.size(); ++at) {
-        const Module& module = *program_.modules[at];
-        if (visible_[module_][at] && (module.incomplete || module.skipped.contains(name))) return true;
+    for (std::size_t at = 0; at < program.modules.size(); ++at) {
+        const Module& module = *program.modules[at];
+        if (visible[currentModule][at] && (module.incomplete || module.skipped.contains(name))) return true;
     }
     return false;
 }
 
 Resolver::NamedNumber* Resolver::findNumber(const std::string& name)
 {
-    const auto found = numbers_.find(name);
-    if (found == numbers_.end()) return nullptr;
+    const auto found = numbers.find(name);
+    if (found == numbers.end()) return nullptr;
     for (const std::size_t i : found->second) {
-        if (visible_[module_][namedNumbers_[i].module]) return &namedNumbers_[i];
+        if (visible[currentModule][namedNumbers[i].module]) return &namedNumbers[i];
     }
     return nullptr;
 }
@@ -175,31 +175,31 @@ Resolver::NamedNumber* Resolver::findNumber(const std::string& name)
 Resolver::NamedNumber* Resolver::findOrReport(const Value& value)
 {
     if (NamedNumber* const named = findNumber(value.text)) return named;
-    if (followsFromReportedError(value.text) || errors_.full()) return nullptr;
+    if (followsFromReportedError(value.text) || errors.full()) return nullptr;
 
-    if (const auto elsewhere = numbers_.find(value.text); elsewhere != numbers_.end()) {
-        const std::string& home = moduleName(namedNumbers_[elsewhere->second.front()].module);
-        errors_.error(value.at, inQuotes(value.text) + " is defined in module " + inQuotes(home) +
-                                    ", which this file does not import; add 'import " + home + ";'");
+    if (const auto elsewhere = numbers.find(value.text); elsewhere != numbers.end()) {
+        const std::string& home = moduleName(namedNumbers[elsewhere->second.front()].module);
+        errors.error(value.at, inQuotes(value.text) + " is defined in module " + inQuotes(home) +
+                                   ", which this file does not import; add 'import " + home + ";'");
         return nullptr;
     }
-    if (types_.contains(value.text)) {
-        errors_.error(value.at, inQuotes(value.text) + " is a type; a number or a constant's name is wanted here");
+    if (types.contains(value.text)) {
+        errors.error(value.at, inQuotes(value.text) + " is a type; a number or a constant's name is wanted here");
         return nullptr;
     }
     std::vector<std::string_view> candidates;
-    for (const NamedNumber& named : namedNumbers_) {
-        if (visible_[module_][named.module]) candidates.push_back(named.name);
+    for (const NamedNumber& named : namedNumbers) {
+        if (visible[currentModule][named.module]) candidates.push_back(named.name);
     }
     const std::string near = suggestion(value.text, candidates);
-    errors_.error(value.at, "unknown constant " + inQuotes(value.text) +
-                                (near.empty() ? "; define it with 'const', or import the module that does" : near));
+    errors.error(value.at, "unknown constant " + inQuotes(value.text) +
+                               (near.empty() ? "; define it with 'const', or import the module that does" : near));
     return nullptr;
 }
 
 void Resolver::settleNumbers()
 {
-    for (NamedNumber& named : namedNumbers_) settle(named);
+    for (NamedNumber& named : namedNumbers) settle(named);
 }
 
 // Follows names to a literal or a settled number, then sets that number along the chain.
@@ -213,14 +213,14 @@ void Resolver::settle(NamedNumber& start)
             for (auto it = std::find(chain.begin(), chain.end(), next); it != chain.end(); ++it) {
                 names.push_back((*it)->name);
             }
-            errors_.error(next->value->at, inQuotes(next->name) + " is defined by itself: " + cyclePath(names));
+            errors.error(next->value->at, inQuotes(next->name) + " is defined by itself: " + cyclePath(names));
             end = nullptr;
             break;
         }
         next->state = NamedNumber::State::onChain;
         chain.push_back(next);
         if (!next->value->isName || predeclared(*next->value)) break;
-        module_ = next->module;
+        currentModule = next->module;
         NamedNumber* const target = findOrReport(*next->value);
         if (target) next->value->owner = target->owner;
         next = target;
@@ -258,10 +258,10 @@ void Resolver::value(Value& value)
 
 Resolver::NamedNumber* Resolver::findEnumerator(const Definition& enumeration, const std::string& name)
 {
-    const auto names = enumerators_.find(&enumeration);
-    if (names == enumerators_.end()) return nullptr;
+    const auto names = enumerators.find(&enumeration);
+    if (names == enumerators.end()) return nullptr;
     const auto found = names->second.find(name);
-    return found == names->second.end() ? nullptr : &namedNumbers_[found->second];
+    return found == names->second.end() ? nullptr : &namedNumbers[found->second];
 }
 
 // Searches the discriminant's enumeration first, so that suggestions for a wrong name come from there.
@@ -281,49 +281,49 @@ void Resolver::label(Value& value, const TypeRef& discriminant)
         value.number = named->value->number;
         return;
     }
-    if (enumeration.hasErrors || (!named && followsFromReportedError(value.text)) || errors_.full()) return;
+    if (enumeration.hasErrors || (!named && followsFromReportedError(value.text)) || errors.full()) return;
 
     std::vector<std::string_view> candidates;
     for (const Enumerator& enumerator : enumeration.enumerators) candidates.push_back(enumerator.name);
     std::string sentence = inQuotes(value.text) + " is no enumerator of " + inQuotes(enumeration.name);
     if (named) sentence += " but one of " + inQuotes(named->owner->name);
-    errors_.error(value.at, sentence + suggestion(value.text, candidates),
-                  Note{enumeration.at, inQuotes(enumeration.name) + " is defined here"});
+    errors.error(value.at, sentence + suggestion(value.text, candidates),
+                 Note{enumeration.at, inQuotes(enumeration.name) + " is defined here"});
 }
 
 void Resolver::unknownType(const TypeRef& type)
 {
-    if (followsFromReportedError(type.name) || errors_.full()) return;
-    if (const auto elsewhere = types_.find(type.name); elsewhere != types_.end()) {
+    if (followsFromReportedError(type.name) || errors.full()) return;
+    if (const auto elsewhere = types.find(type.name); elsewhere != types.end()) {
         const std::string& home = moduleName(elsewhere->second.front().module);
-        errors_.error(type.at, "type " + inQuotes(type.name) + " is defined in module " + inQuotes(home) +
-                                   ", which this file does not import; add 'import " + home + ";'");
+        errors.error(type.at, "type " + inQuotes(type.name) + " is defined in module " + inQuotes(home) +
+                                  ", which this file does not import; add 'import " + home + ";'");
         return;
     }
     if (const NamedNumber* const named = findNumber(type.name)) {
         const bool constant = named->owner->kind == DefinitionKind::constant;
-        errors_.error(type.at,
-                      inQuotes(type.name) + (constant ? " is a constant" : " is an enumerator") + ", not a type");
+        errors.error(type.at,
+                     inQuotes(type.name) + (constant ? " is a constant" : " is an enumerator") + ", not a type");
         return;
     }
     const auto foreign = std::find_if(foreignTypes.begin(), foreignTypes.end(),
                                       [&](const auto& pair) { return pair.first == type.name; });
     if (foreign != foreignTypes.end()) {
-        errors_.error(type.at,
-                      "unknown type " + inQuotes(type.name) + "; write " + inQuotes(foreign->second) + " instead");
+        errors.error(type.at,
+                     "unknown type " + inQuotes(type.name) + "; write " + inQuotes(foreign->second) + " instead");
         return;
     }
     std::vector<std::string_view> candidates;
-    for (const auto& [name, definitions] : types_) {
+    for (const auto& [name, definitions] : types) {
         if (std::any_of(definitions.begin(), definitions.end(),
-                        [&](const TypeEntry& typed) { return visible_[module_][typed.module]; })) {
+                        [&](const TypeEntry& typed) { return visible[currentModule][typed.module]; })) {
             candidates.push_back(name);
         }
     }
     for (const auto& [name, builtin] : builtins) candidates.push_back(name);
     const std::string near = suggestion(type.name, candidates);
-    errors_.error(type.at, "unknown type " + inQuotes(type.name) +
-                               (near.empty() ? "; define it, or import the module that does" : near));
+    errors.error(type.at, "unknown type " + inQuotes(type.name) +
+                              (near.empty() ? "; define it, or import the module that does" : near));
 }
 
 void Resolver::type(TypeRef& type)
@@ -334,13 +334,13 @@ void Resolver::type(TypeRef& type)
     if (builtin != builtins.end()) {
         type.builtin = builtin->second;
         if (type.keyword)
-            errors_.error(type.at,
-                          inQuotes(type.name) + " is a built-in type, not " + std::string(withArticle(*type.keyword)));
+            errors.error(type.at,
+                         inQuotes(type.name) + " is a built-in type, not " + std::string(withArticle(*type.keyword)));
         return;
     }
-    if (const auto found = types_.find(type.name); found != types_.end()) {
+    if (const auto found = types.find(type.name); found != types.end()) {
         for (const TypeEntry& typed : found->second) {
-            if (visible_[module_][typed.module]) {
+            if (visible[currentModule][typed.module]) {
                 type.definition = typed.definition;
                 break;
             }
@@ -349,10 +349,10 @@ void Resolver::type(TypeRef& type)
     if (!type.definition) {
         unknownType(type);
     } else if (type.keyword && type.definition->kind != *type.keyword) {
-        errors_.error(type.at,
-                      inQuotes(type.name) + " is " + std::string(withArticle(type.definition->kind)) + ", not " +
-                          std::string(withArticle(*type.keyword)),
-                      Note{type.definition->at, "defined here"});
+        errors.error(type.at,
+                     inQuotes(type.name) + " is " + std::string(withArticle(type.definition->kind)) + ", not " +
+                         std::string(withArticle(*type.keyword)),
+                     Note{type.definition->at, "defined here"});
     }
 }
 
@@ -401,12 +401,12 @@ void Resolver::run()
     collect();
     findVisible();
     settleNumbers();
-    for (module_ = 0; module_ < program_.modules.size() && !errors_.full(); ++module_) {
-        for (const auto& made : program_.modules[module_]->definitions) definition(*made);
+    for (currentModule = 0; currentModule < program.modules.size() && !errors.full(); ++currentModule) {
+        for (const auto& made : program.modules[currentModule]->definitions) definition(*made);
     }
     // Cases need the resolved discriminants of the whole program.
-    for (module_ = 0; module_ < program_.modules.size() && !errors_.full(); ++module_) {
-        for (const auto& made : program_.modules[module_]->definitions) {
+    for (currentModule = 0; currentModule < program.modules.size() && !errors.full(); ++currentModule) {
+        for (const auto& made : program.modules[currentModule]->definitions) {
             for (Arm& arm : made->arms) {
                 for (Value& value : arm.cases) label(value, made->discriminant.type);
             }

@@ -32,16 +32,16 @@ bool isInside(const fs::path& relative)
 
 }  // namespace
 
-SearchPath::SearchPath(std::vector<std::string> folders) : folders_(std::move(folders))
+SearchPath::SearchPath(std::vector<std::string> searched) : folders(std::move(searched))
 {
-    if (folders_.empty()) folders_.emplace_back(".");
-    for (const std::string& folder : folders_) resolved_.push_back(resolvedPath(folder));
+    if (folders.empty()) folders.emplace_back(".");
+    for (const std::string& folder : folders) resolved.push_back(resolvedPath(folder));
 }
 
 std::string SearchPath::moduleOf(const std::string& file) const
 {
     const fs::path path = resolvedPath(file);
-    for (const fs::path& folder : resolved_) {
+    for (const fs::path& folder : resolved) {
         const fs::path below = path.lexically_relative(folder);
         if (isInside(below)) return fs::path(below).replace_extension().generic_string();
     }
@@ -50,7 +50,7 @@ std::string SearchPath::moduleOf(const std::string& file) const
 
 std::optional<std::string> SearchPath::find(const std::string& module) const
 {
-    for (const std::string& folder : folders_) {
+    for (const std::string& folder : folders) {
         std::string path = (folder == "." ? fs::path() : fs::path(folder)) / (module + ".x");
         std::error_code ignored;
         if (fs::exists(path, ignored)) return path;
@@ -61,7 +61,7 @@ std::optional<std::string> SearchPath::find(const std::string& module) const
 std::vector<std::string> SearchPath::neighbours(const std::string& module) const
 {
     std::vector<std::string> modules;
-    for (const std::string& folder : folders_) {
+    for (const std::string& folder : folders) {
         std::error_code failed;
         fs::directory_iterator files((fs::path(folder) / module).parent_path(), failed);
         for (; !failed && files != fs::directory_iterator(); files.increment(failed)) {
@@ -75,7 +75,7 @@ std::vector<std::string> SearchPath::neighbours(const std::string& module) const
 std::string SearchPath::describe() const
 {
     std::string list;
-    for (const std::string& folder : folders_) list += (list.empty() ? "" : ", ") + inQuotes(folder);
+    for (const std::string& folder : folders) list += (list.empty() ? "" : ", ") + inQuotes(folder);
     return list;
 }
 
@@ -102,8 +102,8 @@ namespace {
 // Modules are numbered in the order in which they are found.
 class Reader {
 public:
-    Reader(const SearchPath& folders, Diagnostics& errors, std::vector<std::string>& unreadable)
-        : folders_(folders), errors_(errors), unreadable_(unreadable)
+    Reader(const SearchPath& searched, Diagnostics& diagnostics, std::vector<std::string>& unreadableFiles)
+        : folders(searched), errors(diagnostics), unreadable(unreadableFiles)
     {
     }
 
@@ -117,59 +117,58 @@ private:
 
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-    const SearchPath& folders_;
-    Diagnostics& errors_;
-    std::vector<std::string>& unreadable_;
-    std::vector<std::unique_ptr<Module>> modules_;
-    std::vector<std::vector<std::size_t>> imports_;             // indices of modules, by importing module
-    std::vector<std::vector<const Import*>> importStatements_;  // of imports_
-    std::unordered_map<std::string, std::size_t> byFile_;       // resolved path; `none` if it is unreadable
-    std::unordered_map<std::string, std::size_t> byName_;
+    const SearchPath& folders;
+    Diagnostics& errors;
+    std::vector<std::string>& unreadable;
+    std::vector<std::unique_ptr<Module>> modules;
+    std::vector<std::vector<std::size_t>> imports;             // indices of modules, by importing module
+    std::vector<std::vector<const Import*>> importStatements;  // of imports
+    std::unordered_map<std::string, std::size_t> byFile;       // resolved path; `none` if it is unreadable
+    std::unordered_map<std::string, std::size_t> byName;
 };
 
 std::size_t Reader::load(const std::string& path, const std::string& name)
 {
     const std::string file = resolvedPath(path).string();
-    if (const auto known = byFile_.find(file); known != byFile_.end()) return known->second;
+    if (const auto known = byFile.find(file); known != byFile.end()) return known->second;
 
     auto module = std::make_unique<Module>();
     module->source.path = path;
     module->source.module = name;
     if (const auto reason = readFile(path, module->source.text)) {
-        unreadable_.push_back("cannot read " + inQuotes(path) + ": " + *reason);
-        byFile_.emplace(file, none);
+        unreadable.push_back("cannot read " + inQuotes(path) + ": " + *reason);
+        byFile.emplace(file, none);
         return none;
     }
     if (module->source.text.starts_with("\xEF\xBB\xBF")) module->source.text.erase(0, 3);  // a byte order mark
 
-    const std::size_t at = modules_.size();
-    byFile_.emplace(file, at);
-    const auto [same, fresh] = byName_.emplace(name, at);
+    const std::size_t at = modules.size();
+    byFile.emplace(file, at);
+    const auto [same, fresh] = byName.emplace(name, at);
     if (!fresh) {
-        errors_.error({&module->source, 1, 1, 1},
-                      "this file is module " + inQuotes(name) + ", as " +
-                          inQuotes(modules_[same->second]->source.path) +
-                          " is; a module's name is its path below the -I folder, and no two may have the same");
+        errors.error({&module->source, 1, 1, 1},
+                     "this file is module " + inQuotes(name) + ", as " + inQuotes(modules[same->second]->source.path) +
+                         " is; a module's name is its path below the -I folder, and no two may have the same");
         module->incomplete = true;  // not parsed, as it would repeat every name
     } else {
-        parse(*module, errors_);
+        parse(*module, errors);
     }
-    modules_.push_back(std::move(module));
-    imports_.emplace_back();
-    importStatements_.emplace_back();
+    modules.push_back(std::move(module));
+    imports.emplace_back();
+    importStatements.emplace_back();
     return at;
 }
 
 void Reader::followImports(std::size_t at)
 {
-    Module& module = *modules_[at];
+    Module& module = *modules[at];
     for (Import& import : module.imports) {
-        const auto path = folders_.find(import.name);
+        const auto path = folders.find(import.name);
         if (!path) {
-            const std::vector<std::string> near = folders_.neighbours(import.name);
-            errors_.error(import.at, "module " + inQuotes(import.name) + " is not found: there is no " +
-                                         inQuotes(import.name + ".x") + " below " + folders_.describe() +
-                                         suggestion(import.name, {near.begin(), near.end()}));
+            const std::vector<std::string> near = folders.neighbours(import.name);
+            errors.error(import.at, "module " + inQuotes(import.name) + " is not found: there is no " +
+                                        inQuotes(import.name + ".x") + " below " + folders.describe() +
+                                        suggestion(import.name, {near.begin(), near.end()}));
             module.incomplete = true;
             continue;
         }
@@ -178,9 +177,9 @@ void Reader::followImports(std::size_t at)
             module.incomplete = true;
             continue;
         }
-        import.module = modules_[imported].get();
-        imports_[at].push_back(imported);
-        importStatements_[at].push_back(&import);
+        import.module = modules[imported].get();
+        imports[at].push_back(imported);
+        importStatements[at].push_back(&import);
     }
 }
 
@@ -188,22 +187,22 @@ void Reader::order(Program& program)
 {
     const auto onCycle = [&](const std::vector<PathNode>& path, std::size_t first) {
         std::vector<std::string_view> names;
-        for (std::size_t i = first; i < path.size(); ++i) names.emplace_back(modules_[path[i].node]->source.module);
-        errors_.error(
-            importStatements_[path[first].node][path[first].edge]->at,
+        for (std::size_t i = first; i < path.size(); ++i) names.emplace_back(modules[path[i].node]->source.module);
+        errors.error(
+            importStatements[path[first].node][path[first].edge]->at,
             "imports form a circle: " + cyclePath(names) + "; move what both sides need into a module of its own");
     };
-    const std::vector<std::size_t> sorted = depthFirst(imports_, onCycle);
-    for (const std::size_t at : sorted) program.modules.push_back(std::move(modules_[at]));
+    const std::vector<std::size_t> sorted = depthFirst(imports, onCycle);
+    for (const std::size_t at : sorted) program.modules.push_back(std::move(modules[at]));
 }
 
 Program Reader::read(const std::vector<std::string>& files)
 {
     for (const std::string& file : files) {
-        const std::size_t at = load(file, folders_.moduleOf(file));
-        if (at != none) modules_[at]->requested = true;
+        const std::size_t at = load(file, folders.moduleOf(file));
+        if (at != none) modules[at]->requested = true;
     }
-    for (std::size_t at = 0; at < modules_.size(); ++at) followImports(at);
+    for (std::size_t at = 0; at < modules.size(); ++at) followImports(at);
     Program program;
     order(program);
     return program;

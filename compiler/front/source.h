@@ -19,7 +19,7 @@ inline constexpr std::size_t lineWidth = 120;
 class SearchPath {
 public:
     // An empty list means the current folder.
-    explicit SearchPath(std::vector<std::string> folders);
+    explicit SearchPath(std::vector<std::string> searched);
 
     // The name of the module in a file: its path below the first folder that contains it, without ".x"; for a file
     // elsewhere its stem.
@@ -35,8 +35,8 @@ public:
     std::string describe() const;
 
 private:
-    std::vector<std::string> folders_;
-    std::vector<std::filesystem::path> resolved_;  // absolute, without links, in the same order
+    std::vector<std::string> folders;
+    std::vector<std::filesystem::path> resolved;  // absolute, without links, in the same order
 };
 
 // Reads a whole file into `text`. Returns nullopt, or the reason of the failure; `text` is undefined then.

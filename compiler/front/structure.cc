@@ -57,79 +57,76 @@ private:
     void name(std::size_t node);
     void append(std::size_t node);
 
-    std::vector<Node> nodes_;
-    std::vector<Frame> path_;
-    std::vector<std::size_t> open_;  // entered and not grouped yet
-    std::size_t numbered_ = 0;
-    std::vector<bool> completed_;
-    std::vector<bool> named_;
-    std::vector<bool> appended_;
-    std::vector<const Definition*> order_;
+    std::vector<Node> nodes;
+    std::vector<Frame> path;
+    std::vector<std::size_t> open;  // entered and not grouped yet
+    std::size_t numbered = 0;
+    std::vector<bool> completed;
+    std::vector<bool> named;
+    std::vector<bool> appended;
+    std::vector<const Definition*> order;
 };
 
 Order::Order(const std::vector<const Definition*>& definitions)
-    : nodes_(definitions.size()),
-      completed_(definitions.size()),
-      named_(definitions.size()),
-      appended_(definitions.size())
+    : nodes(definitions.size()), completed(definitions.size()), named(definitions.size()), appended(definitions.size())
 {
     std::unordered_map<const Definition*, std::size_t> nodeOf;
     for (std::size_t at = 0; at < definitions.size(); ++at) nodeOf[definitions[at]] = at;
     for (std::size_t at = 0; at < definitions.size(); ++at) {
-        nodes_[at].definition = definitions[at];
+        nodes[at].definition = definitions[at];
         for (const Declaration* declaration : declarationsOf(*definitions[at]))
             if (const auto used = nodeOf.find(declaration->type.definition); used != nodeOf.end())
-                nodes_[at].edges.push_back({used->second, isByValue(declaration->form)});
+                nodes[at].edges.push_back({used->second, isByValue(declaration->form)});
     }
 }
 
 std::vector<const Definition*> Order::find()
 {
-    for (std::size_t at = 0; at < nodes_.size(); ++at)
-        if (nodes_[at].number == unseen) visit(at);
-    return order_;
+    for (std::size_t at = 0; at < nodes.size(); ++at)
+        if (nodes[at].number == unseen) visit(at);
+    return order;
 }
 
 void Order::visit(std::size_t start)
 {
     enter(start);
-    while (!path_.empty()) {
-        const std::size_t node = path_.back().node;
-        if (path_.back().nextEdge == nodes_[node].edges.size()) {
+    while (!path.empty()) {
+        const std::size_t node = path.back().node;
+        if (path.back().nextEdge == nodes[node].edges.size()) {
             leave(node);
             continue;
         }
-        const std::size_t used = nodes_[node].edges[path_.back().nextEdge++].node;
-        if (nodes_[used].number == unseen)
+        const std::size_t used = nodes[node].edges[path.back().nextEdge++].node;
+        if (nodes[used].number == unseen)
             enter(used);
-        else if (!nodes_[used].isGrouped)
-            nodes_[node].lowest = std::min(nodes_[node].lowest, nodes_[used].number);
+        else if (!nodes[used].isGrouped)
+            nodes[node].lowest = std::min(nodes[node].lowest, nodes[used].number);
     }
 }
 
 void Order::enter(std::size_t node)
 {
-    nodes_[node].number = nodes_[node].lowest = numbered_++;
-    open_.push_back(node);
-    path_.push_back({node, 0});
+    nodes[node].number = nodes[node].lowest = numbered++;
+    open.push_back(node);
+    path.push_back({node, 0});
 }
 
 void Order::leave(std::size_t node)
 {
-    path_.pop_back();
-    if (!path_.empty()) {
-        Node& user = nodes_[path_.back().node];
-        user.lowest = std::min(user.lowest, nodes_[node].lowest);
+    path.pop_back();
+    if (!path.empty()) {
+        Node& user = nodes[path.back().node];
+        user.lowest = std::min(user.lowest, nodes[node].lowest);
     }
-    if (nodes_[node].lowest == nodes_[node].number) closeGroup(node);
+    if (nodes[node].lowest == nodes[node].number) closeGroup(node);
 }
 
 void Order::closeGroup(std::size_t node)
 {
-    const auto first = std::find(open_.begin(), open_.end(), node);
-    std::vector<std::size_t> group(first, open_.end());
-    open_.erase(first, open_.end());
-    for (const std::size_t member : group) nodes_[member].isGrouped = true;
+    const auto first = std::find(open.begin(), open.end(), node);
+    std::vector<std::size_t> group(first, open.end());
+    open.erase(first, open.end());
+    for (const std::size_t member : group) nodes[member].isGrouped = true;
 
     std::sort(group.begin(), group.end());
     for (const std::size_t member : group) complete(member);
@@ -139,9 +136,9 @@ void Order::closeGroup(std::size_t node)
 // groups is in the order already.
 void Order::complete(std::size_t node)
 {
-    if (completed_[node]) return;
-    completed_[node] = true;
-    for (const auto& [used, byValue] : nodes_[node].edges) {
+    if (completed[node]) return;
+    completed[node] = true;
+    for (const auto& [used, byValue] : nodes[node].edges) {
         if (byValue)
             complete(used);
         else
@@ -154,18 +151,18 @@ void Order::complete(std::size_t node)
 // forward-declared need not precede their use.
 void Order::name(std::size_t node)
 {
-    const Definition& definition = *nodes_[node].definition;
-    if (definition.kind != DefinitionKind::typeDefinition || canBeForwardDeclared(definition) || named_[node]) return;
-    named_[node] = true;
-    for (const auto& [used, byValue] : nodes_[node].edges) name(used);
+    const Definition& definition = *nodes[node].definition;
+    if (definition.kind != DefinitionKind::typeDefinition || canBeForwardDeclared(definition) || named[node]) return;
+    named[node] = true;
+    for (const auto& [used, byValue] : nodes[node].edges) name(used);
     append(node);
 }
 
 void Order::append(std::size_t node)
 {
-    if (appended_[node]) return;
-    appended_[node] = true;
-    order_.push_back(nodes_[node].definition);
+    if (appended[node]) return;
+    appended[node] = true;
+    order.push_back(nodes[node].definition);
 }
 
 }  // namespace

@@ -8,13 +8,13 @@ namespace quorva::compiler {
 
 const Token& TokenReader::token(std::size_t ahead) const
 {
-    return file_.tokens[std::min(position_ + ahead, file_.tokens.size() - 1)];
+    return lexed.tokens[std::min(current + ahead, lexed.tokens.size() - 1)];
 }
 
 bool TokenReader::accept(std::string_view word)
 {
     if (!at(word)) return false;
-    ++position_;
+    ++current;
     return true;
 }
 
@@ -25,14 +25,14 @@ std::string TokenReader::found() const
 
 void TokenReader::report(const Span& at, std::string sentence, std::optional<Note> note)
 {
-    hasErrors_ = true;
-    errors_.error(at, std::move(sentence), std::move(note));
+    reported = true;
+    errors.error(at, std::move(sentence), std::move(note));
 }
 
 void TokenReader::reportUnexpected(const std::string& wanted)
 {
-    hasErrors_ = true;
-    if (token().kind != TokenKind::bad) errors_.error(token().at, "expected " + wanted + ", found " + found());
+    reported = true;
+    if (token().kind != TokenKind::bad) errors.error(token().at, "expected " + wanted + ", found " + found());
 }
 
 bool TokenReader::expect(std::string_view symbol, const std::string& where)
@@ -53,7 +53,7 @@ bool TokenReader::expectName(const std::string& what, std::string& name, Span& a
     if (token().kind == TokenKind::name) {
         name = token().text;
         at = token().at;
-        ++position_;
+        ++current;
         return true;
     }
     if (token().kind == TokenKind::keyword) {
@@ -66,8 +66,8 @@ bool TokenReader::expectName(const std::string& what, std::string& name, Span& a
 
 void TokenReader::skip()
 {
-    if (token().kind == TokenKind::name) module_.skipped.emplace(token().text);
-    ++position_;
+    if (token().kind == TokenKind::name) module.skipped.emplace(token().text);
+    ++current;
 }
 
 void TokenReader::skipBraces()
@@ -104,7 +104,7 @@ bool TokenReader::startsDefinition() const
 
 void TokenReader::skipToDefinition(std::size_t start)
 {
-    if (position_ == start) skip();
+    if (current == start) skip();
     while (!atEnd()) {
         if (startsDefinition()) return;
         if (at("{")) {
@@ -120,7 +120,7 @@ void TokenReader::skipToDefinition(std::size_t start)
 
 bool TokenReader::continuesBody(const Span& opened, const std::string& what)
 {
-    if (at("}") || errors_.full()) return false;
+    if (at("}") || errors.full()) return false;
     if (!atEnd() && !(startsDefinition() && (token().at.column == 1 || at("typedef") || at("const")))) return true;
     report(positionAfter(previous().at), "expected '}' at the end of " + what, Note{opened, "opened here"});
     return false;

@@ -15,24 +15,27 @@ namespace quorva::compiler {
 class TokenReader {
 public:
     // Lexes the module's source.
-    TokenReader(Module& module, Diagnostics& errors) : module_(module), errors_(errors), file_(lex(module, errors)) {}
+    TokenReader(Module& lexedModule, Diagnostics& diagnostics)
+        : module(lexedModule), errors(diagnostics), lexed(lex(lexedModule, diagnostics))
+    {
+    }
 
-    const LexResult& file() const { return file_; }
-    std::size_t position() const { return position_; }
+    const LexResult& file() const { return lexed; }
+    std::size_t position() const { return current; }
 
     // The current token, or one further on. Beyond the last token all are `end`.
     const Token& token(std::size_t ahead = 0) const;
-    const Token& previous() const { return file_.tokens[position_ - 1]; }
+    const Token& previous() const { return lexed.tokens[current - 1]; }
 
     // True if the current token is the word.
     bool at(std::string_view word) const { return token().is(word); }
     bool atEnd() const { return token().kind == TokenKind::end; }
-    bool startsLine() const { return position_ == 0 || token().at.line > previous().at.line; }
+    bool startsLine() const { return current == 0 || token().at.line > previous().at.line; }
 
     // True if the current tokens can only begin a definition: no declaration begins with them.
     bool startsDefinition() const;
 
-    void advance() { ++position_; }
+    void advance() { ++current; }
 
     // Advances past the word if it is the current token; else returns false.
     bool accept(std::string_view word);
@@ -54,9 +57,9 @@ public:
     void reportUnexpected(const std::string& wanted);
 
     // True if an error was reported since clearErrors(), or markErrors() was called.
-    bool hasErrors() const { return hasErrors_; }
-    void clearErrors() { hasErrors_ = false; }
-    void markErrors() { hasErrors_ = true; }
+    bool hasErrors() const { return reported; }
+    void clearErrors() { reported = false; }
+    void markErrors() { reported = true; }
 
     // Skips the current token.
     void skip();
@@ -71,16 +74,16 @@ public:
     void skipToDefinition(std::size_t start);
 
 protected:
-    Module& module_;
-    Diagnostics& errors_;
+    Module& module;
+    Diagnostics& errors;
 
 private:
     std::string found() const;
     bool startsDefinitionOnNewLine() const { return startsDefinition() && token().at.column == 1; }
 
-    LexResult file_;
-    std::size_t position_ = 0;
-    bool hasErrors_ = false;
+    LexResult lexed;
+    std::size_t current = 0;
+    bool reported = false;
 };
 
 }  // namespace quorva::compiler

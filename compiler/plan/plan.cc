@@ -45,18 +45,18 @@ void Plans::add(const Module& module, const Module& user, std::unordered_set<con
     if (!seen.insert(&module).second) return;
     for (const Import& import : module.imports)
         if (import.module) add(*import.module, user, seen);
-    if (&module != &user && !module.requested) foreign_.insert(&module.source);
+    if (&module != &user && !module.requested) foreign.insert(&module.source);
     for (const Definition* definition : declarationOrder(typesOf(module)))
         if (hasFunctions(*definition)) of(*definition);
 }
 
 TypePlan Plans::of(const Definition& definition)
 {
-    if (const auto known = plans_.find(&definition); known != plans_.end()) return known->second;
+    if (const auto known = typePlans.find(&definition); known != typePlans.end()) return known->second;
     const TypePlan plan = definition.kind == DefinitionKind::structure
                               ? structure(definition)
                               : TypePlan{.hasFunctions = true, .owns = true, .isInline = isCountedStruct(definition)};
-    plans_.emplace(&definition, plan);
+    typePlans.emplace(&definition, plan);
     return plan;
 }
 
@@ -66,7 +66,7 @@ ValuePlan Plans::pointee(const TypeRef& type)
 {
     const TypeRef& named = canonicalType(type);
     if (named.definition && hasFunctions(*named.definition) && !isForeign(*named.definition) &&
-        !plans_.contains(named.definition))
+        !typePlans.contains(named.definition))
         return {.coding = Coding::function, .type = named.definition, .owns = true};
     return valuePlan(type);
 }

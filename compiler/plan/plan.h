@@ -70,7 +70,7 @@ public:
     std::vector<Run> runsOf(const Definition& structure);
 
     // True if the definition is compiled into another library.
-    bool isForeign(const Definition& definition) const { return foreign_.contains(definition.at.source); }
+    bool isForeign(const Definition& definition) const { return foreign.contains(definition.at.source); }
 
 private:
     void add(const Module& module, const Module& user, std::unordered_set<const Module*>& seen);
@@ -79,8 +79,8 @@ private:
     ValuePlan array(ValuePlan element, std::uint32_t count) const;
     TypePlan structure(const Definition& definition);
 
-    std::unordered_set<const Source*> foreign_;
-    std::unordered_map<const Definition*, TypePlan> plans_;
+    std::unordered_set<const Source*> foreign;
+    std::unordered_map<const Definition*, TypePlan> typePlans;
 };
 
 // True if the definition has plain functions: a struct, a union, or a typedef that C++ declares as a counted struct.
