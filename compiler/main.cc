@@ -324,7 +324,7 @@ struct Product {
 constexpr Product products[] = {
     {"include/quorvapixdr/types", ".h", emitHeader},
     {"private/quorvapixdr/private", ".h", emitPrivateHeader},
-    {"src", ".cc", emitUnit},
+    {"src", ".cc", emitSource},
     {"descriptions", ".cc", emitDescriptions},
     {"documentation", ".cc", emitDocumentation},
 };
@@ -489,7 +489,7 @@ int run(const Arguments& arguments)
     if (!program) return status;
     switch (arguments.verb) {
     case Verb::generate: return generate(arguments, *program);
-    case Verb::plain: std::cout << emitPlain(*program, {arguments.prefix}); break;
+    case Verb::plain: std::cout << emitRfc4506(*program, {arguments.prefix}); break;
     case Verb::lint: return lint(*program);
     case Verb::flatten: std::cout << flatten(*program); break;
     case Verb::fingerprint: std::cout << fingerprint(*program); break;

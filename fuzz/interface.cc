@@ -51,11 +51,11 @@ void generateAll(const Program& program)
     std::vector<const Module*> modules;
     for (const auto& module : program.modules) {
         modules.push_back(module.get());
-        for (const auto emit : {emitHeader, emitPrivateHeader, emitUnit, emitDescriptions, emitDocumentation})
+        for (const auto emit : {emitHeader, emitPrivateHeader, emitSource, emitDescriptions, emitDocumentation})
             if (emit(*module).empty()) throw Finding{"an emitter writes nothing"};
     }
     emitModuleList(modules, "modules");
-    emitPlain(program, {"plain_"});
+    emitRfc4506(program, {"plain_"});
     Diagnostics warnings("warning", mostWarnings);
     lint(program, warnings);
     std::ostringstream printed;

@@ -15,7 +15,7 @@ namespace quorva::compiler {
 std::string emitHeader(const Module& module);
 
 // The source file of a module: the routines and name functions that the header declares, and the plain functions.
-std::string emitUnit(const Module& module);
+std::string emitSource(const Module& module);
 
 // The private header of a module, <quorvapixdr/private/MODULE.h>: what generated source files of one library share.
 std::string emitPrivateHeader(const Module& module);
@@ -29,11 +29,11 @@ std::string emitDocumentation(const Module& module);
 // The definition of quorva::`function`(), which returns the documentation of the modules in the order of their names.
 std::string emitModuleList(const std::vector<const Module*>& modules, const std::string& function);
 
-struct PlainOptions {
+struct Rfc4506Options {
     std::string prefix;  // of every type, enumerator and constant, because C has one name space for all
 };
 
 // All modules of a program as one file of RFC 4506 for other XDR tools. Every name is defined before it is used.
-std::string emitPlain(const Program& program, const PlainOptions& options = {});
+std::string emitRfc4506(const Program& program, const Rfc4506Options& options = {});
 
 }  // namespace quorva::compiler

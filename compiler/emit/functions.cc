@@ -118,7 +118,7 @@ std::string routine(const Definition& definition, Plans& plans)
 
 }  // namespace
 
-std::string emitUnit(const Module& module)
+std::string emitSource(const Module& module)
 {
     Plans plans(module);
     std::vector<std::string> parts = {generatedBanner(module) + "#include <" + privateHeader(module.source.module) +
