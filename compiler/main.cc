@@ -34,9 +34,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int success = 0;
-constexpr int faultyInput = 1;  // errors or warnings
-constexpr int broken = 1;       // compare found breaks
-constexpr int cannotRun = 2;    // the command line is wrong, or a file cannot be read or written
+constexpr int hasDiagnostics = 1;  // errors or warnings
+constexpr int broken = 1;          // compare found breaks
+constexpr int cannotRun = 2;       // the command line is wrong, or a file cannot be read or written
 
 constexpr std::string_view usage =
     R"(usage: quorvaxdrc generate --out DIR [-I DIR]... [option]... FILE.x...
@@ -47,27 +47,27 @@ constexpr std::string_view usage =
        quorvaxdrc fingerprint [-I DIR]... FILE.x...
        quorvaxdrc compare [-I DIR]... OLD NEW
 
-Compiles interface files: XDR (RFC 4506) with imports and the names of the API's own widths.
+Compiles interface files: XDR (RFC 4506) with imports and the API's own integer types.
 
   generate   write C++ headers, coding routines and descriptions
   plain      print one RFC 4506 file for other XDR tools, imports included
-  check      report faults and write nothing
-  lint       report faults and bad habits
+  check      report errors and write nothing
+  lint       report errors, or style warnings if there are no errors
   flatten    print one interface file without documentation, imports included, to compare with later
   fingerprint
              print a line for each settled type, which changes when the type does
-  compare    tell what a change of an interface breaks
+  compare    report what a change of an interface breaks
 
-  --help     this text; behind a command, that command's options
+  --help     this text; after a command, the options of that command
   --version  the version
 
-The status is 0; 1 when the input has faults, bad habits or breaks; 2 when the command line is wrong or a file cannot
-be read or written.
+The status is 0; 1 if errors, warnings or breaks are reported; 2 if the command line is wrong or a file cannot be read
+or written.
 )";
 
 constexpr std::string_view searching =
     R"(
-  -I DIR         look for modules below DIR; may be given several times, the first hit counts (default: .)
+  -I DIR         search DIR for modules; may be given several times, and the first match is used (default: .)
 )";
 
 constexpr std::string_view generateUsage =
@@ -75,7 +75,7 @@ constexpr std::string_view generateUsage =
 
 Writes for each FILE, which is a module named after its path below an -I folder,
   DIR/include/quorvapixdr/types/MODULE.h    the public header
-  DIR/private/quorvapixdr/private/MODULE.h  what the units of one library need of each other
+  DIR/private/quorvapixdr/private/MODULE.h  what the source files of one library share
   DIR/src/MODULE.cc                         coding routines and name functions
   DIR/descriptions/MODULE.cc                descriptions of the types, which the library and tools link
   DIR/documentation/MODULE.cc               documentation of the types, which tools link
@@ -93,44 +93,44 @@ constexpr std::string_view generateOptions =
 constexpr std::string_view plainUsage =
     R"(usage: quorvaxdrc plain [option]... FILE.x...
 
-Prints the definitions of every FILE and of all that they import as one file of RFC 4506.
+Prints the definitions of every FILE and its imports as one file of RFC 4506.
 )";
 
 constexpr std::string_view plainOptions =
-    R"(  --prefix P     put P before the name of every type, enumerator and constant
+    R"(  --prefix P     put P in front of the name of every type, enumerator and constant
 )";
 
 constexpr std::string_view checkUsage =
     R"(usage: quorvaxdrc check [option]... FILE.x...
 
-Reports the faults of every FILE and of all that they import.
+Reports the errors of every FILE and its imports.
 )";
 
 constexpr std::string_view lintUsage =
     R"(usage: quorvaxdrc lint [option]... FILE.x...
 
-Reports the faults of every FILE and of all that they import; where there are none, the bad habits of every FILE.
+Reports the errors of every FILE and its imports; if there are none, reports the style warnings of every FILE.
 )";
 
 constexpr std::string_view flattenUsage =
     R"(usage: quorvaxdrc flatten [option]... FILE.x...
 
-Prints the definitions of every FILE and of all that they import as one interface file without documentation.
+Prints the definitions of every FILE and its imports as one interface file without documentation.
 )";
 
 constexpr std::string_view fingerprintUsage =
     R"(usage: quorvaxdrc fingerprint [option]... FILE.x...
 
-Prints for each settled type in every FILE and in all that they import its name and three hashes: of its bytes on the
-wire, of its definition as callers see it, and of its text in the trace.
+Prints the name of each settled type of every FILE and its imports, and three hashes: of its wire format, of its C++
+declaration, and of its trace.
 )";
 
 constexpr std::string_view compareUsage =
     R"(usage: quorvaxdrc compare [option]... OLD NEW
 
-Tells what is different in NEW and what that breaks: the wire, the source of callers, or only the text of the trace.
+Reports what differs in NEW and what that breaks: the wire format, the source of callers, or only the trace.
 OLD and NEW are each a folder of interface files, or one file, such as a flattened interface.
-The status is 0 when nothing is broken, 1 when something is, and 2 when the two cannot be compared.
+The status is 0 if no change breaks anything, 1 if one does, and 2 if the two cannot be compared.
 )";
 
 // An error in the command line; the sentence names the argument.
@@ -211,7 +211,7 @@ private:
 
 std::string ArgumentReader::valueOf(std::string_view name)
 {
-    if (next == words.size()) throw UsageError{"'" + std::string(name) + "' lacks its value"};
+    if (next == words.size()) throw UsageError{"'" + std::string(name) + "' needs a value"};
     return words[next++];
 }
 
@@ -226,7 +226,7 @@ void ArgumentReader::option(const std::string& word)
     const auto known = std::find_if(options.begin(), options.end(), [&](const Option& o) {
         return o.name == name && (!o.verb || *o.verb == result.verb);
     });
-    if (known == options.end()) throw UsageError{"'" + nameOf(result.verb) + "' knows no option " + inQuotes(name)};
+    if (known == options.end()) throw UsageError{"'" + nameOf(result.verb) + "' has no option " + inQuotes(name)};
     if (known->flag) {
         if (equals != std::string::npos) throw UsageError{inQuotes(name) + " takes no value"};
         result.*known->flag = true;
@@ -252,13 +252,13 @@ void ArgumentReader::complete() const
         std::error_code ignored;
         if (result.verb == Verb::compare && fs::is_directory(file, ignored)) continue;
         if (fs::path(file).extension() != ".x") {
-            throw UsageError{inQuotes(file) + " is no interface file: its name does not end in '.x'"};
+            throw UsageError{inQuotes(file) + " is not an interface file: its name does not end in '.x'"};
         }
     }
     for (const std::string& folder : result.folders) {
         std::error_code failed;
         if (!fs::is_directory(folder, failed)) {
-            throw UsageError{"'-I " + folder + "': " + (failed ? failed.message() : "it is no folder")};
+            throw UsageError{"'-I " + folder + "': " + (failed ? failed.message() : "it is not a folder")};
         }
     }
     const auto startsName = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
@@ -276,7 +276,7 @@ Arguments ArgumentReader::read()
     if (!verb) {
         std::string known;
         for (const auto& [name, ignored] : verbs) known += (known.empty() ? "" : ", ") + inQuotes(name);
-        throw UsageError{inQuotes(words[0]) + " is no command; there are " + known};
+        throw UsageError{inQuotes(words[0]) + " is not a command; the commands are " + known};
     }
     result.verb = *verb;
     bool onlyFiles = false;
@@ -439,7 +439,7 @@ std::optional<Program> readInterface(const std::vector<std::string>& files, cons
     check(program, errors);
     errors.print(std::cerr);
     for (const std::string& sentence : unreadable) complain(sentence);
-    status = !unreadable.empty() ? cannotRun : errors.count() > 0 ? faultyInput : success;
+    status = !unreadable.empty() ? cannotRun : errors.count() > 0 ? hasDiagnostics : success;
     return status == success ? std::optional(std::move(program)) : std::nullopt;
 }
 
@@ -448,7 +448,7 @@ int lint(const Program& program)
     Diagnostics warnings("warning", mostWarnings);
     lint(program, warnings);
     warnings.print(std::cerr);
-    return warnings.count() > 0 ? faultyInput : success;
+    return warnings.count() > 0 ? hasDiagnostics : success;
 }
 
 // Reads one side of a comparison. A folder means all interface files below it, and is searched before `folders`.
@@ -460,7 +460,7 @@ std::optional<Program> readVersion(const std::string& path, std::vector<std::str
         for (const auto& entry : fs::recursive_directory_iterator(path)) {
             if (entry.path().extension() == ".x") files.push_back(entry.path().string());
         }
-        if (files.empty()) throw UsageError{inQuotes(path) + " holds no interface file"};
+        if (files.empty()) throw UsageError{inQuotes(path) + " contains no interface file"};
         std::sort(files.begin(), files.end());
         folders.insert(folders.begin(), path);
     }

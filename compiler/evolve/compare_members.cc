@@ -241,8 +241,7 @@ void Comparison::addedArm(const ArmCase& after)
     } else if (after.declaration->form == Form::none) {
         change(Impact::trace, oldDefinition->at, after.declaration->at, what + "; its value showed as 'default'");
     } else {
-        change(Impact::wire, oldDefinition->at, after.declaration->at,
-               what + "; its value carried nothing, as 'default'");
+        change(Impact::wire, oldDefinition->at, after.declaration->at, what + "; its value had no data, as 'default'");
     }
 }
 

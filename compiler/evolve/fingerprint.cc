@@ -100,8 +100,8 @@ private:
     static std::uint64_t ofDeclaration(View view, const Declaration& declaration, const Hashes& previous);
     static std::uint64_t ofDefinition(View view, const Definition& definition, const Hashes& previous);
     static void addEnumerators(Hash& hash, View view, const Definition& enumeration);
-    static void addFields(Hash& hash, View view, const Definition& record, const Hashes& previous);
-    static void addArms(Hash& hash, View view, const Definition& discriminated, const Hashes& previous);
+    static void addFields(Hash& hash, View view, const Definition& structure, const Hashes& previous);
+    static void addArms(Hash& hash, View view, const Definition& discriminatedUnion, const Hashes& previous);
 
     std::vector<const Definition*> types;
 };
@@ -144,10 +144,10 @@ void Fingerprints::addEnumerators(Hash& hash, View view, const Definition& enume
     for (const auto& [value, name] : names) hash.add(number(value)).add(view == View::wire ? "" : name);
 }
 
-void Fingerprints::addFields(Hash& hash, View view, const Definition& record, const Hashes& previous)
+void Fingerprints::addFields(Hash& hash, View view, const Definition& structure, const Hashes& previous)
 {
     std::uint64_t provisional = 0;
-    for (const Declaration& field : record.fields) {
+    for (const Declaration& field : structure.fields) {
         if (field.provisional) {
             ++provisional;
         } else {
@@ -157,11 +157,11 @@ void Fingerprints::addFields(Hash& hash, View view, const Definition& record, co
     hash.add(provisional);
 }
 
-void Fingerprints::addArms(Hash& hash, View view, const Definition& discriminated, const Hashes& previous)
+void Fingerprints::addArms(Hash& hash, View view, const Definition& discriminatedUnion, const Hashes& previous)
 {
     std::uint64_t provisional = 0;
     std::map<std::int64_t, const Declaration*> arms;
-    for (const Arm& arm : discriminated.arms) {
+    for (const Arm& arm : discriminatedUnion.arms) {
         if (arm.declaration.provisional) ++provisional;
         for (const Value& value : arm.cases) {
             if (!arm.declaration.provisional) arms.emplace(value.number, &arm.declaration);
@@ -171,14 +171,14 @@ void Fingerprints::addArms(Hash& hash, View view, const Definition& discriminate
         hash.add(view == View::wire || member.provisional ? "" : member.name);
         hash.add(ofDeclaration(view, member, previous));
     };
-    if (view == View::trace) hash.add(discriminated.name);
-    add(discriminated.discriminant);
+    if (view == View::trace) hash.add(discriminatedUnion.name);
+    add(discriminatedUnion.discriminant);
     for (const auto& [value, member] : arms) {
         hash.add(number(value));
         add(*member);
     }
     hash.add(provisional);
-    if (discriminated.defaultArm) add(discriminated.defaultArm->declaration);
+    if (discriminatedUnion.defaultArm) add(discriminatedUnion.defaultArm->declaration);
 }
 
 std::uint64_t Fingerprints::ofDefinition(View view, const Definition& definition, const Hashes& previous)

@@ -105,7 +105,7 @@ void Checker::discriminatedUnion(const Definition& definition)
     }
     if (definition.defaultArm && definition.defaultArm->declaration.form != Form::none) {
         errors.error(definition.defaultArm->declaration.at,
-                     "a default arm carries nothing: only 'default: void;' is possible; give every value its own case");
+                     "a default arm has no data: only 'default: void;' is possible; give every value its own case");
     }
     for (const Arm& arm : definition.arms) declaration(arm.declaration);
     cases(definition);
@@ -208,13 +208,13 @@ void Checker::declaration(const Declaration& declaration)
     const std::string number =
         inQuotes(written.text) + (written.isName ? " (" + std::to_string(written.number) + ")" : "");
     if (written.number < 0) {
-        errors.error(written.at, number + " is negative, and nothing can be counted with it");
+        errors.error(written.at, number + " is negative and cannot be a length");
     } else if (fixed && written.number == 0) {
         errors.error(written.at, declaration.form == Form::fixedOpaque
-                                     ? "no bytes at all: 'opaque' with '[ ]' needs 1 or more"
-                                     : "a vector of no elements; give it 1 or more");
+                                     ? "fixed-length opaque needs 1 or more bytes"
+                                     : "a fixed-length array needs 1 or more elements");
     } else if (written.number > mostElements) {
-        errors.error(written.at, number + " is too large: counts in memory have 16 bits, so the most is 65535");
+        errors.error(written.at, number + " is too large: counts in memory have 16 bits, so the maximum is 65535");
     }
 }
 

@@ -88,8 +88,8 @@ void NameChecker::claim(const std::string& name, const Owner& owner)
     const auto [first, isNew] = globals.emplace(name, owner);
     if (isNew) return;
     errors.error(owner.at,
-                 inQuotes(name) + " would be the name of two things, of " + describeOwner(owner) + " and of " +
-                     describeOwner(first->second) + "; rename one of them",
+                 inQuotes(name) + " would name both " + describeOwner(owner) + " and " + describeOwner(first->second) +
+                     "; rename one of them",
                  Note{first->second.at, describeOwner(first->second) + " comes from here"});
 }
 
@@ -131,8 +131,8 @@ void NameChecker::enumerators(const Definition& enumeration)
             allEnumerators.emplace(enumerator.name, Owner{&enumeration, Role::itself, enumerator.at});
         if (!isNew) {
             errors.error(enumerator.at,
-                         name + " stands in " + describe(*first->second.definition) +
-                             " already; all enumerators share one scope, so rename one",
+                         name + " is already defined in " + describe(*first->second.definition) +
+                             "; all enumerators share one scope, so rename one",
                          Note{first->second.at, "first defined here"});
             continue;
         }

@@ -128,7 +128,7 @@ void NestingChecker::depths(const TypeGraph& graph)
         const Definition& type = graph.type(node);
         if (depths[node] != deepestNesting + 1 || !tooDeep.insert(&type).second) continue;
         errors.error(type.at, describe(type) + " nests " + std::to_string(depths[node]) +
-                                  " types, one in the other; the most is " + std::to_string(deepestNesting));
+                                  " types within each other; the maximum is " + std::to_string(deepestNesting));
     }
 }
 
@@ -145,12 +145,12 @@ void NestingChecker::sizes(const TypeGraph& graph)
         const auto& inner = graph.edges(node);
         if (!isTooLarge[node] || std::any_of(inner.begin(), inner.end(), [&](auto held) { return isTooLarge[held]; }))
             continue;
-        const std::string sentence = hasTooMany
-                                         ? " has " + std::to_string(layout.members) +
-                                               " members, counting those of its members; the most is " +
-                                               std::to_string(Layouts::mostMembers)
-                                         : " takes " + std::to_string(layout.size) + " bytes in memory; the most is " +
-                                               std::to_string(Layouts::mostBytes) + ", which is 64 MiB";
+        const std::string sentence =
+            hasTooMany
+                ? " has " + std::to_string(layout.members) +
+                      " members, counting those of its members; the maximum is " + std::to_string(Layouts::mostMembers)
+                : " takes " + std::to_string(layout.size) + " bytes in memory; the maximum is " +
+                      std::to_string(Layouts::mostBytes) + ", which is 64 MiB";
         errors.error(type.at, describe(type) + sentence);
     }
 }
@@ -160,7 +160,7 @@ void NestingChecker::run()
     TypeGraph values(types, isHeldByValue);
     const bool areValuesFinite = values.isAcyclic(errors, [&](const Cycle& cycle) {
         errors.error(cycle.at, inQuotes(cycle.first->name) + " contains itself: " + cycle.path +
-                                   "; hold one of them as an optional value ('*') or a list ('< >')");
+                                   "; make one of them optional ('*') or a variable-length array ('< >')");
     });
     // `typedef A *B; typedef B *A;` is finite in memory, but C++ has no type for it.
     TypeGraph typedefs(types, isSpelledOut);

@@ -147,8 +147,8 @@ void Lexer::word()
     const bool keyword = std::find(keywords.begin(), keywords.end(), name) != keywords.end();
     add(keyword ? TokenKind::keyword : TokenKind::name, from);
     if (name.size() > longestWord) {
-        errors.error(span(from, name.size()), "this name has " + std::to_string(name.size()) + " characters; at most " +
-                                                  std::to_string(longestWord) + " are taken");
+        errors.error(span(from, name.size()), "this name has " + std::to_string(name.size()) +
+                                                  " characters; the maximum is " + std::to_string(longestWord));
         out.tokens.back().text = name.substr(0, longestWord);
     }
 }
@@ -177,8 +177,8 @@ void Lexer::number()
         token.known = false;
         const bool octal = base == 8 && std::all_of(digits.begin(), digits.end(), isDigit);
         errors.error(token.at, inQuotes(token.text) +
-                                   (octal ? " is no number: a leading 0 makes it octal, and octal has no 8 and 9"
-                                          : " is no number, and a name cannot begin with a digit"));
+                                   (octal ? " is not a number: a leading 0 makes it octal, and octal has no 8 and 9"
+                                          : " is not a number, and a name cannot begin with a digit"));
     } else if (result == std::errc::result_out_of_range) {
         token.known = false;
         errors.error(token.at,
@@ -199,7 +199,7 @@ void Lexer::preprocessorLine()
     while (wordEnd < line.size() && continuesWord(line[wordEnd])) ++wordEnd;
     const auto directive = line.substr(wordStart, wordEnd - wordStart);
 
-    std::string sentence = "there is no preprocessor: lines that begin with '#' are not understood";
+    std::string sentence = "there is no preprocessor: lines that begin with '#' are not allowed";
     if (directive == "define") {
         sentence = "there is no preprocessor: write 'const NAME = number;' instead of '#define'";
         std::size_t nameStart = wordEnd;
@@ -234,13 +234,14 @@ void Lexer::illegal()
     const auto byte = static_cast<unsigned char>(text[from]);
     std::string what;
     if (byte == '"') {
-        what = "nothing stands in quotes in this language";
+        what = "this language has no quoted strings";
     } else if (byte > 0x20 && byte < 0x7F) {
-        what = inQuotes(text.substr(from, 1)) + " is no character of this language";
+        what = inQuotes(text.substr(from, 1)) + " is not a character of this language";
     } else {
         constexpr std::string_view hex = "0123456789ABCDEF";
         what = std::string("the byte 0x") + hex[byte >> 4U] + hex[byte & 15U] +
-               (byte < 0x80 ? " stands in no text file" : " is no letter of ASCII; others may stand in comments only");
+               (byte < 0x80 ? " does not belong in a text file"
+                            : " is not ASCII; only comments may contain other characters");
     }
     add(TokenKind::bad, from);
     // Bad characters come in groups; one error a line is enough.

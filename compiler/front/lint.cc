@@ -157,11 +157,11 @@ void Linter::imports(const Module& module)
 void Linter::documentation(const Definition& definition)
 {
     if (definition.doc.empty()) {
-        warn(definition.at, inQuotes(definition.name) + " is not documented; say above it what it stands for");
+        warn(definition.at, inQuotes(definition.name) + " is not documented; describe it in a comment above it");
     }
     if (definition.provisional && definition.provisional->empty()) {
         warn(definition.at,
-             inQuotes(definition.name) + " is provisional without a reason; say behind the mark what it follows");
+             inQuotes(definition.name) + " is provisional without a reason; say after the mark what it follows");
     }
     for (const Declaration* member : declarationsOf(definition)) {
         if (!member->provisional) continue;
@@ -170,7 +170,7 @@ void Linter::documentation(const Definition& definition)
                                  inQuotes(definition.name) + "; keep one of the marks");
         } else if (member->provisional->empty()) {
             warn(member->at,
-                 inQuotes(member->name) + " is provisional without a reason; say behind the mark what is assumed");
+                 inQuotes(member->name) + " is provisional without a reason; say after the mark what is assumed");
         }
     }
 }
@@ -237,7 +237,7 @@ void Linter::maximum(const Declaration& declaration)
     const auto& written = declaration.written;
     if (!written || written->isName || written->number != mostElements) return;
     if (declaration.form == Form::fixedArray || declaration.form == Form::fixedOpaque) return;
-    warn(written->at, "65535 is the maximum without a number, too; write '<>'");
+    warn(written->at, "65535 is the default maximum; write '<>'");
 }
 
 void Linter::orderOfArms(const Definition& definition)
@@ -247,8 +247,8 @@ void Linter::orderOfArms(const Definition& definition)
         for (const Value& value : arm.cases) {
             if (before && value.number < before->number) {
                 warn(value.at,
-                     "case " + inQuotes(value.text) + " stands behind " + inQuotes(before->text) +
-                         "; bring the arms of union " + inQuotes(definition.name) + " into ascending order",
+                     "case " + inQuotes(value.text) + " comes after " + inQuotes(before->text) +
+                         "; put the arms of union " + inQuotes(definition.name) + " in ascending order",
                      Note{before->at, inQuotes(before->text) + " is here"});
                 return;
             }
@@ -279,9 +279,9 @@ void Linter::sizeOfArms(const Definition& definition)
     const Definition* type = largest->type.definition;
     if (!definition.provisional && !(type && type->provisional)) return;
     warn(largest->at, "arm " + inQuotes(largest->name) + " takes " + std::to_string(most) +
-                          " bytes in memory, every other at most " + std::to_string(next) +
-                          ", and each value of union " + inQuotes(definition.name) +
-                          " is as large as the largest; hold it as an optional value ('*') or a list ('< >')");
+                          " bytes in memory, the others at most " + std::to_string(next) +
+                          ", and every value of union " + inQuotes(definition.name) +
+                          " is as large as its largest arm; make it optional ('*') or a variable-length array ('< >')");
 }
 
 void Linter::definition(const Definition& definition)
@@ -306,7 +306,7 @@ void Linter::module(const Module& module)
 {
     if (module.doc.empty()) {
         warn({&module.source, 1, 1, 1},
-             "the module is not documented; say at the head of the file, above an empty line, what it is about");
+             "the module is not documented; describe it at the top of the file, above an empty line");
     }
     width(module.source);
     imports(module);

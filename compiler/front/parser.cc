@@ -59,7 +59,7 @@ std::string Parser::unmarkedDoc(const std::vector<DocLine>& lines)
 {
     for (const DocLine& line : lines) {
         if (markOf(line) == provisionalMark) {
-            report(line.at, "'@provisional' marks a type, a field or an arm; put it above one of those");
+            report(line.at, "'@provisional' marks a type, a field or an arm; put it above one of these");
         }
     }
     return textOf(lines);
@@ -124,7 +124,7 @@ bool Parser::definition()
                                     : DefinitionKind::discriminatedUnion;
         advance();
         complete = expectName("the " + describe(*made), made->name, made->at) && body(*made) &&
-                   expect(";", "behind the '}' of " + describe(*made));
+                   expect(";", "after the '}' of " + describe(*made));
     } else {
         reportUnexpected("'struct', 'union', 'enum', 'typedef', 'const' or 'import'");
     }
@@ -162,10 +162,10 @@ bool Parser::import()
         return false;
     }
     if (!module.definitions.empty()) {
-        report(word.at, "imports stand before the first definition; move this one up to the head of the file",
+        report(word.at, "imports come before the first definition; move this one to the top of the file",
                Note{module.definitions.front()->at, "the first definition is here"});
     }
-    if (!expect(";", "behind the module's name")) return false;
+    if (!expect(";", "after the module's name")) return false;
     const auto same = std::find_if(module.imports.begin(), module.imports.end(),
                                    [&](const Import& other) { return other.name == import.name; });
     if (same != module.imports.end()) {
@@ -193,16 +193,16 @@ bool Parser::program()
         return false;
     }
     if (accept("=") && token().kind == TokenKind::number) advance();
-    return expect(";", "behind the program");
+    return expect(";", "after the program");
 }
 
 bool Parser::constant(Definition& definition)
 {
     advance();
     definition.kind = DefinitionKind::constant;
-    return expectName("the constant", definition.name, definition.at) &&
-           expect("=", "behind " + describe(definition)) && value(definition.constant, "the value of the constant") &&
-           expect(";", "behind the value of " + describe(definition));
+    return expectName("the constant", definition.name, definition.at) && expect("=", "after " + describe(definition)) &&
+           value(definition.constant, "the value of the constant") &&
+           expect(";", "after the value of " + describe(definition));
 }
 
 // `typedef struct { ... } Name;` defines the struct itself, as in RFC 4506.
@@ -232,7 +232,7 @@ bool Parser::typeDefinition(Definition& definition)
                                    " under its own name first, then write a typedef of that name");
             return false;
         }
-        return expect(";", "behind " + describe(definition));
+        return expect(";", "after " + describe(definition));
     }
 
     definition.kind = DefinitionKind::typeDefinition;
@@ -241,7 +241,7 @@ bool Parser::typeDefinition(Definition& definition)
     definition.name = target.name;
     definition.at = target.at;
     if (complete && target.form == Form::none) {
-        report(target.at, "'void' is no type that could have another name");
+        report(target.at, "'void' is not a type, so a typedef cannot name it");
         return false;
     }
     return complete && endOfDeclaration(describe(definition));
@@ -252,10 +252,10 @@ bool Parser::body(Definition& definition)
     if (definition.kind == DefinitionKind::discriminatedUnion) {
         Declaration& discriminant = definition.discriminant;
         discriminant.form = Form::single;
-        if (!expect("switch", "behind " + describe(definition)) || !expect("(", "behind 'switch'")) return false;
+        if (!expect("switch", "after " + describe(definition)) || !expect("(", "after 'switch'")) return false;
         const std::size_t open = position() - 1;
         if (!typeSpecifier(discriminant.type) || !expectName("the discriminant", discriminant.name, discriminant.at) ||
-            !expect(")", "behind the discriminant")) {
+            !expect(")", "after the discriminant")) {
             return false;
         }
         std::vector<DocLine> doc;
@@ -263,7 +263,7 @@ bool Parser::body(Definition& definition)
         document(discriminant, doc);
     }
     const Span opened = token().at;
-    if (!expect("{", "behind " + describe(definition))) return false;
+    if (!expect("{", "after " + describe(definition))) return false;
     if (token().at.line > previous().at.line) comments.appendAfter(bodyDoc, position() - 1);
 
     while (continuesBody(opened, describe(definition))) {
@@ -281,7 +281,7 @@ bool Parser::enumeration(Definition& definition)
     Enumerator made;
     std::vector<DocLine> doc = comments.above(position());
     if (!expectName("an enumerator", made.name, made.at) ||
-        !expect("=", "and a number behind enumerator " + inQuotes(made.name)) ||
+        !expect("=", "and a number after enumerator " + inQuotes(made.name)) ||
         !value(made.value, "the value of " + inQuotes(made.name))) {
         return false;
     }
@@ -290,12 +290,12 @@ bool Parser::enumeration(Definition& definition)
         comments.appendAfter(doc, position() - 1);
         if (at("}")) report(previous().at, "no enumerator follows this ','; remove it");
     } else if (token().kind == TokenKind::name && token(1).is("=")) {
-        report(positionAfter(previous().at), "expected ',' behind enumerator " + inQuotes(made.name));
+        report(positionAfter(previous().at), "expected ',' after enumerator " + inQuotes(made.name));
     } else if (at(";")) {
-        report(token().at, "enumerators are parted by ',', not by ';'");
+        report(token().at, "enumerators are separated by ',', not by ';'");
         advance();
     } else if (!at("}") && !atEnd() && !startsDefinition()) {
-        reportUnexpected("',' or '}' behind enumerator " + inQuotes(made.name));
+        reportUnexpected("',' or '}' after enumerator " + inQuotes(made.name));
         return false;
     }
     made.doc = unmarkedDoc(doc);
@@ -326,7 +326,7 @@ bool Parser::arm(Definition& definition)
     std::vector<DocLine> doc = comments.above(first);
     if (isDefault) {
         advance();
-        if (!expect(":", "behind 'default'")) return false;
+        if (!expect(":", "after 'default'")) return false;
     } else if (!at("case")) {
         reportUnexpected("'case', 'default' or '}' in " + describe(definition));
         return false;
@@ -339,10 +339,10 @@ bool Parser::arm(Definition& definition)
             report(token().at, "one value to a 'case': write 'case " + std::string(previous().text) + ": case ...:'");
             return false;
         }
-        if (!expect(":", "behind the value of a case")) return false;
+        if (!expect(":", "after the value of a case")) return false;
     }
     if (!isDefault && at("default")) {
-        report(token().at, "'default' stands by itself, not together with cases");
+        report(token().at, "'default' cannot share an arm with cases; give it an arm of its own");
         return false;
     }
     const bool complete = declaration(arm.declaration, "arm");
@@ -372,7 +372,7 @@ bool Parser::endOfDeclaration(const std::string& what)
         report(token().at, "one name to a declaration: end it with ';' and repeat the type");
         return false;
     }
-    return expect(";", "behind " + what);
+    return expect(";", "after " + what);
 }
 
 // Sets the name if it could be read, so that an error after it does not hide the declaration.
@@ -383,7 +383,7 @@ bool Parser::declaration(Declaration& declaration, const std::string& what)
         declaration.at = token().at;
         advance();
         if (at("*") || token().kind == TokenKind::name) {
-            report(previous().at, "'void' holds nothing and takes no name");
+            report(previous().at, "'void' has no data and takes no name");
             return false;
         }
         return true;
@@ -433,11 +433,12 @@ bool Parser::declarator(Declaration& declaration, const std::string& what)
 
     if (optional && !isString && !isOpaque) {
         report(bracket, "a value is optional or repeated, not both; write a typedef for the " +
-                            std::string(counted ? "list" : "vector") + " and make that optional");
+                            std::string(counted ? "variable-length" : "fixed-length") +
+                            " array and make that optional");
         declaration.written.reset();
     } else if (isString && !counted) {
         report(bracket, "a string has no fixed length: write 'string " + name +
-                            "<n>' for text of at most n characters, "
+                            "<n>' for at most n characters, "
                             "'opaque " +
                             name + "[n]' for exactly n bytes");
     } else if (isOpaque && !counted) {
@@ -446,8 +447,8 @@ bool Parser::declarator(Declaration& declaration, const std::string& what)
         declaration.form = counted ? Form::variableArray : Form::fixedArray;
     }
     if (!counted && !declaration.written && declaration.form != Form::optional && !isString) {
-        report(bracket, "a vector needs its number of elements; write " + inQuotes(name + "[n]") + ", or " +
-                            inQuotes(name + "<>") + " for a list");
+        report(bracket, "a fixed-length array needs its number of elements; write " + inQuotes(name + "[n]") + ", or " +
+                            inQuotes(name + "<>") + " for a variable-length array");
     }
     if (at("[") || at("<")) {
         report(token().at, "only one dimension to a declaration; write a typedef for the inner one");
@@ -463,7 +464,7 @@ bool Parser::bound(Declaration& declaration, std::string_view close)
         if (!value(written, "the number of " + inQuotes(declaration.name))) return false;
         declaration.written = written;
     }
-    return expect(close, "behind the number of " + inQuotes(declaration.name));
+    return expect(close, "after the number of " + inQuotes(declaration.name));
 }
 
 bool Parser::typeSpecifier(TypeRef& type)
@@ -483,7 +484,7 @@ bool Parser::typeSpecifier(TypeRef& type)
     if (at("hyper") || at("double") || at("quadruple")) {
         const std::string word(token().text);
         report(type.at, "'" + word + "' takes " + (word == "quadruple" ? "16" : "8") +
-                            " bytes, and this API moves single units of 4; " +
+                            " bytes, and the numbers of this API take 4; " +
                             (word == "hyper" ? "use two 'unsigned int'" : "use 'float'"));
         return builtin("LongInteger", Builtin::LongInteger);
     }
@@ -513,12 +514,12 @@ bool Parser::unsignedSpecifier(TypeRef& type)
         extend();
     } else if (at("hyper")) {
         extend();
-        report(type.at, "'unsigned hyper' takes 8 bytes, and this API moves single units of 4; use two 'unsigned int'");
+        report(type.at, "'unsigned hyper' takes 8 bytes, and the numbers of this API take 4; use two 'unsigned int'");
     } else if (at("long") || at("short") || at("char")) {
         const std::string instead = at("long") ? "unsigned int" : at("short") ? "Natural" : "ShortNatural";
         const std::string word(token().text);
         extend();
-        report(type.at, "'unsigned " + word + "' is no type of this language; write '" + instead + "'");
+        report(type.at, "'unsigned " + word + "' is not a type of this language; write '" + instead + "'");
     }
     return true;
 }
@@ -536,7 +537,7 @@ bool Parser::taggedSpecifier(TypeRef& type)
         type.at = token().at;
         return expectName("a " + word, type.name, type.at);
     }
-    report(type.at, "every type needs a definition of its own, because its routine bears its name; move this " + word +
+    report(type.at, "every type needs a definition of its own, because its routine has its name; move this " + word +
                         " out of the declaration");
     while (!at("{") && !at(";") && !at("}") && !atEnd()) skip();
     if (!at("{")) return false;

@@ -184,7 +184,7 @@ Resolver::NamedNumber* Resolver::findOrReport(const Value& value)
         return nullptr;
     }
     if (types.contains(value.text)) {
-        errors.error(value.at, inQuotes(value.text) + " is a type; a number or a constant's name is wanted here");
+        errors.error(value.at, inQuotes(value.text) + " is a type; expected a number or a constant's name");
         return nullptr;
     }
     std::vector<std::string_view> candidates;
@@ -285,8 +285,8 @@ void Resolver::label(Value& value, const TypeRef& discriminant)
 
     std::vector<std::string_view> candidates;
     for (const Enumerator& enumerator : enumeration.enumerators) candidates.push_back(enumerator.name);
-    std::string sentence = inQuotes(value.text) + " is no enumerator of " + inQuotes(enumeration.name);
-    if (named) sentence += " but one of " + inQuotes(named->owner->name);
+    std::string sentence = inQuotes(value.text) + " is not an enumerator of " + inQuotes(enumeration.name);
+    if (named) sentence += " but of " + inQuotes(named->owner->name);
     errors.error(value.at, sentence + suggestion(value.text, candidates),
                  Note{enumeration.at, inQuotes(enumeration.name) + " is defined here"});
 }

@@ -148,7 +148,7 @@ std::size_t Reader::load(const std::string& path, const std::string& name)
     if (!fresh) {
         errors.error({&module->source, 1, 1, 1},
                      "this file is module " + inQuotes(name) + ", as " + inQuotes(modules[same->second]->source.path) +
-                         " is; a module's name is its path below the -I folder, and no two may have the same");
+                         " is; a module's name is its path below the -I folder, and no two may have the same name");
         module->incomplete = true;  // not parsed, as it would repeat every name
     } else {
         parse(*module, errors);
@@ -190,7 +190,7 @@ void Reader::order(Program& program)
         for (std::size_t i = first; i < path.size(); ++i) names.emplace_back(modules[path[i].node]->source.module);
         errors.error(
             importStatements[path[first].node][path[first].edge]->at,
-            "imports form a circle: " + cyclePath(names) + "; move what both sides need into a module of its own");
+            "imports form a cycle: " + cyclePath(names) + "; move what both sides need into a module of its own");
     };
     const std::vector<std::size_t> sorted = depthFirst(imports, onCycle);
     for (const std::size_t at : sorted) program.modules.push_back(std::move(modules[at]));

@@ -57,7 +57,7 @@ bool TokenReader::expectName(const std::string& what, std::string& name, Span& a
         return true;
     }
     if (token().kind == TokenKind::keyword) {
-        report(token().at, inQuotes(token().text) + " is a word of the language and cannot be the name of " + what);
+        report(token().at, inQuotes(token().text) + " is a keyword and cannot be the name of " + what);
         return false;
     }
     reportUnexpected("the name of " + what);
