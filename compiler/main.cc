@@ -23,10 +23,6 @@
 #include <utility>
 #include <vector>
 
-#ifndef QUORVA_VERSION
-#define QUORVA_VERSION "unversioned"
-#endif
-
 namespace quorva::compiler {
 
 namespace {

@@ -21,7 +21,7 @@ const Documentation& documentationOf(const Type& type);
 // The module that defines a type; null for a built-in type and for a type whose module is not known.
 const Module* moduleOf(const Type& type);
 
-// The name of that module, such as "jobs/cover"; empty where `moduleOf` is null.
+// The name of that module, such as "jobs/covers"; empty where `moduleOf` is null.
 const char* moduleName(const Type& type);
 
 // The documentation of a member, which must be one of `type.members`; an empty one if the module is not known.

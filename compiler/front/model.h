@@ -13,7 +13,7 @@ namespace quorva::compiler {
 // The text of one interface file.
 struct Source {
     std::string path;    // as diagnostics print it
-    std::string module;  // the path below its -I folder without ".x": "jobs/cover"
+    std::string module;  // the path below its -I folder without ".x": "jobs/covers"
     std::string text;
 };
 

@@ -34,8 +34,8 @@ struct Documentation {
 
 // An interface file.
 struct Module {
-    const char* name = "";  // "jobs/cover"
-    const char* file = "";  // relative to its -I folder: "jobs/cover.x"
+    const char* name = "";  // "jobs/covers"
+    const char* file = "";  // relative to its -I folder: "jobs/covers.x"
     const char* text = "";
     std::span<const Documentation> types = {};  // in the order of the file
 };
