@@ -147,12 +147,11 @@ void Order::complete(std::size_t node)
     append(node);
 }
 
-// Appends a typedef before its name is used; the typedef itself needs only the names in it. Types that can be
-// forward-declared need not precede their use.
+// Appends a typedef before its name is used, as C has no forward declaration of typedefs; the typedef itself needs only
+// the names in it. Structs and unions can be forward-declared, so they need not precede their use.
 void Order::name(std::size_t node)
 {
-    const Definition& definition = *nodes[node].definition;
-    if (definition.kind != DefinitionKind::typeDefinition || canBeForwardDeclared(definition) || named[node]) return;
+    if (nodes[node].definition->kind != DefinitionKind::typeDefinition || named[node]) return;
     named[node] = true;
     for (const auto& [used, byValue] : nodes[node].edges) name(used);
     append(node);
