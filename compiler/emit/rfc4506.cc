@@ -177,7 +177,7 @@ std::string Rfc4506Printer::module(const Module& module)
     std::vector<std::string> parts = {
         blockComment("Module " + module.source.module + (module.doc.empty() ? "" : "\n\n" + module.doc))};
     for (const Definition* each : constantsOf(module)) parts.push_back(definition(*each));
-    for (const Definition* each : declarationOrder(typesOf(module))) {
+    for (const Definition* each : declarationOrder(typesOf(module), Language::c)) {
         parts.push_back(definition(*each));
         printed.insert(each);
     }

@@ -21,7 +21,7 @@ bool isByValue(Form form)
 // connected components, with an explicit stack instead of recursion.
 class Order {
 public:
-    explicit Order(const std::vector<const Definition*>& definitions);
+    Order(const std::vector<const Definition*>& definitions, Language printedLanguage);
 
     std::vector<const Definition*> find();
 
@@ -57,6 +57,7 @@ private:
     void name(std::size_t node);
     void append(std::size_t node);
 
+    Language language;
     std::vector<Node> nodes;
     std::vector<Frame> path;
     std::vector<std::size_t> open;  // entered and not grouped yet
@@ -67,8 +68,12 @@ private:
     std::vector<const Definition*> order;
 };
 
-Order::Order(const std::vector<const Definition*>& definitions)
-    : nodes(definitions.size()), completed(definitions.size()), named(definitions.size()), appended(definitions.size())
+Order::Order(const std::vector<const Definition*>& definitions, Language printedLanguage)
+    : language(printedLanguage),
+      nodes(definitions.size()),
+      completed(definitions.size()),
+      named(definitions.size()),
+      appended(definitions.size())
 {
     std::unordered_map<const Definition*, std::size_t> nodeOf;
     for (std::size_t at = 0; at < definitions.size(); ++at) nodeOf[definitions[at]] = at;
@@ -147,11 +152,13 @@ void Order::complete(std::size_t node)
     append(node);
 }
 
-// Appends a typedef before its name is used, as C has no forward declaration of typedefs; the typedef itself needs only
-// the names in it. Structs and unions can be forward-declared, so they need not precede their use.
+// Appends a typedef before its name is used; the typedef itself needs only the names in it. Types that the language can
+// forward-declare need not precede their use.
 void Order::name(std::size_t node)
 {
-    if (nodes[node].definition->kind != DefinitionKind::typeDefinition || named[node]) return;
+    const Definition& definition = *nodes[node].definition;
+    if (definition.kind != DefinitionKind::typeDefinition || named[node]) return;
+    if (language == Language::cpp && canBeForwardDeclared(definition)) return;
     named[node] = true;
     for (const auto& [used, byValue] : nodes[node].edges) name(used);
     append(node);
@@ -299,9 +306,9 @@ std::vector<ArmMember> voidArmsOf(const Definition& discriminatedUnion)
     return documented;
 }
 
-std::vector<const Definition*> declarationOrder(const std::vector<const Definition*>& definitions)
+std::vector<const Definition*> declarationOrder(const std::vector<const Definition*>& definitions, Language language)
 {
-    return Order(definitions).find();
+    return Order(definitions, language).find();
 }
 
 }  // namespace quorva::compiler

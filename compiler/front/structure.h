@@ -56,9 +56,13 @@ std::vector<ArmMember> armMembersOf(const Definition& discriminatedUnion);
 // The void arms without the default arm: each documented arm by itself, then the others as one.
 std::vector<ArmMember> voidArmsOf(const Definition& discriminatedUnion);
 
+// A typedef of a variable-length array can be forward-declared in C++, where it is a struct, but not in C.
+enum class Language { c, cpp };
+
 // The definitions in an order in which each follows those that it uses, as near to the given order as that allows. In a
 // cycle of types, a type follows those that it holds by value and the typedefs that it names; the other types that it
 // names have to be forward-declared.
-std::vector<const Definition*> declarationOrder(const std::vector<const Definition*>& definitions);
+std::vector<const Definition*> declarationOrder(const std::vector<const Definition*>& definitions,
+                                                Language language = Language::cpp);
 
 }  // namespace quorva::compiler
