@@ -27,8 +27,8 @@ using LeafSink = std::function<void(const Leaf&)>;
 
 // The outcome of `readMessage`.
 struct Reading {
-    std::size_t length =
-        0;  // bytes that belong to the value; after a failure, the bytes before the place where it failed
+    // Bytes that belong to the value; after a failure, the bytes before the place where it failed.
+    std::size_t length = 0;
     std::optional<Failure> failure;
     bool nestsTooDeeply = false;  // only the inspector refuses the message: the codec's bound is the stack
 };
