@@ -150,7 +150,10 @@ private:
     // Codes what a declaration declares.
     bool declared(const Use& use, void* place)
     {
+        // Most elements are numbers; for them, the general dispatch of `value` would cost more than the work.
         const auto element = [this, type = use.type ? &canonical(*use.type) : nullptr](void* at) {
+            if (type->kind == TypeKind::enumeration) return enumeration(*type, at);
+            if (isNumber(*type)) return number(*type, at);
             return value(*type, at);
         };
         switch (use.form) {
