@@ -1,0 +1,34 @@
+// Prints to standard output and standard error.
+
+#include "output.h"
+
+#include "support/text.h"
+#include "verb.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace quorva::inspect {
+
+void print(std::string_view text)
+{
+    if (std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0) return;
+    if (errno == EPIPE) throw ClosedPipe();
+    throw Stop{systemError, std::string("cannot write standard output: ") + std::strerror(errno)};
+}
+
+void printJson(const Json& json)
+{
+    print(json.dump(2) + '\n');
+}
+
+void printError(std::string_view message)
+{
+    std::fflush(stdout);
+    std::string text;
+    for (const std::string_view line : support::linesOf(message)) text.append("quorvaxdr: ").append(line) += '\n';
+    std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+}  // namespace quorva::inspect

@@ -1,0 +1,47 @@
+// A verb: the first word of a command line, with its options and its work. inspect/main.cc lists the verbs.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <memory>
+#include <string>
+
+namespace quorva::inspect {
+
+// The exit statuses of the program. `statusHelp` in main.cc describes them to users.
+enum Status { success = 0, found = 1, usageError = 2, codingError = 3, inputError = 4, systemError = 5 };
+
+// Thrown to end the program with this status and message. A message has one line for each error.
+struct Stop {
+    Status status;
+    std::string message;
+};
+
+// A verb owns the values of its options.
+class Verb {
+public:
+    Verb(const char* verbName, const char* verbSummary, const char* verbExamples)
+        : name(verbName), summary(verbSummary), examples(verbExamples)
+    {
+    }
+    virtual ~Verb() = default;
+    Verb(const Verb&) = delete;
+    Verb& operator=(const Verb&) = delete;
+
+    // Adds the options and positional arguments to the parser, which stores their values in this object.
+    virtual void declare(CLI::App& app) = 0;
+
+    // Does the work with the values that the parser stored. Returns the exit status; throws Stop.
+    virtual int run() = 0;
+
+    const char* const name;
+    const char* const summary;   // one line for the list of verbs
+    const char* const examples;  // command lines, each on a line of its own
+};
+
+std::unique_ptr<Verb> makeDecode();
+std::unique_ptr<Verb> makeDescribe();
+std::unique_ptr<Verb> makeEncode();
+std::unique_ptr<Verb> makeTypes();
+
+}  // namespace quorva::inspect
