@@ -2,7 +2,7 @@
 
 #include "damage.h"
 
-#include "inspect/wire.h"
+#include "inspect/tree.h"
 
 #include <algorithm>
 
@@ -62,11 +62,12 @@ Generated generate(inspect::Sampler& sampler, const Type& type, Chance& chance)
 std::vector<std::size_t> controlUnits(const Type& type, std::span<const unsigned char> message)
 {
     std::vector<std::size_t> units;
-    inspect::readMessage(type, message, [&](const inspect::Leaf& leaf) {
-        const bool controls = leaf.text.starts_with("count ") || leaf.text.starts_with("length ") ||
-                              leaf.text == "present" || leaf.text == "absent" || leaf.path.text().empty();
-        if (controls) units.push_back(leaf.offset);
-    });
+    const inspect::Tree tree(type, message);
+    for (const inspect::Node& node : tree.nodes()) {
+        const bool isFixed = node.use && (node.use->form == Form::fixedArray || node.use->form == Form::fixedOpaque);
+        const bool isOutermostNumber = node.type && tree.nodes().size() == 1;
+        if (node.size > 0 && ((node.use && !isFixed) || isOutermostNumber)) units.push_back(node.offset);
+    }
     return units;
 }
 

@@ -2,8 +2,8 @@
 // a reason, and that survives the round trips through the wire and through JSON.
 
 #include "inspect/json.h"
+#include <quorvapixdr/explain.h>
 #include "inspect/input.h"
-#include "inspect/wire.h"
 #include "mutate.h"
 
 using namespace quorva;
@@ -16,7 +16,7 @@ Bytes encoded(inspect::Object& object)
     Bytes message(longestMessage);
     const Pass pass = runPass(Mode::encode, object.type().routine, object.data(), message);
     message.resize(pass.length);
-    if (pass.succeeded == inspect::refusalOf(object.type(), object.data(), longestMessage).has_value())
+    if (pass.succeeded == explain(object.type(), object.data(), longestMessage).has_value())
         throw Finding{std::string(object.type().name) +
                       ": the pass and the inspector disagree whether the object encodes"};
     if (!pass.succeeded) message.clear();

@@ -3,7 +3,7 @@
 #include "subject.h"
 
 #include "inspect/json.h"
-#include "inspect/wire.h"
+#include "inspect/tree.h"
 #include "tested_modules.h"
 
 #include <algorithm>
@@ -257,24 +257,25 @@ void Subject::agreesWithInspector(std::span<const unsigned char> message)
     }
 
     std::string different;
-    const inspect::Reading reading = inspect::readMessage(described, message);
-    if (!outOfMemory && !reading.nestsTooDeeply) {
-        const std::string expected = reading.failure ? reading.failure->path : "";
-        if (pass.succeeded == reading.failure.has_value())
-            different = reading.failure ? "refused by the inspector's reading alone: " + reading.failure->reason
-                                        : "refused by the pass alone";
-        else if (pass.succeeded && pass.length != reading.length)
-            different = "lengths " + std::to_string(pass.length) + " and " + std::to_string(reading.length);
+    const inspect::Tree tree(described, message);
+    const auto& stopped = tree.stopped();
+    if (!outOfMemory && !(stopped && stopped->why.cause == inspect::Cause::nestedTooDeeply)) {
+        const std::string expected = stopped ? stopped->tracePath : "";
+        if (pass.succeeded == stopped.has_value())
+            different = stopped ? "refused by the inspector's tree alone: " + stopped->failure.reason
+                                : "refused by the pass alone";
+        else if (pass.succeeded && pass.length != tree.length())
+            different = "lengths " + std::to_string(pass.length) + " and " + std::to_string(tree.length());
         else if (path != expected)
             different = "stops at '" + path + "' and at '" + expected + '\'';
     }
     try {
         inspect::toJson(described, object.get());
-        const auto refusal = inspect::refusalOf(described, object.get(), buffer.size());
+        const auto refusal = explain(described, object.get(), buffer.size());
         const Pass written = run(Coding::plain, Mode::encode, buffer);
         if (written.succeeded == refusal.has_value())
             different +=
-                refusal ? "; only the inspector refuses to encode: " + refusal->reason : "; encoding is refused";
+                refusal ? "; only the explanation refuses to encode: " + refusal->reason : "; encoding is refused";
     } catch (const inspect::Refusal&) {
         // Nested deeper than the inspector goes.
     }

@@ -2,7 +2,8 @@
 
 #include "catalogue.h"
 
-#include "layout.h"
+#include "documentation.h"
+#include "explain/layout.h"
 #include "support/text.h"
 
 #include <algorithm>

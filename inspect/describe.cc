@@ -2,7 +2,8 @@
 
 #include "describe.h"
 
-#include "layout.h"
+#include "documentation.h"
+#include "explain/layout.h"
 #include "sample.h"
 #include "support/text.h"
 

@@ -2,6 +2,7 @@
 
 #include "documentation.h"
 
+#include <algorithm>
 #include <array>
 #include <iterator>
 #include <unordered_map>
@@ -94,6 +95,14 @@ std::span<const Enumerator> enumeratorsOf(const Type& type)
 {
     if (type.kind != TypeKind::enumeration) return {};
     return documentationOf(type).enumerators;
+}
+
+const Enumerator* enumeratorOf(const Type& enumeration, std::int64_t value)
+{
+    const auto enumerators = enumeratorsOf(enumeration);
+    const auto found =
+        std::ranges::lower_bound(enumerators, value, {}, [](const Enumerator& e) { return std::int64_t{e.value}; });
+    return found != enumerators.end() && found->value == value ? &*found : nullptr;
 }
 
 std::vector<const Member*> provisionalMembersOf(const Type& type)

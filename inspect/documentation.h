@@ -3,6 +3,7 @@
 
 #include <quorvapixdr/documentation.h>
 
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -29,6 +30,9 @@ const MemberDocumentation& documentationOf(const Type& type, const Member& membe
 
 // The enumerators of an enumeration, ascending by value; none for any other type.
 std::span<const Enumerator> enumeratorsOf(const Type& type);
+
+// The enumerator with this value, or null.
+const Enumerator* enumeratorOf(const Type& enumeration, std::int64_t value);
 
 // The members whose own layout is marked provisional.
 std::vector<const Member*> provisionalMembersOf(const Type& type);

@@ -3,10 +3,11 @@
 #include "json.h"
 
 #include "catalogue.h"
+#include "documentation.h"
+#include "explain/layout.h"
+#include "explain/refused.h"
 #include "input.h"
-#include "layout.h"
 #include "support/text.h"
-#include "traverse.h"
 
 #include <algorithm>
 #include <bit>
@@ -90,7 +91,7 @@ public:
             return object;
         }
         case TypeKind::typeDefinition: break;
-        case TypeKind::foreign: throw Refusal{foreignReason(type)};
+        case TypeKind::foreign: throw Refusal{Refused{.cause = Cause::foreignType, .type = &type}.sentence()};
         }
         return value(targetOf(type), at);
     }
@@ -164,7 +165,7 @@ public:
         case TypeKind::structure: readStruct(type, json, at); return;
         case TypeKind::discriminatedUnion: readUnion(type, json, at); return;
         case TypeKind::typeDefinition: value(targetOf(type), json, at); return;
-        case TypeKind::foreign: report(foreignReason(type)); return;
+        case TypeKind::foreign: report(Refused{.cause = Cause::foreignType, .type = &type}.sentence()); return;
         }
     }
 

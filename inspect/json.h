@@ -40,6 +40,11 @@ public:
     const std::vector<Entry> errors;
 };
 
+// Thrown where an object has no JSON form.
+struct Refusal {
+    std::string reason;
+};
+
 // The JSON form of an object in a state that a decode can leave. A variable-length array or opaque whose elements are
 // null counts as empty. Throws Refusal if values nest deeper than `deepestNesting`.
 Json toJson(const Type& type, const void* object);

@@ -2,7 +2,6 @@
 
 #include "catalogue.h"
 #include "support/text.h"
-#include "traverse.h"
 #include "verbs/output.h"
 #include "verbs/verb.h"
 

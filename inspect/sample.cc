@@ -3,9 +3,11 @@
 #include "sample.h"
 
 #include "chance.h"
-#include "traverse.h"
+#include "documentation.h"
+#include "explain/traverse.h"
 
 #include <algorithm>
+#include <optional>
 #include <stdexcept>
 
 namespace quorva::inspect {
@@ -19,7 +21,7 @@ constexpr std::size_t deepestGrowth = deepestNesting / 4;
 
 // The source of a traversal that invents what it is asked for. The bytes of the shortest message are reserved from the
 // start. Each choice that makes the message longer is paid from the spare bytes, so the message keeps to its budget.
-class Inventor {
+class Inventor : public WithoutStructure {
 public:
     Inventor(Sampler& from, const Type& type, const Recipe& wanted, const Path& where)
         : sampler(from), recipe(wanted), path(where), chance(wanted.seed)
@@ -32,37 +34,44 @@ public:
 
     std::size_t offset() const { return bytes.size(); }
 
-    std::int64_t number(const Type& scalar, const std::byte*)
+    Refused refused;
+
+    bool number(const Type& scalar, const std::byte*, std::int64_t& value)
     {
-        const std::int64_t value = invented(scalar);
+        value = invented(scalar);
         append(toUnit(scalar, value));
-        return value;
+        return true;
     }
 
-    std::int64_t discriminant(const Type& type, const std::byte*)
+    bool discriminant(const Type& type, const std::byte*, std::int64_t& value)
     {
-        const std::int64_t value = choice(type);
+        value = choice(type);
         append(toUnit(discriminantOf(type), value));
-        return value;
+        return true;
     }
 
-    std::uint32_t length(const Use& use, const std::byte*) { return quantity(use.bound, 1); }
-
-    std::uint32_t count(const Use& use, const std::byte*)
+    bool length(const Use& use, const std::byte*, std::uint32_t& value)
     {
-        return quantity(use.bound, use.form == Form::variableArray ? sampler.leastSize(*use.type) : 1);
+        value = quantity(use.bound, 1);
+        return true;
     }
 
-    bool present(const Use& use, const std::byte*)
+    bool count(const Use& use, const std::byte*, std::uint32_t& value)
+    {
+        value = quantity(use.bound, use.form == Form::variableArray ? sampler.leastSize(*use.type) : 1);
+        return true;
+    }
+
+    bool present(const Use& use, const std::byte*, bool& follows)
     {
         const std::size_t cost = sampler.leastSize(*use.type);
-        const bool follows = cost <= available() && (recipe.extent == Extent::fullest || !chance.oneIn(3));
+        follows = cost <= available() && (recipe.extent == Extent::fullest || !chance.oneIn(3));
         if (follows) spare -= cost;
         append(follows);
-        return follows;
+        return true;
     }
 
-    void contents(const Use& use, const std::byte*, std::uint32_t size)
+    bool contents(const Use& use, const std::byte*, std::uint32_t size)
     {
         const unsigned lowest = use.form == Form::string ? 1 : 0;
         const bool readable = recipe.extent != Extent::random || !chance.oneIn(4);
@@ -73,6 +82,7 @@ public:
             bytes.push_back(static_cast<unsigned char>(byte));
         }
         bytes.resize(padded(bytes.size()), 0);
+        return true;
     }
 
 private:
@@ -184,8 +194,8 @@ Bytes Sampler::sample(const Type& type, const Recipe& recipe)
 {
     Path path;
     Inventor inventor(*this, type, recipe, path);
-    if (const auto failure = Traversal(inventor, path).run(type))
-        throw std::logic_error(std::string(type.name) + ": " + failure->reason);
+    if (Traversal traversal(inventor, path); !traversal.run(type))
+        throw std::logic_error(std::string(type.name) + ": " + traversal.refused().sentence());
     return std::move(inventor.bytes);
 }
 

@@ -2,7 +2,7 @@
 
 #include "arguments.h"
 #include "inspect/object.h"
-#include "inspect/wire.h"
+#include "inspect/tree.h"
 #include "output.h"
 
 #include <new>
@@ -57,8 +57,9 @@ public:
         };
 
         // Read the message by the description first: this bounds the nesting, which the codec does not.
-        const Reading reading = readMessage(type, message);
-        if (reading.failure && reading.nestsTooDeeply) throw refused(*reading.failure);
+        const Tree tree(type, message);
+        if (tree.stopped() && tree.stopped()->why.cause == Cause::nestedTooDeeply)
+            throw refused(tree.stopped()->failure);
 
         Object object(type);
         std::string trace;
@@ -67,7 +68,8 @@ public:
             print(trace);
         else if (pass.succeeded)
             printJson(toJson(type, object.data()));
-        if (!pass.succeeded) throw refused(reading.failure.value_or(Failure{"", pass.length, "not enough memory"}));
+        if (!pass.succeeded)
+            throw refused(tree.stopped() ? tree.stopped()->failure : Failure{"", pass.length, "not enough memory"});
 
         const std::size_t rest = message.size() - pass.length;
         if (rest == 0) return success;

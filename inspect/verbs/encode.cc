@@ -1,7 +1,7 @@
 // `encode`: makes a message from JSON.
 
 #include "arguments.h"
-#include "inspect/wire.h"
+#include "inspect/tree.h"
 #include "output.h"
 
 namespace quorva::inspect {
@@ -52,7 +52,7 @@ public:
         Bytes message(limit);
         const Pass pass = runPass(Mode::encode, type.routine, object.data(), message);
         if (!pass.succeeded) {
-            const auto failure = refusalOf(type, object.data(), limit);
+            const auto failure = explain(type, object.data(), limit);
             throw Stop{codingError,
                        shownName(file) + ": cannot encode " + type.name + ' ' +
                            explained(failure.value_or(Failure{"", pass.length, "the codec refuses it"}), limit)};

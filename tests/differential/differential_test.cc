@@ -5,7 +5,7 @@
 #include "peer.h"
 #include "tested_modules.h"
 
-#include <inspect/layout.h>
+#include <explain/layout.h>
 #include <inspect/object.h>
 #include <inspect/sample.h>
 

@@ -24,8 +24,10 @@ const Names primitives = {"XdrEnum",   "XdrLongNatural2", "XdrVoid",  "XdrLongFl
 
 Names implied()
 {
-    Names names = {"ClientsXdrSupport", "ClientsXdrDeserialize", "TestDeserialize", "XdrDeallocate",
-                   "DeallocateString"};
+    Names names = {"ClientsXdrSupport", "ClientsXdrDeserialize", "TestDeserialize", "XdrDeallocate", "DeallocateString",
+                   // quorva::explain(const Type&, const void*, size_t), (const Type&, span<const unsigned char>)
+                   "_ZN6quorva7explainERKNS_4TypeEPKvm",
+                   "_ZN6quorva7explainERKNS_4TypeESt4spanIKhLm18446744073709551615EE"};
     names.insert(primitives.begin(), primitives.end());
     for (const auto* type : quorva::builtinTypes()) names.insert(std::string("Xdr") + type->name);
     for (const auto* type : quorva::inspect::typesOf(quorva::modules())) {

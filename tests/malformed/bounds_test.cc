@@ -7,7 +7,7 @@
 #include "bounds.h"
 #include "storage.h"
 
-#include <inspect/layout.h>
+#include <explain/layout.h>
 #include <inspect/sample.h>
 
 #include <gtest/gtest.h>

@@ -3,8 +3,8 @@
 
 #include "storage.h"
 
+#include <explain/layout.h>
 #include <inspect/json.h>
-#include <inspect/layout.h>
 #include <inspect/sample.h>
 #include <quorvapixdr/drivers.h>
 

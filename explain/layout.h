@@ -3,16 +3,19 @@
 // An address is that of a whole object of the type in question. Nothing here checks it.
 #pragma once
 
-#include "documentation.h"
+#include <quorvapixdr/codec.h>
+#include <quorvapixdr/description.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
 #include <string>
+#include <vector>
 
 namespace quorva::inspect {
 
-// The inspector refuses elements that nest deeper. Only a message or JSON text made to exhaust the stack has them.
+// Values that nest deeper are refused. Only a message or JSON text made to exhaust the stack has them.
 inline constexpr std::size_t deepestNesting = 512;
 
 // The value of type `T` at any address, aligned or not.
@@ -71,8 +74,8 @@ struct Range {
 // The numbers that an object of the type can hold. Those of an enumeration are all of 32 bits.
 Range rangeOf(const Type& scalar);
 
-// The enumerator with this value, or null.
-const Enumerator* enumeratorOf(const Type& enumeration, std::int64_t value);
+// The name of the enumerator with this value; null if there is none, and for a type that is not an enumeration.
+const char* enumeratorName(const Type& type, std::int64_t value);
 
 // The arms of a union, in the order of the file; none for any other type.
 inline std::span<const Member> armsOf(const Type& type)
@@ -86,6 +89,12 @@ const Member* armOf(const Type& discriminatedUnion, std::int64_t value);
 
 // The values of the discriminant that select the arm, ascending.
 std::vector<std::int64_t> casesOf(const Type& discriminatedUnion, const Member& arm);
+
+// Bytes of contents with their padding: `size` rounded up to whole units.
+constexpr std::size_t padded(std::size_t size)
+{
+    return (size + 3) / 4 * 4;
+}
 
 // The canonical type of a union's discriminant: a built-in type or an enumeration.
 const Type& discriminantOf(const Type& discriminatedUnion);

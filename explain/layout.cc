@@ -69,12 +69,11 @@ Range rangeOf(const Type& scalar)
     });
 }
 
-const Enumerator* enumeratorOf(const Type& enumeration, std::int64_t value)
+const char* enumeratorName(const Type& type, std::int64_t value)
 {
-    const auto enumerators = enumeratorsOf(enumeration);
-    const auto found =
-        std::ranges::lower_bound(enumerators, value, {}, [](const Enumerator& e) { return std::int64_t{e.value}; });
-    return found != enumerators.end() && found->value == value ? &*found : nullptr;
+    if (!type.nameOf) return nullptr;
+    const char* const name = type.nameOf(static_cast<int>(value));
+    return std::strcmp(name, "Error_in_Function") == 0 ? nullptr : name;
 }
 
 const Member* armOf(const Type& discriminatedUnion, std::int64_t value)
@@ -111,8 +110,8 @@ std::string numberText(const Type& scalar, std::int64_t number)
     if (scalar.builtin == Builtin::Boolean && (number == 0 || number == 1)) return number ? "true" : "false";
     if (scalar.builtin == Builtin::Float) return floatText(std::bit_cast<float>(static_cast<std::uint32_t>(number)));
     const std::string digits = std::to_string(number);
-    const Enumerator* named = enumeratorOf(scalar, number);
-    return named ? std::string(named->name) + " (" + digits + ")" : digits;
+    const char* const name = enumeratorName(scalar, number);
+    return name ? std::string(name) + " (" + digits + ")" : digits;
 }
 
 }  // namespace quorva::inspect

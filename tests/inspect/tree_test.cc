@@ -1,6 +1,7 @@
 // Why a pass fails, which bytes hold what, and the promises of invented messages.
 
-#include "inspect/wire.h"
+#include "inspect/tree.h"
+#include "explain/layout.h"
 #include "inspect/input.h"
 #include "inspect/json.h"
 #include "inspect/sample.h"
@@ -15,7 +16,7 @@ using namespace quorva::inspect;
 
 namespace {
 
-TEST(Wire, explainsFailedDecodes)
+TEST(Tree, explainsFailedDecodes)
 {
     const struct {
         const Type& type;
@@ -28,25 +29,24 @@ TEST(Wire, explainsFailedDecodes)
         {types::Picture, "0000000141", "at byte 4 of 5: the message ends within the padding of 1 byte"},
         {types::LockerIdSeq, "00000007", "at byte 0 of 4: count 7 is beyond the maximum 6"},
         {types::LockerIdSeq, "00010007", "at byte 0 of 4: count 7 is beyond the maximum 6 (the low 16 bits of 65543)"},
-        {types::LockerIdSeq, "000000020000000100", "at value[1], byte 8 of 9: 1 byte left where a unit of 4 is needed"},
-        {types::AccessUnion, "00000001ffffffff",
-         "at AccessUnionUnion/owner, byte 4 of 8: length 4294967295 is beyond the maximum 40"},
-        {types::AccessUnion, "00000007", "at AccessUnionUnion, byte 0 of 4: kind 7 has no arm in AccessUnion"},
+        {types::LockerIdSeq, "000000020000000100", "at /1, byte 8 of 9: 1 byte left where a unit of 4 is needed"},
+        {types::AccessUnion, "00000001ffffffff", "at /owner, byte 4 of 8: length 4294967295 is beyond the maximum 40"},
+        {types::AccessUnion, "00000007", "at /kind, byte 0 of 4: kind 7 has no arm in AccessUnion"},
         {types::StationUnion, "ffffffff",
-         "at StationUnionUnion, byte 0 of 4: attribute 4294967295 has no arm in StationUnion"},
+         "at /attribute, byte 0 of 4: attribute 4294967295 has no arm in StationUnion"},
         {types::EventUnion, "0000000700000001",
-         "at EventUnionUnion/access/AccessUnionUnion/owner, byte 8 of 8: "
+         "at /access/owner, byte 8 of 8: "
          "no byte left where a unit of 4 is needed"},
     };
     for (const auto& [type, text, explanation] : failures) {
         const Bytes message = *bytesOfDigits(text);
-        const Reading reading = readMessage(type, message);
-        ASSERT_TRUE(reading.failure) << text;
-        EXPECT_EQ(explained(*reading.failure, message.size()), explanation);
+        const auto failure = explain(type, message);
+        ASSERT_TRUE(failure) << text;
+        EXPECT_EQ(explained(*failure, message.size()), explanation);
     }
 }
 
-TEST(Wire, explainsFailedEncodes)
+TEST(Tree, explainsFailedEncodes)
 {
     const struct {
         const Type& type;
@@ -55,14 +55,13 @@ TEST(Wire, explainsFailedEncodes)
         const char* explanation;
     } failures[] = {
         {types::AccessUnion, R"({"kind":1,"owner":null})", 1024,
-         "at AccessUnionUnion/owner, byte 4 of 1024: the string is a null pointer"},
-        {types::LockerIdSeq, "[1,2]", 11,
-         "at value[1], byte 8 of 11: the message is longer than the limit of 11 bytes"},
+         "at /owner, byte 4 of 1024: the string is a null pointer"},
+        {types::LockerIdSeq, "[1,2]", 11, "at /1, byte 8 of 11: the message is longer than the limit of 11 bytes"},
         {types::Picture, R"({"hex":"414243"})", 7, "at byte 4 of 7: the message is longer than the limit of 7 bytes"},
     };
     for (const auto& [type, json, limit, explanation] : failures) {
         const Object object = fromJson(type, parseJson(json));
-        const auto failure = refusalOf(type, object.data(), limit);
+        const auto failure = explain(type, object.data(), limit);
         ASSERT_TRUE(failure) << json;
         EXPECT_EQ(explained(*failure, limit), explanation);
     }
@@ -72,14 +71,14 @@ TEST(Wire, explainsFailedEncodes)
         std::int32_t kind;
         char* owner;
     } tooLong = {1, text};
-    EXPECT_EQ(refusalOf(types::AccessUnion, &tooLong, 1024)->reason, "length 55 is beyond the maximum 40");
+    EXPECT_EQ(explain(types::AccessUnion, &tooLong, 1024)->reason, "length 55 is beyond the maximum 40");
     const Counted<LongNatural> noBlock = {2, nullptr};
-    EXPECT_EQ(refusalOf(types::LockerIdSeq, &noBlock, 1024)->reason, "count 2, but the elements are a null pointer");
+    EXPECT_EQ(explain(types::LockerIdSeq, &noBlock, 1024)->reason, "count 2, but the elements are a null pointer");
     const Counted<LongNatural> tooMany = {7, nullptr};
-    EXPECT_TRUE(refusalOf(types::LockerIdSeq, &tooMany, 1024));
+    EXPECT_TRUE(explain(types::LockerIdSeq, &tooMany, 1024));
 }
 
-TEST(Wire, findsALeafForEachByte)
+TEST(Tree, makesANodeOfEachPart)
 {
     std::string list;
     const Bytes message = *bytesOfDigits(
@@ -87,21 +86,24 @@ TEST(Wire, findsALeafForEachByte)
         "00000001"
         "00000003"
         "41e42200");
-    const Reading reading = readMessage(types::EventUnion, message, [&](const Leaf& leaf) {
-        list += std::to_string(leaf.offset) + '+' + std::to_string(leaf.size) + ' ' + leaf.path.text() + ' ' +
-                leaf.text + '\n';
-    });
-    EXPECT_FALSE(reading.failure);
-    EXPECT_EQ(reading.length, message.size());
+    const Tree tree(types::EventUnion, message);
+    for (std::uint32_t i = 0; i < tree.nodes().size(); ++i) {
+        const Node& node = tree.nodes()[i];
+        list += std::to_string(node.offset) + '+' + std::to_string(node.size) + ' ' + tree.pointer(i) + ' ' +
+                std::to_string(node.number) + ' ' + hexDigits(tree.contents(node)) + '\n';
+    }
+    EXPECT_FALSE(tree.stopped());
+    EXPECT_EQ(tree.length(), message.size());
     EXPECT_EQ(list,
-              "0+4 number 7\n"
-              "4+4 EventUnionUnion/access/kind AKowner (1)\n"
-              "8+4 EventUnionUnion/access/AccessUnionUnion/owner length 3\n"
-              "12+4 EventUnionUnion/access/AccessUnionUnion/owner \"A\\xe4\\x22\"\n");
+              "0+16  0 \n"
+              "0+4 /number 7 \n"
+              "4+12 /access 0 \n"
+              "4+4 /access/kind 1 \n"
+              "8+8 /access/owner 3 41e422\n");
 }
 
 // The inspector reads by the description, the codec by its plain functions: for any message the outcome is the same.
-TEST(Wire, agreesWithTheCodec)
+TEST(Tree, agreesWithTheCodec)
 {
     const Type* const all[] = {&types::AccessUnion, &types::Drive,   &types::EventUnion,   &types::LockerIdSeq,
                                &types::Neighbour,   &types::Picture, &types::StationUnion, &types::Visit};
@@ -115,8 +117,8 @@ TEST(Wire, agreesWithTheCodec)
             Bytes again(message.size());
             EXPECT_TRUE(runPass(Mode::encode, type->routine, whole.data(), again).succeeded);
             EXPECT_EQ(again, message);
-            EXPECT_FALSE(refusalOf(*type, whole.data(), message.size()));
-            EXPECT_TRUE(refusalOf(*type, whole.data(), message.size() - 1));
+            EXPECT_FALSE(explain(*type, whole.data(), message.size()));
+            EXPECT_TRUE(explain(*type, whole.data(), message.size() - 1));
 
             const std::size_t unit = seed * 7 % (message.size() / 4);
             constexpr std::uint32_t damages[] = {0,  1,      2,       6,       7,          13,
@@ -130,13 +132,13 @@ TEST(Wire, agreesWithTheCodec)
             Xdr::Trace trace;
             const Pass pass =
                 runPass(Mode::decode, type->routine, object.data(), message, [&](Xdr& xdrs) { xdrs.setTrace(&trace); });
-            const Reading reading = readMessage(*type, message);
-            ASSERT_EQ(!reading.failure, pass.succeeded);
-            if (reading.failure) {
-                ASSERT_EQ(reading.failure->path, trace.path());
+            const Tree tree(*type, message);
+            ASSERT_EQ(!tree.stopped(), pass.succeeded);
+            if (tree.stopped()) {
+                ASSERT_EQ(tree.stopped()->tracePath, trace.path());
                 ++failed;
             } else {
-                ASSERT_EQ(reading.length, pass.length);
+                ASSERT_EQ(tree.length(), pass.length);
             }
         }
     }
@@ -144,20 +146,18 @@ TEST(Wire, agreesWithTheCodec)
 }
 
 // A Locker holds Lockers, so its messages can nest without bound.
-TEST(Wire, boundsTheNesting)
+TEST(Tree, boundsTheNesting)
 {
     Sampler sampler;
     Bytes door = sampler.sample(types::Locker, {Extent::least, 0, 0}), message;
     std::size_t countAt = 0;  // the count of the doors inside
-    readMessage(types::Locker, door, [&](const Leaf& leaf) {
-        if (leaf.path.text() == "nested") countAt = leaf.offset;
-    });
+    const Tree one(types::Locker, door);
+    for (std::uint32_t i = 0; i < one.nodes().size(); ++i)
+        if (one.pointer(i) == "/nested") countAt = one.nodes()[i].offset;
     door[countAt + 3] = 1;
     for (int i = 0; i < 300; ++i)
         message.insert(message.end(), door.begin(), door.begin() + static_cast<std::ptrdiff_t>(countAt) + 4);
-    const Reading reading = readMessage(types::Locker, message);
-    EXPECT_TRUE(reading.nestsTooDeeply);
-    EXPECT_EQ(reading.failure->reason, "elements are nested deeper than 512 levels");
+    EXPECT_EQ(explain(types::Locker, message)->reason, "elements are nested deeper than 512 levels");
 
     door[countAt + 3] = 0;
     message.insert(message.end(), door.begin(), door.end());
@@ -167,10 +167,10 @@ TEST(Wire, boundsTheNesting)
     ASSERT_TRUE(runPass(Mode::decode, types::Locker.routine, deep.data(), message).succeeded);
     EXPECT_THROW(toJson(types::Locker, deep.data()), Refusal);
     ASSERT_TRUE(runPass(Mode::decode, types::Locker.routine, shallow.data(), door).succeeded);
-    const Json one = toJson(types::Locker, shallow.data());
-    Json many = one;
+    const Json inner = toJson(types::Locker, shallow.data());
+    Json many = inner;
     for (int i = 0; i < 300; ++i) {
-        Json outer = one;
+        Json outer = inner;
         outer["nested"].push_back(std::exchange(many, nullptr));
         many = std::move(outer);
     }
@@ -186,7 +186,7 @@ TEST(Sample, keepsItsPromises)
             const Bytes message = sampler.sample(types::Visit, recipe);
             EXPECT_EQ(message, Sampler().sample(types::Visit, recipe));
             EXPECT_LE(message.size(), std::max(budget, sampler.leastSize(types::Visit)));
-            EXPECT_EQ(readMessage(types::Visit, message).length, message.size());
+            EXPECT_EQ(Tree(types::Visit, message).length(), message.size());
         }
     }
     EXPECT_EQ(sampler.sample(types::Visit, {Extent::least, 0, 9999}).size(), sampler.leastSize(types::Visit));
