@@ -1,10 +1,14 @@
 // Any text, read as the JSON form of any type: an accepted text makes an object that encodes unless the inspector gives
-// a reason, and that survives the round trips through the wire and through JSON.
+// a reason, and that survives the round trips through the wire and through JSON. A refused text has errors at places
+// within it; it is not JSON for the JSON library either.
 
 #include "inspect/json.h"
 #include <quorvapixdr/explain.h>
 #include "inspect/input.h"
 #include "mutate.h"
+
+#include <tuple>
+#include "support/text.h"
 
 using namespace quorva;
 using namespace quorva::fuzz;
@@ -25,7 +29,7 @@ Bytes encoded(inspect::Object& object)
 
 void checkRoundTrips(const Type& type, std::string_view text)
 {
-    inspect::Object object = inspect::fromJson(type, inspect::parseJson(text));
+    inspect::Object object = inspect::fromJson(type, text);
     Bytes message = encoded(object);
     if (message.empty()) return;
     const std::string json = inspect::toJson(type, object.data()).dump();
@@ -35,8 +39,57 @@ void checkRoundTrips(const Type& type, std::string_view text)
         throw Finding{std::string(type.name) + ": the object's own message is refused"};
     if (inspect::toJson(type, decoded.data()).dump() != json)
         throw Finding{std::string(type.name) + ": the message does not keep " + json};
-    inspect::Object again = inspect::fromJson(type, inspect::parseJson(json));
+    inspect::Object again = inspect::fromJson(type, json);
     if (encoded(again) != message) throw Finding{std::string(type.name) + ": JSON does not keep " + json};
+}
+
+// Throws Finding unless the text has this line and column, or ends there.
+void checkPlace(std::string_view text, std::size_t line, std::size_t column)
+{
+    const std::vector<std::string_view> lines = support::linesOf(text);
+    if (line < 1 || line > lines.size() || column < 1 || column > lines[line - 1].size() + 1)
+        throw Finding{"the error's place " + std::to_string(line) + ':' + std::to_string(column) +
+                      " is outside of the text"};
+}
+
+void checkErrors(std::string_view text, const inspect::JsonError& found)
+{
+    if (found.errors.empty()) throw Finding{"refused without a reason"};
+    for (const inspect::JsonError::Entry& error : found.errors) {
+        checkPlace(text, error.line, error.column);
+        inspect::Json::json_pointer{error.path};  // throws if it is malformed
+    }
+}
+
+// Checks that the JSON library has the same opinion. It takes a text to end at a zero byte, and refuses numbers beyond
+// the largest double before it reads the rest of the text.
+void checkIsJson(std::string_view text, bool accepted)
+{
+    if (text.find('\0') != std::string_view::npos) return;
+    bool isJson = true;
+    try {
+        std::ignore = inspect::Json::parse(text);
+    } catch (const inspect::Json::parse_error&) {
+        isJson = false;
+    } catch (const inspect::Json::out_of_range&) {
+        return;
+    }
+    if (isJson != accepted) throw Finding{"the JSON library disagrees whether the text is JSON"};
+}
+
+void checkText(const Type& type, std::string_view text)
+{
+    try {
+        checkRoundTrips(type, text);
+    } catch (const inspect::JsonError& error) {
+        checkErrors(text, error);
+    } catch (const inspect::InputError& error) {
+        checkPlace(text, error.line, error.column);
+        if (std::string_view(error.what()).starts_with("not JSON: ")) checkIsJson(text, false);
+        return;
+    } catch (const inspect::Refusal&) {
+    }
+    checkIsJson(text, true);
 }
 
 constexpr std::string_view words[] = {"null",
@@ -67,6 +120,10 @@ constexpr std::string_view words[] = {"null",
                                       "{\"bits\":\"7fc00001\"}",
                                       "\"\\u0000\"",
                                       "\"\\ud800\"",
+                                      "\\udc00",
+                                      "\\",
+                                      "01",
+                                      "\n",
                                       "\"\xC3\xA4\"",
                                       "[[[[[[[["};
 
@@ -76,13 +133,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     return runDriver([&] {
         const Input input = Input::of({data, size});
-        try {
-            checkRoundTrips(*input.type, {reinterpret_cast<const char*>(input.contents.data()), input.contents.size()});
-        } catch (const inspect::JsonError& error) {
-            if (error.errors.empty()) throw Finding{"refused without a reason"};
-        } catch (const inspect::InputError&) {
-        } catch (const inspect::Refusal&) {
-        }
+        checkText(*input.type, {reinterpret_cast<const char*>(input.contents.data()), input.contents.size()});
     });
 }
 

@@ -11,13 +11,16 @@
 //   Float            the shortest decimal number; {"bits": "7fc00001"} if it is not finite
 //   other built-in   7
 //
-// `fromJson` also takes the number of an enumerator, and {"hex"} or {"text"} for any string or opaque.
+// `fromJson` also takes members in any order, the number of an enumerator, and {"hex"} or {"text"} for any string or
+// opaque.
 #pragma once
 
 #include "object.h"
 
 #include <nlohmann/json.hpp>
 
+#include <cstdint>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -27,12 +30,21 @@ namespace quorva::inspect {
 
 using Json = nlohmann::ordered_json;
 
-// The errors of a JSON value that is not the JSON form of a type, at least one and at most twenty.
+// The errors of a JSON text that is not the JSON form of a type, at least one and at most twenty.
 class JsonError : public std::runtime_error {
 public:
     struct Entry {
-        std::string path;      // JSON pointer, "/aValues/2/value/jobName"; empty for the whole value
+        // JSON Pointer, "/aValues/2/value/jobName"; empty for the whole value. An unknown or missing field is an error
+        // of its object.
+        std::string path;
         std::string sentence;  // what is wrong, and what was expected
+        // Place of the value in the text, or that of the name of an unknown or repeated field. They count from 1; a
+        // column is a byte.
+        std::size_t line;
+        std::size_t column;
+
+        // "3:14: /aValues/2/value/jobName: expected ..."
+        std::string text() const;
     };
 
     explicit JsonError(std::vector<Entry> found);
@@ -46,14 +58,20 @@ struct Refusal {
 };
 
 // The JSON form of an object in a state that a decode can leave. A variable-length array or opaque whose elements are
-// null counts as empty. Throws Refusal if values nest deeper than `deepestNesting`.
+// null counts as empty. Throws Refusal if values nest deeper than `fromJson` reads.
 Json toJson(const Type& type, const void* object);
 
-// The object that has this JSON form. Throws JsonError.
-Object fromJson(const Type& type, const Json& value);
+// The object that has this JSON form. Takes linear time, and memory in proportion to the text. Throws InputError if the
+// text is not JSON or its values nest too deeply, and JsonError for other errors.
+Object fromJson(const Type& type, std::string_view text);
 
-// The JSON value of a text. Throws InputError if the text is not JSON; throws JsonError if an object names a field
-// twice or values nest deeper than any object can.
-Json parseJson(std::string_view text);
+// ---- The JSON form of single values --------------------------------------------------------------------------------
+
+// A number of a built-in type or an enumeration, as `loadNumber` returns it.
+Json numberJson(const Type& scalar, std::int64_t number);
+
+Json stringJson(std::string_view contents);
+
+Json opaqueJson(std::span<const unsigned char> contents);
 
 }  // namespace quorva::inspect

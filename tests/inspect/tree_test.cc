@@ -60,7 +60,7 @@ TEST(Tree, explainsFailedEncodes)
         {types::Picture, R"({"hex":"414243"})", 7, "at byte 4 of 7: the message is longer than the limit of 7 bytes"},
     };
     for (const auto& [type, json, limit, explanation] : failures) {
-        const Object object = fromJson(type, parseJson(json));
+        const Object object = fromJson(type, json);
         const auto failure = explain(type, object.data(), limit);
         ASSERT_TRUE(failure) << json;
         EXPECT_EQ(explained(*failure, limit), explanation);
@@ -174,7 +174,7 @@ TEST(Tree, boundsTheNesting)
         outer["nested"].push_back(std::exchange(many, nullptr));
         many = std::move(outer);
     }
-    EXPECT_THROW(fromJson(types::Locker, many), JsonError);
+    EXPECT_THROW(fromJson(types::Locker, many.dump()), InputError);
 }
 
 TEST(Sample, keepsItsPromises)
