@@ -114,7 +114,7 @@ void writeSamples(Seeds& seeds, const fs::path& samples)
         const std::string name = entry.path().stem().string();  // "print_job_submitted.JobNotification"
         const Type* const type = catalogue.find(fs::path(name).extension().string().substr(1));
         if (!type) throw std::runtime_error("no type for " + entry.path().string());
-        inspect::Object object = inspect::fromJson(*type, inspect::parseJson(textOf(entry.path())));
+        inspect::Object object = inspect::fromJson(*type, textOf(entry.path()));
         Bytes message(longestMessage);
         message.resize(runPass(Mode::encode, type->routine, object.data(), message).length);
         seeds.writeBothForms("sample-" + name, *type, message);

@@ -29,6 +29,8 @@ std::vector<std::unique_ptr<Verb>> allVerbs()
     std::vector<std::unique_ptr<Verb>> verbs;
     verbs.push_back(makeDecode());
     verbs.push_back(makeEncode());
+    verbs.push_back(makeAnnotate());
+    verbs.push_back(makeValidate());
     verbs.push_back(makeTypes());
     verbs.push_back(makeDescribe());
     return verbs;
@@ -126,7 +128,7 @@ int main(int count, char** words)
     try {
         return run(count, words);
     } catch (const Stop& stop) {
-        printError(stop.message);
+        printError(stop.message, stop.details);
         return stop.status;
     } catch (const ClosedPipe&) {
         return success;

@@ -1,6 +1,7 @@
 // `decode`: shows a message.
 
 #include "arguments.h"
+#include "inspect/annotate.h"
 #include "inspect/object.h"
 #include "inspect/tree.h"
 #include "output.h"
@@ -51,13 +52,13 @@ public:
     {
         const Type& type = subject.type();
         Bytes message = input.message();
+        // The description bounds the nesting, which the codec does not.
+        const Tree tree(type, message);
         const auto refused = [&](const Failure& failure) {
             return Stop{codingError,
-                        input.shown() + ": cannot decode " + type.name + ' ' + explained(failure, message.size())};
+                        input.shown() + ": cannot decode " + type.name + ' ' + explained(failure, message.size()),
+                        failureText(tree)};
         };
-
-        // Read the message by the description first: this bounds the nesting, which the codec does not.
-        const Tree tree(type, message);
         if (tree.stopped() && tree.stopped()->why.cause == Cause::nestedTooDeeply)
             throw refused(tree.stopped()->failure);
 
@@ -66,8 +67,8 @@ public:
         const Pass pass = decodeInto(object, message, trace);
         if (to == "trace")
             print(trace);
-        else if (pass.succeeded)
-            printJson(toJson(type, object.data()));
+        else
+            printJson(treeJson(tree));
         if (!pass.succeeded)
             throw refused(tree.stopped() ? tree.stopped()->failure : Failure{"", pass.length, "not enough memory"});
 

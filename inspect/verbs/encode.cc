@@ -11,14 +11,14 @@ namespace {
 Object objectFrom(const Type& type, const std::string& file)
 {
     try {
-        return fromJson(type, parseJson(contentsOf(file)));
+        return fromJson(type, contentsOf(file));
     } catch (const InputError& error) {
         stopAt(file, error);
     } catch (const JsonError& error) {
         std::string message;
         for (const JsonError::Entry& entry : error.errors) {
             if (!message.empty()) message += '\n';
-            message += shownName(file) + ": " + (entry.path.empty() ? "" : entry.path + ": ") + entry.sentence;
+            message += shownName(file) + ':' + entry.text();
         }
         throw Stop{codingError, message};
     }

@@ -23,11 +23,12 @@ void printJson(const Json& json)
     print(json.dump(2) + '\n');
 }
 
-void printError(std::string_view message)
+void printError(std::string_view message, std::string_view details)
 {
     std::fflush(stdout);
     std::string text;
     for (const std::string_view line : support::linesOf(message)) text.append("quorvaxdr: ").append(line) += '\n';
+    text += details;
     std::fwrite(text.data(), 1, text.size(), stderr);
 }
 

@@ -14,8 +14,8 @@ void print(std::string_view text);
 // Prints the value with an indentation of two, and a line break.
 void printJson(const Json& json);
 
-// Prints the message to standard error, each line after the name of the program.
-void printError(std::string_view message);
+// Prints the message to standard error, each line after the name of the program, and then the details as they are.
+void printError(std::string_view message, std::string_view details = {});
 
 // Thrown where standard output is a pipe whose reader is gone, as in `quorvaxdr types | head`: the program ends,
 // quietly.

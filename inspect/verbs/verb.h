@@ -11,10 +11,12 @@ namespace quorva::inspect {
 // The exit statuses of the program. `statusHelp` in main.cc describes them to users.
 enum Status { success = 0, found = 1, usageError = 2, codingError = 3, inputError = 4, systemError = 5 };
 
-// Thrown to end the program with this status and message. A message has one line for each error.
+// Thrown to end the program with this status and message. A message has one line for each error. The details are
+// printed after it as they are.
 struct Stop {
     Status status;
     std::string message;
+    std::string details = {};
 };
 
 // A verb owns the values of its options.
@@ -39,9 +41,11 @@ public:
     const char* const examples;  // command lines, each on a line of its own
 };
 
+std::unique_ptr<Verb> makeAnnotate();
 std::unique_ptr<Verb> makeDecode();
 std::unique_ptr<Verb> makeDescribe();
 std::unique_ptr<Verb> makeEncode();
 std::unique_ptr<Verb> makeTypes();
+std::unique_ptr<Verb> makeValidate();
 
 }  // namespace quorva::inspect
