@@ -99,6 +99,20 @@ const Type& discriminantOf(const Type& discriminatedUnion)
     return canonicalType(*discriminatedUnion.members.front().use.type);
 }
 
+Attribute attributeOf(const Type& structure)
+{
+    if (structure.kind != TypeKind::structure) return {};
+    for (std::size_t i = 0; i + 1 < structure.members.size(); ++i) {
+        const Use& id = structure.members[i].use;
+        const Use& value = structure.members[i + 1].use;
+        if (id.form != Form::single || value.form != Form::single) continue;
+        const Type& valueType = canonicalType(*value.type);
+        if (valueType.kind == TypeKind::discriminatedUnion && valueType.members[0].use.type == id.type)
+            return {&structure.members[i], &structure.members[i + 1]};
+    }
+    return {};
+}
+
 std::string floatText(float number)
 {
     char digits[64];

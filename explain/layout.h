@@ -99,6 +99,13 @@ constexpr std::size_t padded(std::size_t size)
 // The canonical type of a union's discriminant: a built-in type or an enumeration.
 const Type& discriminantOf(const Type& discriminatedUnion);
 
+// An attribute: a struct where a number is followed by a union whose discriminant repeats it. Both have one type.
+struct Attribute {
+    const Member* id = nullptr;     // null if the struct is not an attribute
+    const Member* value = nullptr;  // the union
+};
+Attribute attributeOf(const Type& structure);
+
 // The shortest decimal text that reads back as the same finite float.
 std::string floatText(float number);
 

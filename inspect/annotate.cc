@@ -7,6 +7,7 @@
 #include "findings.h"
 #include "input.h"
 #include "support/text.h"
+#include "tree_json.h"
 
 #include <algorithm>
 
@@ -17,11 +18,6 @@ namespace {
 constexpr std::size_t rowSize = 4;       // bytes of a line
 constexpr std::size_t widestName = 40;   // of the column of names; longer names push their values to the right
 constexpr std::size_t longestText = 72;  // bytes of a string that are shown
-
-bool isGroup(const Node& node)
-{
-    return node.type && (node.type->kind == TypeKind::structure || node.type->kind == TypeKind::discriminatedUnion);
-}
 
 // "4 bytes", "1 element of at most 6"; the maximum is left out where it is the largest possible one.
 std::string amount(std::int64_t number, const char* what, std::uint32_t bound)
@@ -54,7 +50,7 @@ std::string quotedText(std::span<const unsigned char> bytes)
 // What the annotation shows beside the first bytes of a number, array, optional, string or opaque.
 std::string valueText(const Node& node)
 {
-    if (node.size == 0 || isGroup(node)) return {};
+    if (node.size == 0 || node.isGroup()) return {};
     if (node.type) {
         const bool isUnknown = node.type->kind == TypeKind::enumeration && !enumeratorName(*node.type, node.number);
         return numberText(*node.type, node.number) + (isUnknown ? " (unknown)" : "");
@@ -74,7 +70,7 @@ std::string valueText(const Node& node)
 
 bool hasUnit(const Node& node)
 {
-    if (node.type) return !isGroup(node);
+    if (node.type) return !node.isGroup();
     return node.use && node.use->form != Form::fixedArray && node.use->form != Form::fixedOpaque;
 }
 
@@ -118,10 +114,10 @@ private:
     {
         const Node& node = tree.nodes()[at];
         const bool isValue = tree.isOptionalValue(node);
-        if (at == 0 && isGroup(node)) return;  // its members begin at the margin
-        const bool parentHasLine = node.parent != 0 || !isGroup(tree.nodes()[0]);
+        if (at == 0 && node.isGroup()) return;  // its members begin at the margin
+        const bool parentHasLine = node.parent != 0 || !tree.nodes()[0].isGroup();
         levels[at] = at == 0 || !parentHasLine ? 0 : levels[node.parent] + 1;
-        if (isValue && isGroup(node)) {
+        if (isValue && node.isGroup()) {
             levels[at] = levels[node.parent];
             return;
         }
@@ -173,50 +169,6 @@ std::string typeName(const Node& node)
 {
     if (node.declared) return node.declared->name;
     return node.use ? formName(node.use->form) : "";
-}
-
-void fill(Json& json, const Tree& tree, std::uint32_t at);
-
-// The JSON form of a node; null for a part that was not decoded.
-Json valueJson(const Tree& tree, std::uint32_t at)
-{
-    const Node& node = tree.nodes()[at];
-    if (node.type && !isGroup(node)) return node.size > 0 ? numberJson(*node.type, node.number) : Json();
-    if (isGroup(node)) {
-        Json object = Json::object();
-        fill(object, tree, at);
-        return object;
-    }
-    if (!node.use) return nullptr;
-    switch (node.use->form) {
-    case Form::fixedArray:
-    case Form::variableArray: {
-        Json array = Json::array();
-        fill(array, tree, at);
-        return array;
-    }
-    case Form::optional: return node.number && node.end > at + 1 ? valueJson(tree, at + 1) : Json();
-    case Form::string: {
-        if (!node.complete) return nullptr;
-        const auto contents = tree.contents(node);
-        const std::string_view text(reinterpret_cast<const char*>(contents.data()), contents.size());
-        return stringJson(text.substr(0, text.find('\0')));  // as the codec's strings end
-    }
-    default: return node.complete ? opaqueJson(tree.contents(node)) : Json();
-    }
-}
-
-// Adds the parts inside the node that were decoded, at least in part.
-void fill(Json& json, const Tree& tree, std::uint32_t at)
-{
-    for (std::uint32_t i = Tree::first(at); i < tree.nodes()[at].end; i = tree.nodes()[i].end) {
-        const Node& node = tree.nodes()[i];
-        if (!node.complete && node.size == 0) continue;
-        if (json.is_array())
-            json.push_back(valueJson(tree, i));
-        else
-            json.push_back({node.member->name, valueJson(tree, i)});
-    }
 }
 
 }  // namespace
@@ -282,8 +234,8 @@ Json partJson(const Tree& tree, std::uint32_t at)
     if (node.declared) json["type"] = node.declared->name;
     json["offset"] = node.offset;
     json["size"] = node.size;
-    const bool isValue = !isGroup(node) && !(node.use && node.use->type);
-    if (isValue && node.complete) json["value"] = valueJson(tree, at);
+    const bool isValue = !node.isGroup() && !(node.use && node.use->type);
+    if (isValue && node.complete) json["value"] = treeJson(tree, at);
     const std::string text = valueText(node);
     if (!text.empty()) json["text"] = text;
     if (!node.complete) json["complete"] = false;
@@ -345,13 +297,8 @@ std::string partText(const Tree& tree, std::uint32_t at)
     const bool isText = node.use && (node.use->form == Form::string || node.use->form == Form::variableOpaque ||
                                      node.use->form == Form::fixedOpaque);
     const std::string value =
-        isText ? valueJson(tree, at).dump(-1, ' ', false, Json::error_handler_t::replace) : valueText(node);
+        isText ? treeJson(tree, at).dump(-1, ' ', false, Json::error_handler_t::replace) : valueText(node);
     return value.empty() ? text : text + "  " + value;
-}
-
-Json treeJson(const Tree& tree)
-{
-    return valueJson(tree, 0);
 }
 
 }  // namespace quorva::inspect

@@ -51,7 +51,4 @@ std::string partText(const Tree& tree, std::uint32_t part);
 // A node's object as in `annotationJson`.
 Json partJson(const Tree& tree, std::uint32_t part);
 
-// The JSON form of the value, as far as the message was decoded: a failure leaves out what follows its place.
-Json treeJson(const Tree& tree);
-
 }  // namespace quorva::inspect

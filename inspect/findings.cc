@@ -86,35 +86,19 @@ private:
         return rangeOf(type).least < 0 ? std::to_string(static_cast<std::int32_t>(unit)) : std::to_string(unit);
     }
 
-    // An attribute is a struct of a number and a union, where the discriminant repeats the number: both have one type.
     void examineAttribute(std::uint32_t at, const Node& node)
     {
-        const auto members = node.type->members;
-        for (std::size_t i = 0; i + 1 < members.size(); ++i) {
-            const Use& name = members[i].use;
-            const Use& value = members[i + 1].use;
-            if (name.form != Form::single || value.form != Form::single) continue;
-            const Type& valueType = canonicalType(*value.type);
-            if (valueType.kind != TypeKind::discriminatedUnion || valueType.members[0].use.type != name.type) continue;
-            const Node* const named = memberOf(at, members[i]);
-            const Node* const chosen = memberOf(at, members[i + 1]);
-            if (!named || !chosen || chosen->end == indexOf(*chosen) + 1) continue;
-            const Node& discriminant = tree.nodes()[indexOf(*chosen) + 1];
-            if (!discriminant.complete || named->number == discriminant.number) continue;
-            const Type& scalar = *named->type;
-            add(FindingCode::attributeMismatch, indexOf(*named), named->offset,
-                std::string(members[i].name) + ' ' + numberText(scalar, named->number) + ", but the union has " +
-                    discriminant.member->name + ' ' + numberText(scalar, discriminant.number));
-        }
-    }
-
-    std::uint32_t indexOf(const Node& node) const { return static_cast<std::uint32_t>(&node - tree.nodes().data()); }
-
-    const Node* memberOf(std::uint32_t at, const Member& member) const
-    {
-        for (std::uint32_t i = Tree::first(at); i < tree.nodes()[at].end; i = tree.nodes()[i].end)
-            if (tree.nodes()[i].member == &member) return &tree.nodes()[i];
-        return nullptr;
+        const Attribute attribute = attributeOf(*node.type);
+        if (!attribute.id) return;
+        const auto id = tree.memberOf(at, *attribute.id);
+        const auto value = tree.memberOf(at, *attribute.value);
+        if (!id || !value || tree.nodes()[*value].end == *value + 1 || !tree.nodes()[*value + 1].complete) return;
+        const Node& named = tree.nodes()[*id];
+        const Node& discriminant = tree.nodes()[*value + 1];
+        if (named.number == discriminant.number) return;
+        add(FindingCode::attributeMismatch, *id, named.offset,
+            std::string(attribute.id->name) + ' ' + numberText(*named.type, named.number) + ", but the union has " +
+                discriminant.member->name + ' ' + numberText(*named.type, discriminant.number));
     }
 
     void examineContents(std::uint32_t at, const Node& node)

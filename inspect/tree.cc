@@ -115,6 +115,13 @@ bool Tree::isOptionalValue(const Node& node) const
     return &node != &parts.front() && use && use->form == Form::optional;
 }
 
+std::optional<std::uint32_t> Tree::memberOf(std::uint32_t at, const Member& member) const
+{
+    for (std::uint32_t i = first(at); i < parts[at].end; i = parts[i].end)
+        if (parts[i].member == &member) return i;
+    return std::nullopt;
+}
+
 std::string Tree::pointer(std::uint32_t at) const
 {
     std::vector<std::string> tokens;

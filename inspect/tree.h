@@ -30,6 +30,12 @@ struct Node {
     std::int64_t number = 0;         // the number that a decode makes of it; a count has 16 bits, presence is 0 or 1
     std::uint32_t contentsSize = 0;  // a string or opaque: bytes without padding
     bool complete = false;           // false for the parts that were open when the reading stopped
+
+    // True for a struct or union.
+    bool isGroup() const
+    {
+        return type && (type->kind == TypeKind::structure || type->kind == TypeKind::discriminatedUnion);
+    }
 };
 
 // A message that was read by the description of its type, up to its end or to the place where a decode fails.
@@ -52,6 +58,9 @@ public:
 
     // True if the node is the value of an optional, which has the same path as the optional.
     bool isOptionalValue(const Node& node) const;
+
+    // The index of a member inside a struct or union; nullopt if it was not read.
+    std::optional<std::uint32_t> memberOf(std::uint32_t at, const Member& member) const;
 
     // The path of the node as a JSON Pointer.
     std::string pointer(std::uint32_t at) const;

@@ -60,18 +60,28 @@ const Type& TypeArgument::type() const
 void InputArgument::declare(CLI::App& app, const char* what)
 {
     app.add_option("INPUT", file, std::string(what) + "; - is standard input")->capture_default_str();
+    declareForm(app);
+}
+
+void InputArgument::declareFile(CLI::App& app, const char* name, const char* what)
+{
+    app.add_option(name, file, std::string(what) + "; - is standard input")->required();
+}
+
+void InputArgument::declareForm(CLI::App& app)
+{
     app.add_option("--from", from,
                    "form of the message: hex (digits, or a dump as xxd and hexdump -C print it), raw, base64")
         ->check(CLI::IsMember({"hex", "raw", "base64"}))
         ->capture_default_str();
 }
 
-Bytes InputArgument::message() const
+Bytes InputArgument::message(const std::string& form) const
 {
     const std::string contents = contentsOf(file);
     try {
-        Bytes message = from == "hex"      ? parseHex(contents)
-                        : from == "base64" ? parseBase64(contents)
+        Bytes message = form == "hex"      ? parseHex(contents)
+                        : form == "base64" ? parseBase64(contents)
                                            : Bytes(contents.begin(), contents.end());
         if (message.size() <= longestMessage) return message;
         throw Stop{inputError, shown() + ": " + std::to_string(message.size()) + " bytes, but a message has at most " +

@@ -37,17 +37,24 @@ private:
     mutable std::optional<Catalogue> known;
 };
 
-// The argument INPUT and its form.
+// An argument that names the file of a message, and the form of the file.
 class InputArgument {
 public:
-    // `what` completes "INPUT: file with ...".
+    // Declares the argument INPUT and the option --from. `what` describes the file: "file with the message".
     void declare(CLI::App& app, const char* what);
+
+    // Declares only a required argument, for a verb with several inputs of one form.
+    void declareFile(CLI::App& app, const char* name, const char* what);
+    void declareForm(CLI::App& app);
 
     // The file's name, for messages.
     std::string shown() const { return shownName(file); }
 
+    const std::string& form() const { return from; }
+
     // The bytes of one message. Throws Stop.
-    Bytes message() const;
+    Bytes message() const { return message(from); }
+    Bytes message(const std::string& form) const;
 
 private:
     std::string file = "-";

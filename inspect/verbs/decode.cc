@@ -3,7 +3,7 @@
 #include "arguments.h"
 #include "inspect/annotate.h"
 #include "inspect/object.h"
-#include "inspect/tree.h"
+#include "inspect/tree_json.h"
 #include "output.h"
 
 #include <new>

@@ -7,7 +7,10 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+
+#include <unistd.h>
 
 namespace quorva::inspect {
 
@@ -21,6 +24,13 @@ void print(std::string_view text)
 void printJson(const Json& json)
 {
     print(json.dump(2) + '\n');
+}
+
+bool usesColour()
+{
+    const char* const refused = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    return isatty(STDOUT_FILENO) == 1 && !(refused && *refused) && !(terminal && std::strcmp(terminal, "dumb") == 0);
 }
 
 void printError(std::string_view message, std::string_view details)

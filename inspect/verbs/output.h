@@ -17,6 +17,9 @@ void printJson(const Json& json);
 // Prints the message to standard error, each line after the name of the program, and then the details as they are.
 void printError(std::string_view message, std::string_view details = {});
 
+// True if standard output is a terminal that shows colours, and NO_COLOR is not set.
+bool usesColour();
+
 // Thrown where standard output is a pipe whose reader is gone, as in `quorvaxdr types | head`: the program ends,
 // quietly.
 struct ClosedPipe {};

@@ -44,6 +44,7 @@ public:
 std::unique_ptr<Verb> makeAnnotate();
 std::unique_ptr<Verb> makeDecode();
 std::unique_ptr<Verb> makeDescribe();
+std::unique_ptr<Verb> makeDiff();
 std::unique_ptr<Verb> makeEncode();
 std::unique_ptr<Verb> makeTypes();
 std::unique_ptr<Verb> makeValidate();

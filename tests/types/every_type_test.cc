@@ -8,6 +8,7 @@
 #include <inspect/findings.h>
 #include <inspect/json.h>
 #include <inspect/sample.h>
+#include <inspect/tree_json.h>
 #include <quorvapixdr/drivers.h>
 
 #include <gtest/gtest.h>
