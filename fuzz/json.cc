@@ -6,9 +6,9 @@
 #include <quorvapixdr/explain.h>
 #include "inspect/input.h"
 #include "mutate.h"
+#include "support/text.h"
 
 #include <tuple>
-#include "support/text.h"
 
 using namespace quorva;
 using namespace quorva::fuzz;
@@ -43,21 +43,28 @@ void checkRoundTrips(const Type& type, std::string_view text)
     if (encoded(again) != message) throw Finding{std::string(type.name) + ": JSON does not keep " + json};
 }
 
-// Throws Finding unless the text has this line and column, or ends there.
-void checkPlace(std::string_view text, std::size_t line, std::size_t column)
+// The text from this line and column on. Throws Finding if the text has no such place.
+std::string_view textFrom(std::string_view text, std::size_t line, std::size_t column)
 {
     const std::vector<std::string_view> lines = support::linesOf(text);
     if (line < 1 || line > lines.size() || column < 1 || column > lines[line - 1].size() + 1)
         throw Finding{"the error's place " + std::to_string(line) + ':' + std::to_string(column) +
                       " is outside of the text"};
+    return lines[line - 1].substr(column - 1);
 }
 
+// Checks that each error is at a value or a name of the text, and that its path is a JSON Pointer.
 void checkErrors(std::string_view text, const inspect::JsonError& found)
 {
     if (found.errors.empty()) throw Finding{"refused without a reason"};
     for (const inspect::JsonError::Entry& error : found.errors) {
-        checkPlace(text, error.line, error.column);
-        inspect::Json::json_pointer{error.path};  // throws if it is malformed
+        if (textFrom(text, error.line, error.column).find_first_of("{[\"-0123456789tfn") != 0)
+            throw Finding{"the error is not at a value: " + error.text()};
+        try {
+            inspect::Json::json_pointer{error.path};
+        } catch (const inspect::Json::exception&) {
+            throw Finding{"not a JSON Pointer: " + error.path};
+        }
     }
 }
 
@@ -84,7 +91,7 @@ void checkText(const Type& type, std::string_view text)
     } catch (const inspect::JsonError& error) {
         checkErrors(text, error);
     } catch (const inspect::InputError& error) {
-        checkPlace(text, error.line, error.column);
+        textFrom(text, error.line, error.column);
         if (std::string_view(error.what()).starts_with("not JSON: ")) checkIsJson(text, false);
         return;
     } catch (const inspect::Refusal&) {

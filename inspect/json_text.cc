@@ -3,7 +3,6 @@
 #include "json_text.h"
 
 #include "explain/layout.h"
-#include "explain/refused.h"
 #include "input.h"
 #include "support/text.h"
 

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+
 using namespace quorva;
 using namespace quorva::inspect;
 
@@ -227,6 +229,27 @@ TEST(Json, tellsWhereATextIsNotJson)
 TEST(Json, boundsTheNesting)
 {
     EXPECT_EQ(errorsOf(types::LockerIdSeq, std::string(5000, '[')), "1:513: values are nested deeper than 512 levels");
+}
+
+// Takes milliseconds, or hours if the time for one of the texts is quadratic.
+TEST(Json, readsLongTextsInLinearTime)
+{
+    const auto repeated = [](std::string_view unit) {
+        std::string text;
+        while (text.size() < 3'000'000) text += unit;
+        return text;
+    };
+    const std::string texts[] = {'[' + repeated("{},") + "0]",
+                                 '{' + repeated("\"rest\":[],") + "\"\":0}",
+                                 repeated("[[],"),
+                                 '"' + repeated("\\u00e4") + '"',
+                                 repeated("7"),
+                                 repeated("\n") + "x"};
+    const auto begin = std::chrono::steady_clock::now();
+    for (const std::string& text : texts)
+        for (const Type* type : {&types::Visit, &types::StationUnion, &types::LockerIdSeq, &types::Float})
+            EXPECT_NE(errorsOf(*type, text), "none");
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::minutes(1));
 }
 
 TEST(Json, tellsTwentyErrorsAtMost)
