@@ -53,7 +53,7 @@ Generated generate(inspect::Sampler& sampler, const Type& type, Chance& chance)
 {
     constexpr std::size_t budgets[] = {60, 120, 120, 240, 240, 480, 1024};
     inspect::Recipe recipe{inspect::Extent::random, chance.next(), budgets[chance.below(std::size(budgets))]};
-    if (chance.oneIn(32)) recipe.extent = chance.oneIn(2) ? inspect::Extent::least : inspect::Extent::fullest;
+    if (chance.oneIn(32)) recipe.extent = chance.oneIn(2) ? inspect::Extent::least : inspect::Extent::most;
     Generated generated{sampler.sample(type, recipe), {}};
     generated.control = controlUnits(type, generated.message);
     return generated;

@@ -97,7 +97,7 @@ void writeEveryType(Seeds& seeds)
     for (const Type* type : allTypes()) {
         const std::string name = type->name;
         const auto sample = [&](const inspect::Recipe& recipe) { return sampler.sample(*type, recipe); };
-        seeds.writeBothForms(name + "-fullest", *type, sample({inspect::Extent::fullest, 0, 200}));
+        seeds.writeBothForms(name + "-most", *type, sample({inspect::Extent::most, 0, 200}));
         seeds.writeMessage(name + "-random", *type, sample({inspect::Extent::random, chance.next(), 160}));
         Generated damaged = generate(sampler, *type, chance);
         damage(damaged.message, damaged.control, generate(sampler, *type, chance).message, chance);

@@ -77,7 +77,7 @@ protected:
     std::vector<Bytes> samples(std::uint64_t seeds)
     {
         std::vector<Bytes> made = {sampler.sample(type, {Extent::least, 0, 300}),
-                                   sampler.sample(type, {Extent::fullest, 0, 300})};
+                                   sampler.sample(type, {Extent::most, 0, 300})};
         for (std::uint64_t seed = 0; seed < seeds; ++seed)
             made.push_back(sampler.sample(type, {Extent::random, seed, 300}));
         return made;

@@ -190,7 +190,7 @@ TEST(Sample, keepsItsPromises)
         }
     }
     EXPECT_EQ(sampler.sample(types::Visit, {Extent::least, 0, 9999}).size(), sampler.leastSize(types::Visit));
-    EXPECT_EQ(sampler.sample(types::LockerIdSeq, {Extent::fullest, 0, 1024}).size(), 28u);
+    EXPECT_EQ(sampler.sample(types::LockerIdSeq, {Extent::most, 0, 1024}).size(), 28u);
 
     std::set<unsigned char> attributes;
     for (std::uint64_t seed = 0; seed < armsOf(types::StationUnion).size(); ++seed)

@@ -211,7 +211,7 @@ TEST(Bounds, holdForTheAllocationsOfASuccessfulDecode)
     Most factor;
     for (const Type* type : libraryTypes()) {
         factor.add(static_cast<std::size_t>(std::ceil(factors.of(*type))), *type);
-        for (const Extent extent : {Extent::least, Extent::random, Extent::fullest}) {
+        for (const Extent extent : {Extent::least, Extent::random, Extent::most}) {
             const Bytes message = sampler.sample(*type, {extent, 0, longest});
             Storage object(*type);
             ASSERT_TRUE(object.run(Mode::decode, Message(message).span()).succeeded) << type->name;
@@ -279,7 +279,7 @@ TEST(Bounds, holdForTheStack)
     WorstMessage worstBlocks(false), worstStrings(true);
     Most untraced, traced, time;
     for (const Type* type : libraryTypes()) {
-        std::vector<Bytes> messages = {sampler.sample(*type, {Extent::fullest, 0, longest}),
+        std::vector<Bytes> messages = {sampler.sample(*type, {Extent::most, 0, longest}),
                                        sampler.sample(*type, {Extent::random, 0, longest})};
         for (WorstMessage* const worst : {&worstBlocks, &worstStrings})
             for (Bytes& message : variantsOf(worst->of(*type))) messages.push_back(std::move(message));

@@ -63,7 +63,7 @@ void forMessages(inspect::Sampler& sampler, const Type& type, Use use)
 {
     using inspect::Extent;
     for (std::size_t seed = 0; seed < 12; ++seed) {
-        const Extent extent = seed == 0 ? Extent::least : seed == 1 ? Extent::fullest : Extent::random;
+        const Extent extent = seed == 0 ? Extent::least : seed == 1 ? Extent::most : Extent::random;
         const Bytes message = sampler.sample(type, {extent, seed, 600});
         use(message);
         if (message.size() < 4) continue;

@@ -59,7 +59,7 @@ protected:
     std::vector<Bytes> samples(std::size_t budget, std::uint64_t seeds)
     {
         std::vector<Bytes> made = {sampler.sample(type, {Extent::least, 0, budget}),
-                                   sampler.sample(type, {Extent::fullest, 0, budget})};
+                                   sampler.sample(type, {Extent::most, 0, budget})};
         for (std::uint64_t seed = 0; seed < seeds; ++seed)
             made.push_back(sampler.sample(type, {Extent::random, seed, budget}));
         return made;
@@ -273,7 +273,7 @@ TEST_P(EveryType, failsInAShortBuffer)
 // types get four bytes.
 TEST_P(EveryType, allocatesForANullObject)
 {
-    const Bytes wire = sampler.sample(type, {Extent::fullest, 0, shortMessage});
+    const Bytes wire = sampler.sample(type, {Extent::most, 0, shortMessage});
     const bool isBuiltin = type.kind == TypeKind::builtin;
     for (TraceText* const sink : {static_cast<TraceText*>(nullptr), &exhaustedTrace()})
         for (const auto mode : {Mode::decode, Mode::encode, Mode::release})
