@@ -62,13 +62,25 @@ Layout Layouts::of(const Declaration& declaration) const
         return {element.size * declaration.bound, element.alignment, element.members};
     }
     case Form::variableArray:
-    case Form::variableOpaque: return {16, 8};
+    case Form::variableOpaque: return {2 * address, address};
     case Form::optional:
-    case Form::string: return {8, 8};
+    case Form::string: return {address, address};
     case Form::fixedOpaque: return {declaration.bound, 1};
     case Form::none: break;
     }
     return {};
+}
+
+Layout Layouts::ofArms(const Definition& discriminatedUnion) const
+{
+    Layout arms;
+    for (const Arm& arm : discriminatedUnion.arms) {
+        if (arm.declaration.form == Form::none) continue;
+        const Layout held = asMember(of(arm.declaration));
+        arms = {std::max(arms.size, held.size), std::max(arms.alignment, held.alignment), arms.members + held.members};
+    }
+    arms.size = padded(arms.size, arms.alignment);
+    return arms;
 }
 
 Layout Layouts::of(const Definition& definition) const
@@ -81,22 +93,30 @@ Layout Layouts::of(const Definition& definition) const
     case DefinitionKind::structure:
         for (const Declaration& field : definition.fields) append(layout, asMember(of(field)));
         break;
-    case DefinitionKind::discriminatedUnion: {
-        Layout arms;
-        for (const Arm& arm : definition.arms) {
-            if (arm.declaration.form == Form::none) continue;
-            const Layout held = asMember(of(arm.declaration));
-            arms = {std::max(arms.size, held.size), std::max(arms.alignment, held.alignment),
-                    arms.members + held.members};
-        }
-        arms.size = padded(arms.size, arms.alignment);
+    case DefinitionKind::discriminatedUnion:
         append(layout, asMember(of(definition.discriminant)));
-        append(layout, arms);
+        append(layout, ofArms(definition));
         break;
-    }
     }
     layout.size = padded(layout.size, layout.alignment);
     return layout;
+}
+
+std::vector<std::uint64_t> Layouts::offsetsIn(const Definition& type) const
+{
+    std::vector<std::uint64_t> offsets;
+    Layout before;
+    for (const Declaration& field : type.fields) {
+        append(before, of(field));
+        offsets.push_back(before.size - of(field).size);
+    }
+    if (type.kind == DefinitionKind::typeDefinition) offsets.push_back(0);
+    if (type.kind == DefinitionKind::discriminatedUnion) {
+        const std::uint64_t armsAt = padded(of(type.discriminant).size, ofArms(type).alignment);
+        offsets.push_back(0);
+        for (const Arm& arm : type.arms) offsets.push_back(arm.declaration.form == Form::none ? 0 : armsAt);
+    }
+    return offsets;
 }
 
 }  // namespace quorva::compiler

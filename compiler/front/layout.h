@@ -5,10 +5,11 @@
 
 #include <cstdint>
 #include <unordered_map>
+#include <vector>
 
 namespace quorva::compiler {
 
-// The memory that a type takes on a machine with 64-bit addresses, where it takes most.
+// The memory that a type takes.
 struct Layout {
     std::uint64_t size = 0;       // bytes
     std::uint64_t alignment = 1;  // bytes
@@ -27,16 +28,25 @@ public:
     static constexpr std::uint64_t mostBytes = std::uint64_t{64} << 20U;
     static constexpr std::uint64_t mostMembers = 65536;
 
+    // `bytes` is the size of an address on the machine in question. Types take most where it is 8.
+    explicit Layouts(std::uint64_t bytes = 8) : address(bytes) {}
+
     // Adds the type and returns its layout, which may exceed the limits.
     Layout add(const Definition& type);
 
     // The layout of one member; zero bytes for void.
     Layout of(const Declaration& declaration) const;
 
+    // The offset of each of `declarationsOf(type)` in an object of the type; 0 for a void arm. The types that the type
+    // holds by value must be added.
+    std::vector<std::uint64_t> offsetsIn(const Definition& type) const;
+
 private:
+    Layout ofArms(const Definition& discriminatedUnion) const;
     Layout of(const TypeRef& type) const;
     Layout of(const Definition& definition) const;
 
+    std::uint64_t address;
     std::unordered_map<const Definition*, Layout> known;
 };
 
