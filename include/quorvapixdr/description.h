@@ -1,9 +1,12 @@
 // Descriptions: what an interface file says about each type, as constant data.
 //
 // One `Type` describes each definition of an interface file and each built-in type. The interpreter follows it, and the
-// inspector, the JSON conversion and the property tests read it; no field list is written a second time. All objects
-// are constants with static storage. Names are zero-terminated and never null. Documentation, files and lines are in
-// <quorvapixdr/documentation.h>.
+// inspector, the JSON conversion and the property tests read it; no field list is written a second time. Generated
+// descriptions are constants with static storage. Names are zero-terminated and never null. Documentation, files and
+// lines are in <quorvapixdr/documentation.h>.
+//
+// A tool can also describe types at run time. Such a type has no routine, and only the interpreter codes it; an
+// enumeration has no name function: its members and cases give the names.
 #pragma once
 
 #include <quorvapixdr/primitives.h>
@@ -71,10 +74,10 @@ struct Member {
     std::uint32_t nameLength = 0;  // in bytes
 };
 
-// A discriminant value that selects an arm.
+// A discriminant value that selects an arm, or the value of an enumerator.
 struct Case {
     std::uint32_t value = 0;   // as on the wire: -1 is 0xFFFFFFFF
-    std::uint32_t member = 0;  // index of the arm among the union's members
+    std::uint32_t member = 0;  // index of the arm or the enumerator among the type's members
 };
 
 // A definition of an interface file, or a built-in type.
@@ -88,8 +91,9 @@ struct Type {
     XdrRoutine routine = nullptr;
     const char* (*nameOf)(int) = nullptr;  // name function of an enumeration, else null
     std::span<const Member> members = {};  // struct: its fields; union: the discriminant, then its arms in the order of
-                                           // the file; typedef: its one declaration
-    std::span<const Case> cases = {};      // union: by value, ascending
+                                           // the file; typedef: its one declaration; enumeration without a name
+                                           // function: the name of unknown values, then the names of the enumerators
+    std::span<const Case> cases = {};      // of a union and of such an enumeration: by value, ascending
     const char* armElement = "";           // union: the trace element around the arm
 };
 
