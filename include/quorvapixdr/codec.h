@@ -62,11 +62,12 @@ struct Pass {
     std::size_t length = 0;  // bytes written or read, also by a failed pass
 };
 
-// Runs `routine` over `object` and the first 65535 bytes of `buffer`: the layer below `encode` and `decode`, for code
-// that knows the routine of an object but not its type. Calls `attach` with the stream before the pass, to set a trace
-// or to open an element around it. Throws only what `attach` or a constructor of the stream class throws.
-template <class Attach>
-Pass runPass(Mode mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer, Attach attach)
+// Runs `routine`, an XdrRoutine or another callable with its arguments and result, over `object` and the first 65535
+// bytes of `buffer`: the layer below `encode` and `decode`, for code that knows the routine of an object but not its
+// type. Calls `attach` with the stream before the pass, to set a trace or to open an element around it. Throws only
+// what `attach` or a constructor of the stream class throws.
+template <class Routine, class Attach>
+Pass runPass(Mode mode, Routine routine, void* object, std::span<unsigned char> buffer, Attach attach)
 {
     Xdr xdrs;
     const std::size_t length = buffer.size() < longestMessage ? buffer.size() : longestMessage;
@@ -76,7 +77,8 @@ Pass runPass(Mode mode, XdrRoutine routine, void* object, std::span<unsigned cha
     return {succeeded, xdrs.codedLength};
 }
 
-inline Pass runPass(Mode mode, XdrRoutine routine, void* object, std::span<unsigned char> buffer)
+template <class Routine>
+Pass runPass(Mode mode, Routine routine, void* object, std::span<unsigned char> buffer)
 {
     return runPass(mode, routine, object, buffer, [](Xdr&) {});
 }
@@ -101,8 +103,8 @@ concept Traceable = requires(Stream& xdrs, typename Stream::Trace& trace)
 };
 
 // The same, and adds the trace to `trace`, inside an element called `name`: after a success, an XML document.
-template <Traceable Stream = Xdr>
-Pass runTraced(Mode mode, XdrRoutine routine, const char* name, void* object, std::span<unsigned char> buffer,
+template <Traceable Stream = Xdr, class Routine>
+Pass runTraced(Mode mode, Routine routine, const char* name, void* object, std::span<unsigned char> buffer,
                typename Stream::Trace& trace)
 {
     const Pass pass = runPass(mode, routine, object, buffer, [&](Stream& xdrs) {

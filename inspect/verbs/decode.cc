@@ -19,12 +19,12 @@ Pass decodeInto(Object& object, Bytes& message, std::string& text)
     const Type& type = object.type();
     if constexpr (Traceable<Stream>) {
         typename Stream::Trace trace;
-        const Pass pass = runTraced<Stream>(Mode::decode, type.routine, type.name, object.data(), message, trace);
+        const Pass pass = traceObject<Stream>(Mode::decode, type, object.data(), message, trace);
         if (!trace.complete()) throw std::bad_alloc();
         text = std::string(trace.text()) + '\n';
         return pass;
     } else {
-        const Pass pass = runPass(Mode::decode, type.routine, object.data(), message);
+        const Pass pass = codeObject(Mode::decode, type, object.data(), message);
         text = "This platform's stream collects no trace.\n";
         return pass;
     }

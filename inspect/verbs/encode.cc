@@ -50,7 +50,7 @@ public:
         const Type& type = subject.type();
         Object object = objectFrom(type, file);
         Bytes message(limit);
-        const Pass pass = runPass(Mode::encode, type.routine, object.data(), message);
+        const Pass pass = codeObject(Mode::encode, type, object.data(), message);
         if (!pass.succeeded) {
             const auto failure = explain(type, object.data(), limit);
             throw Stop{codingError,
