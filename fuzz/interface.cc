@@ -1,6 +1,8 @@
 // Any text as an interface file: every stage of the compiler runs, and a file without errors flattens to the same
-// interface. Text before a form feed is a module "part", which the rest may import.
+// interface. The inspector describes its types at run time, and they code messages. Text before a form feed is a module
+// "part", which the rest may import.
 
+#include "inspect/interface.h"
 #include "compiler/emit/emit.h"
 #include "compiler/evolve/compare.h"
 #include "compiler/evolve/flatten.h"
@@ -8,12 +10,17 @@
 #include "compiler/front/lint.h"
 #include "compiler/front/parser.h"
 #include "compiler/front/resolve.h"
+#include "inspect/json.h"
+#include "inspect/tree.h"
 #include "mutate.h"
 
 #include <sstream>
 
 using namespace quorva::compiler;
 using namespace quorva::fuzz;
+namespace inspect = quorva::inspect;
+using quorva::Bytes;
+using quorva::Mode;
 
 namespace {
 
@@ -73,6 +80,41 @@ void checkFlattening(const Program& program)
     if (flatten(again) != flat) throw Finding{"flattening changes a flattened file:\n" + flat};
     if (compare({program}, {again}, printed) > 0)
         throw Finding{"flattening breaks the interface:\n" + printed.str() + flat};
+}
+
+// The object of a message that the traversal accepts has a JSON form, and encodes to a message that it accepts again.
+void checkMessage(const quorva::Type& type, Bytes message)
+{
+    if (inspect::Tree(type, message).stopped()) return;
+    inspect::Object object(type);
+    if (!inspect::codeObject(Mode::decode, type, object.data(), message).succeeded)
+        throw Finding{std::string("the codec refuses a message of ") + type.name};
+    Bytes again(quorva::longestMessage);
+    again.resize(inspect::codeObject(Mode::encode, type, object.data(), again).length);
+    inspect::Object same = inspect::fromJson(type, inspect::toJson(type, object.data()).dump());
+    Bytes fromJson(quorva::longestMessage);
+    fromJson.resize(inspect::codeObject(Mode::encode, type, same.data(), fromJson).length);
+    if (fromJson != again) throw Finding{std::string("the JSON form changes a message of ") + type.name};
+}
+
+void checkDescriptions(Program program, std::uint64_t seed)
+{
+    constexpr std::size_t mostTypes = 20, longest = 1024;
+    try {
+        const inspect::Interfaces interfaces(std::move(program));
+        inspect::Sampler sampler;
+        Chance chance(seed);
+        std::size_t tried = 0;
+        for (const quorva::Type* type : inspect::typesOf(interfaces.modules())) {
+            if (tried++ == mostTypes) return;
+            if (type->size > longest || sampler.leastSize(*type) > longest) continue;
+            Generated message = generate(sampler, *type, chance);
+            checkMessage(*type, message.message);
+            damage(message.message, message.control, {}, chance);
+            checkMessage(*type, message.message);
+        }
+    } catch (const inspect::InterfaceError&) {
+    }
 }
 
 constexpr std::string_view words[] = {"enum",
@@ -147,7 +189,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     return runDriver([&] {
         Diagnostics errors;
-        const Program program = read({reinterpret_cast<const char*>(data), size}, errors);
+        Program program = read({reinterpret_cast<const char*>(data), size}, errors);
         if (errors.count() > 0) {
             std::ostringstream printed;
             errors.print(printed);
@@ -155,6 +197,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
         generateAll(program);
         checkFlattening(program);
+        checkDescriptions(std::move(program), size);
     });
 }
 

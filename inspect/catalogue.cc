@@ -119,10 +119,10 @@ std::string didYouMean(std::string_view word, std::span<const std::string_view> 
 
 Catalogue::Catalogue()
 {
-    ordered = typesOf(modules());
-    ordered.insert(ordered.end(), builtinTypes().begin(), builtinTypes().end());
+    for (const Type* type : builtinTypes()) byName.emplace(type->name, type);
+    for (const Type* type : typesOf(knownModules())) byName.insert_or_assign(type->name, type);
+    for (const auto& [name, type] : byName) ordered.push_back(type);
     std::ranges::sort(ordered, {}, [](const Type* type) { return std::string_view(type->name); });
-    for (const Type* type : ordered) byName.emplace(type->name, type);
 }
 
 const Type* Catalogue::find(std::string_view name) const
@@ -143,7 +143,8 @@ std::vector<std::string> Catalogue::usersOf(const Type& type) const
     std::vector<std::string> users;
     for (const Type* user : ordered)
         for (const Member& member : user->members) {
-            if (member.use.type != &type) continue;
+            // By name: a module that is read at run time has descriptions of its own for what it shares with others.
+            if (!member.use.type || std::string_view(member.use.type->name) != type.name) continue;
             users.push_back(user->kind == TypeKind::typeDefinition ? user->name
                                                                    : std::string(user->name) + '.' + member.name);
         }

@@ -1,4 +1,4 @@
-// The library's types by name: find one, suggest names for a wrong one, and name kinds, forms and declarations.
+// The known types by name: find one, suggest names for a wrong one, and name kinds, forms and declarations.
 #pragma once
 
 #include <quorvapixdr/description.h>
@@ -44,7 +44,7 @@ bool matches(std::string_view pattern, std::string_view name);
 // or else those that contain it. Empty if there are none.
 std::string didYouMean(std::string_view word, std::span<const std::string_view> candidates);
 
-// All types of the library, the built-in ones included.
+// All types of the known modules, and the built-in ones. A type hides those of the same name in earlier modules.
 class Catalogue {
 public:
     Catalogue();

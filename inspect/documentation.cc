@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace quorva::inspect {
 
@@ -46,6 +48,12 @@ Entries& known()
     return entries;
 }
 
+std::vector<const Module*>& addedModules()
+{
+    static std::vector<const Module*> added;
+    return added;
+}
+
 Entry entryOf(const Type& type)
 {
     static constexpr Documentation none;
@@ -66,6 +74,27 @@ std::vector<const Type*> typesOf(std::span<const Module* const> modules)
 void addModules(std::span<const Module* const> further)
 {
     add(known(), further);
+    addedModules().insert(addedModules().end(), further.begin(), further.end());
+}
+
+void removeModules(std::span<const Module* const> added)
+{
+    for (const Module* module : added) {
+        std::erase(addedModules(), module);
+        for (const Documentation& each : module->types) known().erase(each.type);
+    }
+}
+
+std::vector<const Module*> knownModules()
+{
+    std::vector<const Module*> all(modules().begin(), modules().end());
+    all.insert(all.end(), addedModules().begin(), addedModules().end());
+    std::unordered_set<std::string_view> names;
+    std::vector<const Module*> known;
+    std::copy_if(all.rbegin(), all.rend(), std::back_inserter(known),
+                 [&](const Module* module) { return names.insert(module->name).second; });
+    std::ranges::reverse(known);
+    return known;
 }
 
 const Documentation& documentationOf(const Type& type)

@@ -12,9 +12,14 @@ namespace quorva::inspect {
 // The types of these modules, in their order.
 std::vector<const Type*> typesOf(std::span<const Module* const> modules);
 
-// Adds modules to the known ones, which are `modules()` and the built-in types at the start. `further` and everything
-// that it points to must have static storage. Not thread-safe: no other thread may use the inspector meanwhile.
+// Adds modules to the known ones, which are `modules()` at the start. Everything that `further` points to must live
+// until `removeModules`, or to the end of the program. Neither is thread-safe: no other thread may use the inspector
+// meanwhile.
 void addModules(std::span<const Module* const> further);
+void removeModules(std::span<const Module* const> added);
+
+// The known modules: those of the library, then the added ones. A module replaces all earlier ones of its name.
+std::vector<const Module*> knownModules();
 
 // The documentation of a type; an empty one if its module is not known.
 const Documentation& documentationOf(const Type& type);
