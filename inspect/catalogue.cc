@@ -50,6 +50,12 @@ const char* kindName(const Type& type)
     return form == Form::single ? "typedef" : formName(form);
 }
 
+std::string placeOf(const Type& type)
+{
+    const Module* const module = moduleOf(type);
+    return module ? std::string(module->file) + ':' + std::to_string(documentationOf(type).line) : "built in";
+}
+
 const char* formName(Form form)
 {
     switch (form) {
@@ -83,6 +89,16 @@ std::string declaration(const Use& use, std::string_view name)
     case Form::variableOpaque: return text + '<' + bound + '>';
     default: return text;
     }
+}
+
+std::vector<std::vector<std::int64_t>> casesByArm(const Type& discriminatedUnion)
+{
+    const Type& discriminant = discriminantOf(discriminatedUnion);
+    std::vector<std::vector<std::int64_t>> values(armsOf(discriminatedUnion).size());
+    for (const Case& each : discriminatedUnion.cases)
+        values[each.member - 1].push_back(fromUnit(discriminant, each.value));
+    for (auto& ofArm : values) std::ranges::sort(ofArm);
+    return values;
 }
 
 bool matches(std::string_view pattern, std::string_view name)
@@ -136,21 +152,6 @@ std::string Catalogue::didYouMean(std::string_view name) const
     std::vector<std::string_view> names;
     for (const Type* type : ordered) names.emplace_back(type->name);
     return inspect::didYouMean(name, names);
-}
-
-std::vector<std::string> Catalogue::usersOf(const Type& type) const
-{
-    std::vector<std::string> users;
-    for (const Type* user : ordered)
-        for (const Member& member : user->members) {
-            // By name: a module that is read at run time has descriptions of its own for what it shares with others.
-            if (!member.use.type || std::string_view(member.use.type->name) != type.name) continue;
-            users.push_back(user->kind == TypeKind::typeDefinition ? user->name
-                                                                   : std::string(user->name) + '.' + member.name);
-        }
-    std::ranges::sort(users);
-    users.erase(std::unique(users.begin(), users.end()), users.end());  // arms of a union may share a name
-    return users;
 }
 
 }  // namespace quorva::inspect

@@ -3,6 +3,7 @@
 
 #include <quorvapixdr/description.h>
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,12 +30,18 @@ inline constexpr const char* kindNames[] = {"built-in",
 // has the name of its form. "foreign" is a type of another library.
 const char* kindName(const Type& type);
 
+// Where the type is defined: "jobs/job.x:199", or "built in".
+std::string placeOf(const Type& type);
+
 // How a declaration holds its type: "single", "void", or one of the forms among `kindNames`.
 const char* formName(Form form);
 
 // The declaration as an interface file writes it: "LockerId id", "ShortNatural code[10]", "string label<40>". With an
 // empty name only the type: "ShortNatural[10]".
 std::string declaration(const Use& use, std::string_view name);
+
+// For each arm of a union, in the order of the file, the values of the discriminant that select it, ascending.
+std::vector<std::vector<std::int64_t>> casesByArm(const Type& discriminatedUnion);
 
 // True if the name matches the pattern, whatever the case of the letters. A pattern with `*` (any characters) or `?`
 // (one character) matches the whole name; any other pattern matches each name that contains it.
@@ -57,9 +64,6 @@ public:
 
     // The free function `didYouMean`, with the names of all types as candidates.
     std::string didYouMean(std::string_view name) const;
-
-    // The members and typedefs that use the type: "JobAVP.value", "JobAVPSeq"; ordered by name.
-    std::vector<std::string> usersOf(const Type& type) const;
 
 private:
     std::vector<const Type*> ordered;

@@ -4,58 +4,23 @@
 
 #include "documentation.h"
 #include "explain/layout.h"
-#include "sample.h"
 #include "support/text.h"
+#include "table.h"
 
-#include <algorithm>
-#include <array>
+#include <quorvapixdr/codec.h>
+
 #include <map>
+#include <set>
 
 namespace quorva::inspect {
 
 namespace {
 
-// Rows of cells in columns. A column is as wide as its widest cell; a column of empty cells is left out.
-class Table {
-public:
-    using Row = std::array<std::string, 4>;
-
-    explicit Table(std::string lineStart) : margin(std::move(lineStart)) {}
-    void add(Row row) { rows.push_back(std::move(row)); }
-
-    std::string text() const
-    {
-        std::array<std::size_t, 4> widths{};
-        for (const Row& row : rows)
-            for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
-        std::string all;
-        for (const Row& row : rows) {
-            std::string line = margin;
-            for (std::size_t i = 0; i < row.size(); ++i)
-                if (widths[i] > 0) line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
-            line.erase(line.find_last_not_of(' ') + 1);
-            all += line + '\n';
-        }
-        return all;
-    }
-
-private:
-    std::string margin;
-    std::vector<Row> rows;
-};
-
-// Line breaks become blanks, so that a cell stays on its line.
-std::string oneLine(std::string text)
-{
-    std::ranges::replace(text, '\n', ' ');
-    return text;
-}
-
 // "provisional: REASON", or "provisional" if the mark has no reason; empty for a settled member.
 std::string markOf(const MemberDocumentation& member)
 {
     if (!member.provisional) return "";
-    return *member.provisional ? "provisional: " + oneLine(member.provisional) : "provisional";
+    return *member.provisional ? std::string("provisional: ") + member.provisional : "provisional";
 }
 
 std::string indented(std::string_view text)
@@ -65,10 +30,11 @@ std::string indented(std::string_view text)
     return lines;
 }
 
-std::string origin(const Type& type)
+std::vector<std::string> namesOf(const std::vector<const Type*>& types)
 {
-    const Module* const module = moduleOf(type);
-    return module ? std::string(module->file) + ':' + std::to_string(documentationOf(type).line) : "built in";
+    std::vector<std::string> names;
+    for (const Type* type : types) names.emplace_back(type->name);
+    return names;
 }
 
 std::string caseText(const Type& type, std::int64_t value)
@@ -77,37 +43,88 @@ std::string caseText(const Type& type, std::int64_t value)
     return std::to_string(value) + (named ? std::string(" ") + named->name : "");
 }
 
+// "65,535"
+std::string grouped(std::uint64_t number)
+{
+    std::string digits = std::to_string(number);
+    for (std::size_t i = digits.size(); i > 3; i -= 3) digits.insert(i - 3, 1, ',');
+    return digits;
+}
+
+// "4", "4 to 44", or "4 or more" where the maximum exceeds every message.
+std::string rangeText(const WireSize& size)
+{
+    if (size.isFixed()) return grouped(size.least);
+    return grouped(size.least) + (size.most > longestMessage ? " or more" : " to " + grouped(size.most));
+}
+
+// "8..11"; empty for no bytes.
+std::string bytesText(std::uint64_t first, std::uint64_t size)
+{
+    if (size == 0) return "";
+    return std::to_string(first) + (size == 1 ? "" : ".." + std::to_string(first + size - 1));
+}
+
 std::string enumeratorsText(const Type& type)
 {
     Table table("    ");
-    for (const Enumerator& e : enumeratorsOf(type)) table.add({std::to_string(e.value), e.name, oneLine(e.text)});
+    for (const Enumerator& e : enumeratorsOf(type)) table.add({std::to_string(e.value), e.name, e.text});
     return "\n  enumerators\n" + table.text();
 }
 
-std::string fieldsText(const Type& type)
+std::string fieldsText(const Type& type, const TypeFacts& facts)
 {
-    Table table("    ");
-    for (const Member& field : type.members) {
+    const auto offsets = facts.sizes.offsetsIn(type);
+    Table table("  ");
+    table.add({"fields", "offset", "bytes", "in memory"});
+    for (std::size_t i = 0; i < type.members.size(); ++i) {
+        const Member& field = type.members[i];
         const MemberDocumentation& documentation = documentationOf(type, field);
-        table.add({declaration(field.use, field.name), oneLine(documentation.text), markOf(documentation)});
+        table.add({"  " + declaration(field.use, field.name), offsets[i] ? std::to_string(*offsets[i]) : "",
+                   rangeText(facts.sizes.of(field.use)), bytesText(field.offset, memorySize(field.use)),
+                   documentation.text, markOf(documentation)});
     }
-    return "\n  fields\n" + table.text();
+    return '\n' + table.text();
 }
 
-std::string armsText(const Type& type)
+std::string armsText(const Type& type, const TypeFacts& facts)
 {
-    Table table("    ");
-    for (const Member& arm : armsOf(type)) {
-        const MemberDocumentation& documentation = documentationOf(type, arm);
-        for (const std::int64_t value : casesOf(type, arm))
-            table.add({caseText(type, value), declaration(arm.use, arm.name), oneLine(documentation.text),
-                       markOf(documentation)});
-    }
-    if (type.hasDefault) table.add({"default", "void"});
     const Member& discriminant = type.members.front();
-    const std::string mark = markOf(documentationOf(type, discriminant));
-    return "\n  arms by " + declaration(discriminant.use, discriminant.name) + (mark.empty() ? "" : "  " + mark) +
-           '\n' + table.text();
+    Table table("  ");
+    table.add({"arms", "by " + declaration(discriminant.use, discriminant.name), "bytes", "in memory", "",
+               markOf(documentationOf(type, discriminant))});
+    const auto arms = armsOf(type);
+    const auto cases = casesByArm(type);
+    for (std::size_t i = 0; i < arms.size(); ++i) {
+        const Member& arm = arms[i];
+        const MemberDocumentation& documentation = documentationOf(type, arm);
+        for (const std::int64_t value : cases[i])
+            table.add({"  " + caseText(type, value), declaration(arm.use, arm.name),
+                       arm.use.form == Form::none ? "" : rangeText(facts.sizes.of(arm.use)),
+                       bytesText(arm.offset, memorySize(arm.use)), documentation.text, markOf(documentation)});
+    }
+    if (type.hasDefault) table.add({"  default", "void"});
+    return '\n' + table.text();
+}
+
+// "A, B, C and 9 more (--all)", in lines of up to 100 columns; `of` says what is listed.
+std::string namesText(const std::string& of, const std::vector<std::string>& names, std::size_t most)
+{
+    if (names.empty()) return "";
+    std::string text = "\n  " + of + ' ' + grouped(names.size()) + "\n", line = "   ";
+    const std::size_t shown = std::min(most, names.size());
+    for (std::size_t i = 0; i < shown; ++i) {
+        std::string item = " ";
+        item.append(names[i]).append(i + 1 < shown ? "," : "");
+        if (line.size() + item.size() > 100 && line.size() > 3) {
+            text += line + '\n';
+            line = "   ";
+        }
+        line += item;
+    }
+    text += line;
+    if (shown < names.size()) text += " and " + grouped(names.size() - shown) + " more (--all)";
+    return text + '\n';
 }
 
 Json useJson(const Use& use)
@@ -120,14 +137,26 @@ Json useJson(const Use& use)
     return json;
 }
 
-// A void arm has neither name nor offset.
-Json memberJson(const Type& type, const Member& member)
+Json mostJson(const WireSize& size)
+{
+    return size.most > longestMessage ? Json(nullptr) : Json(size.most);
+}
+
+// A void arm has neither name nor sizes.
+Json memberJson(const Type& type, const Member& member, const TypeFacts& facts)
 {
     const MemberDocumentation& documentation = documentationOf(type, member);
+    const bool isVoid = member.use.form == Form::none;
     Json json = Json::object();
-    if (member.use.form != Form::none) json["name"] = member.name;
+    if (!isVoid) json["name"] = member.name;
     json.update(useJson(member.use));
-    if (member.use.form != Form::none) json["offset"] = member.offset;
+    if (!isVoid) {
+        const WireSize size = facts.sizes.of(member.use);
+        json["offset"] = member.offset;
+        json["size"] = memorySize(member.use);
+        json["leastOnWire"] = size.least;
+        json["mostOnWire"] = mostJson(size);
+    }
     if (*documentation.text) json["doc"] = documentation.text;
     if (documentation.provisional) json["provisional"] = documentation.provisional;
     return json;
@@ -165,10 +194,10 @@ Json typesJson(std::span<const Type* const> types)
     return json;
 }
 
-std::string descriptionText(const Type& type, const Catalogue& catalogue)
+std::string descriptionText(const Type& type, const TypeFacts& facts, std::size_t mostUsers)
 {
     const Documentation& documentation = documentationOf(type);
-    std::string text = std::string(type.name) + "  " + kindName(type) + "  " + origin(type) + '\n';
+    std::string text = std::string(type.name) + "  " + kindName(type) + "  " + placeOf(type) + '\n';
     if (*documentation.text) text += indented(documentation.text);
     if (documentation.provisional)
         text += indented(std::string("Provisional: ") +
@@ -178,48 +207,57 @@ std::string descriptionText(const Type& type, const Catalogue& catalogue)
         const std::string mark = markOf(documentationOf(type, type.members.front()));
         text += "  is " + declaration(targetOf(type), "") + (mark.empty() ? "" : "  " + mark) + '\n';
     }
-    text += "  " + std::to_string(type.size) + " bytes in memory, at least " +
-            std::to_string(Sampler().leastSize(type)) + " on the wire\n";
+    text += "  " + rangeText(facts.sizes.of(type)) + " bytes on the wire, " + grouped(type.size) + " in memory\n";
 
     if (type.kind == TypeKind::enumeration) text += enumeratorsText(type);
-    if (type.kind == TypeKind::structure) text += fieldsText(type);
-    if (type.kind == TypeKind::discriminatedUnion) text += armsText(type);
+    if (type.kind == TypeKind::structure) text += fieldsText(type, facts);
+    if (type.kind == TypeKind::discriminatedUnion) text += armsText(type, facts);
 
-    const auto users = catalogue.usersOf(type);
-    if (!users.empty()) text += "\n  used by\n";
-    for (const std::string& user : users) text += "    " + user + '\n';
-    return text;
+    return text + namesText("used by", facts.users.direct(type), mostUsers) +
+           namesText("used indirectly by", namesOf(facts.users.indirect(type)), mostUsers);
 }
 
-Json descriptionJson(const Type& type, const Catalogue& catalogue)
+Json descriptionJson(const Type& type, const TypeFacts& facts)
 {
     Json json = summaryJson(type);
     const Documentation& documentation = documentationOf(type);
+    const WireSize size = facts.sizes.of(type);
     if (const Module* const module = moduleOf(type)) {
         json["file"] = module->file;
         json["line"] = documentation.line;
     }
     if (*documentation.text) json["doc"] = documentation.text;
     json["size"] = type.size;
-    json["leastOnWire"] = Sampler().leastSize(type);
+    json["alignment"] = type.alignment;
+    json["leastOnWire"] = size.least;
+    json["mostOnWire"] = mostJson(size);
     if (type.kind == TypeKind::typeDefinition) json["target"] = useJson(targetOf(type));
     for (const Enumerator& e : enumeratorsOf(type)) {
         Json entry = {{"name", e.name}, {"value", e.value}};
         if (*e.text) entry["doc"] = e.text;
         json["enumerators"].push_back(std::move(entry));
     }
-    if (type.kind == TypeKind::structure)
-        for (const Member& field : type.members) json["fields"].push_back(memberJson(type, field));
+    if (type.kind == TypeKind::structure) {
+        const auto offsets = facts.sizes.offsetsIn(type);
+        for (std::size_t i = 0; i < type.members.size(); ++i) {
+            Json field = memberJson(type, type.members[i], facts);
+            if (offsets[i]) field["wireOffset"] = *offsets[i];
+            json["fields"].push_back(std::move(field));
+        }
+    }
     if (type.kind == TypeKind::discriminatedUnion) {
-        json["discriminant"] = memberJson(type, type.members.front());
-        for (const Member& arm : armsOf(type)) {
-            Json entry = {{"cases", casesOf(type, arm)}};
-            entry.update(memberJson(type, arm));
+        const auto arms = armsOf(type);
+        const auto cases = casesByArm(type);
+        json["discriminant"] = memberJson(type, type.members.front(), facts);
+        for (std::size_t i = 0; i < arms.size(); ++i) {
+            Json entry = {{"cases", cases[i]}};
+            entry.update(memberJson(type, arms[i], facts));
             json["arms"].push_back(std::move(entry));
         }
         json["hasDefault"] = type.hasDefault;
     }
-    json["usedBy"] = catalogue.usersOf(type);
+    json["usedBy"] = facts.users.direct(type);
+    json["usedIndirectlyBy"] = namesOf(facts.users.indirect(type));
     return json;
 }
 
@@ -231,13 +269,19 @@ std::span<const char* const> otherPrimitives()
     return names;
 }
 
-std::string summaryText(std::span<const Module* const> modules)
+std::string summaryText(std::span<const Type* const> types, std::size_t primitives)
 {
+    std::set<const Module*> modules;
     std::map<std::string_view, std::size_t> ofKind;
-    std::size_t nameFunctions = 0, provisional = 0, provisionalMembers = 0;
-    const std::vector<const Type*> types = typesOf(modules);
+    std::size_t defined = 0, builtin = 0, nameFunctions = 0, provisional = 0, provisionalMembers = 0;
     for (const Type* type : types) {
+        if (type->kind == TypeKind::builtin) {
+            ++builtin;
+            continue;
+        }
+        ++defined;
         ++ofKind[kindName(*type)];
+        if (const Module* const module = moduleOf(*type)) modules.insert(module);
         nameFunctions += type->nameOf != nullptr;
         const bool isProvisional = documentationOf(*type).provisional != nullptr;
         provisional += isProvisional;
@@ -247,15 +291,18 @@ std::string summaryText(std::span<const Module* const> modules)
     std::string kinds;
     for (const char* kind : kindNames)
         if (const auto found = ofKind.find(kind); found != ofKind.end())
-            kinds += (kinds.empty() ? "" : ", ") + std::to_string(found->second) + ' ' + kind;
+            kinds += (kinds.empty() ? ": " : ", ") + std::to_string(found->second) + ' ' + kind;
     const auto number = [](std::size_t value) { return std::to_string(value); };
+    const auto some = [](std::size_t count, const char* what) {
+        return count > 0 ? ", " + std::to_string(count) + what : "";
+    };
     Table table("");
     table.add({"modules", number(modules.size())});
-    table.add({"types", number(types.size()) + ": " + kinds});
-    table.add({"routines", number(types.size()) + " of these types, " + number(builtinTypes().size()) +
-                               " of built-in types, " + number(otherPrimitives().size()) + " other primitives"});
+    table.add({"types", number(defined) + kinds});
+    table.add({"routines", number(defined) + " of these types" + some(builtin, " of built-in types") +
+                               some(primitives, " other primitives")});
     table.add({"name functions", number(nameFunctions)});
-    table.add({"layouts", number(types.size() - provisional) + " settled, " + number(provisional) + " provisional"});
+    table.add({"layouts", number(defined - provisional) + " settled, " + number(provisional) + " provisional"});
     table.add({"members", number(provisionalMembers) + " provisional in settled types"});
     return table.text();
 }

@@ -4,7 +4,10 @@
 #include "catalogue.h"
 #include "documentation.h"
 #include "json.h"
+#include "sizes.h"
+#include "users.h"
 
+#include <cstddef>
 #include <span>
 #include <string>
 
@@ -18,16 +21,26 @@ std::string typesText(std::span<const Type* const> types);
 // has no module; the last two are there only where something is provisional.
 Json typesJson(std::span<const Type* const> types);
 
-// Everything about one type: place of its definition, documentation, sizes, members or enumerators, and users.
-std::string descriptionText(const Type& type, const Catalogue& catalogue);
+// What the descriptions of several types share.
+struct TypeFacts {
+    TypeFacts(const Catalogue& catalogue) : users(catalogue.types()) {}
 
-// The same as one JSON object.
-Json descriptionJson(const Type& type, const Catalogue& catalogue);
+    Users users;
+    WireSizes sizes;
+};
+
+// Everything about one type: place of its definition, documentation, sizes, members or enumerators, and up to
+// `mostUsers` of its direct and of its indirect users.
+std::string descriptionText(const Type& type, const TypeFacts& facts, std::size_t mostUsers = 12);
+
+// The entry of the type in the schema document (schema.h).
+Json descriptionJson(const Type& type, const TypeFacts& facts);
 
 // The names of the primitive routines that do not belong to one built-in type: "XdrVoid", "XdrString", "XdrArray", ...
 std::span<const char* const> otherPrimitives();
 
 // The number of modules, of types by kind, of routines and name functions, and of settled and provisional layouts.
-std::string summaryText(std::span<const Module* const> modules);
+// `primitives` is the number of other primitives to mention; 0 mentions none.
+std::string summaryText(std::span<const Type* const> types, std::size_t primitives);
 
 }  // namespace quorva::inspect

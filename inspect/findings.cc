@@ -4,7 +4,7 @@
 
 #include "explain/layout.h"
 #include "input.h"
-#include "sample.h"
+#include "sizes.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -138,11 +138,11 @@ private:
 std::string impossibleCount(const Tree& tree)
 {
     std::string sentence;
-    Sampler sampler;
+    const WireSizes sizes;
     for (std::uint32_t at = tree.stopped()->node;; at = tree.nodes()[at].parent) {
         const Node& node = tree.nodes()[at];
         if (node.use && node.use->form == Form::variableArray && node.size > 0) {
-            const std::size_t needed = static_cast<std::size_t>(node.number) * sampler.leastSize(*node.use->type);
+            const std::uint64_t needed = static_cast<std::uint64_t>(node.number) * sizes.of(*node.use->type).least;
             const std::size_t left = tree.bytes().size() - node.offset - 4;
             const std::string path = tree.pointer(at);
             if (needed > left)
@@ -199,7 +199,7 @@ std::string likelyCause(const Tree& tree)
     const Cause why = tree.stopped()->why.cause;
     if (why != Cause::messageEndsInUnit && why != Cause::messageEndsInContents && why != Cause::messageEndsInPadding)
         return {};
-    const std::size_t least = Sampler().leastSize(tree.type());
+    const std::uint64_t least = WireSizes().of(tree.type()).least;
     if (least <= tree.bytes().size()) return "the message may have been cut";
     return std::string("the message may have been cut: a ") + tree.type().name + " has at least " + grouped(least) +
            " bytes";

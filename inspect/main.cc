@@ -34,6 +34,8 @@ std::vector<std::unique_ptr<Verb>> allVerbs()
     verbs.push_back(makeDiff());
     verbs.push_back(makeTypes());
     verbs.push_back(makeDescribe());
+    verbs.push_back(makeFind());
+    verbs.push_back(makeSchema());
     return verbs;
 }
 

@@ -295,7 +295,7 @@ std::span<const std::int64_t> KnownNumbers::of(const Type& discriminant)
 {
     if (!isCollected) {
         std::map<const Type*, std::set<std::int64_t>> found;
-        for (const Type* type : typesOf(modules())) {
+        for (const Type* type : typesOf(knownModules())) {
             if (type->kind != TypeKind::discriminatedUnion) continue;
             const Type* const key = type->members.front().use.type;
             if (key->kind != TypeKind::typeDefinition) continue;

@@ -5,6 +5,8 @@
 #include "arguments.h"
 #include "output.h"
 
+#include <limits>
+
 namespace quorva::inspect {
 
 namespace {
@@ -21,22 +23,27 @@ public:
     void declare(CLI::App& app) override
     {
         subject.declare(app);
-        app.add_flag("--json", json, "print JSON");
+        auto* const asJson = app.add_flag("--json", json, "print JSON, in the form of `quorvaxdr schema`");
+        app.add_flag("--all", all, "print all users, however many there are")->excludes(asJson);
     }
 
     int run() override
     {
         const Type& type = subject.type();
+        const TypeFacts facts(subject.catalogue());
         if (json)
-            printJson(descriptionJson(type, subject.catalogue()));
+            printJson(descriptionJson(type, facts));
+        else if (all)
+            print(descriptionText(type, facts, std::numeric_limits<std::size_t>::max()));
         else
-            print(descriptionText(type, subject.catalogue()));
+            print(descriptionText(type, facts));
         return success;
     }
 
 private:
     TypeArgument subject;
     bool json = false;
+    bool all = false;
 };
 
 }  // namespace

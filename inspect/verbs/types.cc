@@ -36,17 +36,16 @@ public:
 
     int run() override
     {
-        if (summary) {
-            print(summaryText(modules()));
-            return success;
-        }
         const Catalogue catalogue;
         std::vector<const Type*> chosen;
         for (const Type* type : catalogue.types())
             if (matches(pattern, type->name) && (kind.empty() || kind == kindName(*type)) &&
                 matches(module, moduleName(*type)) && (!provisional || isProvisional(*type)))
                 chosen.push_back(type);
-        if (json)
+        const bool isWhole = chosen.size() == catalogue.types().size();
+        if (summary)
+            print(summaryText(chosen, isWhole ? otherPrimitives().size() : 0));
+        else if (json)
             printJson(typesJson(chosen));
         else
             print(typesText(chosen));

@@ -46,6 +46,8 @@ std::unique_ptr<Verb> makeDecode();
 std::unique_ptr<Verb> makeDescribe();
 std::unique_ptr<Verb> makeDiff();
 std::unique_ptr<Verb> makeEncode();
+std::unique_ptr<Verb> makeFind();
+std::unique_ptr<Verb> makeSchema();
 std::unique_ptr<Verb> makeTypes();
 std::unique_ptr<Verb> makeValidate();
 
