@@ -5,6 +5,7 @@
 #include "inspect/describe.h"
 #include "inspect/object.h"
 #include "inspect/sample.h"
+#include "inspect/users.h"
 #include "locker_types.h"
 
 #include <gtest/gtest.h>
@@ -94,8 +95,7 @@ TEST(Interfaces, codeMessagesAsGeneratedCodeDoes)
         const Module& read = counterpart(interfaces, *module);
         for (std::size_t i = 0; i < read.types.size(); ++i) {
             const Type &type = *read.types[i].type, &expected = *module->types[i].type;
-            for (const Recipe& recipe :
-                 {Recipe{Extent::most}, Recipe{Extent::random, 1}, Recipe{Extent::random, 2}}) {
+            for (const Recipe& recipe : {Recipe{Extent::most}, Recipe{Extent::random, 1}, Recipe{Extent::random, 2}}) {
                 Bytes message = sampler.sample(expected, recipe);
                 ASSERT_EQ(sampler.sample(type, recipe), message) << type.name;
                 if (message.size() > longestMessage) continue;  // of one type, which is too large for any stream
@@ -149,7 +149,7 @@ TEST(Interfaces, hideTypesAndReplaceModulesWhileTheyLive)
     EXPECT_EQ(request.members[0].use.type, catalogue.find("JobId"));
     EXPECT_NE(request.members[0].use.type, &generated);
     EXPECT_EQ(request.size, 16U);
-    const std::vector<std::string> users = catalogue.usersOf(generated);
+    const std::vector<std::string> users = Users(catalogue.types()).direct(generated);
     for (const char* each : {"OwnRequest.id", "OwnRequest.other", "JobSOAParameters.jobId"})
         EXPECT_NE(std::ranges::find(users, each), users.end()) << each;
 }
