@@ -26,6 +26,12 @@ inline void store(void* place, void* pointer)
     std::memcpy(place, &pointer, sizeof pointer);
 }
 
+// Stores a count, cut to 16 bits. Writes only a count that changes, because an encode may run over a constant object.
+inline void setCount(std::uint16_t* count, std::uint32_t length)
+{
+    if (*count != static_cast<std::uint16_t>(length)) *count = static_cast<std::uint16_t>(length);
+}
+
 // Allocates `count` elements of `size` bytes, not cleared. Returns null when memory is short or the size overflows.
 inline void* newBlock(std::size_t count, std::size_t size)
 {
@@ -78,7 +84,7 @@ bool codeArray(Xdr* xdrs, void* block, std::uint16_t* count, std::uint32_t maxim
 {
     std::uint32_t length = *count;
     if (!XdrLongNatural2(xdrs, &length)) return false;
-    *count = static_cast<std::uint16_t>(length);
+    setCount(count, length);
     if (*count > maximum) return false;
     if (*count == 0) return true;
 
@@ -107,7 +113,7 @@ bool codeOptional(Xdr* xdrs, void* pointer, std::size_t size, Element value)
     if (!XdrBoolean(xdrs, &present)) return false;
 
     if (present != 1) {  // any byte but 1 means absent
-        store(pointer, nullptr);
+        if (held) store(pointer, nullptr);
         return true;
     }
     switch (modeOf(xdrs)) {

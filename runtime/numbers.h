@@ -17,8 +17,9 @@ struct MovedNumber {
 };
 
 // Codes the number at `value` in encode or decode mode. `Unit` is the 32-bit type that it widens to on the wire; the
-// signedness of `Unit` decides how. The trace shows the number as a `Shown`. The unit is stored back into the value in
-// both modes; after a refusal that leaves the value as it was.
+// signedness of `Unit` decides how. The trace shows the number as a `Shown`. What the stream leaves in the unit is
+// stored into the value, in both modes and after a refusal, but only if it differs: an encode does not write to the
+// object.
 template <class Value, class Unit, class Shown = Unit>
 MovedNumber moveNumber(Xdr* xdrs, void* value)
 {
@@ -33,8 +34,7 @@ MovedNumber moveNumber(Xdr* xdrs, void* value)
     std::memcpy(&held, value, sizeof held);
     unit = held;
     const bool moved = xdrs->Transfer(reinterpret_cast<unsigned char*>(&unit), 4);
-    held = static_cast<Value>(unit);
-    std::memcpy(value, &held, sizeof held);
+    if (const auto left = static_cast<Value>(unit); left != held) std::memcpy(value, &left, sizeof left);
     return {moved, static_cast<Shown>(unit)};
 }
 

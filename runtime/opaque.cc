@@ -108,7 +108,7 @@ int XdrBytes(Xdr* xdrs, unsigned char** bytes, std::uint16_t* count, std::uint32
 {
     std::uint32_t length = *count;
     if (!XdrLongNatural2(xdrs, &length)) return 0;
-    *count = static_cast<std::uint16_t>(length);
+    setCount(count, length);
     if (*count > maximum) return 0;
     if (*count == 0) return 1;
 

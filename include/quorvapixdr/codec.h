@@ -141,21 +141,34 @@ inline CodingError failure(const char* verb, const char* type, std::string path,
 
 }  // namespace detail
 
-// Encodes `value` into at most `limit` bytes, of which 65535 are the most. Throws CodingError for a value that cannot
-// be encoded: a string or array beyond its maximum, a null string, a union without an arm for its discriminant, or a
-// message longer than the limit. The value is not const, because coding stores narrow numbers back, unchanged.
+struct EncodeOptions {
+    std::size_t limit = driverMessage;  // of the message, in bytes; more than `longestMessage` is taken as that
+};
+
+// Encodes `value`. Throws CodingError for a value that cannot be encoded: a string or array beyond its maximum, a null
+// string, a union without an arm for its discriminant, or a message longer than the limit. An encode only reads the
+// value, which may be in read-only memory, provided that the stream class leaves the bytes unchanged that it encodes.
 template <class T>
-Bytes encode(T& value, Coder<T> coder = coderOf<T>, std::size_t limit = driverMessage)
+Bytes encode(const T& value, Coder<T> coder = coderOf<T>, EncodeOptions options = {})
 {
-    Bytes message(limit < longestMessage ? limit : longestMessage);
-    const Pass pass = runPass(Mode::encode, coder.routine, &value, message);
+    // The routine has one interface for all modes.
+    void* const object = const_cast<void*>(static_cast<const void*>(&value));
+    Bytes message(options.limit < longestMessage ? options.limit : longestMessage);
+    const Pass pass = runPass(Mode::encode, coder.routine, object, message);
     if (!pass.succeeded) {
         const std::string path =
-            detail::placeOf<Xdr>([&](auto attach) { runPass(Mode::encode, coder.routine, &value, message, attach); });
+            detail::placeOf<Xdr>([&](auto attach) { runPass(Mode::encode, coder.routine, object, message, attach); });
         throw detail::failure("encode", coder.name, path, pass.length, message.size());
     }
     message.resize(pass.length);
     return message;
+}
+
+// The same for a type that has a coder of its own: encode(request, {.limit = 4096}).
+template <class T>
+Bytes encode(const T& value, EncodeOptions options)
+{
+    return encode(value, coderOf<T>, options);
 }
 
 // A decoded value. It owns what the decode allocated, and releases it when it is destroyed.

@@ -107,10 +107,23 @@ struct Coder {
     const char* name;
 };
 
-// The coder of a C++ type that exactly one interface type has: an enumeration, struct, union or sequence. The generated
-// headers specialise it.
+namespace detail {
+
 template <class T>
-inline constexpr Coder<T> coderOf = {nullptr, nullptr};
+consteval Coder<T> onlyCoderOf()
+{
+    static_assert(sizeof(T) == 0,
+                  "no coder belongs to this C++ type alone: name the interface type, for example "
+                  "quorva::encode(x, quorva::coder::HostName) or quorva::decode(bytes, quorva::coder::HostName)");
+    return {};
+}
+
+}  // namespace detail
+
+// The coder of a C++ type that exactly one interface type has: an enumeration, struct, union or sequence. The generated
+// headers specialise it; for any other type it does not compile.
+template <class T>
+inline constexpr Coder<T> coderOf = detail::onlyCoderOf<T>();
 
 namespace coder {
 inline constexpr Coder<::Boolean> Boolean = {XdrBoolean, "Boolean"};
