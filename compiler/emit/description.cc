@@ -107,6 +107,13 @@ public:
         return head + "typeDefinition" + first + members + ");\n";
     }
 
+    // The exported function that returns it.
+    static std::string accessor(const Definition& definition)
+    {
+        const std::string& name = definition.name;
+        return "const ::quorva::Type& quorva::description::" + name + "() { return ::quorva::types::" + name + "; }\n";
+    }
+
     // The description of another library's type, which has only its size and its routine.
     static std::string foreignType(const Definition& definition)
     {
@@ -201,7 +208,7 @@ std::string emitDescriptions(const Module& module)
 {
     DescriptionPrinter printer(module);
     std::vector<std::string> members, cases;
-    std::string stubs, types;
+    std::string stubs, types, accessors;
     for (const Definition* definition : printer.foreignOf(module)) stubs += printer.foreignType(*definition);
     for (const Definition* definition : typesOf(module)) {
         const std::string rows = printer.membersOf(*definition);
@@ -209,11 +216,12 @@ std::string emitDescriptions(const Module& module)
         if (definition->kind == DefinitionKind::discriminatedUnion)
             cases.push_back(arrayOf("Case", definition->name, DescriptionPrinter::casesOf(*definition)));
         types += printer.of(*definition);
+        accessors += DescriptionPrinter::accessor(*definition);
     }
     return sections(
         {generatedBanner(module) + "#include <" + privateHeader(module.source.module) + ">\n\n#include <cstddef>\n",
          stubs.empty() ? "" : "namespace quorva::foreign {\n" + stubs + "}  // namespace quorva::foreign\n",
-         arrays("members", members), arrays("cases", cases), types});
+         arrays("members", members), arrays("cases", cases), types, accessors});
 }
 
 std::string emitDocumentation(const Module& module)

@@ -219,6 +219,16 @@ std::string routines(const Module& module)
            "\n}  // extern \"C\"\n";
 }
 
+// Functions, not exported constants: an exported constant would fix the size of a description for all callers.
+std::string descriptions(const Module& module)
+{
+    std::string out;
+    for (const Definition* definition : typesOf(module)) out += "const ::quorva::Type& " + definition->name + "();\n";
+    return out.empty() ? ""
+                       : "// The descriptions of the types.\nnamespace quorva::description {\n" + out +
+                             "}  // namespace quorva::description\n";
+}
+
 // Makes the declarations visible outside a library that is compiled with hidden visibility.
 std::string exported(const std::string& declarations)
 {
@@ -231,8 +241,9 @@ std::string coders(const Module& module)
     std::string out;
     for (const Definition* definition : typesOf(module)) {
         const std::string& name = definition->name;
-        out += "inline constexpr ::quorva::Coder<::" + name + "> " + name + " = {::Xdr" + name + ", " + literal(name) +
-               "};\n";
+        const std::string head = "inline constexpr ::quorva::Coder<::" + name + "> " + name + " = {";
+        const std::string members = "::Xdr" + name + ", " + literal(name) + ", ::quorva::description::" + name + "};\n";
+        out += head + (head.size() + members.size() <= lineWidth + 1 ? "" : "\n    ") + members;
     }
     return out.empty() ? "" : "namespace quorva::coder {\n" + out + "}  // namespace quorva::coder\n";
 }
@@ -272,7 +283,7 @@ std::string emitHeader(const Module& module)
         includes(module),
         constants(module),
         types(module),
-        exported(sections({nameFunctions(module), routines(module)})),
+        exported(sections({nameFunctions(module), routines(module), descriptions(module)})),
         coders(module),
         coderChoices(module),
     });

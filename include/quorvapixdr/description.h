@@ -156,6 +156,7 @@ constexpr Type leaf(TypeKind kind, const char* name, XdrRoutine routine, Builtin
 }
 
 // The descriptions of the built-in types. Generated code declares those of the interface's types in this namespace.
+// They are hidden in the library; callers reach them by `coder::JobId.description()`.
 namespace types {
 extern const Type Boolean, ShortInteger, ShortNatural, Integer, Natural, LongInteger, LongNatural, UINT, Float;
 }

@@ -100,11 +100,15 @@ struct Counted {
     T* elements;
 };
 
-// The routine that codes a type, and the type's name. `T` is the C++ type; several interface types may share it.
+struct Type;
+
+// The routine that codes a type, the type's name, and the function that returns its description (see
+// <quorvapixdr/description.h>). `T` is the C++ type; several interface types may share it.
 template <class T>
 struct Coder {
     XdrRoutine routine;
     const char* name;
+    const Type& (*description)() = nullptr;  // null in a coder that a caller makes of a routine without a description
 };
 
 namespace detail {
@@ -125,16 +129,29 @@ consteval Coder<T> onlyCoderOf()
 template <class T>
 inline constexpr Coder<T> coderOf = detail::onlyCoderOf<T>();
 
+// The description of each type. Generated headers declare those of the interface's types.
+namespace description {
+QUORVA_EXPORT const Type& Boolean();
+QUORVA_EXPORT const Type& ShortInteger();
+QUORVA_EXPORT const Type& ShortNatural();
+QUORVA_EXPORT const Type& Integer();
+QUORVA_EXPORT const Type& Natural();
+QUORVA_EXPORT const Type& LongInteger();
+QUORVA_EXPORT const Type& LongNatural();
+QUORVA_EXPORT const Type& UINT();
+QUORVA_EXPORT const Type& Float();
+}  // namespace description
+
 namespace coder {
-inline constexpr Coder<::Boolean> Boolean = {XdrBoolean, "Boolean"};
-inline constexpr Coder<::ShortInteger> ShortInteger = {XdrShortInteger, "ShortInteger"};
-inline constexpr Coder<::ShortNatural> ShortNatural = {XdrShortNatural, "ShortNatural"};
-inline constexpr Coder<::Integer> Integer = {XdrInteger, "Integer"};
-inline constexpr Coder<::Natural> Natural = {XdrNatural, "Natural"};
-inline constexpr Coder<::LongInteger> LongInteger = {XdrLongInteger, "LongInteger"};
-inline constexpr Coder<::LongNatural> LongNatural = {XdrLongNatural, "LongNatural"};
-inline constexpr Coder<::UINT> UINT = {XdrUINT, "UINT"};
-inline constexpr Coder<::Float> Float = {XdrFloat, "Float"};
+inline constexpr Coder<::Boolean> Boolean = {XdrBoolean, "Boolean", description::Boolean};
+inline constexpr Coder<::ShortInteger> ShortInteger = {XdrShortInteger, "ShortInteger", description::ShortInteger};
+inline constexpr Coder<::ShortNatural> ShortNatural = {XdrShortNatural, "ShortNatural", description::ShortNatural};
+inline constexpr Coder<::Integer> Integer = {XdrInteger, "Integer", description::Integer};
+inline constexpr Coder<::Natural> Natural = {XdrNatural, "Natural", description::Natural};
+inline constexpr Coder<::LongInteger> LongInteger = {XdrLongInteger, "LongInteger", description::LongInteger};
+inline constexpr Coder<::LongNatural> LongNatural = {XdrLongNatural, "LongNatural", description::LongNatural};
+inline constexpr Coder<::UINT> UINT = {XdrUINT, "UINT", description::UINT};
+inline constexpr Coder<::Float> Float = {XdrFloat, "Float", description::Float};
 }  // namespace coder
 
 }  // namespace quorva

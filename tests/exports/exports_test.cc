@@ -22,6 +22,12 @@ namespace {
 const Names primitives = {"XdrEnum",   "XdrLongNatural2", "XdrVoid",  "XdrLongFloat", "XdrOpaque", "XdrOpaque2",
                           "XdrString", "XdrWrapString",   "XdrBytes", "XdrVector",    "XdrArray",  "XdrPointer"};
 
+// The linker name of quorva::description::T().
+std::string descriptionFunction(const std::string& type)
+{
+    return "_ZN6quorva11description" + std::to_string(type.size()) + type + "Ev";
+}
+
 Names implied()
 {
     Names names = {"ClientsXdrSupport", "ClientsXdrDeserialize", "TestDeserialize", "XdrDeallocate", "DeallocateString",
@@ -29,9 +35,13 @@ Names implied()
                    "_ZN6quorva7explainERKNS_4TypeEPKvm",
                    "_ZN6quorva7explainERKNS_4TypeESt4spanIKhLm18446744073709551615EE"};
     names.insert(primitives.begin(), primitives.end());
-    for (const auto* type : quorva::builtinTypes()) names.insert(std::string("Xdr") + type->name);
+    for (const auto* type : quorva::builtinTypes()) {
+        names.insert(std::string("Xdr") + type->name);
+        names.insert(descriptionFunction(type->name));
+    }
     for (const auto* type : quorva::inspect::typesOf(quorva::modules())) {
         names.insert(std::string("Xdr") + type->name);
+        names.insert(descriptionFunction(type->name));
         if (type->kind != quorva::TypeKind::enumeration) continue;
         const std::string function = std::string(type->name) + "String";
         names.insert("_Z" + std::to_string(function.size()) + function + "i");  // const char* EString(int)

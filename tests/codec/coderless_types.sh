@@ -1,0 +1,41 @@
+#!/bin/sh
+# encode and decode of a C++ type without a coder of its own do not compile, and the only error tells how to name one:
+#   coderless_types.sh CXX INCLUDE_DIR...
+set -eu
+cxx=$1
+shift
+for folder; do
+    shift
+    set -- "$@" -I "$folder"
+done
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+compile() {
+    printf '%s\n' '#include <quorvapixdr/codec.h>' '#include <quorvapixdr/types/common/event.h>' \
+        "void use(char* host, int number, const quorva::Bytes& bytes) { $1; (void)host, (void)number, (void)bytes; }" \
+        >"$work/use.cc"
+    shift
+    "$cxx" -std=c++20 -fsyntax-only "$@" "$work/use.cc" >"$work/log" 2>&1
+}
+
+while IFS= read -r statement; do
+    if compile "$statement" "$@"; then
+        echo "compiles: $statement"
+        exit 1
+    fi
+    [ "$(grep -c 'error:' "$work/log")" -eq 1 ] &&
+        grep 'error:' "$work/log" | grep -qF 'quorva::encode(x, quorva::coder::HostName)' ||
+        { echo "expected one error that names the way out: $statement"; cat "$work/log"; exit 1; }
+done <<'STATEMENTS'
+quorva::encode(host)
+quorva::encode(number)
+quorva::encode(host, {.limit = 100})
+quorva::decode<char*>(bytes)
+quorva::decode<unsigned char>(bytes)
+STATEMENTS
+
+# With the coder, the same calls compile.
+compile 'quorva::encode(host, quorva::coder::HostName, {.limit = 100}); quorva::encode(number, quorva::coder::LongInteger);
+    quorva::decode(bytes, quorva::coder::HostName); quorva::decode<unsigned char>(bytes, quorva::coder::Boolean)' "$@" ||
+    { cat "$work/log"; exit 1; }
