@@ -36,3 +36,6 @@ int main()
                 static_cast<int>(name.value.jobName.bytes.count),
                 reinterpret_cast<const char*>(name.value.jobName.bytes.elements));
 }
+
+// Prints:
+// 60 bytes, 2 attributes, the first is "Quarterly figures.pdf"

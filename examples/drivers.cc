@@ -18,3 +18,6 @@ int main()
     std::printf("%u bytes, for %s\n", length, received.hostName);
     XdrDeallocate(XdrNotifyBinding, &received, buffer);
 }
+
+// Prints:
+// 32 bytes, for fleet.example

@@ -14,7 +14,7 @@ std::optional<Failure> failureOf(Source source, const Type& type, const void* ob
     inspect::Path path;
     inspect::Traversal traversal(source, path);
     if (traversal.run(type, static_cast<const std::byte*>(object))) return std::nullopt;
-    return Failure{traversal.pointer(), traversal.stoppedAt(), traversal.refused().sentence()};
+    return Failure{traversal.pointer(), traversal.stoppedAt(), traversal.refused().sentence(), source.offset()};
 }
 
 }  // namespace

@@ -12,9 +12,14 @@ namespace quorva::inspect {
 const Type& canonicalType(const Type& type)
 {
     const Type* target = &type;
-    while (target->kind == TypeKind::typeDefinition && targetOf(*target).form == Form::single)
-        target = targetOf(*target).type;
-    return *target;
+    for (;;) {
+        if (target->kind == TypeKind::typeDefinition && targetOf(*target).form == Form::single)
+            target = targetOf(*target).type;
+        else if (target->described)
+            target = &target->described();
+        else
+            return *target;
+    }
 }
 
 namespace {

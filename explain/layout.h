@@ -50,7 +50,8 @@ inline const Use& targetOf(const Type& typeDefinition)
     return typeDefinition.members.front().use;
 }
 
-// The type at the end of a chain of typedefs that only give it another name; the type itself if it is not one of them.
+// The type at the end of a chain of typedefs that only give it another name, and of descriptions in other libraries;
+// the type itself if it is neither.
 const Type& canonicalType(const Type& type);
 
 // The number in an object of a built-in type or an enumeration. The number of a float is its 32 bits.

@@ -45,7 +45,10 @@ public:
     {
         const std::size_t left = message.size() - position;
         if (left < size) return stop({.cause = Cause::messageEndsInContents, .number = size, .left = left});
-        if (left < padded(size)) return stop({.cause = Cause::messageEndsInPadding, .number = size});
+        if (left < padded(size)) {
+            position += size;
+            return stop({.cause = Cause::messageEndsInPadding, .number = size});
+        }
         position += padded(size);
         return true;
     }
@@ -121,7 +124,7 @@ public:
         return fill(4);
     }
 
-    bool contents(const Use&, const std::byte*, std::uint32_t size) { return fill(padded(size)); }
+    bool contents(const Use&, const std::byte*, std::uint32_t size) { return fill(size) && fill(padded(size) - size); }
 
 private:
     bool stop(const Refused& why)

@@ -92,6 +92,7 @@ private:
     {
         if (path.depth() > deepestNesting) return stop({.cause = Cause::nestedTooDeeply});
         if (type.kind == TypeKind::typeDefinition) return visitUse(targetOf(type), at);
+        if (type.described) return visit(type.described(), at);
         source.holds(type);
         switch (type.kind) {
         case TypeKind::builtin:

@@ -264,8 +264,8 @@ void Subject::agreesWithInspector(std::span<const unsigned char> message)
         if (pass.succeeded == stopped.has_value())
             different = stopped ? "refused by the inspector's tree alone: " + stopped->failure.reason
                                 : "refused by the pass alone";
-        else if (pass.succeeded && pass.length != tree.length())
-            different = "lengths " + std::to_string(pass.length) + " and " + std::to_string(tree.length());
+        else if (const std::size_t coded = stopped ? stopped->failure.coded : tree.length(); pass.length != coded)
+            different = "lengths " + std::to_string(pass.length) + " and " + std::to_string(coded);
         else if (path != expected)
             different = "stops at '" + path + "' and at '" + expected + '\'';
     }
@@ -276,6 +276,8 @@ void Subject::agreesWithInspector(std::span<const unsigned char> message)
         if (written.succeeded == refusal.has_value())
             different +=
                 refusal ? "; only the explanation refuses to encode: " + refusal->reason : "; encoding is refused";
+        else if (refusal && refusal->coded != written.length)
+            different += "; encoding stops after other bytes than its explanation: " + refusal->reason;
     } catch (const inspect::Refusal&) {
         // Nested deeper than the inspector goes.
     }

@@ -94,7 +94,7 @@ Tree::Tree(const Type& type, std::span<const unsigned char> from) : message(from
     TreeSource source(message, parts);
     Traversal traversal(source, path);
     if (!traversal.run(type)) {
-        stop = {{traversal.pointer(), traversal.stoppedAt(), traversal.refused().sentence()},
+        stop = {{traversal.pointer(), traversal.stoppedAt(), traversal.refused().sentence(), source.offset()},
                 traversal.refused(),
                 path.traceElements(),
                 source.innermost()};
@@ -137,13 +137,6 @@ std::span<const unsigned char> Tree::contents(const Node& node) const
 {
     const bool hasUnit = node.use && (node.use->form == Form::string || node.use->form == Form::variableOpaque);
     return message.subspan(node.offset + (hasUnit ? 4 : 0), node.contentsSize);
-}
-
-std::string explained(const Failure& failure, std::size_t total)
-{
-    const std::string place = failure.path.empty() ? "" : failure.path + ", ";
-    return "at " + place + "byte " + std::to_string(failure.offset) + " of " + std::to_string(total) + ": " +
-           failure.reason;
 }
 
 }  // namespace quorva::inspect

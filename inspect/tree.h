@@ -92,8 +92,4 @@ private:
     std::optional<Stopped> stop;
 };
 
-// A failure as a phrase: "at /2/value, byte 24 of 61: attribute 700 has no arm in JobUnion", or "at byte ..." for the
-// outermost value. `total` is the length of the message or the buffer in bytes.
-std::string explained(const Failure& failure, std::size_t total);
-
 }  // namespace quorva::inspect

@@ -114,12 +114,13 @@ public:
         return "const ::quorva::Type& quorva::description::" + name + "() { return ::quorva::types::" + name + "; }\n";
     }
 
-    // The description of another library's type, which has only its size and its routine.
+    // The description of another library's type: its size, its routine, and the way to the description there.
     static std::string foreignType(const Definition& definition)
     {
         const std::string& name = definition.name;
         return "constexpr ::quorva::Type " + name + " = ::quorva::leaf<::" + name + ">(::quorva::TypeKind::foreign, " +
-               literal(name) + ", ::Xdr" + name + ", ::quorva::Builtin::" + builtinOf(definition) + ");\n";
+               literal(name) + ", ::Xdr" + name + ", ::quorva::Builtin::" + builtinOf(definition) +
+               ", ::quorva::description::" + name + ");\n";
     }
 
     // Definitions of other libraries that the module's declarations name.

@@ -10,6 +10,7 @@
 // Needs exceptions; callers without them use <quorvapixdr/drivers.h>.
 #pragma once
 
+#include <quorvapixdr/explain.h>
 #include <quorvapixdr/primitives.h>
 
 #include <Xdr.h>
@@ -17,6 +18,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -34,26 +36,30 @@ inline constexpr std::size_t longestMessage = 65535;
 // The buffer length of the drivers, and the default limit of `encode`.
 inline constexpr std::size_t driverMessage = 1024;
 
-// A failed pass: the type, the element that failed, and how many bytes of the message were coded before it.
+// A failed pass: the type, and where and why the pass stopped. what() says all of it in one sentence:
+// "cannot decode JobId at /job, byte 4 of 6: 2 bytes left where a unit of 4 is needed".
 class CodingError : public std::runtime_error {
 public:
-    CodingError(const std::string& what, std::string type, std::string path, std::size_t offset)
-        : std::runtime_error(what), typeName(std::move(type)), elementPath(std::move(path)), byteOffset(offset)
+    // `verb` is "encode" or "decode"; `total` is the length of the message, or the limit of an encode, in bytes.
+    CodingError(const char* verb, const char* type, Failure found, std::size_t total)
+        : std::runtime_error(std::string("cannot ") + verb + ' ' + type + ' ' + explained(found, total)),
+          typeName(type),
+          failure(std::move(found))
     {
     }
 
     // The name of the type that was coded.
     const std::string& type() const { return typeName; }
-    // The elements open at the failure, outermost first: "value[2]/value/JobUnionUnion/jobName". Empty where the
-    // platform's stream class collects no trace.
-    const std::string& path() const { return elementPath; }
-    // Bytes from the start of the message.
-    std::size_t offset() const { return byteOffset; }
+    // The member that failed, as a JSON Pointer: "/aValues/2/value/jobName". Empty for the outermost value.
+    const std::string& path() const { return failure.path; }
+    // The first byte of what was refused, from the start of the message.
+    std::size_t offset() const { return failure.offset; }
+    // Why: "count 7 is beyond the maximum 6", "the message is longer than the limit of 1024 bytes".
+    const std::string& reason() const { return failure.reason; }
 
 private:
     std::string typeName;
-    std::string elementPath;
-    std::size_t byteOffset;
+    Failure failure;
 };
 
 // The outcome of one pass.
@@ -117,26 +123,25 @@ Pass runTraced(Mode mode, Routine routine, const char* name, void* object, std::
 
 namespace detail {
 
-// The path to the element where a pass failed. `again` repeats the failed pass with the trace that its argument
-// attaches: a pass that succeeds formats no trace.
-template <class Stream, class Again>
-std::string placeOf([[maybe_unused]] Again again)
+// The failure of a pass that coded `length` bytes. `found` is the explanation. If it does not fit the pass, only what
+// the codec knows is said: memory may have been short, or the stream class may have refused.
+inline Failure failureOf(std::size_t length, std::optional<Failure> found)
 {
-    if constexpr (Traceable<Stream>) {
-        typename Stream::Trace trace;
-        again([&](Stream& xdrs) { xdrs.setTrace(&trace); });
-        return trace.path();
-    } else {
-        return {};
-    }
+    if (found && found->coded == length) return *std::move(found);
+    return {"", length, found ? "the codec refuses it" : "the codec refuses it, perhaps because memory is short",
+            length};
 }
 
-inline CodingError failure(const char* verb, const char* type, std::string path, std::size_t offset, std::size_t length)
+// The explanations, and none for a coder without a description.
+template <class T>
+std::optional<Failure> explainDecode(Coder<T> coder, std::span<const unsigned char> message)
 {
-    std::string what = std::string("cannot ") + verb + " " + type;
-    if (!path.empty()) what += ": stopped at " + path;
-    what += ", byte " + std::to_string(offset) + " of " + std::to_string(length);
-    return CodingError(what, type, std::move(path), offset);
+    return coder.description ? quorva::explain(coder.description(), message) : std::nullopt;
+}
+template <class T>
+std::optional<Failure> explainEncode(Coder<T> coder, const void* object, std::size_t limit)
+{
+    return coder.description ? quorva::explain(coder.description(), object, limit) : std::nullopt;
 }
 
 }  // namespace detail
@@ -155,11 +160,10 @@ Bytes encode(const T& value, Coder<T> coder = coderOf<T>, EncodeOptions options 
     void* const object = const_cast<void*>(static_cast<const void*>(&value));
     Bytes message(options.limit < longestMessage ? options.limit : longestMessage);
     const Pass pass = runPass(Mode::encode, coder.routine, object, message);
-    if (!pass.succeeded) {
-        const std::string path =
-            detail::placeOf<Xdr>([&](auto attach) { runPass(Mode::encode, coder.routine, object, message, attach); });
-        throw detail::failure("encode", coder.name, path, pass.length, message.size());
-    }
+    if (!pass.succeeded)
+        throw CodingError("encode", coder.name,
+                          detail::failureOf(pass.length, detail::explainEncode(coder, object, message.size())),
+                          message.size());
     message.resize(pass.length);
     return message;
 }
@@ -213,27 +217,31 @@ private:
 template <class T>
 Owned<T> decode(std::span<const unsigned char> message, Coder<T> coder = coderOf<T>, std::size_t* consumed = nullptr)
 {
-    if (message.size() > longestMessage)
-        throw CodingError("a message has at most 65535 bytes", coder.name, {}, longestMessage);
+    const auto refused = [&](Failure found) {
+        return CodingError("decode", coder.name, std::move(found), message.size());
+    };
+    if (message.size() > longestMessage) throw refused({"", longestMessage, "a message has at most 65535 bytes"});
 
     // A decode only reads the buffer; the stream class has one interface for all modes.
     const std::span<unsigned char> buffer(const_cast<unsigned char*>(message.data()), message.size());
     Owned<T> value(coder);
     const Pass pass = runPass(Mode::decode, coder.routine, &*value, buffer);
-    if (!pass.succeeded) {
-        const std::string path = detail::placeOf<Xdr>([&](auto attach) {
-            Owned<T> again(coder);
-            runPass(Mode::decode, coder.routine, &*again, buffer, attach);
-        });
-        throw detail::failure("decode", coder.name, path, pass.length, message.size());
-    }
-    if (consumed)
+    if (!pass.succeeded) throw refused(detail::failureOf(pass.length, detail::explainDecode(coder, message)));
+    if (consumed) {
         *consumed = pass.length;
-    else if (pass.length != message.size())
-        throw CodingError(std::string(coder.name) + " ends at byte " + std::to_string(pass.length) + " of " +
-                              std::to_string(message.size()),
-                          coder.name, {}, pass.length);
+    } else if (const std::size_t rest = message.size() - pass.length) {
+        const std::string count = rest == 1 ? "1 byte is" : std::to_string(rest) + " bytes are";
+        throw refused({"", pass.length, count + " left over"});
+    }
     return value;
+}
+
+// Why a decode of `message` as a `T` fails, without exceptions and without an object; nullopt if it succeeds. See
+// <quorvapixdr/explain.h>.
+template <class T>
+std::optional<Failure> explain(std::span<const unsigned char> message, Coder<T> coder = coderOf<T>)
+{
+    return detail::explainDecode(coder, message);
 }
 
 }  // namespace quorva

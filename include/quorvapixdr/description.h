@@ -18,8 +18,8 @@
 
 namespace quorva {
 
-// What a definition is. An alias, a sequence, a bounded string and every other `typedef` is a `typeDefinition`; of a
-// `foreign` type, which another library defines, only the routine is known.
+// What a definition is. An alias, a sequence, a bounded string and every other `typedef` is a `typeDefinition`; a
+// `foreign` type is one that another library defines and describes.
 enum class TypeKind : std::uint8_t { builtin, enumeration, structure, discriminatedUnion, typeDefinition, foreign };
 
 // The built-in types; `none` for everything that an interface file defines.
@@ -95,6 +95,7 @@ struct Type {
                                            // function: the name of unknown values, then the names of the enumerators
     std::span<const Case> cases = {};      // of a union and of such an enumeration: by value, ascending
     const char* armElement = "";           // union: the trace element around the arm
+    const Type& (*described)() = nullptr;  // foreign: returns the description in the library that defines the type
 };
 
 // Generated code makes descriptions with these functions, one for each kind of definition; `T` is the C++ type.
@@ -147,12 +148,18 @@ constexpr Type typeDefinition(const char* name, XdrRoutine routine, std::span<co
 }
 
 // A type without members: a built-in type, or a foreign one, where `builtin` is the built-in type that it is an alias
-// of, or `Builtin::none`.
+// of, or `Builtin::none`, and `described` returns the other library's description.
 template <class T>
-constexpr Type leaf(TypeKind kind, const char* name, XdrRoutine routine, Builtin builtin)
+constexpr Type leaf(TypeKind kind, const char* name, XdrRoutine routine, Builtin builtin,
+                    const Type& (*described)() = nullptr)
 {
-    return {
-        .name = name, .kind = kind, .builtin = builtin, .size = sizeof(T), .alignment = alignof(T), .routine = routine};
+    return {.name = name,
+            .kind = kind,
+            .builtin = builtin,
+            .size = sizeof(T),
+            .alignment = alignof(T),
+            .routine = routine,
+            .described = described};
 }
 
 // The descriptions of the built-in types. Generated code declares those of the interface's types in this namespace.

@@ -15,7 +15,17 @@ struct Failure {
     std::string path;        // JSON Pointer (RFC 6901) into the JSON form of the value: "/aValues/2/value/jobName"
     std::size_t offset = 0;  // of the first byte of the refused unit or contents, from the start of the message
     std::string reason;      // "count 7 is beyond the maximum 6"
+    std::size_t coded = 0;   // bytes that the pass codes before it stops: the offset, or the end of what is refused
 };
+
+// A failure as a phrase: "at /2/value, byte 24 of 61: attribute 700 has no arm in JobUnion", or "at byte ..." for the
+// outermost value. `total` is the length of the message, or the limit of an encode, in bytes.
+inline std::string explained(const Failure& failure, std::size_t total)
+{
+    const std::string place = failure.path.empty() ? "" : failure.path + ", ";
+    return "at " + place + "byte " + std::to_string(failure.offset) + " of " + std::to_string(total) + ": " +
+           failure.reason;
+}
 
 #pragma GCC visibility push(default)
 

@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <functional>
 
 using namespace quorva;
 using namespace quorva::test;
@@ -58,6 +58,78 @@ TEST(Encode, keepsToItsLimit)
     text.pop_back();
     held = text.data();
     EXPECT_EQ(quorva::encode(held, longText, {.limit = 1 << 20}).size(), 65532u);
+}
+
+// The sentence of the inspector, and its parts.
+TEST(CodingError, saysWhereAndWhy)
+{
+    std::string tooLong(65, 'x');
+    NotifyBinding binding = {tooLong.data(), 1, 2, 3};
+    LockerId ids[7] = {};
+    AccessUnion members = {AccessKind::AKgroup, {.members = {7, ids}}};
+    StationUnion doors = {485, {.raw = {3, nullptr}}};
+    const Bytes cut = bytesOf("00000004 41424344 00000001 0000");
+    const struct {
+        const char* name;
+        std::function<void()> pass;
+        const char* what;
+    } cases[] = {
+        {"limit", [] { quorva::encode(constantVisits[0], {.limit = 22}); },
+         "cannot encode Visit at /drive/openingTime, byte 20 of 22: the message is longer than the limit of 22 bytes"},
+        {"maximum", [&] { quorva::encode(binding); },
+         "cannot encode NotifyBinding at /hostName, byte 0 of 1024: length 65 is beyond the maximum 64"},
+        {"count", [&] { quorva::encode(members); },
+         "cannot encode AccessUnion at /members, byte 4 of 1024: count 7 is beyond the maximum 6"},
+        {"null", [&] { quorva::encode(doors); },
+         "cannot encode StationUnion at /raw, byte 4 of 1024: count 3, but the elements are a null pointer"},
+        {"cut", [&] { quorva::decode<NotifyBinding>(cut); },
+         "cannot decode NotifyBinding at /versionNumber, byte 12 of 14: 2 bytes left where a unit of 4 is needed"},
+        {"arm", [] { quorva::decode<AccessUnion>(bytesOf("00000009")); },
+         "cannot decode AccessUnion at /kind, byte 0 of 4: kind 9 has no arm in AccessUnion"},
+        {"rest", [] { quorva::decode<AccessUnion>(bytesOf("00000000 00")); },
+         "cannot decode AccessUnion at byte 4 of 5: 1 byte is left over"},
+        {"long", [] { quorva::decode<AccessUnion>(Bytes(65536)); },
+         "cannot decode AccessUnion at byte 65535 of 65536: a message has at most 65535 bytes"},
+    };
+    for (const auto& expected : cases) {
+        SCOPED_TRACE(expected.name);
+        try {
+            expected.pass();
+            FAIL();
+        } catch (const CodingError& error) {
+            EXPECT_STREQ(error.what(), expected.what);
+        }
+    }
+    try {
+        quorva::decode<NotifyBinding>(cut);
+    } catch (const CodingError& error) {
+        EXPECT_EQ(error.type(), "NotifyBinding");
+        EXPECT_EQ(error.path(), "/versionNumber");
+        EXPECT_EQ(error.offset(), 12u);
+        EXPECT_EQ(error.reason(), "2 bytes left where a unit of 4 is needed");
+    }
+    EXPECT_EQ(quorva::explain<NotifyBinding>(cut)->path, "/versionNumber");
+    EXPECT_EQ(quorva::explain(cut, coder::HostName), std::nullopt) << "bytes after the value are not a failure";
+}
+
+// A description cannot tell that memory is short, and a routine may do what its description does not say.
+TEST(CodingError, saysOnlyWhatTheCodecKnowsWithoutAnExplanation)
+{
+    const Coder<AccessUnion> other = {[](Xdr*, void*) { return 0; }, "Other", description::AccessUnion};
+    const Coder<AccessUnion> unknown = {other.routine, "Unknown"};
+    const auto whatOf = [](Coder<AccessUnion> coder, std::string_view hex) -> std::string {
+        try {
+            quorva::decode(bytesOf(hex), coder);
+        } catch (const CodingError& error) {
+            return error.what();
+        }
+        return "";
+    };
+    EXPECT_EQ(whatOf(other, "00000000"),
+              "cannot decode Other at byte 0 of 4: the codec refuses it, perhaps because memory is short");
+    EXPECT_EQ(whatOf(other, "00000009"), "cannot decode Other at byte 0 of 4: the codec refuses it");
+    EXPECT_EQ(whatOf(unknown, "00000009"),
+              "cannot decode Unknown at byte 0 of 4: the codec refuses it, perhaps because memory is short");
 }
 
 // From the library, from a module outside of it, and of a built-in type.

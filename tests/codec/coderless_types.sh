@@ -35,7 +35,12 @@ quorva::decode<char*>(bytes)
 quorva::decode<unsigned char>(bytes)
 STATEMENTS
 
-# With the coder, the same calls compile.
-compile 'quorva::encode(host, quorva::coder::HostName, {.limit = 100}); quorva::encode(number, quorva::coder::LongInteger);
-    quorva::decode(bytes, quorva::coder::HostName); quorva::decode<unsigned char>(bytes, quorva::coder::Boolean)' "$@" ||
-    { cat "$work/log"; exit 1; }
+# With the coder, they compile.
+while IFS= read -r statement; do
+    compile "$statement" "$@" || { cat "$work/log"; exit 1; }
+done <<'STATEMENTS'
+quorva::encode(host, quorva::coder::HostName, {.limit = 100})
+quorva::encode(number, quorva::coder::LongInteger)
+quorva::decode(bytes, quorva::coder::HostName)
+quorva::decode<unsigned char>(bytes, quorva::coder::Boolean)
+STATEMENTS

@@ -14,7 +14,7 @@ quietly cmake --build "$work/own"
 
 cat >"$work/expected" <<'TXT'
 68 bytes: door 4 "left, top" is SDSclosed, job 1207
-cannot encode StationReport: stopped at doors, byte 36 of 1024
+cannot encode StationReport at /doors, byte 32 of 1024: count 7 is beyond the maximum 6
 TXT
 "$work/own/own_module" >"$work/printed"
 diff "$work/expected" "$work/printed"

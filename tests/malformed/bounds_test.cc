@@ -277,13 +277,14 @@ TEST(Bounds, holdForTheStack)
 {
     inspect::Sampler sampler;
     WorstMessage worstBlocks(false), worstStrings(true);
-    Most untraced, traced, time;
+    Most untraced, traced, explanation, time;
     for (const Type* type : libraryTypes()) {
         std::vector<Bytes> messages = {sampler.sample(*type, {Extent::most, 0, longest}),
                                        sampler.sample(*type, {Extent::random, 0, longest})};
         for (WorstMessage* const worst : {&worstBlocks, &worstStrings})
             for (Bytes& message : variantsOf(worst->of(*type))) messages.push_back(std::move(message));
-        for (const Bytes& bytes : messages)
+        for (const Bytes& bytes : messages) {
+            explanation.add(Stack::usedBy([&] { explain(*type, bytes); }), *type);
             for (const bool withTrace : {false, true}) {
                 const Message message(bytes);
                 Storage object(*type);
@@ -305,6 +306,7 @@ TEST(Bounds, holdForTheStack)
                 else
                     pass(Mode::release);
             }
+        }
     }
 #ifdef __clang__
     untraced.expectWithin("stack of a pass, built by clang++");
@@ -312,6 +314,7 @@ TEST(Bounds, holdForTheStack)
     untraced.expectWithin("stack of a pass, built by g++");
 #endif
     traced.expectWithin("stack of a pass with a trace");
+    explanation.expectWithin("stack of an explanation");
     std::cout << "bounds: the longest pass took " << time.value << " us of a processor (" << time.holder << ")\n";
 }
 

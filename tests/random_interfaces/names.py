@@ -34,7 +34,7 @@ WORDS = """About Action Alias Arm Arms Array At Attach Base Block Body Boundary 
     streamMode string strings structure swap table tag tags tape target text to token trace traced tracing transfer
     type typeOf types typesOf unit units unknown untagged usage valueAt value values vector version visit walk width
     wire write written x xdr xdrs Xdrs xdr_stream DiagnosticHook setDiagnosticHook longestMessage a b c e f i j k m n
-    o q r s t u v w y z _1 _a import service shortest swap_""".split()
+    o q r s t u v w y z _1 _a import service shortest swap_ described explain explained""".split()
 
 # Names that the headers of C, C++ and POSIX give to functions, types and objects at global scope.
 LIBRARY = """abort abs accept access acos alarm atan atexit atoi basename bind bsearch byte calloc chdir chmod clock

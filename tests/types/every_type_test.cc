@@ -269,6 +269,28 @@ TEST_P(EveryType, failsInAShortBuffer)
     }
 }
 
+// An explanation refuses what the codec refuses, after as many bytes: whole, cut and damaged messages, and the objects
+// that their decodes leave, complete or not.
+TEST_P(EveryType, hasAnExplanationForEachFailure)
+{
+    const auto expectFits = [](const Pass& pass, const std::optional<Failure>& failure) {
+        ASSERT_EQ(pass.succeeded, !failure) << (failure ? failure->reason : "no explanation");
+        if (failure) { ASSERT_EQ(failure->coded, pass.length) << failure->path << ": " << failure->reason; }
+    };
+    for (const Bytes& wire : samples(shortMessage, 2)) {
+        for (const Bytes& bytes : variantsOf(wire)) {
+            SCOPED_TRACE(hexOf(bytes));
+            Storage object(type);
+            const Pass pass = object.run(Mode::decode, Message(bytes).span(), granted);
+            if (largestAllocation() <= granted.largest) expectFits(pass, explain(type, bytes));
+            for (const std::size_t room : {bytes.size(), bytes.size() * 2 / 3, bytes.size() * 2 / 3 + 1})
+                expectFits(object.run(Mode::encode, Message(Bytes(room)).span()), explain(type, object.data(), room));
+            ASSERT_TRUE(object.releasesAll());
+            if (HasFatalFailure()) return;
+        }
+    }
+}
+
 // For a null object, a pass allocates one zeroed object in the scalar form and keeps it in the root slot. Built-in
 // types get four bytes.
 TEST_P(EveryType, allocatesForANullObject)
