@@ -135,7 +135,7 @@ private:
                             std::ranges::all_of(contents, [](unsigned char c) { return c >= 0x20 && c < 0x7F; });
         addBytes(begin, contents.size(), levels[at], "", isText ? quotedText(contents) : "");
         const std::size_t padding = padded(contents.size()) - contents.size();
-        if (padding > 0) add(begin + contents.size(), padding, levels[at] + 1, "padding", "");
+        if (padding > 0 && node.complete) add(begin + contents.size(), padding, levels[at] + 1, "padding", "");
     }
 
     const Tree& tree;

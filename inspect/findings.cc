@@ -115,6 +115,7 @@ private:
             else if (!support::isUtf8(text))
                 add(FindingCode::textNotValid, at, begin + firstNotUtf8(text), "the string is not UTF-8");
         }
+        if (!node.complete) return;  // the message ends within the padding
         const auto padding = tree.bytes().subspan(begin + contents.size(), padded(contents.size()) - contents.size());
         if (std::ranges::any_of(padding, [](unsigned char byte) { return byte != 0; }))
             add(FindingCode::paddingNotZero, at, begin + contents.size(), "the padding is " + hexDigits(padding));

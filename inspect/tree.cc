@@ -67,9 +67,9 @@ public:
     }
     bool contents(const Use& use, const std::byte* at, std::uint32_t size)
     {
-        if (!MessageSource::contents(use, at, size)) return false;
-        nodes[current].contentsSize = size;
-        return true;
+        const bool isRead = MessageSource::contents(use, at, size);
+        if (isRead || refused.cause == Cause::messageEndsInPadding) nodes[current].contentsSize = size;
+        return isRead;
     }
 
     std::uint32_t innermost() const { return current; }
