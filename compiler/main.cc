@@ -37,6 +37,7 @@ constexpr int cannotRun = 2;       // the command line is wrong, or a file canno
 constexpr std::string_view usage =
     R"(usage: quorvaxdrc generate --out DIR [-I DIR]... [option]... FILE.x...
        quorvaxdrc plain [-I DIR]... [--prefix P] FILE.x...
+       quorvaxdrc python --out DIR [-I DIR]... [--package NAME] FILE.x...
        quorvaxdrc check [-I DIR]... FILE.x...
        quorvaxdrc lint [-I DIR]... FILE.x...
        quorvaxdrc flatten [-I DIR]... FILE.x...
@@ -47,6 +48,7 @@ Compiles interface files: XDR (RFC 4506) with imports and the API's own integer 
 
   generate   write C++ headers, coding routines and descriptions
   plain      print one RFC 4506 file for other XDR tools, imports included
+  python     write a package of Python that codes the same messages
   check      report errors and write nothing
   lint       report errors, or style warnings if there are no errors
   flatten    print one interface file without documentation, imports included, to compare with later
@@ -96,6 +98,19 @@ constexpr std::string_view plainOptions =
     R"(  --prefix P     put P in front of the name of every type, enumerator and constant
 )";
 
+constexpr std::string_view pythonUsage =
+    R"(usage: quorvaxdrc python --out DIR [option]... FILE.x...
+
+Writes the package DIR/NAME for Python 3.11 and later: a module for every FILE and each of its imports, with a class for
+each type, and the package xdr, which codes them. The package needs nothing but Python's standard library.
+A file whose content would stay the same is not touched.
+)";
+
+constexpr std::string_view pythonOptions =
+    R"(  --out DIR      where to write
+  --package NAME the name of the package (default: quorvapixdr)
+)";
+
 constexpr std::string_view checkUsage =
     R"(usage: quorvaxdrc check [option]... FILE.x...
 
@@ -134,7 +149,7 @@ struct UsageError {
     std::string sentence;
 };
 
-enum class Verb { generate, plain, check, lint, flatten, fingerprint, compare };
+enum class Verb { generate, plain, python, check, lint, flatten, fingerprint, compare };
 
 struct Arguments {
     Verb verb = Verb::check;
@@ -145,6 +160,7 @@ struct Arguments {
     std::string depfile;
     std::string target;
     std::string prefix;
+    std::string package;
     std::string index;
     bool list = false;
 };
@@ -157,8 +173,10 @@ struct Option {
     bool Arguments::*flag = nullptr;
 };
 
-constexpr std::array<Option, 7> options = {{
+constexpr std::array<Option, 9> options = {{
     {"--out", Verb::generate, &Arguments::out},
+    {"--out", Verb::python, &Arguments::out},
+    {"--package", Verb::python, &Arguments::package},
     {"--depfile", Verb::generate, &Arguments::depfile},
     {"--target", Verb::generate, &Arguments::target},
     {"--prefix", Verb::plain, &Arguments::prefix},
@@ -167,9 +185,10 @@ constexpr std::array<Option, 7> options = {{
     {"--help", std::nullopt, nullptr, &Arguments::help},
 }};
 
-constexpr std::array<std::pair<std::string_view, Verb>, 7> verbs = {{
+constexpr std::array<std::pair<std::string_view, Verb>, 8> verbs = {{
     {"generate", Verb::generate},
     {"plain", Verb::plain},
+    {"python", Verb::python},
     {"check", Verb::check},
     {"lint", Verb::lint},
     {"flatten", Verb::flatten},
@@ -234,10 +253,18 @@ void ArgumentReader::option(const std::string& word)
     if (place.empty()) throw UsageError{inQuotes(name) + " has an empty value"};
 }
 
+bool isName(const std::string& word)
+{
+    const auto startsName = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+    const auto continuesName = [&](char c) { return startsName(c) || (c >= '0' && c <= '9') || c == '_'; };
+    return startsName(word[0]) && std::all_of(word.begin(), word.end(), continuesName);
+}
+
 void ArgumentReader::complete() const
 {
     const std::string verb = inQuotes(nameOf(result.verb));
-    if (result.verb == Verb::generate && result.out.empty()) throw UsageError{verb + " needs '--out DIR'"};
+    const bool writesFiles = result.verb == Verb::generate || result.verb == Verb::python;
+    if (writesFiles && result.out.empty()) throw UsageError{verb + " needs '--out DIR'"};
     if (result.depfile.empty() != result.target.empty()) {
         throw UsageError{result.target.empty() ? "'--depfile' needs '--target NAME'"
                                                : "'--target' needs '--depfile FILE'"};
@@ -257,13 +284,11 @@ void ArgumentReader::complete() const
             throw UsageError{"'-I " + folder + "': " + (failed ? failed.message() : "it is not a folder")};
         }
     }
-    const auto startsName = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
-    const auto continuesName = [&](char c) { return startsName(c) || (c >= '0' && c <= '9') || c == '_'; };
-    if (!result.prefix.empty() &&
-        (!startsName(result.prefix[0]) || !std::all_of(result.prefix.begin(), result.prefix.end(), continuesName))) {
-        throw UsageError{"the prefix " + inQuotes(result.prefix) +
-                         " cannot begin a name: it is made of a letter, then letters, digits and '_'"};
-    }
+    const std::string letters = " is made of a letter, then letters, digits and '_'";
+    if (!result.prefix.empty() && !isName(result.prefix))
+        throw UsageError{"the prefix " + inQuotes(result.prefix) + " cannot begin a name, which" + letters};
+    if (!result.package.empty() && !isName(result.package))
+        throw UsageError{inQuotes(result.package) + " cannot be the name of a package, which" + letters};
 }
 
 Arguments ArgumentReader::read()
@@ -295,6 +320,7 @@ void printHelp(Verb verb)
     switch (verb) {
     case Verb::generate: std::cout << generateUsage << searching << generateOptions; break;
     case Verb::plain: std::cout << plainUsage << searching << plainOptions; break;
+    case Verb::python: std::cout << pythonUsage << searching << pythonOptions; break;
     case Verb::check: std::cout << checkUsage << searching; break;
     case Verb::lint: std::cout << lintUsage << searching; break;
     case Verb::flatten: std::cout << flattenUsage << searching; break;
@@ -415,6 +441,17 @@ int generate(const Arguments& arguments, const Program& program)
     return written ? success : cannotRun;
 }
 
+int python(const Arguments& arguments, const Program& program)
+{
+    const fs::path package = fs::path(arguments.out) / (arguments.package.empty() ? "quorvapixdr" : arguments.package);
+    bool written = true;
+    for (const PythonFile& file : emitPython(program)) {
+        const std::string path = (package / file.path).string();
+        if (!isContent(path, file.text)) written = writeFile(path, file.text) && written;
+    }
+    return written ? success : cannotRun;
+}
+
 int list(const Arguments& arguments, const SearchPath& folders)
 {
     for (const std::string& file : arguments.files) {
@@ -485,6 +522,7 @@ int run(const Arguments& arguments)
     if (!program) return status;
     switch (arguments.verb) {
     case Verb::generate: return generate(arguments, *program);
+    case Verb::python: return python(arguments, *program);
     case Verb::plain: std::cout << emitRfc4506(*program, {arguments.prefix}); break;
     case Verb::lint: return lint(*program);
     case Verb::flatten: std::cout << flatten(*program); break;

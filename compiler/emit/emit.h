@@ -36,4 +36,12 @@ struct Rfc4506Options {
 // All modules of a program as one file of RFC 4506 for other XDR tools. Every name is defined before it is used.
 std::string emitRfc4506(const Program& program, const Rfc4506Options& options = {});
 
+struct PythonFile {
+    std::string path;  // below the folder of the package
+    std::string text;
+};
+
+// All modules of a program as a package of Python, with everything that they need.
+std::vector<PythonFile> emitPython(const Program& program);
+
 }  // namespace quorva::compiler
