@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
 #include <new>
 #include <sstream>
 
@@ -32,6 +33,7 @@ std::vector<std::unique_ptr<Verb>> allVerbs()
     verbs.push_back(makeAnnotate());
     verbs.push_back(makeValidate());
     verbs.push_back(makeDiff());
+    verbs.push_back(makeSample());
     verbs.push_back(makeTypes());
     verbs.push_back(makeDescribe());
     verbs.push_back(makeFind());
@@ -92,6 +94,30 @@ void checkVerb(int count, char** words, const std::vector<std::unique_ptr<Verb>>
         throw Stop{usageError, "there is no verb " + std::string(word) + didYouMean(word, names)};
 }
 
+// The folder of the running program.
+std::string programFolder()
+{
+    std::error_code failed;
+    return std::filesystem::read_symlink("/proc/self/exe", failed).parent_path().string();
+}
+
+// Reads the interface files that the command line names, and runs the verb.
+int runWithInterfaces(Verb& verb)
+{
+    if (verb.interfaces.files.empty()) {
+        if (verb.interfaces.folders.empty()) return verb.run();
+        throw Stop{usageError, "-I is for --interface, which is missing"};
+    }
+    verb.interfaces.installed = installedInterfaces(programFolder());
+    try {
+        const Interfaces interfaces(verb.interfaces);
+        for (const std::string& note : interfaces.notes()) printError(note);
+        return verb.run();
+    } catch (const InterfaceError& error) {
+        throw Stop{error.unreadable ? systemError : inputError, "the interface files cannot be used", error.what()};
+    }
+}
+
 int run(int count, char** words)
 {
     const std::vector<std::unique_ptr<Verb>> verbs = allVerbs();
@@ -105,6 +131,12 @@ int run(int count, char** words)
         sub.footer(footerOf(*verb));
         sub.allow_extras();
         verb->declare(sub);
+        sub.add_option("--interface", verb->interfaces.files, "interface file whose types are known, too")
+            ->allow_extra_args(false)
+            ->type_name("FILE.x");
+        sub.add_option("-I", verb->interfaces.folders, "folder below which imports are searched for")
+            ->allow_extra_args(false)
+            ->type_name("DIR");
     }
     try {
         app.parse(count, words);
@@ -120,7 +152,7 @@ int run(int count, char** words)
     }
     const auto chosen = std::ranges::find_if(verbs, [&](const auto& verb) { return app.got_subcommand(verb->name); });
     checkExtras(*app.get_subcommand((*chosen)->name), (*chosen)->name);
-    return (*chosen)->run();
+    return runWithInterfaces(**chosen);
 }
 
 }  // namespace

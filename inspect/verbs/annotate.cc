@@ -32,7 +32,7 @@ public:
     int run() override
     {
         const Type& type = subject.type();
-        const Bytes message = input.message();
+        const Bytes message = input.message(&type);
         const Tree tree(type, message);
         if (at || path) return runForPart(tree);
         if (json)

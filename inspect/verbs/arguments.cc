@@ -2,6 +2,12 @@
 
 #include "arguments.h"
 
+#include "inspect/forms.h"
+#include "inspect/json.h"
+#include "output.h"
+
+#include <quorvapixdr/explain.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -36,8 +42,8 @@ std::string contentsOf(const std::string& file)
 
 void stopAt(const std::string& file, const InputError& error)
 {
-    throw Stop{inputError, shownName(file) + ':' + std::to_string(error.line) + ':' + std::to_string(error.column) +
-                               ": " + error.what()};
+    throw Stop{inputError,
+               file + ':' + std::to_string(error.line) + ':' + std::to_string(error.column) + ": " + error.what()};
 }
 
 void TypeArgument::declare(CLI::App& app)
@@ -57,6 +63,30 @@ const Type& TypeArgument::type() const
     throw Stop{usageError, "there is no type " + name + catalogue().didYouMean(name)};
 }
 
+Bytes encoded(const Type& type, std::string_view json, const std::string& file, std::size_t limit)
+{
+    try {
+        Object object = fromJson(type, json);
+        Bytes message(limit);
+        const Pass pass = codeObject(Mode::encode, type, object.data(), message);
+        if (!pass.succeeded) {
+            const auto failure = explain(type, object.data(), limit);
+            throw Stop{codingError,
+                       file + ": cannot encode " + type.name + ' ' +
+                           explained(failure.value_or(Failure{"", pass.length, "the codec refuses it"}), limit)};
+        }
+        message.resize(pass.length);
+        return message;
+    } catch (const InputError& error) {
+        stopAt(file, error);
+    } catch (const JsonError& error) {
+        std::string message;
+        for (const JsonError::Entry& entry : error.errors)
+            message += (message.empty() ? "" : "\n") + file + ':' + entry.text();
+        throw Stop{codingError, message};
+    }
+}
+
 void InputArgument::declare(CLI::App& app, const char* what)
 {
     app.add_option("INPUT", file, std::string(what) + "; - is standard input")->capture_default_str();
@@ -71,24 +101,53 @@ void InputArgument::declareFile(CLI::App& app, const char* name, const char* wha
 void InputArgument::declareForm(CLI::App& app)
 {
     app.add_option("--from", from,
-                   "form of the message: hex (digits, or a dump as xxd and hexdump -C print it), raw, base64")
-        ->check(CLI::IsMember({"hex", "raw", "base64"}))
-        ->capture_default_str();
+                   "form of the input: raw, hex (digits, dumps and arrays), base64 or json; recognised "
+                   "if it is not given")
+        ->check(CLI::IsMember({"raw", "hex", "base64", "json"}));
 }
 
-Bytes InputArgument::message(const std::string& form) const
+Bytes InputArgument::message(const Type* type, const std::string& form) const
 {
     const std::string contents = contentsOf(file);
     try {
-        Bytes message = form == "hex"      ? parseHex(contents)
-                        : form == "base64" ? parseBase64(contents)
-                                           : Bytes(contents.begin(), contents.end());
-        if (message.size() <= longestMessage) return message;
-        throw Stop{inputError, shown() + ": " + std::to_string(message.size()) + " bytes, but a message has at most " +
-                                   std::to_string(longestMessage)};
+        if (form == "hex") return readHex(contents).bytes;
+        if (form == "base64") return parseBase64(contents);
+        if (form == "json" && type) return encoded(*type, contents, shown(), longestMessage);
+        if (form == "raw") {
+            if (contents.size() <= longestMessage) return Bytes(contents.begin(), contents.end());
+            throw Stop{inputError, shown() + ": " + std::to_string(contents.size()) +
+                                       " bytes, but a message has at most " + std::to_string(longestMessage)};
+        }
+        if (!form.empty()) throw Stop{usageError, "this verb reads no " + form};
+        Recognised recognised =
+            type ? recognise(contents,
+                             {InputForm::raw, InputForm::hex, InputForm::base64, InputForm::json, InputForm::pcap})
+                 : recognise(contents, {InputForm::raw, InputForm::hex, InputForm::base64, InputForm::pcap});
+        if (recognised.form == InputForm::pcap)
+            throw Stop{inputError, shown() +
+                                       ": a capture of packets; print the packet with tcpdump -x, and cut the "
+                                       "headers before the message"};
+        printError(shown() + ": " + recognised.phrase);
+        if (recognised.form == InputForm::json) return encoded(*type, contents, shown(), longestMessage);
+        return std::move(recognised.bytes);
     } catch (const InputError& error) {
-        stopAt(file, error);
+        stopAt(shown(), error);
     }
+}
+
+void OutputOption::declare(CLI::App& app, std::vector<std::string> forms)
+{
+    std::string list;
+    for (const std::string& form : forms) list += (list.empty() ? "" : ", ") + form;
+    option = app.add_option("--to", to, "what to print: " + list)->check(CLI::IsMember(forms))->capture_default_str();
+}
+
+std::string messageText(const Bytes& message, const std::string& form)
+{
+    if (form == "hex") return hexText(message);
+    if (form == "base64") return base64Text(message);
+    if (form == "c") return arrayText(message);
+    return {message.begin(), message.end()};
 }
 
 }  // namespace quorva::inspect

@@ -9,6 +9,8 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace quorva::inspect {
 
@@ -18,7 +20,7 @@ std::string shownName(const std::string& file);
 // The contents of a file, or of standard input for "-". Throws Stop if they cannot be read or exceed 64 MiB.
 std::string contentsOf(const std::string& file);
 
-// Throws Stop with the place and the sentence of the error.
+// Throws Stop with the place and the sentence of the error; `file` is the shown name.
 [[noreturn]] void stopAt(const std::string& file, const InputError& error);
 
 // The argument TYPE.
@@ -37,6 +39,9 @@ private:
     mutable std::optional<Catalogue> known;
 };
 
+// The bytes of the message of a JSON text. `file` is for messages. Throws Stop.
+Bytes encoded(const Type& type, std::string_view json, const std::string& file, std::size_t limit);
+
 // An argument that names the file of a message, and the form of the file.
 class InputArgument {
 public:
@@ -50,15 +55,38 @@ public:
     // The file's name, for messages.
     std::string shown() const { return shownName(file); }
 
+    // As given: "-" is standard input.
+    const std::string& name() const { return file; }
+
+    // The form that the user named; empty if it is to be recognised.
     const std::string& form() const { return from; }
 
-    // The bytes of one message. Throws Stop.
-    Bytes message() const { return message(from); }
-    Bytes message(const std::string& form) const;
+    // The bytes of one message of the type; a null type excludes JSON. Tells on standard error which form was
+    // recognised. Throws Stop.
+    Bytes message(const Type* type) const { return message(type, from); }
+    Bytes message(const Type* type, const std::string& form) const;
 
 private:
     std::string file = "-";
-    std::string from = "hex";
+    std::string from;
 };
+
+// The form of an output: one of "trace", "json", "hex", "raw", "base64", "c".
+class OutputOption {
+public:
+    explicit OutputOption(const char* usual) : to(usual) {}
+
+    void declare(CLI::App& app, std::vector<std::string> forms);
+
+    const std::string& form() const { return to; }
+    bool isGiven() const { return option && option->count() > 0; }
+
+private:
+    std::string to;
+    const CLI::Option* option = nullptr;
+};
+
+// A message as hex, raw, base64 or a C array.
+std::string messageText(const Bytes& message, const std::string& form);
 
 }  // namespace quorva::inspect

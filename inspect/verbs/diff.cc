@@ -31,7 +31,7 @@ public:
     int run() override
     {
         const Type& type = subject.type();
-        const Bytes a = first.message(), b = second.message(first.form());
+        const Bytes a = first.message(&type), b = second.message(&type, first.form());
         const Tree treeA(type, a), treeB(type, b);
         const std::vector<Difference> differences = differencesOf(treeA, treeB);
         const std::string rests = restsText(treeA, treeB);

@@ -27,7 +27,7 @@ public:
     int run() override
     {
         const Type& type = subject.type();
-        const Bytes message = input.message();
+        const Bytes message = input.message(&type);
         const Tree tree(type, message);
         const std::vector<Finding> findings = findingsOf(tree);
         if (json) {

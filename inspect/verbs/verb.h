@@ -1,6 +1,8 @@
 // A verb: the first word of a command line, with its options and its work. inspect/main.cc lists the verbs.
 #pragma once
 
+#include "inspect/interface.h"
+
 #include <CLI/CLI.hpp>
 
 #include <memory>
@@ -36,6 +38,9 @@ public:
     // Does the work with the values that the parser stored. Returns the exit status; throws Stop.
     virtual int run() = 0;
 
+    // The options --interface and -I, which main.cc declares for every verb.
+    InterfaceFiles interfaces;
+
     const char* const name;
     const char* const summary;   // one line for the list of verbs
     const char* const examples;  // command lines, each on a line of its own
@@ -47,6 +52,7 @@ std::unique_ptr<Verb> makeDescribe();
 std::unique_ptr<Verb> makeDiff();
 std::unique_ptr<Verb> makeEncode();
 std::unique_ptr<Verb> makeFind();
+std::unique_ptr<Verb> makeSample();
 std::unique_ptr<Verb> makeSchema();
 std::unique_ptr<Verb> makeTypes();
 std::unique_ptr<Verb> makeValidate();
