@@ -32,6 +32,7 @@ std::vector<std::unique_ptr<Verb>> allVerbs()
     verbs.push_back(makeEncode());
     verbs.push_back(makeAnnotate());
     verbs.push_back(makeValidate());
+    verbs.push_back(makeGuess());
     verbs.push_back(makeDiff());
     verbs.push_back(makeSample());
     verbs.push_back(makeTypes());
