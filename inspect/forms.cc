@@ -116,10 +116,20 @@ private:
             if (line.substr(0, line.find_last_not_of(hex::blanks) + 1).find_first_of(hex::blanks) != hex::none)
                 return std::nullopt;
         try {
-            return parseBase64(contents, most);
+            Bytes bytes = parseBase64(contents, most);
+            if (bytes.size() % 4 != 0 || isLikelyHex(contents)) return std::nullopt;
+            return bytes;
         } catch (const InputError&) {
             return std::nullopt;
         }
+    }
+
+    // True if a text is more likely hex with a wrong digit: few characters of base64 are decimal digits or `a` to `f`.
+    static bool isLikelyHex(std::string_view text)
+    {
+        const auto digits =
+            std::ranges::count_if(text, [](char c) { return hex::digitOf(c) >= 0 && (c < 'A' || c > 'F'); });
+        return 2 * static_cast<std::size_t>(digits) > text.size();
     }
 
     // True if a text of digits is base64 of whole units that begin with a small number, as many messages do.

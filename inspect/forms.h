@@ -25,7 +25,8 @@ struct Recognised {
 // 3. trace: the text begins with `<` (but not with `<Buffer `, which is hex).
 // 4. json: the text is a JSON object, array or string. If the caller reads no message (hex), any JSON value.
 // 5. hex, if readHex reads it.
-// 6. base64, if parseBase64 reads it and no blanks are in its lines.
+// 6. base64, if parseBase64 reads whole units from it, no blanks are in its lines, and it is not more likely hex with a
+//    wrong digit: at most half of its characters are decimal digits or `a` to `f`.
 //
 // Throws InputError if no form fits (with hex's reason where hex is possible), or if a text can be two of the forms:
 // JSON and hex, such as `[0, 0, 0, 5]`, or hex and base64, such as "AAAAAAAAAAAAAAAA".
