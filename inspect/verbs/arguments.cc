@@ -93,11 +93,6 @@ void InputArgument::declare(CLI::App& app, const char* what)
     declareForm(app);
 }
 
-void InputArgument::declareFile(CLI::App& app, const char* name, const char* what)
-{
-    app.add_option(name, file, std::string(what) + "; - is standard input")->required();
-}
-
 void InputArgument::declareForm(CLI::App& app)
 {
     app.add_option("--from", from,

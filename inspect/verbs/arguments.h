@@ -28,6 +28,9 @@ class TypeArgument {
 public:
     void declare(CLI::App& app);
 
+    // For a verb that declares its arguments itself.
+    void choose(const std::string& word) { name = word; }
+
     // The type with this name, of the API or of an interface file. Throws Stop if there is none.
     const Type& type() const;
 
@@ -48,9 +51,9 @@ public:
     // Declares the argument INPUT and the option --from. `what` describes the file: "file with the message".
     void declare(CLI::App& app, const char* what);
 
-    // Declares only a required argument, for a verb with several inputs of one form.
-    void declareFile(CLI::App& app, const char* name, const char* what);
+    // For a verb that declares its arguments itself: declares only --from, and takes the file.
     void declareForm(CLI::App& app);
+    void choose(const std::string& path) { file = path; }
 
     // The file's name, for messages.
     std::string shown() const { return shownName(file); }

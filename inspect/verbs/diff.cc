@@ -3,7 +3,7 @@
 #include "inspect/diff.h"
 
 #include "arguments.h"
-#include "inspect/findings.h"
+#include "inspect/guess.h"
 #include "output.h"
 
 namespace quorva::inspect {
@@ -14,6 +14,7 @@ class Diff : public Verb {
 public:
     Diff()
         : Verb("diff", "Compare two messages of one type",
+               "quorvaxdr diff yesterday.hex today.hex\n"
                "quorvaxdr diff JobAVPSeq yesterday.hex today.hex\n"
                "quorvaxdr diff JobAVPSeq yesterday.hex - --json <today.hex\n")
     {
@@ -21,17 +22,22 @@ public:
 
     void declare(CLI::App& app) override
     {
-        subject.declare(app);
-        first.declareFile(app, "A", "file with the first message");
-        second.declareFile(app, "B", "file with the second message");
+        app.add_option("TYPE", words[0], "name of the type; guessed if only two files are given")->required();
+        app.add_option("A", words[1], "file with the first message; - is standard input")->required();
+        app.add_option("B", words[2], "file with the second message; - is standard input");
         first.declareForm(app);
         app.add_flag("--json", json, "print JSON");
     }
 
     int run() override
     {
-        const Type& type = subject.type();
-        const Bytes a = first.message(&type), b = second.message(&type, first.form());
+        const bool isNamed = !words[2].empty();
+        if (isNamed) subject.choose(words[0]);
+        const Type* const named = isNamed ? &subject.type() : nullptr;
+        first.choose(words[isNamed]);
+        second.choose(words[1 + isNamed]);
+        const Bytes a = first.message(named), b = second.message(named, first.form());
+        const Type& type = named ? *named : guessed(a, b);
         const Tree treeA(type, a), treeB(type, b);
         const std::vector<Difference> differences = differencesOf(treeA, treeB);
         const std::string rests = restsText(treeA, treeB);
@@ -50,6 +56,19 @@ public:
     }
 
 private:
+    // The most likely type of the first message that the second one fits, too.
+    const Type& guessed(const Bytes& a, const Bytes& b) const
+    {
+        constexpr std::size_t most = 50;
+        const Guesser guesser(subject.catalogue().types());
+        for (const Guess& guess : guesser.guess(a, most)) {
+            if (guess.fit != Fit::whole || Tree(*guess.type, b).stopped()) continue;
+            printError(std::string("compared as ") + guess.type->name);
+            return *guess.type;
+        }
+        throw Stop{usageError, "there is no type that both messages fit; name one: quorvaxdr diff TYPE A B"};
+    }
+
     static std::string restsText(const Tree& a, const Tree& b)
     {
         const auto restA = a.bytes().subspan(a.length()), restB = b.bytes().subspan(b.length());
@@ -65,6 +84,7 @@ private:
                                     ' ' + explained(tree.stopped()->failure, tree.bytes().size())};
     }
 
+    std::string words[3];
     TypeArgument subject;
     InputArgument first, second;
     bool json = false;

@@ -42,9 +42,9 @@ bool isRoundTripEqual(const Type& type, std::span<const unsigned char> bytes)
 {
     Object object(type);
     Bytes message(bytes.begin(), bytes.end());
-    if (!runPass(Mode::decode, type.routine, object.data(), message).succeeded) return false;
+    if (!codeObject(Mode::decode, type, object.data(), message).succeeded) return false;
     Bytes again(bytes.size());
-    const Pass pass = runPass(Mode::encode, type.routine, object.data(), again);
+    const Pass pass = codeObject(Mode::encode, type, object.data(), again);
     return pass.succeeded && pass.length == message.size() && again == message;
 }
 
