@@ -76,6 +76,11 @@ Range rangeOf(const Type& scalar)
 
 const char* enumeratorName(const Type& type, std::int64_t value)
 {
+    if (type.kind == TypeKind::enumeration && !type.nameOf) {
+        const auto unit = static_cast<std::uint32_t>(value);
+        const auto found = std::ranges::lower_bound(type.cases, unit, {}, &Case::value);
+        return found != type.cases.end() && found->value == unit ? type.members[found->member].name : nullptr;
+    }
     if (!type.nameOf) return nullptr;
     const char* const name = type.nameOf(static_cast<int>(value));
     return std::strcmp(name, "Error_in_Function") == 0 ? nullptr : name;

@@ -1,6 +1,7 @@
 // Interface files that are read at run time. The generated descriptions of the same files are the oracle.
 
 #include "inspect/interface.h"
+#include "explain/layout.h"
 #include "inspect/catalogue.h"
 #include "inspect/describe.h"
 #include "inspect/object.h"
@@ -64,6 +65,9 @@ TEST(Interfaces, describeTypesAsGeneratedCodeDoes)
             EXPECT_EQ(descriptionJson(type, after), descriptionJson(expected, before));
             EXPECT_EQ(type.size, expected.size) << type.name;
             EXPECT_EQ(type.alignment, expected.alignment) << type.name;
+            for (const Enumerator& each : module->types[i].enumerators)
+                for (const std::int64_t value : {each.value, each.value + 1})
+                    EXPECT_EQ(numberText(type, value), numberText(expected, value)) << type.name;
         }
     }
 }
