@@ -91,7 +91,7 @@ void checkMessage(const quorva::Type& type, Bytes message)
         throw Finding{std::string("the codec refuses a message of ") + type.name};
     Bytes again(quorva::longestMessage);
     again.resize(inspect::codeObject(Mode::encode, type, object.data(), again).length);
-    inspect::Object same = inspect::fromJson(type, inspect::toJson(type, object.data()).dump());
+    inspect::Object same = inspect::fromJson(type, inspect::objectJson(type, object.data()).dump());
     Bytes fromJson(quorva::longestMessage);
     fromJson.resize(inspect::codeObject(Mode::encode, type, same.data(), fromJson).length);
     if (fromJson != again) throw Finding{std::string("the JSON form changes a message of ") + type.name};

@@ -32,12 +32,12 @@ void checkRoundTrips(const Type& type, std::string_view text)
     inspect::Object object = inspect::fromJson(type, text);
     Bytes message = encoded(object);
     if (message.empty()) return;
-    const std::string json = inspect::toJson(type, object.data()).dump();
+    const std::string json = inspect::objectJson(type, object.data()).dump();
     inspect::Object decoded(type);
     const Pass pass = runPass(Mode::decode, type.routine, decoded.data(), message);
     if (!pass.succeeded || pass.length != message.size())
         throw Finding{std::string(type.name) + ": the object's own message is refused"};
-    if (inspect::toJson(type, decoded.data()).dump() != json)
+    if (inspect::objectJson(type, decoded.data()).dump() != json)
         throw Finding{std::string(type.name) + ": the message does not keep " + json};
     inspect::Object again = inspect::fromJson(type, json);
     if (encoded(again) != message) throw Finding{std::string(type.name) + ": JSON does not keep " + json};
@@ -54,10 +54,10 @@ std::string_view textFrom(std::string_view text, std::size_t line, std::size_t c
 }
 
 // Checks that each error is at a value or a name of the text, and that its path is a JSON Pointer.
-void checkErrors(std::string_view text, const inspect::JsonError& found)
+void checkErrors(std::string_view text, const JsonError& found)
 {
-    if (found.errors.empty()) throw Finding{"refused without a reason"};
-    for (const inspect::JsonError::Entry& error : found.errors) {
+    if (found.errors().empty()) throw Finding{"refused without a reason"};
+    for (const JsonError::Entry& error : found.errors()) {
         if (textFrom(text, error.line, error.column).find_first_of("{[\"-0123456789tfn") != 0)
             throw Finding{"the error is not at a value: " + error.text()};
         try {
@@ -88,12 +88,14 @@ void checkText(const Type& type, std::string_view text)
 {
     try {
         checkRoundTrips(type, text);
-    } catch (const inspect::JsonError& error) {
+    } catch (const JsonError& error) {
+        if (error.isMalformed()) {
+            const JsonError::Entry& found = error.errors().front();
+            textFrom(text, found.line, found.column);
+            if (found.sentence.starts_with("not JSON: ")) checkIsJson(text, false);
+            return;
+        }
         checkErrors(text, error);
-    } catch (const inspect::InputError& error) {
-        textFrom(text, error.line, error.column);
-        if (std::string_view(error.what()).starts_with("not JSON: ")) checkIsJson(text, false);
-        return;
     } catch (const inspect::Refusal&) {
     }
     checkIsJson(text, true);
@@ -155,7 +157,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
     Bytes message = generate(sampler, type, chance).message;
     inspect::Object object(type);
     runPass(Mode::decode, type.routine, object.data(), message);
-    const std::string text = inspect::toJson(type, object.data()).dump();
+    const std::string text = inspect::objectJson(type, object.data()).dump();
     return store(Input{&type, 0, {reinterpret_cast<const unsigned char*>(text.data()), text.size()}}.bytes(), data,
                  most);
 }

@@ -78,7 +78,7 @@ public:
         inspect::Object object(type);
         if (!runPass(Mode::decode, type.routine, object.data(), message).succeeded)
             throw std::runtime_error(std::string(type.name) + ": its message is refused");
-        const std::string json = inspect::toJson(type, object.data()).dump();
+        const std::string json = inspect::objectJson(type, object.data()).dump();
         write("json", name, Input{&type, 0, bytesOf(json)}.bytes());
     }
 

@@ -270,7 +270,7 @@ void Subject::agreesWithInspector(std::span<const unsigned char> message)
             different = "stops at '" + path + "' and at '" + expected + '\'';
     }
     try {
-        inspect::toJson(described, object.get());
+        inspect::objectJson(described, object.get());
         const auto refusal = explain(described, object.get(), buffer.size());
         const Pass written = run(Coding::plain, Mode::encode, buffer);
         if (written.succeeded == refusal.has_value())

@@ -2,6 +2,8 @@
 
 #include "documentation.h"
 
+#include "explain/layout.h"
+
 #include <algorithm>
 #include <array>
 #include <iterator>
@@ -29,23 +31,38 @@ struct Entry {
     const Module* module;
     const Documentation* documentation;
 };
-using Entries = std::unordered_map<const Type*, Entry>;
+struct Known {
+    std::unordered_map<const Type*, Entry> types;
+    std::unordered_multimap<std::string_view, const Documentation*> enumerations;  // by name
 
-void add(Entries& entries, std::span<const Module* const> modules)
-{
-    for (const Module* module : modules)
-        for (const Documentation& each : module->types) entries.emplace(each.type, Entry{module, &each});
-}
+    void add(const Module& module)
+    {
+        for (const Documentation& each : module.types) {
+            types.emplace(each.type, Entry{&module, &each});
+            if (each.type->kind == TypeKind::enumeration) enumerations.emplace(each.type->name, &each);
+        }
+    }
 
-Entries& known()
+    void remove(const Module& module)
+    {
+        for (const Documentation& each : module.types) {
+            types.erase(each.type);
+            const auto [first, last] = enumerations.equal_range(each.type->name);
+            const auto found = std::find_if(first, last, [&](const auto& named) { return named.second == &each; });
+            if (found != last) enumerations.erase(found);
+        }
+    }
+};
+
+Known& known()
 {
-    static Entries entries = [] {
-        Entries all;
-        for (const Documentation& each : builtinTexts) all.emplace(each.type, Entry{nullptr, &each});
-        add(all, modules());
-        return all;
+    static Known all = [] {
+        Known made;
+        for (const Documentation& each : builtinTexts) made.types.emplace(each.type, Entry{nullptr, &each});
+        for (const Module* module : modules()) made.add(*module);
+        return made;
     }();
-    return entries;
+    return all;
 }
 
 std::vector<const Module*>& addedModules()
@@ -57,8 +74,17 @@ std::vector<const Module*>& addedModules()
 Entry entryOf(const Type& type)
 {
     static constexpr Documentation none;
-    const auto found = known().find(&type);
-    return found == known().end() ? Entry{nullptr, &none} : found->second;
+    const auto found = known().types.find(&type);
+    return found == known().types.end() ? Entry{nullptr, &none} : found->second;
+}
+
+// True if the enumeration gives each of the enumerators its name.
+bool hasNames(const Type& enumeration, std::span<const Enumerator> enumerators)
+{
+    return std::ranges::all_of(enumerators, [&](const Enumerator& each) {
+        const char* const name = enumeratorName(enumeration, each.value);
+        return name && std::string_view(name) == each.name;
+    });
 }
 
 }  // namespace
@@ -69,20 +95,6 @@ std::vector<const Type*> typesOf(std::span<const Module* const> modules)
     for (const Module* module : modules)
         for (const Documentation& each : module->types) types.push_back(each.type);
     return types;
-}
-
-void addModules(std::span<const Module* const> further)
-{
-    add(known(), further);
-    addedModules().insert(addedModules().end(), further.begin(), further.end());
-}
-
-void removeModules(std::span<const Module* const> added)
-{
-    for (const Module* module : added) {
-        std::erase(addedModules(), module);
-        for (const Documentation& each : module->types) known().erase(each.type);
-    }
 }
 
 std::vector<const Module*> knownModules()
@@ -123,7 +135,12 @@ const MemberDocumentation& documentationOf(const Type& type, const Member& membe
 std::span<const Enumerator> enumeratorsOf(const Type& type)
 {
     if (type.kind != TypeKind::enumeration) return {};
-    return documentationOf(type).enumerators;
+    if (const Documentation& documentation = documentationOf(type); documentation.type)
+        return documentation.enumerators;
+    const auto [first, last] = known().enumerations.equal_range(type.name);
+    const auto found =
+        std::find_if(first, last, [&](const auto& named) { return hasNames(type, named.second->enumerators); });
+    return found == last ? std::span<const Enumerator>() : found->second->enumerators;
 }
 
 const Enumerator* enumeratorOf(const Type& enumeration, std::int64_t value)
@@ -148,6 +165,20 @@ bool isProvisional(const Type& type)
 }
 
 }  // namespace quorva::inspect
+
+void quorva::addModules(std::span<const Module* const> further)
+{
+    for (const Module* module : further) inspect::known().add(*module);
+    inspect::addedModules().insert(inspect::addedModules().end(), further.begin(), further.end());
+}
+
+void quorva::removeModules(std::span<const Module* const> added)
+{
+    for (const Module* module : added) {
+        std::erase(inspect::addedModules(), module);
+        inspect::known().remove(*module);
+    }
+}
 
 std::span<const quorva::Type* const> quorva::builtinTypes()
 {

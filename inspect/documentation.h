@@ -12,13 +12,8 @@ namespace quorva::inspect {
 // The types of these modules, in their order.
 std::vector<const Type*> typesOf(std::span<const Module* const> modules);
 
-// Adds modules to the known ones, which are `modules()` at the start. Everything that `further` points to must live
-// until `removeModules`, or to the end of the program. Neither is thread-safe: no other thread may use the inspector
-// meanwhile.
-void addModules(std::span<const Module* const> further);
-void removeModules(std::span<const Module* const> added);
-
-// The known modules: those of the library, then the added ones. A module replaces all earlier ones of its name.
+// The known modules: those of the library, then those that `addModules` added. A module replaces all earlier ones of
+// its name.
 std::vector<const Module*> knownModules();
 
 // The documentation of a type; an empty one if its module is not known.
@@ -33,7 +28,8 @@ const char* moduleName(const Type& type);
 // The documentation of a member, which must be one of `type.members`; an empty one if the module is not known.
 const MemberDocumentation& documentationOf(const Type& type, const Member& member);
 
-// The enumerators of an enumeration, ascending by value; none for any other type.
+// The enumerators of an enumeration, ascending by value; none for any other type. A description of another library is
+// known by its name, if its name function agrees with the enumerators of a known type.
 std::span<const Enumerator> enumeratorsOf(const Type& type);
 
 // The enumerator with this value, or null.

@@ -59,7 +59,9 @@ public:
         case TypeKind::structure: readStruct(type, json, at); return;
         case TypeKind::discriminatedUnion: readUnion(type, json, at); return;
         case TypeKind::typeDefinition: value(targetOf(type), json, at); return;
-        case TypeKind::foreign: report(json, Refused{.cause = Cause::foreignType, .type = &type}.sentence()); return;
+        case TypeKind::foreign:
+            if (type.described) return value(type.described(), json, at);
+            return report(json, Refused{.cause = Cause::foreignType, .type = &type}.sentence());
         }
     }
 
@@ -136,12 +138,15 @@ private:
     std::optional<std::int64_t> enumeratorIn(const Type& type, const Value& json)
     {
         const std::string name = json.string();
+        const std::span<const Enumerator> enumerators = enumeratorsOf(type);
+        const auto found = std::ranges::find(enumerators, name, &Enumerator::name);
+        if (found != enumerators.end()) return found->value;
         std::vector<std::string_view> names;
-        for (const Enumerator& enumerator : enumeratorsOf(type)) {
-            if (enumerator.name == name) return enumerator.value;
-            names.emplace_back(enumerator.name);
-        }
-        report(json, described(json) + " is not an enumerator of " + type.name + didYouMean(name, names));
+        for (const Enumerator& each : enumerators) names.emplace_back(each.name);
+        report(json, names.empty()
+                         ? std::string("the enumerators of ") + type.name +
+                               " are known by their numbers only: its module was not added"
+                         : described(json) + " is not an enumerator of " + type.name + didYouMean(name, names));
         return std::nullopt;
     }
 
@@ -388,31 +393,59 @@ std::string joined(const std::vector<JsonError::Entry>& errors)
     return text;
 }
 
+// Throws JsonError if the value does not have the form of the type.
+void check(const Type& type, const JsonText& json)
+{
+    Reader reader;
+    reader.value(type, json.value(), nullptr);
+    if (reader.mistakes.empty()) return;
+    std::vector<JsonError::Entry> errors;
+    for (Mistake& mistake : reader.mistakes)
+        errors.push_back(json.error(mistake.offset, std::move(mistake.path), std::move(mistake.sentence)));
+    throw JsonError(std::move(errors));
+}
+
 }  // namespace
+
+Object fromJson(const Type& type, std::string_view text)
+{
+    Object object(type);
+    quorva::fromJson(type, text, object.data());
+    return object;
+}
+
+}  // namespace quorva::inspect
+
+namespace quorva {
 
 std::string JsonError::Entry::text() const
 {
     return std::to_string(line) + ':' + std::to_string(column) + ": " + (path.empty() ? "" : path + ": ") + sentence;
 }
 
-JsonError::JsonError(std::vector<Entry> found) : std::runtime_error(joined(found)), errors(std::move(found)) {}
-
-Object fromJson(const Type& type, std::string_view text)
+JsonError::JsonError(Entry malformation)
+    : std::runtime_error(malformation.text()), malformed(true), entries{std::move(malformation)}
 {
-    const JsonText json(text);
-    Reader reader;
-    reader.value(type, json.value(), nullptr);
-    if (!reader.mistakes.empty()) {
-        std::vector<JsonError::Entry> errors;
-        for (Mistake& mistake : reader.mistakes) {
-            const InputError place = InputError::at(text, mistake.offset, mistake.sentence);
-            errors.push_back({std::move(mistake.path), std::move(mistake.sentence), place.line, place.column});
-        }
-        throw JsonError(std::move(errors));
-    }
-    Object object(type);
-    reader.value(type, json.value(), object.data());
-    return object;
 }
 
-}  // namespace quorva::inspect
+JsonError::JsonError(std::vector<Entry> found)
+    : std::runtime_error(inspect::joined(found)), malformed(false), entries(std::move(found))
+{
+}
+
+JsonError::~JsonError() = default;
+
+void fromJson(const Type& type, std::string_view text, void* object)
+{
+    const inspect::JsonText json(text);
+    inspect::check(type, json);
+    try {
+        inspect::Reader().value(type, json.value(), static_cast<std::byte*>(object));
+    } catch (...) {  // memory is exhausted
+        inspect::codeObject(Mode::release, type, object, {});
+        std::memset(object, 0, type.size);
+        throw;
+    }
+}
+
+}  // namespace quorva

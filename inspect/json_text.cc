@@ -31,7 +31,7 @@ bool isOfWord(char c)
 // Adds the nodes of a text to an empty index.
 class JsonText::Scanner {
 public:
-    explicit Scanner(JsonText& of) : text(of.text), nodes(of.nodes)
+    explicit Scanner(JsonText& of) : index(of), text(of.text), nodes(of.nodes)
     {
         if (text.size() > std::numeric_limits<std::uint32_t>::max()) fail(0, "a JSON text of more than 4 GiB");
     }
@@ -48,7 +48,7 @@ public:
 private:
     [[noreturn]] void fail(std::size_t place, const std::string& sentence) const
     {
-        throw InputError::at(text, place, sentence);
+        throw JsonError(index.error(place, "", sentence));
     }
 
     [[noreturn]] void failHere(const std::string& wanted) const
@@ -205,6 +205,7 @@ private:
         return bytes->front() * 256u + bytes->back();
     }
 
+    const JsonText& index;
     const std::string_view text;
     std::vector<Node>& nodes;
     std::vector<std::size_t> open;  // the objects and arrays that have not ended, from the outermost in
@@ -214,6 +215,12 @@ private:
 JsonText::JsonText(std::string_view of) : text(of)
 {
     Scanner(*this).scan();
+}
+
+JsonError::Entry JsonText::error(std::size_t offset, std::string path, std::string sentence) const
+{
+    const InputError place = InputError::at(text, offset, sentence);
+    return {std::move(path), std::move(sentence), place.line, place.column};
 }
 
 std::string_view JsonText::Value::token() const

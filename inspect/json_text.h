@@ -4,6 +4,8 @@
 // end at a zero byte, and needs many times the memory of a malformed text.
 #pragma once
 
+#include <quorvapixdr/json.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -15,8 +17,8 @@ namespace quorva::inspect {
 class JsonText {
 public:
     // Indexes the text, which must outlive the index, in linear time and with 8 bytes for each name and value. Names
-    // that an object has twice are accepted. Throws InputError if the text is not JSON, if its objects and arrays
-    // nest deeper than `deepestNesting`, or if it has more than 4 GiB.
+    // that an object has twice are accepted. Throws a malformed JsonError if the text is not JSON, if its objects
+    // and arrays nest deeper than `deepestNesting`, or if it has more than 4 GiB.
     explicit JsonText(std::string_view text);
 
     // A value, or the name of an object's member, which is a string.
@@ -64,6 +66,9 @@ public:
     };
 
     Value value() const { return {*this, 0}; }
+
+    // An error at this offset of the text, which may be its end.
+    JsonError::Entry error(std::size_t offset, std::string path, std::string sentence) const;
 
 private:
     class Scanner;

@@ -67,7 +67,9 @@ public:
             return object;
         }
         case TypeKind::typeDefinition: break;
-        case TypeKind::foreign: throw Refusal{Refused{.cause = Cause::foreignType, .type = &type}.sentence()};
+        case TypeKind::foreign:
+            if (type.described) return value(type.described(), at);
+            throw Refusal(Refused{.cause = Cause::foreignType, .type = &type}.sentence());
         }
         return value(targetOf(type), at);
     }
@@ -76,7 +78,7 @@ private:
     // Leaves one level for {"hex": "..."}.
     void descend()
     {
-        if (++depth == deepestNesting) throw Refusal{"values are nested too deeply for JSON"};
+        if (++depth == deepestNesting) throw Refusal("values are nested too deeply for JSON");
     }
 
     void add(Json& object, const Member& member, const std::byte* at)
@@ -129,7 +131,7 @@ private:
 
 }  // namespace
 
-Json toJson(const Type& type, const void* object)
+Json objectJson(const Type& type, const void* object)
 {
     return Writer().value(type, static_cast<const std::byte*>(object));
 }
@@ -138,7 +140,7 @@ Json numberJson(const Type& scalar, std::int64_t number)
 {
     if (scalar.builtin == Builtin::Float) return floatJson(static_cast<std::uint32_t>(number));
     if (scalar.builtin == Builtin::Boolean && number <= 1) return number == 1;
-    if (const Enumerator* named = enumeratorOf(scalar, number)) return named->name;
+    if (const char* name = enumeratorName(scalar, number)) return name;
     return number;
 }
 
@@ -156,3 +158,8 @@ Json opaqueJson(std::span<const unsigned char> contents)
 }
 
 }  // namespace quorva::inspect
+
+std::string quorva::toJson(const Type& type, const void* object, unsigned indent)
+{
+    return inspect::objectJson(type, object).dump(indent == 0 ? -1 : static_cast<int>(indent));
+}

@@ -169,7 +169,7 @@ int main(int count, char** words)
     } catch (const ClosedPipe&) {
         return success;
     } catch (const Refusal& refusal) {
-        printError(refusal.reason);
+        printError(refusal.what());
         return codingError;
     } catch (const std::bad_alloc&) {
         printError("not enough memory");

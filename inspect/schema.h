@@ -34,7 +34,7 @@ Json schemaJson(const Catalogue& catalogue);
 
 // The JSON Schema (2020-12) of the JSON form of a type, with the types that it needs as `$defs`.
 //
-// It accepts what `fromJson` accepts, and so everything that `toJson` writes, with these differences, because JSON
+// It accepts what `fromJson` accepts, and so everything that `objectJson` writes, with these differences, because JSON
 // Schema counts characters and compares numbers by value:
 // - a text with characters of several bytes may be longer than its bound, or shorter than a fixed-length opaque;
 // - a whole number may have a fraction of zero, such as 7.0;

@@ -1,5 +1,5 @@
-// Documentation of the described types: the texts of the interface files, and the place of each definition. Tools link
-// it; the library does not carry it.
+// Documentation of the described types: the texts of the interface files, and the place of each definition. The
+// inspector's library has it, quorvapixdr::inspect; the codec does not carry it.
 #pragma once
 
 #include <quorvapixdr/description.h>
@@ -40,8 +40,18 @@ struct Module {
     std::span<const Documentation> types = {};  // in the order of the file
 };
 
+#pragma GCC visibility push(default)
+
 // The descriptions of the built-in types, and the modules of the library, ordered by name. Static storage.
 std::span<const Type* const> builtinTypes();
 std::span<const Module* const> modules();
+
+// Adds modules to those that the inspector's library knows, which are `modules()` at the start: modules that a program
+// generates for itself, or describes at run time. Everything that `further` points to must live until `removeModules`,
+// or to the end of the program. Neither is thread-safe: no other thread may use that library meanwhile.
+void addModules(std::span<const Module* const> further);
+void removeModules(std::span<const Module* const> added);
+
+#pragma GCC visibility pop
 
 }  // namespace quorva

@@ -81,9 +81,9 @@ Bytes encoded(const Type& type, std::string_view json, const std::string& file, 
         stopAt(file, error);
     } catch (const JsonError& error) {
         std::string message;
-        for (const JsonError::Entry& entry : error.errors)
+        for (const JsonError::Entry& entry : error.errors())
             message += (message.empty() ? "" : "\n") + file + ':' + entry.text();
-        throw Stop{codingError, message};
+        throw Stop{error.isMalformed() ? inputError : codingError, message};
     }
 }
 

@@ -30,7 +30,7 @@ public:
             !runPass(Mode::encode, type.routine, object.data(), again).succeeded || again != message)
             add("", "does not come back");
         else
-            value(type, toJson(type, object.data()), "");
+            value(type, objectJson(type, object.data()), "");
     }
 
     std::string findings;        // a line "path: what" for each implausible value
@@ -118,7 +118,7 @@ std::string idsWith(const Type& list, std::vector<ArmChoice> arms)
         Object object(list);
         runPass(Mode::decode, list.routine, object.data(), message);
         std::string ids;
-        for (const Json& each : toJson(list, object.data())) ids += each["id"].dump() + ' ';
+        for (const Json& each : objectJson(list, object.data())) ids += each["id"].dump() + ' ';
         return ids;
     } catch (const ArmError& error) {
         return error.what();
@@ -208,7 +208,7 @@ TEST(Sample, obeysArmChoicesOrTellsWhyNot)
         Bytes message = Sampler().sample(types::Visit, {Extent::usual, seed, 1024, {before}});
         Object visit(types::Visit);
         runPass(Mode::decode, types::Visit.routine, visit.data(), message);
-        EXPECT_EQ(toJson(types::Visit, visit.data())["before"]["kind"], "AKowner");
+        EXPECT_EQ(objectJson(types::Visit, visit.data())["before"]["kind"], "AKowner");
     }
     for (const auto& each : cases) EXPECT_EQ(idsWith(jobs, each.arms), each.outcome);
 }

@@ -78,7 +78,7 @@ int main()
             Bytes message = sampler.sample(*type, {Extent::random, seed, 128});
             Object object(*type);
             if (!runPass(Mode::decode, type->routine, object.data(), message).succeeded) return 1;
-            Json value = toJson(*type, object.data());
+            Json value = objectJson(*type, object.data());
             print(*type, value);
             Chance chance(seed + message.size());
             damage(value, chance);

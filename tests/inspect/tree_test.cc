@@ -165,16 +165,16 @@ TEST(Tree, boundsTheNesting)
         message.insert(message.end(), door.begin() + static_cast<std::ptrdiff_t>(countAt) + 4, door.end());
     Object deep(types::Locker), shallow(types::Locker);
     ASSERT_TRUE(runPass(Mode::decode, types::Locker.routine, deep.data(), message).succeeded);
-    EXPECT_THROW(toJson(types::Locker, deep.data()), Refusal);
+    EXPECT_THROW(objectJson(types::Locker, deep.data()), Refusal);
     ASSERT_TRUE(runPass(Mode::decode, types::Locker.routine, shallow.data(), door).succeeded);
-    const Json inner = toJson(types::Locker, shallow.data());
+    const Json inner = objectJson(types::Locker, shallow.data());
     Json many = inner;
     for (int i = 0; i < 300; ++i) {
         Json outer = inner;
         outer["nested"].push_back(std::exchange(many, nullptr));
         many = std::move(outer);
     }
-    EXPECT_THROW(fromJson(types::Locker, many.dump()), InputError);
+    EXPECT_THROW(fromJson(types::Locker, many.dump()), JsonError);
 }
 
 TEST(Sample, keepsItsPromises)

@@ -124,7 +124,7 @@ protected:
         runTraced(Mode::decode, type.routine, type.name, object.data(), Message(message).span(), trace);
         EXPECT_TRUE(trace.path().starts_with(type.name)) << trace.path();
         EXPECT_TRUE(isXml(std::string(trace.text()) + closing(trace.path()))) << trace.text();
-        inspect::toJson(type, object.data());
+        inspect::objectJson(type, object.data());
         ++decodes;
     }
 

@@ -104,8 +104,8 @@ Json encodedOf(const Type& type, const Json& json)
         Bytes message(longestMessage);
         message.resize(runPass(Mode::encode, type.routine, object.data(), message).length);
         return hexOf(message);
-    } catch (const inspect::JsonError& error) {
-        return {error.errors.front().path, error.errors.front().sentence};
+    } catch (const JsonError& error) {
+        return {error.errors().front().path, error.errors().front().sentence};
     }
 }
 
@@ -127,7 +127,7 @@ void print(const Type& type, Bytes message, fuzz::Chance& chance)
         again.resize(encode.length);
         line["length"] = decode.length;
         line["encoded"] = hexOf(again);
-        line["json"] = inspect::toJson(type, object.data());
+        line["json"] = inspect::objectJson(type, object.data());
         line["otherJson"] = damaged(line["json"], chance);
         line["otherEncoded"] = encodedOf(type, line["otherJson"]);
         if (!again.empty()) {
@@ -179,8 +179,8 @@ int main(int count, char** arguments)
         else
             return std::cerr << "usage: messages [--each N] [--seed S] [--cut]\n", 2;
     }
-    inspect::addModules(exampleModules());  // for the names of their enumerators
-    inspect::addModules(pythonModules());
+    addModules(exampleModules());  // for the names of their enumerators
+    addModules(pythonModules());
     inspect::Sampler sampler;
     fuzz::Chance chance(seed);
     for (const auto& modules : {modules(), exampleModules(), pythonModules()})

@@ -18,7 +18,7 @@ namespace quorva::test {
 inline const std::vector<const Module*>& testedModules()
 {
     static const std::vector<const Module*> tested = [] {
-        inspect::addModules(exampleModules());
+        addModules(exampleModules());
         std::vector<const Module*> all(modules().begin(), modules().end());
         std::ranges::copy_if(exampleModules(), std::back_inserter(all), [](const Module* module) {
             const std::string_view name = module->name;

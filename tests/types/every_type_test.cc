@@ -87,7 +87,7 @@ TEST_P(EveryType, comesBackUnchanged)
             ASSERT_TRUE(runTraced(mode, type.routine, type.name, object.data(), message.span(), trace).succeeded);
             ASSERT_TRUE(isXml(std::string(trace.text()))) << trace.text();
         }
-        auto read = inspect::fromJson(type, inspect::toJson(type, object.data()).dump());
+        auto read = inspect::fromJson(type, inspect::objectJson(type, object.data()).dump());
         Bytes again(wire.size());
         ASSERT_TRUE(runPass(Mode::encode, type.routine, read.data(), again).succeeded);
         ASSERT_EQ(hexOf(again), hexOf(wire));
@@ -116,7 +116,7 @@ TEST_P(EveryType, treesShowWhatTheCodecDecodes)
             if (!pass.succeeded) continue;
 
             ASSERT_EQ(pass.length, tree.length());
-            ASSERT_EQ(inspect::treeJson(tree).dump(), inspect::toJson(type, object.data()).dump());
+            ASSERT_EQ(inspect::treeJson(tree).dump(), inspect::objectJson(type, object.data()).dump());
             Bytes again(pass.length);
             runPass(Mode::encode, type.routine, object.data(), again);
             const bool isEqual = std::equal(again.begin(), again.end(), bytes.begin());
@@ -148,7 +148,7 @@ TEST_P(EveryType, interpreterAndPlainFunctionsAgree)
                 const Pass pass = objects[i].run(Mode::decode, message.span(), granted);
                 ends[i] = std::to_string(pass.succeeded) + " after " + std::to_string(pass.length) + ", " +
                           std::to_string(allocations()) + " allocations of " + std::to_string(allocatedBytes());
-                json[i] = inspect::toJson(type, objects[i].data()).dump();
+                json[i] = inspect::objectJson(type, objects[i].data()).dump();
             }
             ASSERT_EQ(ends[0], ends[1]);
             ASSERT_EQ(json[0], json[1]);
