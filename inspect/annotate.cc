@@ -10,6 +10,7 @@
 #include "tree_json.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace quorva::inspect {
 
@@ -18,6 +19,7 @@ namespace {
 constexpr std::size_t rowSize = 4;       // bytes of a line
 constexpr std::size_t widestName = 40;   // of the column of names; longer names push their values to the right
 constexpr std::size_t longestText = 72;  // bytes of a string that are shown
+constexpr std::size_t mostFields = 9;    // of a part's JSON object
 
 // "4 bytes", "1 element of at most 6"; the maximum is left out where it is the largest possible one.
 std::string amount(std::int64_t number, const char* what, std::uint32_t bound)
@@ -207,9 +209,19 @@ std::string failureText(const Tree& tree)
 
     const std::span<const AnnotatedLine> lines(from, to);
     const std::size_t columns = nameColumns(lines);
+    // Long contents would fill the screen.
+    const auto isLeftOut = [&](const AnnotatedLine& line) {
+        const bool isNear = line.offset + line.size + around > place && line.offset < place + around;
+        return !isNear && line.name.empty() && line.value.empty();
+    };
     std::string text;
-    bool isMarked = false;
+    bool isMarked = false, skips = false;
     for (const AnnotatedLine& line : lines) {
+        if (isLeftOut(line)) {
+            if (!std::exchange(skips, true)) text += "   ...\n";
+            continue;
+        }
+        skips = false;
         text += lineText(tree, line, columns);
         if (isMarked || isRefusal(line) || place < line.offset || place >= line.offset + line.size) continue;
         text += std::string(8 + 3 * (place - line.offset), ' ') + "^^ byte " + std::to_string(place) + '\n';
@@ -222,7 +234,9 @@ std::string failureText(const Tree& tree)
 Json partJson(const Tree& tree, std::uint32_t at)
 {
     const Node& node = tree.nodes()[at];
-    Json json = {{"path", tree.pointer(at)}};
+    Json json = Json::object();
+    json.get_ref<Json::object_t&>().reserve(mostFields);
+    json["path"] = tree.pointer(at);
     std::size_t depth = 0;
     for (std::uint32_t i = at; i != 0; i = tree.nodes()[i].parent) ++depth;
     json["depth"] = depth;
@@ -245,7 +259,9 @@ Json partJson(const Tree& tree, std::uint32_t at)
 Json annotationJson(const Tree& tree)
 {
     Json json = {{"type", tree.type().name}, {"size", tree.bytes().size()}, {"nodes", Json::array()}};
-    for (std::uint32_t at = 0; at < tree.nodes().size(); ++at) json["nodes"].push_back(partJson(tree, at));
+    auto& nodes = json["nodes"].get_ref<Json::array_t&>();
+    nodes.reserve(tree.nodes().size());
+    for (std::uint32_t at = 0; at < tree.nodes().size(); ++at) nodes.push_back(partJson(tree, at));
     if (const auto& stopped = tree.stopped()) {
         json["refused"] = {
             {"path", stopped->failure.path}, {"offset", stopped->failure.offset}, {"reason", stopped->failure.reason}};

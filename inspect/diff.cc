@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -17,8 +18,63 @@ namespace {
 
 using Index = std::uint32_t;
 
-// The longest lists that are aligned as sequences, in pairs of elements; larger ones are compared by index.
-constexpr std::size_t mostPairs = std::size_t{1} << 22;
+// The longest lists that are aligned as sequences, in pairs of elements; larger ones are compared by index. The longest
+// messages have no larger lists of elements of a unit or more.
+constexpr std::size_t mostPairs = std::size_t{1} << 28;
+
+// Pairs of a position in one list and one in another.
+using Positions = std::vector<std::pair<std::size_t, std::size_t>>;
+
+// The positions of a longest common subsequence of two lists of numbers, those of the first one below its size. Uses a
+// bit for each pair of elements, and takes time for each word of bits.
+Positions commonSubsequence(std::span<const std::uint32_t> listA, std::span<const std::uint32_t> listB)
+{
+    using Word = std::uint64_t;
+    constexpr std::size_t wordSize = 64;
+    const std::size_t size = listA.size(), words = (size + wordSize - 1) / wordSize;
+    const auto wordOf = [&](std::size_t i) { return (size - 1 - i) / wordSize; };
+    const auto bitOf = [&](std::size_t i) { return Word{1} << (size - 1 - i) % wordSize; };
+
+    // The positions of each number in the first list, as words of bits.
+    struct Places {
+        std::size_t word;
+        Word bits;
+    };
+    std::vector<std::vector<Places>> places(size);
+    for (std::size_t i = size; i-- > 0;) {
+        std::vector<Places>& known = places[listA[i]];
+        if (known.empty() || known.back().word != wordOf(i)) known.push_back({wordOf(i), 0});
+        known.back().bits |= bitOf(i);
+    }
+
+    // The bit of i in row k is clear if the elements from i and k on have a longer common subsequence than those from
+    // i + 1 and k on (Hyyro 2004). The last row is that after the second list.
+    const auto rows = std::make_unique_for_overwrite<Word[]>((listB.size() + 1) * words);
+    std::fill_n(&rows[listB.size() * words], words, ~Word{0});
+    for (std::size_t k = listB.size(); k-- > 0;) {
+        const std::vector<Places>& here = places[listB[k]];
+        auto place = here.begin();
+        Word carry = 0;
+        for (std::size_t word = 0; word < words; ++word) {
+            const Word old = rows[(k + 1) * words + word];
+            const Word matches = place != here.end() && place->word == word ? old & (place++)->bits : 0;
+            const Word sum = old + matches, next = sum + carry;
+            carry = sum < old || next < sum;
+            rows[k * words + word] = next | (old - matches);
+        }
+    }
+
+    Positions common;
+    for (std::size_t i = 0, k = 0; i < size && k < listB.size();) {
+        if (listA[i] == listB[k])
+            common.push_back({i++, k++});
+        else if (rows[k * words + wordOf(i)] & bitOf(i))
+            ++i;
+        else
+            ++k;
+    }
+    return common;
+}
 
 class Comparison {
 public:
@@ -34,15 +90,18 @@ public:
         if (nodeA.isGroup()) return compareMembers(atA, atB);
         if (nodeA.use && (nodeA.use->form == Form::fixedArray || nodeA.use->form == Form::variableArray)) {
             const Type& element = canonicalType(*nodeA.use->type);
+            compareUnits(nodeA, nodeB, atB);
             return attributeOf(element).id ? compareAttributes(atA, atB, element) : compareElements(atA, atB);
         }
-        if (nodeA.use && nodeA.use->form == Form::optional && hasValue(nodeA, atA) && hasValue(nodeB, atB))
+        if (nodeA.use && nodeA.use->form == Form::optional && hasValue(nodeA, atA) && hasValue(nodeB, atB)) {
+            compareUnits(nodeA, nodeB, atB);
             return compare(atA + 1, atB + 1);
+        }
         Json valueA = treeJson(a, atA), valueB = treeJson(b, atB);
         const bool isSame = valueA == valueB && !nodeA.isGroup();
         if (isSame) {
-            valueA = hexJson(a, nodeA);
-            valueB = hexJson(b, nodeB);
+            valueA = hexJson(a, nodeA, nodeA.size);
+            valueB = hexJson(b, nodeB, nodeB.size);
         }
         add(isSame ? Change::sameValue : Change::changed, b.pointer(atB), std::move(valueA), std::move(valueB));
     }
@@ -54,9 +113,16 @@ private:
         return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
     }
 
-    static Json hexJson(const Tree& tree, const Node& node)
+    static Json hexJson(const Tree& tree, const Node& node, std::size_t size)
     {
-        return {{"hex", hexDigits(tree.bytes().subspan(node.offset, node.size))}};
+        return {{"hex", hexDigits(tree.bytes().subspan(node.offset, size))}};
+    }
+
+    // Compares counts or presences whose bytes differ and decode to the same number.
+    void compareUnits(const Node& nodeA, const Node& nodeB, Index atB)
+    {
+        if (nodeA.unit != nodeB.unit && nodeA.number == nodeB.number)
+            add(Change::sameValue, b.pointer(atB), hexJson(a, nodeA, 4), hexJson(b, nodeB, 4));
     }
 
     static bool hasValue(const Node& optional, Index at) { return optional.end > at + 1; }
@@ -76,21 +142,23 @@ private:
         return parts;
     }
 
-    // Members of a struct, or the discriminant and the arm of a union: two arms are two members.
+    // Members of a struct, or the discriminant and the arm of a union: two arms are two members. Both messages have
+    // them in the order of the description.
     void compareMembers(Index atA, Index atB)
     {
         const std::vector<Index> membersA = partsOf(a, atA), membersB = partsOf(b, atB);
+        const auto member = [](const Tree& tree, Index at) { return tree.nodes()[at].member; };
+        std::vector<Index> added;
+        auto other = membersB.begin();
         for (const Index i : membersA) {
-            const auto other = b.memberOf(atB, *a.nodes()[i].member);
-            if (other && std::ranges::find(membersB, *other) != membersB.end())
-                compare(i, *other);
+            while (other != membersB.end() && member(b, *other) < member(a, i)) added.push_back(*other++);
+            if (other != membersB.end() && member(b, *other) == member(a, i))
+                compare(i, *other++);
             else
                 addRemoved(i);
         }
-        for (const Index i : membersB) {
-            const auto other = a.memberOf(atA, *b.nodes()[i].member);
-            if (!other || std::ranges::find(membersA, *other) == membersA.end()) addAdded(i);
-        }
+        added.insert(added.end(), other, membersB.end());
+        for (const Index i : added) addAdded(i);
     }
 
     // The id of an attribute, and how many attributes before it in its list have the same one.
@@ -168,36 +236,30 @@ private:
     }
 
     // The positions of a longest common subsequence of equal elements.
-    std::vector<std::pair<std::size_t, std::size_t>> commonElements(const std::vector<Index>& all,
-                                                                    const std::vector<Index>& others) const
+    Positions commonElements(const std::vector<Index>& all, const std::vector<Index>& others) const
     {
         const auto areEqual = [&](std::size_t i, std::size_t k) {
             return bytesOf(a, a.nodes()[all[i]]) == bytesOf(b, b.nodes()[others[k]]);
         };
-        std::vector<std::pair<std::size_t, std::size_t>> pairs;
+        Positions pairs;
         std::size_t begin = 0, endA = all.size(), endB = others.size();
         for (; begin < endA && begin < endB && areEqual(begin, begin); ++begin) pairs.push_back({begin, begin});
         while (endA > begin && endB > begin && areEqual(endA - 1, endB - 1)) --endA, --endB;
-        const std::size_t rows = endA - begin, columns = endB - begin;
-        if (rows * columns <= mostPairs && rows > 0 && columns > 0) {
-            // lengths[i][k]: of the longest common subsequence of the elements from i and from k on.
-            std::vector<std::uint32_t> lengths((rows + 1) * (columns + 1), 0);
-            const auto length = [&](std::size_t i, std::size_t k) -> std::uint32_t& {
-                return lengths[i * (columns + 1) + k];
-            };
-            for (std::size_t i = rows; i-- > 0;)
-                for (std::size_t k = columns; k-- > 0;)
-                    length(i, k) = areEqual(begin + i, begin + k) ? length(i + 1, k + 1) + 1
-                                                                  : std::max(length(i + 1, k), length(i, k + 1));
-            for (std::size_t i = 0, k = 0; i < rows && k < columns;) {
-                if (areEqual(begin + i, begin + k))
-                    pairs.push_back({begin + i++, begin + k++});
-                else if (length(i + 1, k) >= length(i, k + 1))
-                    ++i;
-                else
-                    ++k;
-            }
+        std::map<std::string_view, std::uint32_t> known;
+        std::vector<std::uint32_t> contentsA, contentsB;
+        std::vector<std::size_t> inBoth;  // the positions of those elements of `others` that are also in `all`
+        for (std::size_t i = begin; i < endA; ++i)
+            contentsA.push_back(
+                known.try_emplace(bytesOf(a, a.nodes()[all[i]]), static_cast<std::uint32_t>(known.size()))
+                    .first->second);
+        for (std::size_t k = begin; k < endB; ++k) {
+            const auto found = known.find(bytesOf(b, b.nodes()[others[k]]));
+            if (found == known.end()) continue;
+            contentsB.push_back(found->second);
+            inBoth.push_back(k);
         }
+        if (contentsA.size() * contentsB.size() <= mostPairs)
+            for (const auto& [i, k] : commonSubsequence(contentsA, contentsB)) pairs.push_back({begin + i, inBoth[k]});
         for (; endA < all.size(); ++endA, ++endB) pairs.push_back({endA, endB});
         return pairs;
     }

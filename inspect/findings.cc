@@ -59,7 +59,7 @@ private:
 
     void add(FindingCode code, std::uint32_t node, std::size_t offset, std::string sentence)
     {
-        findings.push_back({code, offset, tree.pointer(node), std::move(sentence), node});
+        findings.push_back({code, offset, {}, std::move(sentence), node});
     }
 
     void examineNumber(std::uint32_t at, const Node& node)
@@ -155,6 +155,16 @@ std::string impossibleCount(const Tree& tree)
     }
 }
 
+// Paths are left out because those of deeply nested values are long.
+std::vector<Finding> findingsWithoutPaths(const Tree& tree)
+{
+    Examination examination(tree);
+    for (std::uint32_t at = 0; at < tree.nodes().size(); ++at) examination.examine(at);
+    examination.examineRest();
+    std::ranges::stable_sort(examination.findings, {}, &Finding::offset);
+    return std::move(examination.findings);
+}
+
 }  // namespace
 
 const char* codeName(FindingCode code)
@@ -176,11 +186,8 @@ const char* codeName(FindingCode code)
 
 std::vector<Finding> findingsOf(const Tree& tree)
 {
-    Examination examination(tree);
-    for (std::uint32_t at = 0; at < tree.nodes().size(); ++at) examination.examine(at);
-    examination.examineRest();
-    std::vector<Finding> findings = std::move(examination.findings);
-    std::ranges::stable_sort(findings, {}, &Finding::offset);
+    std::vector<Finding> findings = findingsWithoutPaths(tree);
+    for (Finding& finding : findings) finding.path = tree.pointer(finding.node);
     if (const auto& stopped = tree.stopped())
         findings.push_back({FindingCode::refused, stopped->failure.offset, stopped->failure.path,
                             stopped->failure.reason, stopped->node});
@@ -191,11 +198,13 @@ std::string likelyCause(const Tree& tree)
 {
     if (!tree.stopped()) return {};
     if (std::string sentence = impossibleCount(tree); !sentence.empty()) return sentence;
-    const std::vector<Finding> findings = findingsOf(tree);
-    if (const Finding& first = findings.front(); first.code != FindingCode::refused) {
+    const std::vector<Finding> findings = findingsWithoutPaths(tree);
+    if (!findings.empty()) {
+        const Finding& first = findings.front();
+        const std::string path = tree.pointer(first.node);
         const bool isLength = first.code == FindingCode::textHoldsZero || first.code == FindingCode::paddingNotZero;
-        return "byte " + std::to_string(first.offset) + ": " + (first.path.empty() ? "" : first.path + ": ") +
-               first.sentence + (isLength ? "; the length before it may be wrong" : "");
+        return "byte " + std::to_string(first.offset) + ": " + (path.empty() ? "" : path + ": ") + first.sentence +
+               (isLength ? "; the length before it may be wrong" : "");
     }
     const Cause why = tree.stopped()->why.cause;
     if (why != Cause::messageEndsInUnit && why != Cause::messageEndsInContents && why != Cause::messageEndsInPadding)

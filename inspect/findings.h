@@ -34,8 +34,8 @@ struct Finding {
     std::uint32_t node;    // of the tree
 };
 
-// What is wrong with the message, in the order of its bytes. A message without findings decodes, and an encode of the
-// decoded object writes the same bytes.
+// What is wrong with the message, in the order of its bytes; a refusal is the last one. A message without findings
+// decodes, and an encode of the decoded object writes the same bytes.
 std::vector<Finding> findingsOf(const Tree& tree);
 
 // The likely cause of the place where the tree stops: "count 65535 of /aValues needs at least 786,420 bytes, 228 are

@@ -129,7 +129,7 @@ std::string Tree::pointer(std::uint32_t at) const
         if (!isOptionalValue(parts[at]))
             tokens.push_back(isElement(parts[at]) ? std::to_string(parts[at].index) : parts[at].member->name);
     std::string path;
-    for (const std::string& token : tokens) path.insert(0, '/' + token);
+    for (; !tokens.empty(); tokens.pop_back()) path.append("/").append(tokens.back());
     return path;
 }
 

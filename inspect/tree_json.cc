@@ -17,7 +17,7 @@ void fill(Json& json, const Tree& tree, std::uint32_t at)
         if (json.is_array())
             json.push_back(treeJson(tree, i));
         else
-            json.push_back({node.member->name, treeJson(tree, i)});
+            json.emplace(node.member->name, treeJson(tree, i));  // `push_back` would copy the value
     }
 }
 
