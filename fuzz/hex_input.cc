@@ -60,8 +60,12 @@ template <class Messages>
 void checkMessages(std::string_view text, Messages messages)
 {
     try {
-        for (Message message; messages.next(message);)
+        std::size_t end = 0;
+        for (Message message; messages.next(message);) {
+            if (message.offset < end) throw Finding{"a message that overlaps the one before it"};
+            end = message.offset + std::max<std::size_t>(1, message.bytes.size());
             if (message.offset + message.bytes.size() > text.size()) throw Finding{"a message beyond the input"};
+        }
     } catch (const FramingError& error) {
         if (error.offset > text.size()) throw Finding{"an error beyond the input"};
     }
