@@ -115,7 +115,7 @@ void checkObject(const Tree& tree, const std::vector<inspect::Finding>& findings
     Bytes bytes(tree.bytes().begin(), tree.bytes().end());
     const Pass pass = inspect::codeObject(Mode::decode, type, object.data(), bytes);
     require(pass.succeeded && pass.length == tree.length(), tree, "the codec decodes what the tree has");
-    require(inspect::treeJson(tree) == inspect::toJson(type, object.data()), tree,
+    require(inspect::treeJson(tree) == inspect::objectJson(type, object.data()), tree,
             "tree and object have one JSON form");
     Bytes again(pass.length);
     inspect::codeObject(Mode::encode, type, object.data(), again);
