@@ -87,6 +87,7 @@ public:
         const Node& nodeA = a.nodes()[atA];
         const Node& nodeB = b.nodes()[atB];
         if (bytesOf(a, nodeA) == bytesOf(b, nodeB) && nodeA.complete == nodeB.complete) return;
+        if (!nodeA.wasRead() || !nodeB.wasRead()) return;
         if (nodeA.isGroup()) return compareMembers(atA, atB);
         if (nodeA.use && (nodeA.use->form == Form::fixedArray || nodeA.use->form == Form::variableArray)) {
             const Type& element = canonicalType(*nodeA.use->type);
@@ -131,14 +132,23 @@ private:
     {
         differences.push_back({change, std::move(path), std::move(valueA), std::move(valueB), attribute});
     }
-    void addRemoved(Index at) { add(Change::removed, a.pointer(at), treeJson(a, at), nullptr); }
-    void addAdded(Index at) { add(Change::added, b.pointer(at), nullptr, treeJson(b, at)); }
+
+    // A part of one message whose enclosing part of the other one, `around`, does not have it. If the reading of the
+    // other one stopped there, it may have the part.
+    void addRemoved(Index at, Index around)
+    {
+        if (b.nodes()[around].complete) add(Change::removed, a.pointer(at), treeJson(a, at), nullptr);
+    }
+    void addAdded(Index at, Index around)
+    {
+        if (a.nodes()[around].complete) add(Change::added, b.pointer(at), nullptr, treeJson(b, at));
+    }
 
     static std::vector<Index> partsOf(const Tree& tree, Index at)
     {
         std::vector<Index> parts;
         for (Index i = Tree::first(at); i < tree.nodes()[at].end; i = tree.nodes()[i].end)
-            if (tree.nodes()[i].complete || tree.nodes()[i].size > 0) parts.push_back(i);
+            if (tree.nodes()[i].wasRead()) parts.push_back(i);
         return parts;
     }
 
@@ -155,10 +165,10 @@ private:
             if (other != membersB.end() && member(b, *other) == member(a, i))
                 compare(i, *other++);
             else
-                addRemoved(i);
+                addRemoved(i, atB);
         }
         added.insert(added.end(), other, membersB.end());
-        for (const Index i : added) addAdded(i);
+        for (const Index i : added) addAdded(i, atA);
     }
 
     // The id of an attribute, and how many attributes before it in its list have the same one.
@@ -190,7 +200,7 @@ private:
             within(key);
             const auto other = inB.find(key);
             if (other == inB.end()) {
-                addRemoved(i);
+                addRemoved(i, atB);
                 continue;
             }
             orderA.push_back(key);
@@ -201,7 +211,7 @@ private:
             if (inA.contains(key))
                 orderB.push_back(key);
             else
-                addAdded(i);
+                addAdded(i, atA);
         }
         attribute = outer;
         if (orderA != orderB) add(Change::reordered, b.pointer(atB), idsOf(orderA), idsOf(orderB));
@@ -218,21 +228,18 @@ private:
     void compareElements(Index atA, Index atB)
     {
         const std::vector<Index> all = partsOf(a, atA), others = partsOf(b, atB);
-        std::size_t beginA = 0, beginB = 0;
-        for (const auto& [i, k] : commonElements(all, others)) {
-            compareRun(all, beginA, i, others, beginB, k);
-            beginA = i + 1;
-            beginB = k + 1;
+        std::size_t i = 0, k = 0;
+        const auto compareUpTo = [&](std::size_t endA, std::size_t endB) {
+            for (; i < endA && k < endB; ++i, ++k) compare(all[i], others[k]);
+            for (; i < endA; ++i) addRemoved(all[i], atB);
+            for (; k < endB; ++k) addAdded(others[k], atA);
+        };
+        for (const auto& [equalA, equalB] : commonElements(all, others)) {
+            compareUpTo(equalA, equalB);
+            i = equalA + 1;
+            k = equalB + 1;
         }
-        compareRun(all, beginA, all.size(), others, beginB, others.size());
-    }
-
-    void compareRun(const std::vector<Index>& all, std::size_t fromA, std::size_t toA, const std::vector<Index>& others,
-                    std::size_t fromB, std::size_t toB)
-    {
-        for (; fromA < toA && fromB < toB; ++fromA, ++fromB) compare(all[fromA], others[fromB]);
-        for (; fromA < toA; ++fromA) addRemoved(all[fromA]);
-        for (; fromB < toB; ++fromB) addAdded(others[fromB]);
+        compareUpTo(all.size(), others.size());
     }
 
     // The positions of a longest common subsequence of equal elements.

@@ -31,6 +31,14 @@ struct Node {
     std::uint32_t contentsSize = 0;  // a string or opaque: bytes without padding
     bool complete = false;           // false for the parts that were open when the reading stopped
 
+    // True if the reading got its value, or the beginning of one that has parts. A string or opaque is read as a whole.
+    bool wasRead() const
+    {
+        const bool isContents =
+            use && (use->form == Form::string || use->form == Form::fixedOpaque || use->form == Form::variableOpaque);
+        return complete || (size > 0 && !isContents);
+    }
+
     // True for a struct or union.
     bool isGroup() const
     {

@@ -13,7 +13,7 @@ void fill(Json& json, const Tree& tree, std::uint32_t at)
 {
     for (std::uint32_t i = Tree::first(at); i < tree.nodes()[at].end; i = tree.nodes()[i].end) {
         const Node& node = tree.nodes()[i];
-        if (!node.complete && node.size == 0) continue;
+        if (!node.wasRead()) continue;
         if (json.is_array())
             json.push_back(treeJson(tree, i));
         else
