@@ -74,16 +74,32 @@ private:
                     std::to_string(node.unit) +
                         (node.unit > 0xFF ? ", decoded as " + numberText(type, node.number) : ""));
         } else if (toUnit(type, node.number) != node.unit) {
-            add(FindingCode::valueCut, at, node.offset,
-                wireText(type, node.unit) + ", decoded as " + std::to_string(node.number) + ": a " + type.name +
-                    " holds " + std::to_string(rangeOf(type).least) + " to " + std::to_string(rangeOf(type).most));
+            add(FindingCode::valueCut, at, node.offset, cutText(type, node));
         }
     }
 
-    // The unit as a number, signed if the type is.
-    static std::string wireText(const Type& type, std::uint32_t unit)
+    static std::string cutText(const Type& type, const Node& node)
     {
-        return rangeOf(type).least < 0 ? std::to_string(static_cast<std::int32_t>(unit)) : std::to_string(unit);
+        const Range range = rangeOf(type);
+        const std::string decoded = ", decoded as " + std::to_string(node.number);
+        if (wireNumber(type, node.unit) == node.number)  // other bits in front: ShortInteger has zeros there
+            return unitText(node.unit) + decoded + ", which an encode writes as " + unitText(toUnit(type, node.number));
+        return std::to_string(wireNumber(type, node.unit)) + decoded + ": a " + type.name + " holds " +
+               std::to_string(range.least) + " to " + std::to_string(range.most);
+    }
+
+    // The unit as a number, signed if the type is.
+    static std::int64_t wireNumber(const Type& type, std::uint32_t unit)
+    {
+        return rangeOf(type).least < 0 ? std::int64_t{static_cast<std::int32_t>(unit)} : std::int64_t{unit};
+    }
+
+    // "000000ff"
+    static std::string unitText(std::uint32_t unit)
+    {
+        const unsigned char bytes[] = {static_cast<unsigned char>(unit >> 24), static_cast<unsigned char>(unit >> 16),
+                                       static_cast<unsigned char>(unit >> 8), static_cast<unsigned char>(unit)};
+        return hexDigits(bytes);
     }
 
     void examineAttribute(std::uint32_t at, const Node& node)

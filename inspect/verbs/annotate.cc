@@ -41,9 +41,10 @@ public:
             print(annotationText(tree));
         if (const auto& stopped = tree.stopped()) {
             const std::string cause = likelyCause(tree);
-            throw Stop{codingError, input.shown() + ": cannot decode " + type.name + ' ' +
-                                        explained(stopped->failure, message.size()) +
-                                        (cause.empty() ? "" : "\nlikely cause: " + cause)};
+            throw Stop{
+                codingError,
+                input.shown() + ": cannot decode " + type.name + ' ' + explained(stopped->failure, message.size()),
+                cause.empty() ? "" : "likely cause: " + cause + '\n'};
         }
         return tree.length() < message.size() ? found : success;
     }

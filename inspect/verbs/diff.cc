@@ -44,6 +44,11 @@ public:
         if (json) {
             Json list = Json::array();
             for (const Difference& difference : differences) list.push_back(differenceJson(difference));
+            if (!rests.empty())
+                list.push_back({{"change", "left-over"},
+                                {"path", ""},
+                                {"a", opaqueJson(treeA.bytes().subspan(treeA.length()))},
+                                {"b", opaqueJson(treeB.bytes().subspan(treeB.length()))}});
             printJson(list);
         } else {
             std::string text;

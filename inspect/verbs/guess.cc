@@ -122,9 +122,12 @@ std::string guessText(std::size_t rank, const Guess& guess, std::span<const unsi
         text += "   " + counted(reasons.findings.size(), "finding") + "; byte " + grouped(first.offset) + ": " +
                 (first.path.empty() ? "" : first.path + ": ") + codeName(first.code) + ": " + first.sentence + '\n';
     }
-    for (std::size_t i = 0; i < guess.same.size(); ++i)
+    constexpr std::size_t mostSame = 5;
+    const std::size_t shown = std::min(mostSame, guess.same.size());
+    for (std::size_t i = 0; i < shown; ++i)
         text += (i == 0 ? "   same bytes as: " : ", ") + std::string(guess.same[i]->name);
-    if (!guess.same.empty()) text += '\n';
+    if (shown < guess.same.size()) text += " and " + std::to_string(guess.same.size() - shown) + " more (--json)";
+    if (shown > 0) text += '\n';
     return text;
 }
 
