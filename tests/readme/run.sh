@@ -1,11 +1,11 @@
 #!/bin/sh
 # Checks that the pages are true: each ```cpp block of the README is part of main() in a program below examples/, each
-# command of its ```console blocks prints the lines below it, and the files that any page names exist. "update" writes
-# what the commands print now into the README.
+# command of its ```console blocks and those of docs/inspector.md prints the lines below it, and the files that any page
+# names exist. "update" writes what the commands print now into the pages.
 #   run.sh SOURCE_DIR BIN_DIR [update]
 set -eu
-source=$1
-PATH=$2:$PATH
+source=$(cd "$1" && pwd)
+bin=$(cd "$2" && pwd)
 cd "$source"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -38,24 +38,4 @@ for page in *.md docs/*.md; do
 done >"$work/missing"
 [ ! -s "$work/missing" ] || { cat "$work/missing"; exit 1; }
 
-# Each command with what it prints now.
-awk '/^```console$/ {on = 1} /^```$/ {on = 0} on && /^\$ / {print substr($0, 3)}' README.md >"$work/commands"
-[ -s "$work/commands" ] || { echo "README.md: no commands"; exit 1; }
-while IFS= read -r command; do
-    printf '$ %s\n' "$command"
-    sh -c "$command" </dev/null 2>&1 || true
-done <"$work/commands" >"$work/printed"
-awk -v printed="$work/printed" '
-    /^```console$/ { print; on = 1; next }
-    on && /^```$/ { on = 0 }
-    on && /^\$ / { while ((pending != "" || (getline pending < printed) > 0)) {
-                       if (started && pending ~ /^\$ /) break
-                       print pending; pending = ""; started = 1 }
-                   started = 0; next }
-    !on { print }
-' README.md >"$work/README.md"
-if [ "${3:-}" = update ]; then
-    cp "$work/README.md" README.md
-else
-    diff README.md "$work/README.md" || { echo "README.md: commands print something else now"; exit 1; }
-fi
+"$source/tests/readme/transcripts.sh" . "$bin" "${3:-check}" README.md docs/inspector.md
