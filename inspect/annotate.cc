@@ -235,24 +235,25 @@ Json partJson(const Tree& tree, std::uint32_t at)
 {
     const Node& node = tree.nodes()[at];
     Json json = Json::object();
-    json.get_ref<Json::object_t&>().reserve(mostFields);
-    json["path"] = tree.pointer(at);
+    auto& fields = json.get_ref<Json::object_t&>();  // `json[...]` would compare the names of all fields
+    fields.reserve(mostFields);
+    fields.emplace_back("path", tree.pointer(at));
     std::size_t depth = 0;
     for (std::uint32_t i = at; i != 0; i = tree.nodes()[i].parent) ++depth;
-    json["depth"] = depth;
-    json["name"] = at == 0                      ? tree.type().name
-                   : tree.isOptionalValue(node) ? "value"
-                   : tree.isElement(node)       ? '[' + std::to_string(node.index) + ']'
-                                                : std::string(node.member->name);
-    json["kind"] = node.type ? kindName(*node.type) : node.use ? formName(node.use->form) : "";
-    if (node.declared) json["type"] = node.declared->name;
-    json["offset"] = node.offset;
-    json["size"] = node.size;
+    fields.emplace_back("depth", depth);
+    fields.emplace_back("name", at == 0                      ? tree.type().name
+                                : tree.isOptionalValue(node) ? "value"
+                                : tree.isElement(node)       ? '[' + std::to_string(node.index) + ']'
+                                                             : std::string(node.member->name));
+    fields.emplace_back("kind", node.type ? kindName(*node.type) : node.use ? formName(node.use->form) : "");
+    if (node.declared) fields.emplace_back("type", node.declared->name);
+    fields.emplace_back("offset", node.offset);
+    fields.emplace_back("size", node.size);
     const bool isValue = !node.isGroup() && !(node.use && node.use->type);
-    if (isValue && node.complete) json["value"] = treeJson(tree, at);
+    if (isValue && node.complete) fields.emplace_back("value", treeJson(tree, at));
     const std::string text = valueText(node);
-    if (!text.empty()) json["text"] = text;
-    if (!node.complete) json["complete"] = false;
+    if (!text.empty()) fields.emplace_back("text", text);
+    if (!node.complete) fields.emplace_back("complete", false);
     return json;
 }
 

@@ -122,8 +122,10 @@ private:
     // Compares counts or presences whose bytes differ and decode to the same number.
     void compareUnits(const Node& nodeA, const Node& nodeB, Index atB)
     {
-        if (nodeA.unit != nodeB.unit && nodeA.number == nodeB.number)
-            add(Change::sameValue, b.pointer(atB), hexJson(a, nodeA, 4), hexJson(b, nodeB, 4));
+        constexpr std::size_t unitSize = 4;
+        const bool wereRead = nodeA.size >= unitSize && nodeB.size >= unitSize;
+        if (wereRead && nodeA.unit != nodeB.unit && nodeA.number == nodeB.number)
+            add(Change::sameValue, b.pointer(atB), hexJson(a, nodeA, unitSize), hexJson(b, nodeB, unitSize));
     }
 
     static bool hasValue(const Node& optional, Index at) { return optional.end > at + 1; }
