@@ -5,6 +5,7 @@
 #include "arguments.h"
 #include "inspect/findings.h"
 #include "output.h"
+#include "values.h"
 
 namespace quorva::inspect {
 
@@ -24,8 +25,9 @@ public:
     {
         subject.declare(app);
         input.declare(app, "file with the message");
-        auto* const offset = app.add_option("--at", at, "only the part that holds the byte at this offset");
-        app.add_option("--path", path, "only the part at this JSON Pointer")->excludes(offset);
+        auto* const offset = takeNumber(app.add_option("--at", at, "only the part that holds the byte at this offset"),
+                                        0, longestMessage, "OFFSET");
+        app.add_option("--path", path, "only the part at this JSON Pointer")->type_name("POINTER")->excludes(offset);
         app.add_flag("--json", json, "print JSON");
     }
 

@@ -5,6 +5,7 @@
 #include "inspect/forms.h"
 #include "inspect/json.h"
 #include "output.h"
+#include "values.h"
 
 #include <quorvapixdr/explain.h>
 
@@ -95,10 +96,8 @@ void InputArgument::declare(CLI::App& app, const char* what)
 
 void InputArgument::declareForm(CLI::App& app)
 {
-    app.add_option("--from", from,
-                   "form of the input: raw, hex (digits, dumps and arrays), base64 or json; recognised "
-                   "if it is not given")
-        ->check(CLI::IsMember({"raw", "hex", "base64", "json"}));
+    takeOneOf(app.add_option("--from", from, "form of the input; recognised if it is not given"),
+              {"raw", "hex", "base64", "json"});
 }
 
 Bytes InputArgument::message(const Type* type, const std::string& form) const
@@ -132,9 +131,7 @@ Bytes InputArgument::message(const Type* type, const std::string& form) const
 
 void OutputOption::declare(CLI::App& app, std::vector<std::string> forms)
 {
-    std::string list;
-    for (const std::string& form : forms) list += (list.empty() ? "" : ", ") + form;
-    option = app.add_option("--to", to, "what to print: " + list)->check(CLI::IsMember(forms))->capture_default_str();
+    option = takeOneOf(app.add_option("--to", to, "what to print"), forms)->capture_default_str();
 }
 
 std::string messageText(const Bytes& message, const std::string& form)

@@ -6,6 +6,7 @@
 #include "inspect/object.h"
 #include "inspect/tree_json.h"
 #include "output.h"
+#include "values.h"
 
 #include <cerrno>
 #include <cstring>
@@ -84,8 +85,8 @@ public:
         input.declare(app, "file with the message");
         output.declare(app, {"trace", "json", "hex", "raw", "base64", "c"});
         auto* const marks = app.add_flag("--framed", framed, "the input is raw messages with record marks (RFC 5531)");
-        auto* const fixed = app.add_option("--each", each, "the input is raw messages of this many bytes each")
-                                ->check(CLI::Range(std::size_t{1}, longestMessage));
+        auto* const fixed = takeNumber(app.add_option("--each", each, "the input is raw messages of this length"), 1,
+                                       longestMessage, "BYTES");
         auto* const log = app.add_flag("--lines", lines,
                                        "the input is a log: print its lines, with the messages that they have as hex "
                                        "replaced by JSON");
@@ -157,7 +158,9 @@ private:
     {
         int status = success;
         Message message;
+        Progress progress("messages");
         for (std::size_t number = 1; messages.next(message); ++number) {
+            progress.advance();
             const std::string name =
                 input.shown() + ": message " + std::to_string(number) + " at byte " + std::to_string(message.offset);
             if (output.form() == "trace")
@@ -180,7 +183,9 @@ private:
         LineReader reader(source);
         LineReader::Line line;
         bool isAny = false;
+        Progress progress("lines");
         while (reader.next(line)) {
+            progress.advance();
             std::string text;
             std::size_t done = 0;
             for (const HexRun& run : hexRunsOf(line.text)) {

@@ -2,6 +2,7 @@
 
 #include "arguments.h"
 #include "output.h"
+#include "values.h"
 
 namespace quorva::inspect {
 
@@ -22,8 +23,7 @@ public:
         subject.declare(app);
         app.add_option("INPUT", file, "file with the value as JSON; - is standard input")->capture_default_str();
         output.declare(app, {"hex", "raw", "base64", "c"});
-        app.add_option("--limit", limit, "maximum length of the message in bytes")
-            ->check(CLI::Range(std::size_t{0}, longestMessage))
+        takeNumber(app.add_option("--limit", limit, "maximum length of the message"), 0, longestMessage, "BYTES")
             ->capture_default_str();
     }
 

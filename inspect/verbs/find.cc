@@ -3,6 +3,7 @@
 #include "inspect/find.h"
 
 #include "output.h"
+#include "values.h"
 #include "verb.h"
 
 #include <algorithm>
@@ -31,8 +32,8 @@ public:
                        "part of a name, a whole name with * and ?, or a number such as 700 or 0x2bc; the case of "
                        "letters is ignored. Documentation is searched if no name matches")
             ->required();
-        app.add_option("--kind", kind, "only hits of this kind")
-            ->check(CLI::IsMember(std::vector<std::string>(std::begin(hitKindNames), std::end(hitKindNames))));
+        takeOneOf(app.add_option("--kind", kind, "only hits of this kind"),
+                  {std::begin(hitKindNames), std::end(hitKindNames)});
         auto* const asJson = app.add_flag("--json", json, "print JSON");
         app.add_flag("--all", all, "print all hits, however many there are")->excludes(asJson);
     }

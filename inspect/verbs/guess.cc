@@ -9,6 +9,7 @@
 #include "inspect/object.h"
 #include "inspect/tree.h"
 #include "output.h"
+#include "values.h"
 
 #include <algorithm>
 #include <cmath>
@@ -171,9 +172,9 @@ public:
     void declare(CLI::App& app) override
     {
         input.declare(app, "file with the message");
-        app.add_option("--module", module, "only types of modules whose name matches this pattern, such as jobs/*");
-        app.add_option("--most", most, "how many guesses to print at most")
-            ->check(CLI::Range(std::size_t{1}, std::size_t{10'000}))
+        app.add_option("--module", module, "only types of modules whose name matches this pattern, such as jobs/*")
+            ->type_name("PATTERN");
+        takeNumber(app.add_option("--most", most, "how many guesses to print at most"), 1, 10'000, "NUMBER")
             ->capture_default_str();
         app.add_flag("--json", json, "print JSON");
     }

@@ -5,6 +5,7 @@
 #include "arguments.h"
 #include "inspect/tree_json.h"
 #include "output.h"
+#include "values.h"
 
 #include <algorithm>
 #include <random>
@@ -26,17 +27,17 @@ public:
     void declare(CLI::App& app) override
     {
         subject.declare(app);
-        app.add_option("--extent", extent, "how much the message holds: least, usual or most")
-            ->check(CLI::IsMember({"least", "usual", "most"}))
+        takeOneOf(app.add_option("--extent", extent, "how much the message holds"), {"least", "usual", "most"})
             ->capture_default_str();
-        app.add_option("--seed", seed, "number that decides all choices; printed if it is not given");
-        app.add_option(
-               "--arm", arms,
-               "NAME=VALUE: unions take this arm. NAME is a discriminant, a union type or a JSON Pointer; VALUE "
-               "is a number, an enumerator or the name of the arm")
-            ->allow_extra_args(false);
-        app.add_option("--limit", limit, "maximum length of the message in bytes, if its arms allow it")
-            ->check(CLI::Range(std::size_t{0}, longestMessage))
+        takeNumber(app.add_option("--seed", seed, "decides all choices; printed if it is not given"), 0,
+                   std::numeric_limits<std::uint64_t>::max(), "NUMBER");
+        app.add_option("--arm", arms,
+                       "unions take this arm. NAME is a discriminant, a union type or a JSON Pointer; VALUE "
+                       "is a number, an enumerator or the name of the arm")
+            ->allow_extra_args(false)
+            ->type_name("NAME=VALUE");
+        takeNumber(app.add_option("--limit", limit, "maximum length of the message, if its arms allow it"), 0,
+                   longestMessage, "BYTES")
             ->capture_default_str();
         output.declare(app, {"json", "hex", "raw", "base64", "c"});
     }

@@ -4,6 +4,7 @@
 #include "inspect/describe.h"
 #include "inspect/documentation.h"
 #include "output.h"
+#include "values.h"
 
 #include <iterator>
 
@@ -25,9 +26,10 @@ public:
     {
         app.add_option("PATTERN", pattern,
                        "part of a name, or a whole name with * and ?; the case of letters is ignored");
-        app.add_option("--kind", kind, "only types of this kind")
-            ->check(CLI::IsMember(std::vector<std::string>(std::begin(kindNames), std::end(kindNames))));
-        app.add_option("--module", module, "only types of modules whose name matches this pattern, such as jobs/*");
+        takeOneOf(app.add_option("--kind", kind, "only types of this kind"),
+                  {std::begin(kindNames), std::end(kindNames)});
+        app.add_option("--module", module, "only types of modules whose name matches this pattern, such as jobs/*")
+            ->type_name("PATTERN");
         app.add_flag("--provisional", provisional, "only types that are provisional, as a whole or in a member");
         auto* const asJson = app.add_flag("--json", json, "print JSON");
         app.add_flag("--summary", summary, "print only how many types, routines and layouts there are")

@@ -1,4 +1,4 @@
-// A verb: the first word of a command line, with its options and its work. inspect/main.cc lists the verbs.
+// A verb: the first word of a command line, with its options and its work. command_line.cc lists the verbs.
 #pragma once
 
 #include "inspect/interface.h"
@@ -10,7 +10,7 @@
 
 namespace quorva::inspect {
 
-// The exit statuses of the program. `statusHelp` in main.cc describes them to users.
+// The exit statuses of the program. command_line.cc describes them to users.
 enum Status { success = 0, found = 1, usageError = 2, codingError = 3, inputError = 4, systemError = 5 };
 
 // Thrown to end the program with this status and message. A message has one line for each error. The details are
@@ -38,7 +38,7 @@ public:
     // Does the work with the values that the parser stored. Returns the exit status; throws Stop.
     virtual int run() = 0;
 
-    // The options --interface and -I, which main.cc declares for every verb.
+    // The options --interface and -I, which command_line.cc declares for every verb.
     InterfaceFiles interfaces;
 
     const char* const name;
