@@ -151,10 +151,14 @@ private:
     const Tree& tree;
 };
 
-// The sentence about the outermost open array whose elements cannot fit in the message; empty if there is none.
-std::string impossibleCount(const Tree& tree)
+// The outermost open array whose elements cannot fit in the message, and a sentence about it.
+struct ImpossibleCount {
+    std::size_t offset = 0;
+    std::string sentence;  // empty if there is none
+};
+ImpossibleCount impossibleCount(const Tree& tree)
 {
-    std::string sentence;
+    ImpossibleCount found;
     const WireSizes sizes;
     for (std::uint32_t at = tree.stopped()->node;; at = tree.nodes()[at].parent) {
         const Node& node = tree.nodes()[at];
@@ -163,11 +167,11 @@ std::string impossibleCount(const Tree& tree)
             const std::size_t left = tree.bytes().size() - node.offset - 4;
             const std::string path = tree.pointer(at);
             if (needed > left)
-                sentence = "count " + grouped(static_cast<std::uint64_t>(node.number)) +
-                           (path.empty() ? "" : " of " + path) + " needs at least " + grouped(needed) + " bytes, " +
-                           grouped(left) + " are left";
+                found = {node.offset, "count " + grouped(static_cast<std::uint64_t>(node.number)) +
+                                          (path.empty() ? "" : " of " + path) + " needs at least " + grouped(needed) +
+                                          " bytes, " + grouped(left) + " are left"};
         }
-        if (at == 0) return sentence;
+        if (at == 0) return found;
     }
 }
 
@@ -213,12 +217,19 @@ std::vector<Finding> findingsOf(const Tree& tree)
 std::string likelyCause(const Tree& tree)
 {
     if (!tree.stopped()) return {};
-    if (std::string sentence = impossibleCount(tree); !sentence.empty()) return sentence;
     const std::vector<Finding> findings = findingsWithoutPaths(tree);
+    // A wrong length shifts all that follows: a count after it is a number from another place.
+    const auto isShift = [](const Finding& finding) {
+        return finding.code == FindingCode::textHoldsZero || finding.code == FindingCode::paddingNotZero;
+    };
+    const ImpossibleCount count = impossibleCount(tree);
+    const bool isShiftedBefore =
+        !findings.empty() && isShift(findings.front()) && findings.front().offset < count.offset;
+    if (!count.sentence.empty() && !isShiftedBefore) return count.sentence;
     if (!findings.empty()) {
         const Finding& first = findings.front();
         const std::string path = tree.pointer(first.node);
-        const bool isLength = first.code == FindingCode::textHoldsZero || first.code == FindingCode::paddingNotZero;
+        const bool isLength = isShift(first);
         return "byte " + std::to_string(first.offset) + ": " + (path.empty() ? "" : path + ": ") + first.sentence +
                (isLength ? "; the length before it may be wrong" : "");
     }

@@ -66,7 +66,9 @@ private:
     std::string missingPart(const Tree& tree) const
     {
         const std::string message = input.shown() + ": ";
-        if (path) return message + "the message has no part " + *path;
+        if (path)
+            return message + "the message has no part " + *path +
+                   (path->empty() || path->front() == '/' ? "" : "; a path begins with /");
         const std::string byte = "byte " + std::to_string(*at);
         if (*at >= tree.bytes().size())
             return message + "there is no " + byte + ": the message has " + std::to_string(tree.bytes().size());

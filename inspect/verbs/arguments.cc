@@ -125,6 +125,9 @@ Bytes InputArgument::message(const Type* type, const std::string& form) const
         if (recognised.form == InputForm::json) return encoded(*type, contents, shown(), longestMessage);
         return std::move(recognised.bytes);
     } catch (const InputError& error) {
+        if (!type && form.empty() && Json::accept(contents))
+            throw Stop{inputError,
+                       shown() + ": JSON, which needs a type; `quorvaxdr encode TYPE` makes the message of it"};
         stopAt(shown(), error);
     }
 }

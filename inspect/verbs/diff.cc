@@ -36,6 +36,7 @@ public:
         const Type* const named = isNamed ? &subject.type() : nullptr;
         first.choose(words[isNamed]);
         second.choose(words[1 + isNamed]);
+        if (first.name() == "-" && second.name() == "-") throw Stop{usageError, "A and B are both standard input"};
         const Bytes a = first.message(named), b = second.message(named, first.form());
         const Type& type = named ? *named : guessed(a, b);
         const Tree treeA(type, a), treeB(type, b);
