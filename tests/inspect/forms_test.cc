@@ -96,7 +96,7 @@ TEST(Messages, areSplitByMarksAndLengths)
         {"\0\0\0\1A\x80\0\0\5BCDEF"s, "5: a record of more than 5 bytes (or no record mark: 80000005)"},
         {"\x7F\xFF\xFF\xFF"s, "0: a record of more than 5 bytes (or no record mark: 7fffffff)"},
     };
-    for (const std::size_t block : {1, 3, 100}) {
+    for (const std::size_t block : {std::size_t{1}, std::size_t{3}, std::size_t{100}}) {
         for (const auto& [input, expected] : framed)
             EXPECT_EQ(split(FramedMessages(sourceOf(input, block), 5)), expected);
         EXPECT_EQ(split(FixedMessages(sourceOf("ABCDE", block), 2)),

@@ -254,8 +254,8 @@ TEST(Hex, readsToolsRightlyOrNotAtAll)
         const std::string& alphabet = alphabets[static_cast<std::size_t>(round) % alphabets.size()];
         Bytes bytes(1 + chance.below(round < 5 ? 24 : 90));
         for (auto& byte : bytes)
-            byte =
-                static_cast<unsigned char>(alphabet.empty() ? chance.next() : alphabet[chance.below(alphabet.size())]);
+            byte = alphabet.empty() ? static_cast<unsigned char>(chance.next())
+                                    : static_cast<unsigned char>(alphabet[chance.below(alphabet.size())]);
         std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
         for (const auto& [command, isRead] : tools) {
             const auto text = outputOf(std::string(command) + ' ' + file);
