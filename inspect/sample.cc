@@ -381,7 +381,8 @@ private:
         std::vector<std::int64_t> values;
         for (std::size_t i = 0; i < number; ++i) {
             const bool isTurn = std::exchange(firstUnion, false);
-            const auto cases = casesOf(type, arms[isTurn ? recipe.seed % arms.size() : chance.below(arms.size())]);
+            const auto cases = casesOf(
+                type, arms[isTurn ? static_cast<std::size_t>(recipe.seed % arms.size()) : chance.below(arms.size())]);
             values.push_back(cases[chance.below(cases.size())]);
         }
         return values;

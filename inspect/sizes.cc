@@ -102,7 +102,7 @@ std::uint64_t WireSizes::knownOf(const Use& use, End end) const
     case Form::variableArray: return count == 0 ? unit : sum(unit, product(count, knownOf(*use.type, end)));
     case Form::optional: return end == least ? unit : sum(unit, knownOf(*use.type, end));
     case Form::string: return end == least ? unit : unit + padded(use.bound);
-    case Form::variableOpaque: return unit + padded(count);
+    case Form::variableOpaque: return unit + padded(static_cast<std::size_t>(count));
     case Form::fixedOpaque: return padded(use.bound);
     case Form::none: break;
     }
