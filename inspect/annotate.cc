@@ -134,9 +134,9 @@ private:
         const auto contents = tree.contents(node);
         const std::size_t begin = node.offset + (isFixed ? 0u : 4u);
         const std::string_view text(reinterpret_cast<const char*>(contents.data()), contents.size());
-        const auto isControl = [](char c) { return (c >= 0 && c < 0x20) || c == 0x7F; };
+        const auto isControl = [](unsigned char c) { return c < 0x20 || c == 0x7F; };
         const bool isText =
-            node.use->form == Form::string || (support::isUtf8(text) && std::ranges::none_of(text, isControl));
+            node.use->form == Form::string || (support::isUtf8(text) && std::ranges::none_of(contents, isControl));
         addBytes(begin, contents.size(), levels[at], "", isText ? quotedText(contents) : "");
         const std::size_t padding = padded(contents.size()) - contents.size();
         if (padding > 0 && node.complete) add(begin + contents.size(), padding, levels[at] + 1, "padding", "");

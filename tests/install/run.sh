@@ -81,5 +81,5 @@ quorva::removeModules
 quorva::toJson
 TXT
 library=$(find "$work/moved" -name libquorvainspect.so.0)
-nm -DC --defined-only "$library" | sed -n 's/\[abi:cxx11\]//; s/^[0-9a-f]* [^V] \([^(]*\).*/\1/p' | LC_ALL=C sort -u |
+nm -DC --defined-only "$library" | sed -n 's/\[abi:cxx11\]//; s/^[0-9a-f]* T \([^(]*\).*/\1/p' | LC_ALL=C sort -u |
     diff "$work/expected" -
