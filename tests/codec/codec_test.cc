@@ -18,10 +18,10 @@ using namespace quorva::test;
 namespace {
 
 // In read-only memory: a store ends the program. Has every form whose coding loads and stores, narrow ones included.
-const AccessUnion nobody = {AccessKind::AKnobody, {}};
+const AccessUnion access = {AccessKind::AKnobody, {}};
 const Visit constantVisits[] = {
     {-2, -1, 1, {LampColour::LCred}, {1, {7}}, {9, {}}, {0, nullptr}, nullptr, 65535},
-    {-2, -1, 0, {LampColour::LCoff}, {0, {}}, {9, {}}, {0, nullptr}, const_cast<AccessUnion*>(&nobody), 65535},
+    {-2, -1, 0, {LampColour::LCoff}, {0, {}}, {9, {}}, {0, nullptr}, const_cast<AccessUnion*>(&access), 65535},
 };
 
 }  // namespace
