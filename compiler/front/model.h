@@ -118,6 +118,33 @@ struct Definition {
     bool hasErrors = false;                  // the parser reported an error in it: members may be missing
 };
 
+// A procedure of a remote program: `Result name(Argument) = number;`.
+struct RemoteProcedure {
+    std::string name;
+    Span at;                          // of the name
+    Value number;
+    std::optional<TypeRef> argument;  // nullopt for void, here and in the result
+    std::optional<TypeRef> result;
+    std::string doc;
+};
+
+struct RemoteVersion {
+    std::string name;
+    Span at;  // of the name
+    Value number;
+    std::vector<RemoteProcedure> procedures;  // in the order of the file
+    std::string doc;
+};
+
+// A `program` block (RFC 5531, section 12).
+struct RemoteProgram {
+    std::string name;
+    Span at;  // of the name
+    Value number;
+    std::vector<RemoteVersion> versions;  // in the order of the file
+    std::string doc;
+};
+
 struct Module;
 
 struct Import {
@@ -131,6 +158,7 @@ struct Module {
     std::string doc;
     std::vector<Import> imports;
     std::vector<std::unique_ptr<Definition>> definitions;  // in the order of the file
+    std::vector<RemoteProgram> programs;                   // in the order of the file
     bool requested = false;                                // named on the command line, not only imported
 
     // What later stages must not report as unknown: names in text that the parser skipped, and any name if a whole file

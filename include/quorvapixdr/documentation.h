@@ -32,12 +32,39 @@ struct Documentation {
     std::span<const Enumerator> enumerators = {};       // of an enumeration: by value, ascending
 };
 
+// A procedure of a remote program (RFC 5531): its numbers select it in a call, which carries one value to the server and
+// one back.
+struct RemoteProcedure {
+    const char* name = "";
+    std::uint32_t number = 0;
+    const Type* argument = nullptr;  // null for void, here and in the result
+    const Type* result = nullptr;
+    const char* text = "";
+};
+
+struct RemoteVersion {
+    const char* name = "";
+    std::uint32_t number = 0;
+    const char* text = "";
+    std::span<const RemoteProcedure> procedures = {};  // in the order of the file
+};
+
+// A `program` block of an interface file.
+struct RemoteProgram {
+    const char* name = "";
+    std::uint32_t number = 0;
+    unsigned line = 0;  // in the module's file, from 1
+    const char* text = "";
+    std::span<const RemoteVersion> versions = {};  // in the order of the file
+};
+
 // An interface file.
 struct Module {
     const char* name = "";  // "jobs/covers"
     const char* file = "";  // relative to its -I folder: "jobs/covers.x"
     const char* text = "";
-    std::span<const Documentation> types = {};  // in the order of the file
+    std::span<const Documentation> types = {};      // in the order of the file
+    std::span<const RemoteProgram> programs = {};  // in the order of the file
 };
 
 #pragma GCC visibility push(default)
