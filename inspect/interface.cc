@@ -40,6 +40,9 @@ struct DescribedModule {
     Module module;
     std::string file;
     std::vector<Documentation> types;
+    std::vector<RemoteProgram> programs;
+    std::deque<std::vector<RemoteVersion>> versions;
+    std::deque<std::vector<RemoteProcedure>> procedures;
 };
 
 TypeKind kindOf(const Definition& definition)
@@ -93,10 +96,35 @@ public:
             describe(*definition);
             described.types.push_back(documentation(*definition));
         }
-        described.module = {module.source.module.c_str(), described.file.c_str(), module.doc.c_str(), described.types};
+        for (const compiler::RemoteProgram& each : module.programs) describe(each, described);
+        described.module = {module.source.module.c_str(), described.file.c_str(), module.doc.c_str(), described.types,
+                            described.programs};
     }
 
 private:
+    void describe(const compiler::RemoteProgram& remote, DescribedModule& described)
+    {
+        auto& versions = described.versions.emplace_back();
+        for (const compiler::RemoteVersion& version : remote.versions) {
+            auto& procedures = described.procedures.emplace_back();
+            for (const compiler::RemoteProcedure& each : version.procedures)
+                procedures.push_back({each.name.c_str(), numberOf(each.number), typeOf(each.argument),
+                                      typeOf(each.result), each.doc.c_str()});
+            versions.push_back({version.name.c_str(), numberOf(version.number), version.doc.c_str(), procedures});
+        }
+        described.programs.push_back(
+            {remote.name.c_str(), numberOf(remote.number), remote.at.line, remote.doc.c_str(), versions});
+    }
+
+    static std::uint32_t numberOf(const compiler::Value& value) { return static_cast<std::uint32_t>(value.number); }
+
+    const Type* typeOf(const std::optional<compiler::TypeRef>& type) { return type ? typeOf(*type) : nullptr; }
+
+    const Type* typeOf(const compiler::TypeRef& type)
+    {
+        return type.definition ? &types[type.definition].type : builtinType(type.builtin);
+    }
+
     // The description of the definition, which has at least its size.
     Described& sized(const Definition& definition)
     {
@@ -132,8 +160,7 @@ private:
         const std::vector<std::uint64_t> offsets = layouts.offsetsIn(definition);
         for (const Declaration* each : declarationsOf(definition)) {
             const bool isNamed = definition.kind != DefinitionKind::typeDefinition;
-            const Definition* const used = each->type.definition;
-            const Use use = {used ? &types[used].type : builtinType(each->type.builtin), each->bound, formOf(*each)};
+            const Use use = {typeOf(each->type), each->bound, formOf(*each)};
             described.members.emplace_back(isNamed ? each->name.c_str() : "", use, offsets[described.members.size()]);
             described.memberTexts.push_back({each->doc.c_str(), textOf(each->provisional)});
         }

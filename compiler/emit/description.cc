@@ -123,16 +123,19 @@ public:
                ", ::quorva::description::" + name + ");\n";
     }
 
-    // Definitions of other libraries that the module's declarations name.
-    std::vector<const Definition*> foreignOf(const Module& module)
+    // The descriptions of other libraries' types among these, each once.
+    template <class Types>
+    std::string foreignTypes(const Types& used)
     {
-        std::vector<const Definition*> out;
-        for (const Definition* definition : typesOf(module))
-            for (const Declaration* declaration : declarationsOf(*definition)) {
-                const Definition* used = declaration->type.definition;
-                if (used && plans.isForeign(*used) && std::ranges::find(out, used) == out.end()) out.push_back(used);
-            }
-        return out;
+        std::vector<const Definition*> found;
+        std::string stubs;
+        for (const TypeRef* type : used) {
+            const Definition* const definition = type->definition;
+            if (!definition || !plans.isForeign(*definition) || std::ranges::count(found, definition) > 0) continue;
+            found.push_back(definition);
+            stubs += foreignType(*definition);
+        }
+        return stubs.empty() ? "" : "namespace quorva::foreign {\n" + stubs + "}  // namespace quorva::foreign\n";
     }
 
 private:
@@ -195,6 +198,48 @@ std::string memberRows(const Definition& definition)
     return isDocumented ? rows : "";
 }
 
+// The arguments and results of the module's procedures.
+std::vector<const TypeRef*> remoteTypesOf(const Module& module)
+{
+    std::vector<const TypeRef*> types;
+    for (const RemoteProgram& program : module.programs)
+        for (const RemoteVersion& version : program.versions)
+            for (const RemoteProcedure& procedure : version.procedures)
+                for (const auto* type : {&procedure.argument, &procedure.result})
+                    if (*type) types.push_back(&**type);
+    return types;
+}
+
+// The procedures and the versions of a program, each in a namespace of its own.
+std::string versionsOf(const RemoteProgram& program, DescriptionPrinter& printer)
+{
+    const auto type = [&](const std::optional<TypeRef>& each) {
+        return each ? "&" + printer.typeOf(*each) : std::string("nullptr");
+    };
+    const std::string space = "procedures::" + program.name;
+    std::vector<std::string> procedures;
+    std::string rows;
+    for (const RemoteVersion& version : program.versions) {
+        std::string ofVersion;
+        for (const RemoteProcedure& each : version.procedures)
+            ofVersion += "    {" + literal(each.name) + ", " + std::to_string(each.number.number) + "U, " +
+                         type(each.argument) + ", " + type(each.result) + ", " + text(each.doc) + "},\n";
+        procedures.push_back(arrayOf("RemoteProcedure", version.name, ofVersion));
+        rows += "    {" + literal(version.name) + ", " + std::to_string(version.number.number) + "U, " +
+                text(version.doc) + ", ::quorva::" + space + "::" + version.name + "},\n";
+    }
+    return sections({arrays(space, procedures), arrays("versions", {arrayOf("RemoteVersion", program.name, rows)})});
+}
+
+std::string programRows(const Module& module)
+{
+    std::string rows;
+    for (const RemoteProgram& each : module.programs)
+        rows += "    {" + literal(each.name) + ", " + hexadecimal(each.number.number) + "U, " +
+                std::to_string(each.at.line) + ", " + text(each.doc) + ", ::quorva::versions::" + each.name + "},\n";
+    return rows;
+}
+
 // A unique identifier for each module: letters and digits are kept, '_' becomes "_u" and '/' becomes "_s".
 std::string identifierOf(const Module& module)
 {
@@ -209,9 +254,10 @@ std::string emitDescriptions(const Module& module)
 {
     DescriptionPrinter printer(module);
     std::vector<std::string> members, cases;
-    std::string stubs, types, accessors;
-    for (const Definition* definition : printer.foreignOf(module)) stubs += printer.foreignType(*definition);
+    std::vector<const TypeRef*> used;
+    std::string types, accessors;
     for (const Definition* definition : typesOf(module)) {
+        for (const Declaration* each : declarationsOf(*definition)) used.push_back(&each->type);
         const std::string rows = printer.membersOf(*definition);
         if (!rows.empty()) members.push_back(arrayOf("Member", definition->name, rows));
         if (definition->kind == DefinitionKind::discriminatedUnion)
@@ -221,8 +267,7 @@ std::string emitDescriptions(const Module& module)
     }
     return sections(
         {generatedBanner(module) + "#include <" + privateHeader(module.source.module) + ">\n\n#include <cstddef>\n",
-         stubs.empty() ? "" : "namespace quorva::foreign {\n" + stubs + "}  // namespace quorva::foreign\n",
-         arrays("members", members), arrays("cases", cases), types, accessors});
+         printer.foreignTypes(used), arrays("members", members), arrays("cases", cases), types, accessors});
 }
 
 std::string emitDocumentation(const Module& module)
@@ -240,17 +285,25 @@ std::string emitDocumentation(const Module& module)
                 (documented.empty() ? "{}" : "::quorva::texts::" + name) + ", " +
                 (named.empty() ? "{}" : "::quorva::enumerators::" + name) + "},\n";
     }
+    DescriptionPrinter printer(module);
+    std::string versions;
+    for (const RemoteProgram& each : module.programs)
+        versions += (versions.empty() ? "" : "\n") + versionsOf(each, printer);
     const std::string identifier = identifierOf(module);
     const std::string types = identifier + "_types";
-    return sections({generatedBanner(module) + "#include <" + privateHeader(module.source.module) +
-                         ">\n#include <quorvapixdr/documentation.h>\n",
-                     arrays("enumerators", enumerators), arrays("texts", members),
-                     "namespace quorva::documentation {\n\n" +
-                         (rows.empty() ? "" : arrayOf("Documentation", types, rows) + "\n") +
-                         "extern const ::quorva::Module " + identifier + ";\nconstinit const ::quorva::Module " +
-                         identifier + " = {" + literal(module.source.module) + ", " +
-                         literal(module.source.module + ".x") + ",\n    " + text(module.doc) + ",\n    " +
-                         (rows.empty() ? "{}" : types) + "};\n\n}  // namespace quorva::documentation\n"});
+    const std::string programs = identifier + "_programs";
+    const std::string remote = programRows(module);
+    return sections(
+        {generatedBanner(module) + "#include <" + privateHeader(module.source.module) +
+             ">\n#include <quorvapixdr/documentation.h>\n",
+         arrays("enumerators", enumerators), arrays("texts", members), printer.foreignTypes(remoteTypesOf(module)),
+         versions,
+         "namespace quorva::documentation {\n\n" + (rows.empty() ? "" : arrayOf("Documentation", types, rows) + "\n") +
+             (remote.empty() ? "" : arrayOf("RemoteProgram", programs, remote) + "\n") +
+             "extern const ::quorva::Module " + identifier + ";\nconstinit const ::quorva::Module " + identifier +
+             " = {" + literal(module.source.module) + ", " + literal(module.source.module + ".x") + ",\n    " +
+             text(module.doc) + ",\n    " + (rows.empty() ? "{}" : types) + ", " + (remote.empty() ? "{}" : programs) +
+             "};\n\n}  // namespace quorva::documentation\n"});
 }
 
 std::string emitModuleList(const std::vector<const Module*>& modules, const std::string& function)

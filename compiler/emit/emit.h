@@ -11,7 +11,8 @@
 
 namespace quorva::compiler {
 
-// The public header of a module, <quorvapixdr/types/MODULE.h>: constants, types, name functions, routines and coders.
+// The public header of a module, <quorvapixdr/types/MODULE.h>: constants, types, name functions, routines,
+// coders and procedures.
 std::string emitHeader(const Module& module);
 
 // The source file of a module: the routines and name functions that the header declares, and the plain functions.
@@ -30,7 +31,7 @@ std::string emitDocumentation(const Module& module);
 std::string emitModuleList(const std::vector<const Module*>& modules, const std::string& function);
 
 struct Rfc4506Options {
-    std::string prefix;  // of every type, enumerator and constant, because C has one name space for all
+    std::string prefix;  // of every global name, because C has one name space for all
 };
 
 // All modules of a program as one file of RFC 4506 for other XDR tools. Every name is defined before it is used.

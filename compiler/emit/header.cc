@@ -260,6 +260,39 @@ std::string coderChoices(const Module& module)
     return out;
 }
 
+// The C++ type of an argument or a result, and its coder.
+std::string remoteType(const std::optional<TypeRef>& type)
+{
+    return type ? "::" + type->name : "::quorva::Void";
+}
+
+std::string remoteCoder(const std::optional<TypeRef>& type)
+{
+    return "::quorva::coder::" + (type ? type->name : "Void");
+}
+
+// A constant for each procedure, in namespaces that are named like its program and version.
+std::string procedures(const Module& module)
+{
+    std::string out;
+    for (const RemoteProgram& program : module.programs) {
+        for (const RemoteVersion& version : program.versions) {
+            const std::string space = "quorva::procedure::" + program.name + "::" + version.name;
+            const std::string numbers =
+                ", " + hexadecimal(program.number.number) + "U, " + std::to_string(version.number.number) + "U, ";
+            out += (out.empty() ? "" : "\n") + lineComment(program.doc) + lineComment(version.doc) + "namespace " +
+                   space + " {\n";
+            for (const RemoteProcedure& each : version.procedures)
+                out += lineComment(each.doc) + "inline constexpr ::quorva::Procedure<" + remoteType(each.argument) +
+                       ", " + remoteType(each.result) + "> " + each.name + " = {\n    " + literal(each.name) + numbers +
+                       std::to_string(each.number.number) + "U, " + remoteCoder(each.argument) + ", " +
+                       remoteCoder(each.result) + "};\n";
+            out += "}  // namespace " + space + "\n";
+        }
+    }
+    return out;
+}
+
 std::string banner(const Module& module)
 {
     return generatedBanner(module) + (module.doc.empty() ? "" : "//\n" + lineComment(module.doc));
@@ -271,7 +304,9 @@ std::string includes(const Module& module)
     for (const Import& import : module.imports) imported.insert(publicHeader(import.name));
     std::string out;
     for (const std::string& header : imported) out += "#include <" + header + ">\n";
-    return out + "#include <quorvapixdr/primitives.h>\n\n#include <cstdint>\n";
+    out += "#include <quorvapixdr/primitives.h>\n";
+    if (!module.programs.empty()) out += "#include <quorvapixdr/procedure.h>\n";
+    return out + "\n#include <cstdint>\n";
 }
 
 }  // namespace
@@ -286,6 +321,7 @@ std::string emitHeader(const Module& module)
         exported(sections({nameFunctions(module), routines(module), descriptions(module)})),
         coders(module),
         coderChoices(module),
+        procedures(module),
     });
 }
 

@@ -192,6 +192,13 @@ std::string argumentList(std::size_t indent, const std::string& head, const std:
     return arguments.empty() ? out + tail : out;
 }
 
+std::string hexadecimal(std::int64_t number)
+{
+    std::string digits;
+    for (int shift = 28; shift >= 0; shift -= 4) digits += "0123456789abcdef"[(number >> shift) & 15];
+    return "0x" + digits;
+}
+
 std::string joined(const std::vector<std::string>& items)
 {
     std::string out;

@@ -4,6 +4,7 @@
 #include "front/source.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,9 @@ std::string literal(std::string_view text, std::size_t indent = 0);
 // includes the indentation of the first line by `indent` columns.
 std::string argumentList(std::size_t indent, const std::string& head, const std::vector<std::string>& arguments,
                          const std::string& tail);
+
+// The number as 0x and eight hexadecimal digits.
+std::string hexadecimal(std::int64_t number);
 
 // The items, separated by ", ".
 std::string joined(const std::vector<std::string>& items);

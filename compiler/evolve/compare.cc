@@ -209,6 +209,7 @@ std::vector<Finding> Comparison::run()
             if (!pairs.isPaired(after)) added(*after);
         }
     }
+    remotePrograms();
     return std::move(findings);
 }
 

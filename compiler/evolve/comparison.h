@@ -6,11 +6,22 @@
 #include "matching.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace quorva::compiler {
+
+// A remote program, version or procedure.
+struct RemoteMember {
+    std::string owner;  // the key of the program of a version, or of the version of a procedure
+    std::string what;   // "procedure 'CREATE'"
+    Span at;
+    std::int64_t number = 0;
+    std::optional<TypeRef> argument;
+    std::optional<TypeRef> result;
+};
 
 // Compares the paired definitions of two programs: fields by position and name, enumerators by name and value, arms by
 // case. A change is reported at the changed definition, not at every type that holds it.
@@ -71,6 +82,11 @@ private:
     void arm(const ArmCase& before, const ArmCase& after);
     void removedArm(const ArmCase& before);
     void addedArm(const ArmCase& after);
+
+    // `program` blocks
+    void remotePrograms();
+    void remoteType(const std::string& what, const RemoteMember& before, const RemoteMember& after,
+                    std::optional<TypeRef> RemoteMember::*type);
 
     InterfaceIndex oldIndex;
     InterfaceIndex newIndex;

@@ -3,7 +3,6 @@
 
 #include "support/text.h"
 
-#include <iterator>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -92,6 +91,20 @@ std::string body(const Definition& definition)
     return "typedef " + text(definition.target) + ";\n";
 }
 
+std::string body(const RemoteProgram& program)
+{
+    const auto name = [](const std::optional<TypeRef>& type) { return type ? type->name : "void"; };
+    std::string out = "program " + program.name + " {\n";
+    for (const RemoteVersion& version : program.versions) {
+        out += "    version " + version.name + " {\n";
+        for (const RemoteProcedure& each : version.procedures)
+            out += "        " + name(each.result) + " " + each.name + "(" + name(each.argument) +
+                   ") = " + number(each.number) + ";\n";
+        out += "    } = " + number(version.number) + ";\n";
+    }
+    return out + "} = " + number(program.number) + ";\n";
+}
+
 // The modules of a flattened file, each with the line on which it begins.
 std::vector<std::pair<unsigned, std::string>> moduleLines(std::string_view text)
 {
@@ -106,6 +119,29 @@ std::vector<std::pair<unsigned, std::string>> moduleLines(std::string_view text)
     return lines;
 }
 
+// The modules from which a file was made: for a flattened file several, for any other the file's own.
+class Origins {
+public:
+    explicit Origins(const Source& source)
+    {
+        if (isFlattened(source)) starts = moduleLines(source.text);
+        if (starts.empty()) starts.emplace_back(0, source.module);
+    }
+
+    const std::vector<std::pair<unsigned, std::string>>& modules() const { return starts; }
+
+    // The module of a definition. Each call must ask for the same place or a later one.
+    const std::string& moduleAt(const Span& at)
+    {
+        while (current + 1 < starts.size() && starts[current + 1].first < at.line) ++current;
+        return starts[current].second;
+    }
+
+private:
+    std::vector<std::pair<unsigned, std::string>> starts;
+    std::size_t current = 0;
+};
+
 }  // namespace
 
 bool isFlattened(const Source& source)
@@ -117,29 +153,28 @@ DefinitionsByModule definitionsByModule(const Program& program)
 {
     DefinitionsByModule contents;
     for (const auto& module : program.modules) {
-        const Source& source = module->source;
-        std::vector<std::pair<unsigned, std::string>> starts;
-        if (isFlattened(source)) starts = moduleLines(source.text);
-        if (starts.empty()) starts.emplace_back(0, source.module);
-
-        auto start = starts.begin();
-        for (const auto& each : starts) contents[each.second];
-        for (const auto& definition : module->definitions) {
-            while (std::next(start) != starts.end() && std::next(start)->first < definition->at.line) ++start;
-            contents[start->second].push_back(definition.get());
-        }
+        Origins origins(module->source);
+        for (const auto& each : origins.modules()) contents[each.second];
+        for (const auto& definition : module->definitions)
+            contents[origins.moduleAt(definition->at)].push_back(definition.get());
     }
     return contents;
 }
 
 std::string flatten(const Program& program)
 {
+    std::map<std::string, std::string> programs;  // by module
+    for (const auto& module : program.modules) {
+        Origins origins(module->source);
+        for (const RemoteProgram& each : module->programs) programs[origins.moduleAt(each.at)] += "\n" + body(each);
+    }
     std::string out = std::string(head) + "\n";
     for (const auto& [module, definitions] : definitionsByModule(program)) {
         out.append("\n").append(moduleMark).append(module).append("\n");
         for (const Definition* definition : definitions) {
             out += "\n" + mark(definition->provisional) + (definition->provisional ? "\n" : "") + body(*definition);
         }
+        out += programs[module];
     }
     return out;
 }

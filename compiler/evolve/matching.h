@@ -22,6 +22,9 @@ public:
 
     const DefinitionsByModule& contents() const { return byModule; }
 
+    // The modules as they were read.
+    const Program& everything() const { return program; }
+
     // The definition of that name, or null.
     const Definition* find(const std::string& name) const;
 

@@ -3,6 +3,7 @@
 
 #include "check_names.h"
 #include "check_nesting.h"
+#include "check_programs.h"
 #include "resolve.h"
 
 #include <cstdint>
@@ -228,6 +229,7 @@ void check(const Program& program, Diagnostics& errors)
         if (errors.full()) return;
         checker.definition(*each);
     }
+    checkPrograms(program, definitions, errors);
     checkNesting(definitions, errors);
 }
 

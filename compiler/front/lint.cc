@@ -135,6 +135,17 @@ void Linter::imports(const Module& module)
             if (declaration->written) useValue(*declaration->written);
         }
     }
+    for (const RemoteProgram& program : module.programs) {
+        useValue(program.number);
+        for (const RemoteVersion& version : program.versions) {
+            useValue(version.number);
+            for (const RemoteProcedure& procedure : version.procedures) {
+                useValue(procedure.number);
+                for (const auto* type : {&procedure.argument, &procedure.result})
+                    if (*type) used.insert((*type)->definition);
+            }
+        }
+    }
 
     const auto defines = [&](const Module& home) {
         return std::any_of(home.definitions.begin(), home.definitions.end(),

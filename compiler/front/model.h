@@ -121,7 +121,7 @@ struct Definition {
 // A procedure of a remote program: `Result name(Argument) = number;`.
 struct RemoteProcedure {
     std::string name;
-    Span at;                          // of the name
+    Span at;  // of the name
     Value number;
     std::optional<TypeRef> argument;  // nullopt for void, here and in the result
     std::optional<TypeRef> result;
@@ -143,6 +143,7 @@ struct RemoteProgram {
     Value number;
     std::vector<RemoteVersion> versions;  // in the order of the file
     std::string doc;
+    bool hasErrors = false;  // the parser reported an error in it: versions or procedures may be missing
 };
 
 struct Module;

@@ -35,6 +35,10 @@ private:
     bool definition();
     bool import();
     bool program();
+    bool version(RemoteProgram& program);
+    bool procedure(RemoteVersion& version);
+    bool procedureType(std::optional<TypeRef>& type, const std::string& what);
+    bool numberAfterBody(Value& number, const std::string& what);
     bool constant(Definition& definition);
     bool typeDefinition(Definition& definition);
     bool body(Definition& definition);
@@ -126,7 +130,7 @@ bool Parser::definition()
         complete = expectName("the " + describe(*made), made->name, made->at) && body(*made) &&
                    expect(";", "after the '}' of " + describe(*made));
     } else {
-        reportUnexpected("'struct', 'union', 'enum', 'typedef', 'const' or 'import'");
+        reportUnexpected("'struct', 'union', 'enum', 'typedef', 'const', 'program' or 'import'");
     }
 
     if (!made->name.empty()) {
@@ -176,24 +180,85 @@ bool Parser::import()
     return true;
 }
 
-// Skips an RPC program definition, which this API does not use, by counting braces.
+// program NAME { version NAME { RESULT NAME(ARGUMENT) = NUMBER; ... } = NUMBER; ... } = NUMBER;
 bool Parser::program()
 {
+    RemoteProgram made;
+    std::vector<DocLine> doc = comments.above(position());
     advance();
-    advance();
+    if (!expectName("the program", made.name, made.at)) return false;
+    const std::string what = "program " + inQuotes(made.name);
     const Span opened = token().at;
-    unsigned depth = 0;
-    do {
-        if (at("{")) ++depth;
-        if (at("}")) --depth;
-        advance();
-    } while (depth > 0 && !atEnd());
-    if (depth > 0) {
-        report(positionAfter(previous().at), "expected '}' at the end of the program", Note{opened, "opened here"});
+    advance();
+    if (token().at.line > previous().at.line) comments.appendAfter(doc, position() - 1);
+    while (continuesBody(opened, what))
+        if (!version(made)) skipInBody(";");
+    const bool complete = accept("}") && numberAfterBody(made.number, what);
+    if (complete) comments.appendAfter(doc, position() - 1);
+    made.doc = unmarkedDoc(doc);
+    made.hasErrors = hasErrors();
+    module.programs.push_back(std::move(made));
+    return complete;
+}
+
+bool Parser::version(RemoteProgram& program)
+{
+    RemoteVersion made;
+    std::vector<DocLine> doc = comments.above(position());
+    if (!at("version")) {
+        reportUnexpected("'version' or '}'");
         return false;
     }
-    if (accept("=") && token().kind == TokenKind::number) advance();
-    return expect(";", "after the program");
+    advance();
+    if (!expectName("the version", made.name, made.at)) return false;
+    const std::string what = "version " + inQuotes(made.name);
+    const Span opened = token().at;
+    if (!expect("{", "after " + what)) return false;
+    if (token().at.line > previous().at.line) comments.appendAfter(doc, position() - 1);
+    while (continuesBody(opened, what))
+        if (!procedure(made)) skipInBody(";");
+    const bool complete = accept("}") && numberAfterBody(made.number, what);
+    if (complete) comments.appendAfter(doc, position() - 1);
+    made.doc = unmarkedDoc(doc);
+    program.versions.push_back(std::move(made));
+    return complete;
+}
+
+bool Parser::procedure(RemoteVersion& version)
+{
+    RemoteProcedure made;
+    std::vector<DocLine> doc = comments.above(position());
+    if (!procedureType(made.result, "the result of a procedure") || !expectName("the procedure", made.name, made.at)) {
+        return false;
+    }
+    const std::string what = "procedure " + inQuotes(made.name);
+    if (!expect("(", "after " + what) || !procedureType(made.argument, "the argument of " + what)) return false;
+    if (at(",")) {
+        report(token().at, what + " has a second argument; define a struct of both, which takes the same bytes");
+        return false;
+    }
+    if (!expect(")", "after the argument of " + what) || !numberAfterBody(made.number, what)) return false;
+    comments.appendAfter(doc, position() - 1);
+    made.doc = unmarkedDoc(doc);
+    version.procedures.push_back(std::move(made));
+    return true;
+}
+
+bool Parser::procedureType(std::optional<TypeRef>& type, const std::string& what)
+{
+    if (accept("void")) return true;
+    if (at("string") || at("opaque")) {
+        report(token().at, what + " has a named type; write 'typedef " + std::string(token().text) +
+                               " Name<n>;' and use that name");
+        return false;
+    }
+    return typeSpecifier(type.emplace());
+}
+
+bool Parser::numberAfterBody(Value& number, const std::string& what)
+{
+    return expect("=", "and a number after " + what) && value(number, "the number of " + what) &&
+           expect(";", "after the number of " + what);
 }
 
 bool Parser::constant(Definition& definition)

@@ -96,6 +96,7 @@ private:
 
     // The current module
     void definition(Definition& definition);
+    void remoteProgram(RemoteProgram& remote);
     void declaration(Declaration& declaration);
     void type(TypeRef& type);
     void unknownType(const TypeRef& type);
@@ -396,6 +397,19 @@ void Resolver::definition(Definition& definition)
     }
 }
 
+void Resolver::remoteProgram(RemoteProgram& remote)
+{
+    value(remote.number);
+    for (RemoteVersion& version : remote.versions) {
+        value(version.number);
+        for (RemoteProcedure& procedure : version.procedures) {
+            value(procedure.number);
+            if (procedure.argument) type(*procedure.argument);
+            if (procedure.result) type(*procedure.result);
+        }
+    }
+}
+
 void Resolver::run()
 {
     collect();
@@ -403,6 +417,7 @@ void Resolver::run()
     settleNumbers();
     for (currentModule = 0; currentModule < program.modules.size() && !errors.full(); ++currentModule) {
         for (const auto& made : program.modules[currentModule]->definitions) definition(*made);
+        for (RemoteProgram& made : program.modules[currentModule]->programs) remoteProgram(made);
     }
     // Cases need the resolved discriminants of the whole program.
     for (currentModule = 0; currentModule < program.modules.size() && !errors.full(); ++currentModule) {

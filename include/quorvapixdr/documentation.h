@@ -32,8 +32,8 @@ struct Documentation {
     std::span<const Enumerator> enumerators = {};       // of an enumeration: by value, ascending
 };
 
-// A procedure of a remote program (RFC 5531): its numbers select it in a call, which carries one value to the server and
-// one back.
+// A procedure of a remote program (RFC 5531): its numbers select it in a call, which carries one value to the server
+// and one back.
 struct RemoteProcedure {
     const char* name = "";
     std::uint32_t number = 0;
@@ -63,7 +63,7 @@ struct Module {
     const char* name = "";  // "jobs/covers"
     const char* file = "";  // relative to its -I folder: "jobs/covers.x"
     const char* text = "";
-    std::span<const Documentation> types = {};      // in the order of the file
+    std::span<const Documentation> types = {};     // in the order of the file
     std::span<const RemoteProgram> programs = {};  // in the order of the file
 };
 
