@@ -92,10 +92,21 @@ class Definition(Named):
         return at
 
 
+class Remote(Named):
+    """A remote program, version or procedure. The type of an argument or a result is None for void."""
+
+    def __init__(self, name, number, members=(), argument=None, result=None):
+        super().__init__(name)
+        self.number, self.members, self.argument, self.result = number, members, argument, result
+
+    def all(self):
+        return [self, *(each for member in self.members for each in member.all())]
+
+
 class Module(Named):
     def __init__(self, name):
         super().__init__(name)
-        self.imports, self.definitions = [], []
+        self.imports, self.definitions, self.programs = [], [], []
 
     def visible(self):
         seen = [self]
@@ -120,6 +131,12 @@ class Library:
         fixedArrays = [each for each in self.types() if each.kind == "typedef" and each.target.form == "fixedArray"]
         if any(each in each.reached() for each in fixedArrays):
             self.hasPeer = False  # C has no arrays of incomplete types
+        # rpcgen makes macros of these names, and functions of procedures' names in small letters and versions' numbers.
+        taken = {each.name for made in self.definitions() for each in [made, *(made.members * (made.kind == "enum"))]}
+        macros = [each.name for each in self.remotes()]
+        functions = [(each.name.lower(), version.number) for version in self.remotes() for each in version.members]
+        if taken.intersection(macros) or any(len(set(each)) < len(each) for each in (macros, functions)):
+            self.hasPeer = False
 
     def definitions(self):
         return [each for module in self.modules for each in module.definitions]
@@ -127,13 +144,16 @@ class Library:
     def types(self):
         return [each for each in self.definitions() if each.kind != "const"]
 
+    def remotes(self):
+        return [each for module in self.modules for program in module.programs for each in program.all()]
+
     def named(self, name):
         """What has the name, with its role: definitions, else enumerators, else members."""
         definitions = self.definitions()
         enumerators = [each for made in definitions if made.kind == "enum" for each in made.members]
         members = [each for made in definitions for each in made.held()]
         for every in ([(each, each.kind) for each in definitions], [(each, "enumerator") for each in enumerators],
-                      [(each, "member") for each in members]):
+                      [(each, "remote name") for each in self.remotes()], [(each, "member") for each in members]):
             if found := [(each, role) for each, role in every if each.name == name]:
                 return found
         return []
@@ -163,7 +183,27 @@ class Library:
             made.extend(self.ring(module))
         rng.shuffle(made)
         module.definitions = made
+        module.programs = [self.program() for _ in range(rng.choice((0, 0, 0, 1, 2)))]
         return module
+
+    def program(self):
+        """A program with some versions, which may have any of the ready types as arguments and results."""
+        rng = self.rng
+        types = [None, *BUILTINS, *(each for each in self.ready if each.kind != "const")]
+
+        def some(make, least, most):
+            taken, count = set(), rng.choice((1, 1, 2, 3))
+            return [make(self.names.draw(taken), number) for number in rng.sample(range(least, most), count)]
+
+        def procedure(name, number):
+            return Remote(name, number, argument=rng.choice(types), result=rng.choice(types))
+
+        self.programCount = getattr(self, "programCount", 0) + 1
+        versions = some(lambda name, number: Remote(name, number, some(procedure, 1, 1 << 32)), 0, 1 << 32)
+        made = Remote(self.names.draw(self.globals), 0x20000000 + self.programCount, versions)
+        for each in made.all():
+            each.remark = self.remark()
+        return made
 
     def const(self, made):
         rng = self.rng
@@ -356,6 +396,8 @@ class Printer:
         for each in module.definitions:
             self.put("")
             getattr(self, each.kind)(each)
+        for each in module.programs:
+            self.remote(each, "program", "")
 
     def text(self):
         return "\n".join(self.lines) + "\n"
@@ -393,6 +435,16 @@ class Printer:
             if made.hasDefault:
                 self.put("    default: void;")
         self.block(made, f" switch ({declared(made.discriminant, made.discriminant.name)})", body, made.discriminant)
+
+    def remote(self, made, word, indent):
+        if word == "procedure":
+            result, argument = ("void" if type is None else spelled(type) for type in (made.result, made.argument))
+            self.put(f"{indent}{result} {made.name}({argument}) = {made.number};", made)
+            return
+        self.put(f"{indent}{word} {made.name} {{", made)
+        for each in made.members:
+            self.remote(each, {"program": "version", "version": "procedure"}[word], indent + "    ")
+        self.put(f"{indent}}} = {made.number};")
 
     def typedef(self, made):
         self.put(f"typedef {declared(made.target, made.name)};", made)

@@ -211,7 +211,8 @@ class Trial:
         """All headers, what callers do with them, and the units, after the prelude. They are one file, since a file for
         each unit would read the headers of the runtime again and take most of the time."""
         generated = self.generated
-        separate = generated.descriptions if self.hasForeignTypes else []  # each of them describes foreign types again
+        # Each of these describes foreign types again.
+        separate = [*generated.descriptions, *generated.ofTools] if self.hasForeignTypes else []
         units = [f'#include "{each}"' for each in [*generated.units, *generated.ofTools] if each not in separate]
         together = self.write("together.cc", [*OWN, *generated.headers, *self.assertions(), *units])
         prelude = ["-include", self.prelude]
@@ -239,6 +240,10 @@ class Trial:
                 assertions.append(f"static_cast<long long>(::{made.name}::{each.name}) == {each.value}")
             for each in made.held():
                 assertions.append(f"sizeof(::{made.name}::{each.name}) > 0")
+        for program in (each for module in self.library.modules for each in module.programs):
+            for version in program.members:
+                names = f"::quorva::procedure::{program.name}::{version.name}"
+                assertions += [f"{names}::{each.name}.number == {each.number}U" for each in version.members]
         return [f"static_assert({each});" for each in assertions]
 
     def build(self, compiler):
