@@ -56,6 +56,20 @@ public:
         for (const Member& member : type.members) addMember(type, member);
     }
 
+    void searchProcedure(const KnownProcedure& known)
+    {
+        const RemoteProcedure& procedure = *known.procedure;
+        const auto typeName = [](const Type* type) { return type ? type->name : "void"; };
+        add(std::min({closenessOf(procedure.name), closenessOf(procedure.number), closenessOf(known.program->name),
+                      closenessOf(known.program->number)}),
+            {.kind = HitKind::procedure,
+             .name = procedure.name,
+             .value = procedure.number,
+             .detail = std::string(typeName(procedure.result)) + ' ' + procedure.name + '(' +
+                       typeName(procedure.argument) + ')',
+             .procedure = known});
+    }
+
     void searchText(const Type& type)
     {
         const Documentation& documentation = documentationOf(type);
@@ -159,9 +173,16 @@ const char* nameOf(HitKind kind)
     return hitKindNames[static_cast<std::size_t>(kind)];
 }
 
+std::string placeOf(const Hit& hit)
+{
+    if (!hit.procedure) return inspect::placeOf(*hit.type);
+    return std::string(hit.procedure->module->file) + ':' + std::to_string(hit.procedure->program->line);
+}
+
 // "JobAVP", "JobAVP.value", "JobUnion 700 jobName", "AccessUnion AKowner (1) owner", "DoorState DSopen = 0"
 std::string labelOf(const Hit& hit)
 {
+    if (hit.procedure) return hit.procedure->name() + " = " + std::to_string(*hit.value);
     std::string label = hit.type->name;
     const std::string value = hit.value ? std::to_string(*hit.value) : "";
     switch (hit.kind) {
@@ -171,6 +192,7 @@ std::string labelOf(const Hit& hit)
         label += hit.enumerator.empty() ? ' ' + value : ' ' + std::string(hit.enumerator) + " (" + value + ')';
         return hit.name.empty() ? label : label.append(" ").append(hit.name);
     case HitKind::member:
+    case HitKind::procedure:
     case HitKind::text: break;
     }
     return hit.name.empty() ? label : label.append(".").append(hit.name);
@@ -182,8 +204,10 @@ std::vector<Hit> findHits(std::string_view word, std::span<const Type* const> ty
 {
     if (word.empty()) return {};
     Search search(word, only);
-    if (only != HitKind::text)
+    if (only != HitKind::text) {
         for (const Type* type : types) search.searchNames(*type);
+        for (const KnownProcedure& each : knownProcedures()) search.searchProcedure(each);
+    }
     if (search.isEmpty() && (!only || only == HitKind::text))
         for (const Type* type : types) search.searchText(*type);
     return search.take();
@@ -193,7 +217,7 @@ std::string hitsText(std::span<const Hit> hits, std::size_t most)
 {
     Table table("");
     for (const Hit& hit : hits.first(std::min(most, hits.size())))
-        table.add({nameOf(hit.kind), labelOf(hit), placeOf(*hit.type), hit.detail});
+        table.add({nameOf(hit.kind), labelOf(hit), placeOf(hit), hit.detail});
     std::string text = table.text();
     if (hits.size() > most) text += "and " + std::to_string(hits.size() - most) + " more (--all)\n";
     return text;
@@ -203,11 +227,17 @@ Json hitsJson(std::span<const Hit> hits)
 {
     Json json = Json::array();
     for (const Hit& hit : hits) {
-        Json entry = {{"kind", nameOf(hit.kind)}, {"type", hit.type->name}};
+        Json entry = {{"kind", nameOf(hit.kind)}};
+        if (hit.type) entry["type"] = hit.type->name;
         if (!hit.name.empty()) entry["name"] = hit.name;
         if (hit.value) entry["value"] = *hit.value;
         if (!hit.enumerator.empty()) entry["enumerator"] = hit.enumerator;
-        if (const Module* const module = moduleOf(*hit.type)) {
+        if (hit.procedure) {
+            entry["program"] = hit.procedure->program->name;
+            entry["version"] = hit.procedure->version->name;
+            entry["file"] = hit.procedure->module->file;
+            entry["line"] = hit.procedure->program->line;
+        } else if (const Module* const module = moduleOf(*hit.type)) {
             entry["file"] = module->file;
             entry["line"] = documentationOf(*hit.type).line;
         }

@@ -218,21 +218,45 @@ private:
     Json definitions = Json::object();
 };
 
+template <class Remote>
+Json remoteJson(const Remote& remote)
+{
+    Json json = {{"name", remote.name}, {"number", remote.number}};
+    if (*remote.text) json["doc"] = remote.text;
+    return json;
+}
+
+Json programJson(const RemoteProgram& program)
+{
+    Json json = remoteJson(program);
+    json["line"] = program.line;
+    for (const RemoteVersion& version : program.versions) {
+        Json entry = remoteJson(version);
+        for (const RemoteProcedure& procedure : version.procedures) {
+            Json last = remoteJson(procedure);
+            last["argument"] = procedure.argument ? Json(procedure.argument->name) : Json();
+            last["result"] = procedure.result ? Json(procedure.result->name) : Json();
+            entry["procedures"].push_back(std::move(last));
+        }
+        json["versions"].push_back(std::move(entry));
+    }
+    return json;
+}
+
 }  // namespace
 
 Json schemaJson(const Catalogue& catalogue)
 {
     const TypeFacts facts(catalogue);
-    std::map<std::string_view, const Module*> modules;
     Json types = Json::array();
-    for (const Type* type : catalogue.types()) {
-        types.push_back(descriptionJson(*type, facts));
-        if (const Module* const module = moduleOf(*type)) modules.emplace(module->name, module);
-    }
+    for (const Type* type : catalogue.types()) types.push_back(descriptionJson(*type, facts));
+    std::map<std::string_view, const Module*> modules;
+    for (const Module* module : knownModules()) modules.emplace(module->name, module);
     Json listed = Json::array();
     for (const auto& [name, module] : modules) {
         Json entry = {{"name", name}, {"file", module->file}};
         if (*module->text) entry["doc"] = module->text;
+        for (const RemoteProgram& program : module->programs) entry["programs"].push_back(programJson(program));
         listed.push_back(std::move(entry));
     }
     return {{"format", 1},

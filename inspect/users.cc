@@ -2,6 +2,8 @@
 
 #include "users.h"
 
+#include "programs.h"
+
 #include <algorithm>
 #include <string_view>
 #include <unordered_set>
@@ -13,6 +15,12 @@ Users::Users(std::span<const Type* const> types)
     for (const Type* user : types)
         for (const Member& member : user->members)
             if (member.use.type) uses[member.use.type->name].push_back({user, &member});
+    for (const KnownProcedure& each : knownProcedures()) {
+        const RemoteProcedure& procedure = *each.procedure;
+        if (procedure.argument) procedures[procedure.argument->name].push_back(each.name() + "(argument)");
+        if (procedure.result) procedures[procedure.result->name].push_back(each.name() + "(result)");
+    }
+    for (auto& [type, names] : procedures) std::ranges::sort(names);
 }
 
 std::span<const Users::Entry> Users::usesOf(const Type& type) const
@@ -29,6 +37,8 @@ std::vector<std::string> Users::direct(const Type& type) const
                                                                : std::string(user->name) + '.' + member->name);
     std::ranges::sort(users);
     users.erase(std::unique(users.begin(), users.end()), users.end());  // arms of a union may share a name
+    if (const auto found = procedures.find(type.name); found != procedures.end())
+        users.insert(users.begin(), found->second.begin(), found->second.end());
     return users;
 }
 

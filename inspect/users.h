@@ -1,4 +1,5 @@
-// Who uses a type: the members and typedefs that name it, and the types that contain it through them.
+// Who uses a type: the members, typedefs and remote procedures that name it, and the types that contain it through
+// them.
 #pragma once
 
 #include <quorvapixdr/description.h>
@@ -11,12 +12,13 @@
 
 namespace quorva::inspect {
 
-// An index of the uses in some types.
+// An index of the uses in some types and in all known procedures.
 class Users {
 public:
     explicit Users(std::span<const Type* const> types);
 
-    // The members and typedefs that name the type: "JobAVP.value", "JobAVPSeq"; ordered by name.
+    // The procedures that name the type, then the members and typedefs, each ordered by name:
+    // "SPOOLER.FIRST.createJob(argument)", "JobAVP.value", "JobAVPSeq".
     std::vector<std::string> direct(const Type& type) const;
 
     // The types that contain the type, but do not name it: the nearest first, those of one distance by name.
@@ -31,6 +33,7 @@ private:
 
     // By name: a module that is read at run time has descriptions of its own for what it shares with others.
     std::unordered_map<std::string_view, std::vector<Entry>> uses;
+    std::unordered_map<std::string_view, std::vector<std::string>> procedures;
 };
 
 }  // namespace quorva::inspect

@@ -19,7 +19,7 @@ constexpr std::size_t shortList = 40;
 class Find : public Verb {
 public:
     Find()
-        : Verb("find", "Find types, members, arms, enumerators and documentation by a word or a number",
+        : Verb("find", "Find types, members, procedures and documentation by a word or a number",
                "quorvaxdr find pinNumber\n"
                "quorvaxdr find 0x1f4 --kind arm\n"
                "quorvaxdr find 'Job*' --kind enumerator --json\n")
