@@ -126,19 +126,4 @@ std::vector<std::optional<std::uint64_t>> WireSizes::offsetsIn(const Type& type)
     return offsets;
 }
 
-std::size_t memorySize(const Use& use)
-{
-    switch (use.form) {
-    case Form::single: return use.type->size;
-    case Form::fixedArray: return std::size_t{use.bound} * use.type->size;
-    case Form::fixedOpaque: return use.bound;
-    case Form::optional:
-    case Form::string: return sizeof(void*);
-    case Form::variableArray:
-    case Form::variableOpaque: return sizeof(Block);
-    case Form::none: break;
-    }
-    return 0;
-}
-
 }  // namespace quorva::inspect

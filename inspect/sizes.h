@@ -1,9 +1,8 @@
-// Sizes of types and declarations, on the wire and in memory, by their descriptions alone.
+// Sizes of types and declarations on the wire, by their descriptions alone.
 #pragma once
 
 #include <quorvapixdr/description.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <unordered_map>
@@ -43,8 +42,5 @@ private:
     // For each end; nullopt while the types of the members are computed.
     mutable std::unordered_map<const Type*, std::optional<std::uint64_t>> known[2];
 };
-
-// Bytes that a declaration takes in its object. What a pointer leads to is not counted.
-std::size_t memorySize(const Use& use);
 
 }  // namespace quorva::inspect

@@ -22,4 +22,7 @@ bool interpretMember(Xdr* xdrs, void* object, const Type& type, std::size_t inde
 // The index, among the members of the union `type`, of the arm that the discriminant in `object` selects; 0 if none.
 std::size_t selectedArm(const Type& type, const void* object);
 
+// Bytes that a declaration takes in its object. What a pointer leads to is not counted.
+std::size_t memorySize(const Use& use);
+
 }  // namespace quorva

@@ -132,10 +132,7 @@ unsigned char* Encoder::refuse(unsigned char* at)
 
 // ---- Decode --------------------------------------------------------------------------------------------------------
 
-namespace {
-
-// The bytes that a declaration takes in memory.
-std::size_t sizeOf(const Use& use)
+std::size_t memorySize(const Use& use)
 {
     switch (use.form) {
     case Form::single: return use.type->size;
@@ -149,8 +146,6 @@ std::size_t sizeOf(const Use& use)
     }
     return 0;
 }
-
-}  // namespace
 
 unsigned char* Decoder::after(bool succeeded, void* initialised)
 {
@@ -238,7 +233,7 @@ unsigned char* Decoder::rest(unsigned char* at, void* object, const Type& type, 
 unsigned char* Decoder::member(unsigned char* at, void* object, const Type& type, std::size_t index)
 {
     auto* const place = static_cast<unsigned char*>(object) + type.members[index].offset;
-    const std::size_t size = sizeOf(type.members[index].use);
+    const std::size_t size = memorySize(type.members[index].use);
     if (fresh) std::memset(place, 0, size);
     move(xdrs, at);
     return after(interpretMember(xdrs, object, type, index), place + size);
