@@ -78,9 +78,11 @@ void checkAnnotation(const Tree& tree)
     require(next == tree.bytes().size(), tree, "all bytes have a line");
     require(lines.size() <= tree.nodes().size() + tree.bytes().size() + 2, tree, "few lines for each byte");
     require(linesIn(inspect::annotationText(tree)) == lines.size(), tree, "each line is one line of the text");
-    const inspect::Json json = inspect::annotationJson(tree);
+    std::string text;
+    inspect::printAnnotationJson(tree, [&](std::string_view block) { text += block; });
+    const inspect::Json json = inspect::Json::parse(text);
     require(json["nodes"].size() == tree.nodes().size(), tree, "each part is in the JSON form");
-    json.dump();
+    require(json.dump(2) + '\n' == text, tree, "the blocks print as one document");
 }
 
 // The innermost part with a byte, and the part with a path, are found.

@@ -20,6 +20,7 @@ constexpr std::size_t rowSize = 4;       // bytes of a line
 constexpr std::size_t widestName = 40;   // of the column of names; longer names push their values to the right
 constexpr std::size_t longestText = 72;  // bytes of a string that are shown
 constexpr std::size_t mostFields = 9;    // of a part's JSON object
+constexpr std::size_t mostWaiting = std::size_t{16} << 10;  // bytes of JSON that are printed at once
 
 // "4 bytes", "1 element of at most 6"; the maximum is left out where it is the largest possible one.
 std::string amount(std::int64_t number, const char* what, std::uint32_t bound)
@@ -259,12 +260,9 @@ Json partJson(const Tree& tree, std::uint32_t at)
     return json;
 }
 
-Json annotationJson(const Tree& tree)
+void printAnnotationJson(const Tree& tree, const std::function<void(std::string_view)>& print)
 {
     Json json = {{"type", tree.type().name}, {"size", tree.bytes().size()}, {"nodes", Json::array()}};
-    auto& nodes = json["nodes"].get_ref<Json::array_t&>();
-    nodes.reserve(tree.nodes().size());
-    for (std::uint32_t at = 0; at < tree.nodes().size(); ++at) nodes.push_back(partJson(tree, at));
     if (const auto& stopped = tree.stopped()) {
         json["refused"] = {
             {"path", stopped->failure.path}, {"offset", stopped->failure.offset}, {"reason", stopped->failure.reason}};
@@ -272,7 +270,20 @@ Json annotationJson(const Tree& tree)
     } else if (tree.length() < tree.bytes().size()) {
         json["leftOver"] = {{"offset", tree.length()}, {"size", tree.bytes().size() - tree.length()}};
     }
-    return json;
+    const std::string whole = json.dump(2);
+    const std::size_t inNodes = whole.find("[]") + 1;  // the name of a type has no brackets
+    std::string text = whole.substr(0, inNodes);
+    for (std::uint32_t at = 0; at < tree.nodes().size(); ++at) {
+        text += at == 0 ? "\n    " : ",\n    ";
+        for (const char c : partJson(tree, at).dump(2)) {
+            text += c;
+            if (c == '\n') text += "    ";  // strings have their line breaks escaped
+        }
+        if (text.size() < mostWaiting) continue;
+        print(text);
+        text.clear();
+    }
+    print(text + "\n  " + whole.substr(inNodes) + '\n');
 }
 
 std::optional<std::uint32_t> partAt(const Tree& tree, std::size_t offset)

@@ -5,6 +5,7 @@
 #include "tree.h"
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,14 +33,14 @@ std::string annotationText(const Tree& tree);
 // likely cause. Empty if the tree did not stop.
 std::string failureText(const Tree& tree);
 
-// The annotation as one object:
+// Prints the annotation as one JSON object in indented lines, a block of them at a time:
 //   "type", "size"   of the message
 //   "nodes"          its parts in the order of the message, each {"path", "depth", "name", "kind", "type", "offset",
 //                    "size", "value", "text"}; "value" is the JSON form of a number, string or opaque; "text" is what
 //                    the annotation shows beside the bytes
 //   "refused"        {"path", "offset", "reason", "cause"}, only after a failure
 //   "leftOver"       {"offset", "size"}, only if bytes follow the value
-Json annotationJson(const Tree& tree);
+void printAnnotationJson(const Tree& tree, const std::function<void(std::string_view)>& print);
 
 // The innermost part that holds the byte at `offset`, or the part at a JSON Pointer; nullopt if there is none.
 std::optional<std::uint32_t> partAt(const Tree& tree, std::size_t offset);
@@ -48,7 +49,7 @@ std::optional<std::uint32_t> partAt(const Tree& tree, std::string_view pointer);
 // "/jobId/job  bytes 8..11  LongNatural  231"
 std::string partText(const Tree& tree, std::uint32_t part);
 
-// A node's object as in `annotationJson`.
+// A part's object as in `printAnnotationJson`.
 Json partJson(const Tree& tree, std::uint32_t part);
 
 }  // namespace quorva::inspect

@@ -38,7 +38,7 @@ public:
         const Tree tree(type, message);
         if (at || path) return runForPart(tree);
         if (json)
-            printJson(annotationJson(tree));
+            printAnnotationJson(tree, print);
         else
             print(annotationText(tree));
         if (const auto& stopped = tree.stopped()) {
