@@ -22,20 +22,20 @@ public:
 
     void declare(CLI::App& app) override
     {
-        app.add_option("TYPE", words[0], "name of the type; guessed if only two files are given")->required();
-        app.add_option("A", words[1], "file with the first message; - is standard input")->required();
-        app.add_option("B", words[2], "file with the second message; - is standard input");
+        const auto takeFirstWord = [this, &app](const std::string& word) { takeType(app, word); };
+        app.add_option_function<std::string>("TYPE", takeFirstWord,
+                                             "name of the type; guessed if only two files are given");
+        app.add_option("A", fileA, "file with the first message; - is standard input")->required();
+        app.add_option("B", fileB, "file with the second message; - is standard input")->required();
         first.declareForm(app);
         app.add_flag("--json", json, "print JSON");
     }
 
     int run() override
     {
-        const bool isNamed = !words[2].empty();
-        if (isNamed) subject.choose(words[0]);
         const Type* const named = isNamed ? &subject.type() : nullptr;
-        first.choose(words[isNamed]);
-        second.choose(words[1 + isNamed]);
+        first.choose(fileA);
+        second.choose(fileB);
         if (first.name() == "-" && second.name() == "-") throw Stop{usageError, "A and B are both standard input"};
         const Bytes a = first.message(named), b = second.message(named, first.form());
         const Type& type = named ? *named : guessed(a, b);
@@ -62,6 +62,19 @@ public:
     }
 
 private:
+    // Takes the first word of three as TYPE. The parser fills the arguments from the first one on; fewer words are A
+    // and B. It calls this before it stores A and B and checks that they are given.
+    void takeType(CLI::App& app, const std::string& word)
+    {
+        CLI::Option& a = *app.get_option("A");
+        CLI::Option& b = *app.get_option("B");
+        isNamed = b.count() > 0;
+        if (isNamed) return subject.choose(word);
+        if (a.count() > 0) b.add_result(a.results().front());
+        a.clear();
+        a.add_result(word);
+    }
+
     // The most likely type of the first message that the second one fits, too.
     const Type& guessed(const Bytes& a, const Bytes& b) const
     {
@@ -90,7 +103,8 @@ private:
                                     ' ' + explained(tree.stopped()->failure, tree.bytes().size())};
     }
 
-    std::string words[3];
+    std::string fileA, fileB;
+    bool isNamed = false;
     TypeArgument subject;
     InputArgument first, second;
     bool json = false;
