@@ -25,6 +25,7 @@ namespace {
 using Value = JsonText::Value;
 
 constexpr std::size_t mostErrors = 20;
+constexpr std::size_t mostMistakes = mostErrors + 1;  // the last one tells only that there are more errors
 
 // A value for a message, shortened to 40 bytes.
 std::string described(const Value& value)
@@ -74,7 +75,7 @@ private:
     template <class Action>
     void within(Token token, Action action)
     {
-        if (mistakes.size() >= mostErrors) return;
+        if (mistakes.size() >= mostMistakes) return;
         tokens.push_back(token);
         action();
         tokens.pop_back();
@@ -83,7 +84,7 @@ private:
     // Adds an error of the current value. `place` is the value, or the name of one of its members.
     void report(const Value& place, std::string sentence)
     {
-        if (mistakes.size() >= mostErrors) return;
+        if (mistakes.size() >= mostMistakes) return;
         std::string path;
         for (const Token& token : tokens) {
             const auto* index = std::get_if<std::size_t>(&token);
@@ -229,7 +230,7 @@ private:
     {
         std::vector<bool> seen(members.size());
         json.forEachMember([&](const Value& name, const Value& found) {
-            if (mistakes.size() >= mostErrors) return;
+            if (mistakes.size() >= mostMistakes) return;
             const auto field = std::ranges::find(members, name.string(), &Member::name);
             if (field == members.end()) return report(name, unknown(name));
             const auto index = static_cast<std::size_t>(field - members.begin());
@@ -386,11 +387,17 @@ private:
     std::vector<Token> tokens;
 };
 
-std::string joined(const std::vector<JsonError::Entry>& errors)
+const char* remainderOf(bool areMore)
+{
+    static_assert(mostErrors == 20);
+    return areMore ? "there are more errors; these are the first 20" : "";
+}
+
+std::string joined(const std::vector<JsonError::Entry>& errors, const char* remainder)
 {
     std::string text;
     for (const JsonError::Entry& error : errors) text += (text.empty() ? "" : "\n") + error.text();
-    return text;
+    return *remainder ? text + '\n' + remainder : text;
 }
 
 // Throws JsonError if the value does not have the form of the type.
@@ -399,10 +406,12 @@ void check(const Type& type, const JsonText& json)
     Reader reader;
     reader.value(type, json.value(), nullptr);
     if (reader.mistakes.empty()) return;
+    const bool areMore = reader.mistakes.size() > mostErrors;
+    if (areMore) reader.mistakes.pop_back();
     std::vector<JsonError::Entry> errors;
     for (Mistake& mistake : reader.mistakes)
         errors.push_back(json.error(mistake.offset, std::move(mistake.path), std::move(mistake.sentence)));
-    throw JsonError(std::move(errors));
+    throw JsonError(std::move(errors), areMore);
 }
 
 }  // namespace
@@ -428,9 +437,17 @@ JsonError::JsonError(Entry malformation)
 {
 }
 
-JsonError::JsonError(std::vector<Entry> found)
-    : std::runtime_error(inspect::joined(found)), malformed(false), entries(std::move(found))
+JsonError::JsonError(std::vector<Entry> found, bool areMore)
+    : std::runtime_error(inspect::joined(found, inspect::remainderOf(areMore))),
+      malformed(false),
+      isCut(areMore),
+      entries(std::move(found))
 {
+}
+
+const char* JsonError::remainder() const
+{
+    return inspect::remainderOf(isCut);
 }
 
 JsonError::~JsonError() = default;

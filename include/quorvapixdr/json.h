@@ -50,8 +50,8 @@ public:
 
     // The text is not JSON, or its values nest too deeply.
     explicit JsonError(Entry malformation);
-    // The text is JSON, but not the form of a value of the type.
-    explicit JsonError(std::vector<Entry> found);
+    // The text is JSON, but not the form of a value of the type. `areMore`: it has more errors than these.
+    JsonError(std::vector<Entry> found, bool areMore);
     ~JsonError() override;
 
     bool isMalformed() const { return malformed; }
@@ -59,8 +59,12 @@ public:
     // At least one and at most twenty.
     const std::vector<Entry>& errors() const { return entries; }
 
+    // A sentence that the text has more errors; empty if these are all. `what` ends with it.
+    const char* remainder() const;
+
 private:
     bool malformed;
+    bool isCut = false;
     std::vector<Entry> entries;
 };
 

@@ -84,6 +84,7 @@ Bytes encoded(const Type& type, std::string_view json, const std::string& file, 
         std::string message;
         for (const JsonError::Entry& entry : error.errors())
             message += (message.empty() ? "" : "\n") + file + ':' + entry.text();
+        if (*error.remainder()) message += '\n' + file + ": " + error.remainder();
         throw Stop{error.isMalformed() ? inputError : codingError, message};
     }
 }

@@ -250,10 +250,14 @@ TEST(Json, readsLongTextsInLinearTime)
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::minutes(1));
 }
 
-TEST(Json, tellsTwentyErrorsAtMost)
+TEST(Json, tellsTwentyErrorsAtMostAndThatThereAreMore)
 {
-    const std::string errors = errorsOf(types::Neighbour, R"({"nested":[{},{},{}]})");
+    std::string text = R"({"attribute":40,"counters":[1,2,3])";
+    for (int i = 0; i < 20; ++i) text += R"(,"unknown":0)";
+    const std::string errors = errorsOf(types::StationUnion, text + '}');
     EXPECT_EQ(std::ranges::count(errors, '\n'), 19) << errors;
+    EXPECT_EQ(errorsOf(types::StationUnion, text + R"(,"unknown":0})"),
+              errors + "\nthere are more errors; these are the first 20");
 }
 
 }  // namespace
