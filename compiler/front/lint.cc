@@ -68,6 +68,8 @@ private:
 
     void width(const Source& source);
     void imports(const Module& module);
+    template <class Documented>
+    void missingDocumentation(const Documented& documented);
     void documentation(const Definition& definition);
     void typeName(const Definition& definition);
     void memberName(const Declaration& member, std::string_view what);
@@ -165,11 +167,16 @@ void Linter::imports(const Module& module)
 
 // Documentation
 
+template <class Documented>
+void Linter::missingDocumentation(const Documented& documented)
+{
+    if (documented.doc.empty())
+        warn(documented.at, inQuotes(documented.name) + " is not documented; describe it in a comment above it");
+}
+
 void Linter::documentation(const Definition& definition)
 {
-    if (definition.doc.empty()) {
-        warn(definition.at, inQuotes(definition.name) + " is not documented; describe it in a comment above it");
-    }
+    missingDocumentation(definition);
     if (definition.provisional && definition.provisional->empty()) {
         warn(definition.at,
              inQuotes(definition.name) + " is provisional without a reason; say after the mark what it follows");
@@ -322,6 +329,7 @@ void Linter::module(const Module& module)
     width(module.source);
     imports(module);
     for (const auto& each : module.definitions) definition(*each);
+    for (const RemoteProgram& each : module.programs) missingDocumentation(each);
 }
 
 }  // namespace
