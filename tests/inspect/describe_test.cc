@@ -84,7 +84,8 @@ TEST(Find, ranksHits)
         {"0xFFFFFFFF", "arm  EventUnion -1 reason  locker.x:67  string reason<65535>\n"},
         {"1",
          "arm         AccessUnion AKowner (1) owner  locker.x:52  string owner<40>\n"
-         "enumerator  DoorState DSclosed = 1         locker.x:13\n"},
+         "enumerator  DoorState DSclosed = 1         locker.x:13\n"
+         "procedure   STATION.STATION_V1.look = 1    locker.x:76  Locker look(LockerId)\n"},
         {"*state",
          "type    DoorState         locker.x:13  enum\n"
          "member  Locker.DoorState  locker.x:34  DoorState DoorState\n"},
@@ -99,7 +100,7 @@ TEST(Find, ranksHits)
     EXPECT_EQ(hitsOf("owner", HitKind::text),
               "text  Locker  locker.x:34  All ten bytes of the code are always sent; the owner pads short codes with "
               "zeros.\n");
-    EXPECT_TRUE(hitsOf("s").ends_with("and 14 more (--all)\n"));
+    EXPECT_TRUE(hitsOf("s").ends_with("and 18 more (--all)\n"));
 }
 
 TEST(Schema, isWrittenForAllTypes)

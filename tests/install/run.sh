@@ -72,6 +72,7 @@ diff "$work/expected" "$work/printed"
 cat >"$work/expected" <<'TXT'
 quorva::JsonError::Entry::text
 quorva::JsonError::JsonError
+quorva::JsonError::remainder
 quorva::JsonError::~JsonError
 quorva::addModules
 quorva::builtinTypes
