@@ -26,7 +26,11 @@ bool answers(ByteView message, std::uint32_t xid)
 }  // namespace
 
 Client::Client(Protocol byProtocol, const Address& ofServer, ClientOptions withOptions)
-    : protocol(byProtocol), server(ofServer), options(withOptions), nextXid(std::random_device()())
+    : protocol(byProtocol),
+      server(ofServer),
+      options(withOptions),
+      buffer(longestMessage),
+      nextXid(std::random_device()())
 {
 }
 
@@ -61,13 +65,12 @@ Bytes Client::byRecords(const Called& called, std::uint32_t xid, const Bytes& me
         }
     }
 
-    unsigned char buffer[16384];
     for (;;) {
         if (!wait(POLLIN, deadline)) fail(called, RpcError::Status::timedOut, "no reply in time");
-        const ssize_t count = recv(socket.get(), buffer, sizeof buffer, 0);
+        const ssize_t count = recv(socket.get(), buffer.data(), buffer.size(), 0);
         if (count == 0) fail(called, RpcError::Status::disconnected, "the server closed the connection");
         if (count < 0 && !mustWait()) throwErrno("receive");
-        for (ByteView rest(buffer, count < 0 ? 0 : static_cast<std::size_t>(count)); !rest.empty();) {
+        for (ByteView rest(buffer.data(), count < 0 ? 0 : static_cast<std::size_t>(count)); !rest.empty();) {
             rest = rest.subspan(reader.take(rest));
             if (!reader.complete()) continue;
             Bytes reply = reader.release();
@@ -81,17 +84,14 @@ Bytes Client::byRecords(const Called& called, std::uint32_t xid, const Bytes& me
 Bytes Client::byDatagrams(const Called& called, std::uint32_t xid, const Bytes& message)
 {
     const auto deadline = Clock::now() + options.timeout;
-    Bytes reply(longestMessage);
     for (auto interval = options.retransmit; Clock::now() < deadline; interval *= 2) {
         if (send(socket.get(), message.data(), message.size(), MSG_NOSIGNAL) < 0 && !mustWait()) throwErrno("send");
         const auto again = std::min(Clock::now() + interval, deadline);
         while (wait(POLLIN, again)) {
-            const ssize_t count = recv(socket.get(), reply.data(), reply.size(), 0);
+            const ssize_t count = recv(socket.get(), buffer.data(), buffer.size(), 0);
             if (count < 0 && !mustWait()) throwErrno("receive");
-            const std::size_t length = count < 0 ? 0 : static_cast<std::size_t>(count);
-            if (!answers(ByteView(reply).first(length), xid)) continue;
-            reply.resize(length);
-            return reply;
+            const ByteView reply(buffer.data(), count < 0 ? 0 : static_cast<std::size_t>(count));
+            if (answers(reply, xid)) return Bytes(reply.begin(), reply.end());
         }
     }
     fail(called, RpcError::Status::timedOut, "no reply in time");

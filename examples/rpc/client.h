@@ -30,8 +30,8 @@ public:
     template <class Argument, class Result>
     quorva::Owned<Result> call(const quorva::Procedure<Argument, Result>& procedure, const Argument& argument)
     {
-        const Bytes reply = exchange(procedure, quorva::encode(argument, procedure.argument, {.limit = room()}));
-        const ByteView result = resultIn(reply, procedure, server.text());
+        const Bytes reply = exchange(procedure, encoded(argument, procedure.argument, room()));
+        const ByteView result = resultIn(reply, procedure, server);
         try {
             return quorva::decode<Result>(result, procedure.result);
         } catch (const quorva::CodingError& error) {
@@ -63,6 +63,7 @@ private:
     ClientOptions options;
     Descriptor socket;
     RecordReader reader;
+    Bytes buffer;  // for what is received
     std::uint32_t nextXid;
 };
 

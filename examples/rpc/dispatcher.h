@@ -31,7 +31,7 @@ public:
             procedure.name, [procedure, handler](ByteView bytes, Call& call, std::size_t limit) mutable {
                 const quorva::Owned<Argument> argument = argumentOf(bytes, procedure.argument);
                 const Result result = handler(*argument, call);
-                return quorva::encode(result, procedure.result, {.limit = limit});
+                return encoded(result, procedure.result, limit);
             }};
     }
 

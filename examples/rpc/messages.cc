@@ -14,7 +14,8 @@ constexpr OpaqueAuth noAuth = {AuthFlavor::AUTH_NONE, {0, nullptr}};
 
 Bytes withHeader(const RpcMessage& header, ByteView rest)
 {
-    Bytes message = quorva::encode(header);
+    Bytes message = encoded(header, quorva::coder::RpcMessage, quorva::driverMessage);
+    message.reserve(message.size() + rest.size());
     message.insert(message.end(), rest.begin(), rest.end());
     return message;
 }
@@ -34,15 +35,12 @@ std::string rangeText(const VersionRange& range)
 // Throws the error of a reply without a result.
 class Refusal {
 public:
-    Refusal(const Called& procedure, const std::string& server)
-        : called(procedure), context(std::string(procedure.name) + " at " + server + ": ")
-    {
-    }
+    Refusal(const Called& procedure, const Address& ofServer) : called(procedure), server(ofServer) {}
 
     [[noreturn]] void because(Status status, const std::string& sentence, VersionRange range = {},
                               AuthStat auth = AuthStat::AUTH_OK) const
     {
-        throw RpcError(status, context + sentence, range, auth);
+        throw RpcError(status, std::string(called.name) + " at " + server.text() + ": " + sentence, range, auth);
     }
 
     [[noreturn]] void denied(const RejectedReply& reply) const
@@ -77,7 +75,7 @@ public:
 
 private:
     const Called& called;
-    std::string context;
+    const Address& server;
 };
 
 }  // namespace
@@ -105,7 +103,7 @@ Bytes deniedMessage(std::uint32_t xid, const RejectedReply& reply)
     return withHeader(header, {});
 }
 
-ByteView resultIn(ByteView reply, const Called& called, const std::string& server)
+ByteView resultIn(ByteView reply, const Called& called, const Address& server)
 {
     const Refusal refused(called, server);
     try {

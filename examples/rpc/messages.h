@@ -19,7 +19,7 @@ struct Called {
     {
     }
     template <class Argument, class Result>
-    Called(const quorva::Procedure<Argument, Result>& procedure)  // NOLINT: a conversion
+    Called(const quorva::Procedure<Argument, Result>& procedure)
         : Called(procedure.name, procedure.program, procedure.version, procedure.number)
     {
     }
@@ -33,6 +33,18 @@ struct Called {
 // The header of a call without credential, and of a reply with a result, in bytes.
 inline constexpr std::size_t callHeader = 40;
 inline constexpr std::size_t replyHeader = 24;
+
+// Encodes an argument or a result of at most `limit` bytes. Throws quorva::CodingError, as quorva::encode does, which
+// clears memory for the longest message first. Most are short and need a small buffer alone.
+template <class T>
+Bytes encoded(const T& value, quorva::Coder<T> coder, std::size_t limit)
+{
+    unsigned char buffer[512];
+    void* const object = const_cast<void*>(static_cast<const void*>(&value));  // an encode only reads it
+    const quorva::Pass pass = quorva::runPass(quorva::Mode::encode, coder.routine, object, buffer);
+    if (pass.succeeded) return Bytes(buffer, buffer + pass.length);
+    return quorva::encode(value, coder, {.limit = limit});
+}
 
 // Whole messages. `argument` and `result` are encoded already.
 Bytes callMessage(std::uint32_t xid, const Called& called, ByteView argument);
@@ -74,8 +86,7 @@ private:
     AuthStat auth;
 };
 
-// The result within the reply to `called`, still encoded. Throws RpcError for any other reply; `server` is for its
-// sentence.
-ByteView resultIn(ByteView reply, const Called& called, const std::string& server);
+// The result within the reply of `server` to `called`, still encoded. Throws RpcError for any other reply.
+ByteView resultIn(ByteView reply, const Called& called, const Address& server);
 
 }  // namespace rpc

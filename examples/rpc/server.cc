@@ -20,7 +20,6 @@ namespace {
 
 constexpr std::size_t readAtOnce = 16384;
 constexpr int acceptedAtOnce = 64;
-constexpr int datagramsAtOnce = 64;
 
 bool mustWait()
 {
@@ -32,7 +31,7 @@ bool isSuccess(ByteView message, std::uint32_t xid)
 {
     if (message.size() < 4 || unitAt(message) != xid) return false;
     try {
-        resultIn(message, {"", 0, 0, 0}, "");
+        resultIn(message, {"", 0, 0, 0}, {});
         return true;
     } catch (const RpcError&) {
         return false;
@@ -134,7 +133,7 @@ void Server::step(std::chrono::milliseconds atMost)
         if (event.data.ptr == &listener) {
             accept();
         } else if (event.data.ptr == &datagrams) {
-            receiveDatagrams();
+            receiveDatagram();
         } else if (event.data.ptr == &stopped) {
             std::uint64_t times;
             stopping = read(stopped.get(), &times, sizeof times) > 0;
@@ -167,7 +166,11 @@ void Server::accept()
         }
         Connection& added = add(std::move(socket), {storage, length});
         added.watched = EPOLLIN;
-        watch(added.socket.get(), &added, added.watched, true);
+        try {
+            watch(added.socket.get(), &added, added.watched, true);
+        } catch (const std::system_error& error) {
+            close(added, error.what());
+        }
     }
 }
 
@@ -249,7 +252,7 @@ void Server::take(Connection& connection, ByteView bytes)
             return close(connection);
         }
         const Bytes answer = dispatcher.reply(message, connection.peer, longestMessage);
-        if (!connection.socket) return;  // the handler made a call, which needed its place
+        if (!connection.socket) return;  // its place was needed for a call of the handler
         if (answer.empty()) return close(connection, "closed, because it sent something else than a call");
         connection.out = asRecord(answer);
         send(connection);
@@ -293,40 +296,40 @@ void Server::beginCall(const Address& to, const Called& called, const Bytes& arg
 // ---- Datagrams
 // -------------------------------------------------------------------------------------------------------
 
-void Server::receiveDatagrams()
+void Server::receiveDatagram()
 {
-    for (int i = 0; i < datagramsAtOnce; ++i) {
-        sockaddr_storage storage = {};
-        socklen_t addressLength = sizeof storage;
-        const ssize_t count = recvfrom(datagrams.get(), buffer.data(), buffer.size(), 0,
-                                       reinterpret_cast<sockaddr*>(&storage), &addressLength);
-        if (count < 0) return;
-        const Address peer(storage, addressLength);
-        const ByteView message = ByteView(buffer).first(static_cast<std::size_t>(count));
-        std::string key(peer.bytes().begin(), peer.bytes().end());
-        key.append(message.begin(), message.end());
-        const auto known = kept.find(key);
-        const Bytes answer = known != kept.end() ? known->second : dispatcher.reply(message, peer, longestDatagram);
-        if (answer.empty()) continue;
-        // A reply that the system does not take is lost like any other datagram: the client asks again.
-        sendto(datagrams.get(), answer.data(), answer.size(), MSG_NOSIGNAL, peer.get(), peer.length());
-        if (known == kept.end()) keep(std::move(key), answer);
-    }
+    sockaddr_storage storage = {};
+    socklen_t addressLength = sizeof storage;
+    const ssize_t count = recvfrom(datagrams.get(), buffer.data(), buffer.size(), 0,
+                                   reinterpret_cast<sockaddr*>(&storage), &addressLength);
+    if (count < 0) return;
+    const Address peer(storage, addressLength);
+    const ByteView message = ByteView(buffer).first(static_cast<std::size_t>(count));
+    std::string key(peer.bytes().begin(), peer.bytes().end());
+    key.append(message.begin(), message.end());
+    // A reply that the system does not take is lost like any other datagram: the client asks again.
+    const auto answer = [&](const Bytes& reply) {
+        sendto(datagrams.get(), reply.data(), reply.size(), MSG_NOSIGNAL, peer.get(), peer.length());
+    };
+    if (const auto known = kept.find(key); known != kept.end()) return answer(known->second);
+    Bytes reply = dispatcher.reply(message, peer, longestDatagram);
+    if (reply.empty()) return;
+    answer(reply);
+    keep(std::move(key), std::move(reply));
 }
 
-void Server::keep(std::string key, const Bytes& answer)
+void Server::keep(std::string key, Bytes reply)
 {
-    const std::size_t size = 2 * key.size() + answer.size();
+    const std::size_t size = key.size() + reply.size();
     if (size > options.keptReplies) return;
     while (keptBytes + size > options.keptReplies) {
-        const auto oldest = kept.find(keptKeys.front());
-        keptBytes -= 2 * oldest->first.size() + oldest->second.size();
+        const auto oldest = kept.find(*keptKeys.front());
+        keptBytes -= oldest->first.size() + oldest->second.size();
         kept.erase(oldest);
         keptKeys.pop_front();
     }
     keptBytes += size;
-    keptKeys.push_back(key);
-    kept.emplace(std::move(key), answer);
+    keptKeys.push_back(&kept.emplace(std::move(key), std::move(reply)).first->first);
 }
 
 void Server::report(const Address& peer, const std::string& sentence) const

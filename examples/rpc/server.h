@@ -58,8 +58,7 @@ public:
     void notify(const Address& to, const quorva::Procedure<Argument, Result>& procedure, const Argument& argument,
                 std::function<void(bool)> done)
     {
-        beginCall(to, procedure, quorva::encode(argument, procedure.argument, {.limit = longestMessage - callHeader}),
-                  std::move(done));
+        beginCall(to, procedure, encoded(argument, procedure.argument, longestMessage - callHeader), std::move(done));
     }
 
     // Serves until `stop`.
@@ -77,7 +76,7 @@ private:
     void listen();
     void watch(int descriptor, void* tag, std::uint32_t events, bool isNew);
     void accept();
-    void receiveDatagrams();
+    void receiveDatagram();
     void ready(Connection& connection, std::uint32_t events);
     void receive(Connection& connection);
     void take(Connection& connection, ByteView bytes);
@@ -88,7 +87,7 @@ private:
     void progressed(Connection& connection);
     void close(Connection& connection, const std::string& why = {});
     void closeLateOnes();
-    void keep(std::string key, const Bytes& reply);
+    void keep(std::string key, Bytes reply);
     void report(const Address& peer, const std::string& sentence) const;
 
     ServerOptions options;
@@ -106,7 +105,7 @@ private:
 
     // The replies to the last calls over UDP, so that a repeated call is answered without being run again.
     std::unordered_map<std::string, Bytes> kept;
-    std::deque<std::string> keptKeys;  // the oldest first
+    std::deque<const std::string*> keptKeys;  // the oldest first
     std::size_t keptBytes = 0;
 };
 
