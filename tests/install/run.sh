@@ -21,6 +21,7 @@ if find "$work/prefix" | grep -e 'bin/quorvaxdr$' -e libquorvainspect -e 'quorva
     exit 1
 fi
 configure "$source/examples/own_module" "$work/own" "$work/prefix"
+configure "$source/examples/rpc" "$work/rpc" "$work/prefix"
 cat >"$work/expected" <<'TXT'
 68 bytes: door 4 "left, top" is SDSclosed, job 1207
 cannot encode StationReport at /doors, byte 32 of 1024: count 7 is beyond the maximum 6

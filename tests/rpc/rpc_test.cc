@@ -331,8 +331,8 @@ TEST(RpcStatus, datagramIsSentAgainWithTheSameXid)
 
 TEST(RpcStatus, silentAndAbsentServersAreErrors)
 {
-    const auto statusOf = [](Protocol protocol, const Address& address) {
-        rpc::Client client(protocol, address, {.timeout = 50ms, .retransmit = 20ms});
+    const auto statusOf = [](Protocol protocol, const Address& address, const rpc::ClientOptions& options) {
+        rpc::Client client(protocol, address, options);
         try {
             expectEcho(client, "");
         } catch (const RpcError& error) {
@@ -343,22 +343,21 @@ TEST(RpcStatus, silentAndAbsentServersAreErrors)
     for (const Protocol protocol : {Protocol::tcp, Protocol::udp}) {
         Descriptor silent = rpc::openListener(protocol, Address::ofNumbers("127.0.0.1", 0));
         const Address address = Address::localOf(silent);
-        EXPECT_EQ(statusOf(protocol, address), Status::timedOut);
+        EXPECT_EQ(statusOf(protocol, address, {.timeout = 50ms, .retransmit = 20ms}), Status::timedOut);
         silent = {};
-        EXPECT_EQ(statusOf(protocol, address), Status::disconnected);
+        EXPECT_EQ(statusOf(protocol, address, {}), Status::disconnected);
     }
 }
 
 TEST(RpcStatus, closedConnectionIsMadeAgain)
 {
     rpc::ServerOptions options;
-    options.patience = 1ms;
+    options.connections = 1;
     const Running running(options);
-    rpc::Client client = running.client(Protocol::tcp);
+    rpc::Client one = running.client(Protocol::tcp), other = running.client(Protocol::tcp);
     for (int i = 0; i < 5; ++i) {
-        RawPeer other(Protocol::tcp, running.server.address());
-        other.expectClosed();  // so the client's connection, which is older, is closed, too
-        expectEcho(client, "again");
+        expectEcho(one, "takes the only place");
+        expectEcho(other, "takes it back");
     }
 }
 
@@ -548,9 +547,6 @@ TEST(RpcServer, saysWhatBecameOfANotification)
 {
     const Running good;
     Descriptor silent = rpc::openListener(Protocol::tcp, Address::ofNumbers("127.0.0.1", 0));
-    rpc::ServerOptions options;
-    options.patience = 50ms;
-    rpc::Server server(options);
     const Address silentAddress = Address::localOf(silent);
     Address absent;
     {
@@ -561,13 +557,17 @@ TEST(RpcServer, saysWhatBecameOfANotification)
     const struct {
         Address to;
         std::uint32_t version;
+        std::chrono::milliseconds patience;
         bool succeeds;
-    } cases[] = {{good.server.address(), 2, true},
-                 {good.server.address(), 7, false},  // an error is no success
-                 {silentAddress, 2, false},
-                 {absent, 2, false}};
+    } cases[] = {{good.server.address(), 2, 30s, true},
+                 {good.server.address(), 7, 30s, false},  // the reply is an error
+                 {silentAddress, 2, 50ms, false},
+                 {absent, 2, 30s, false}};
     for (const auto& each : cases) {
         int done = 0;
+        rpc::ServerOptions options;
+        options.patience = each.patience;
+        rpc::Server server(options);
         server.notify(each.to, numbered(echo, echo.program, each.version, echo.number), text, [&](bool succeeded) {
             ++done;
             EXPECT_EQ(succeeded, each.succeeds);
