@@ -38,6 +38,7 @@ constexpr std::string_view usage =
     R"(usage: quorvaxdrc generate --out DIR [-I DIR]... [option]... FILE.x...
        quorvaxdrc plain [-I DIR]... [--prefix P] FILE.x...
        quorvaxdrc python --out DIR [-I DIR]... [--package NAME] FILE.x...
+       quorvaxdrc wireshark --out FILE [-I DIR]... FILE.x...
        quorvaxdrc check [-I DIR]... FILE.x...
        quorvaxdrc lint [-I DIR]... FILE.x...
        quorvaxdrc flatten [-I DIR]... FILE.x...
@@ -49,6 +50,7 @@ Compiles interface files: XDR (RFC 4506) with imports and the API's own integer 
   generate   write C++ headers, coding routines and descriptions
   plain      print one RFC 4506 file for other XDR tools, imports included
   python     write a package of Python that codes the same messages
+  wireshark  write a dissector for Wireshark that reads the calls of remote programs
   check      report errors and write nothing
   lint       report errors, or style warnings if there are no errors
   flatten    print one interface file without documentation, imports included, to compare with later
@@ -111,6 +113,18 @@ constexpr std::string_view pythonOptions =
   --package NAME the name of the package (default: quorvapixdr)
 )";
 
+constexpr std::string_view wiresharkUsage =
+    R"(usage: quorvaxdrc wireshark --out FILE [option]... FILE.x...
+
+Writes a dissector for Wireshark and tshark in Lua. It reads the calls and replies of the remote programs (RFC 5531)
+that the `program` blocks of every FILE and its imports describe. A file whose content would stay the same is not
+touched.
+)";
+
+constexpr std::string_view wiresharkOptions =
+    R"(  --out FILE     where to write
+)";
+
 constexpr std::string_view checkUsage =
     R"(usage: quorvaxdrc check [option]... FILE.x...
 
@@ -149,7 +163,7 @@ struct UsageError {
     std::string sentence;
 };
 
-enum class Verb { generate, plain, python, check, lint, flatten, fingerprint, compare };
+enum class Verb { generate, plain, python, wireshark, check, lint, flatten, fingerprint, compare };
 
 struct Arguments {
     Verb verb = Verb::check;
@@ -173,9 +187,10 @@ struct Option {
     bool Arguments::*flag = nullptr;
 };
 
-constexpr std::array<Option, 9> options = {{
+constexpr std::array<Option, 10> options = {{
     {"--out", Verb::generate, &Arguments::out},
     {"--out", Verb::python, &Arguments::out},
+    {"--out", Verb::wireshark, &Arguments::out},
     {"--package", Verb::python, &Arguments::package},
     {"--depfile", Verb::generate, &Arguments::depfile},
     {"--target", Verb::generate, &Arguments::target},
@@ -185,10 +200,11 @@ constexpr std::array<Option, 9> options = {{
     {"--help", std::nullopt, nullptr, &Arguments::help},
 }};
 
-constexpr std::array<std::pair<std::string_view, Verb>, 8> verbs = {{
+constexpr std::array<std::pair<std::string_view, Verb>, 9> verbs = {{
     {"generate", Verb::generate},
     {"plain", Verb::plain},
     {"python", Verb::python},
+    {"wireshark", Verb::wireshark},
     {"check", Verb::check},
     {"lint", Verb::lint},
     {"flatten", Verb::flatten},
@@ -265,6 +281,7 @@ void ArgumentReader::complete() const
     const std::string verb = inQuotes(nameOf(result.verb));
     const bool writesFiles = result.verb == Verb::generate || result.verb == Verb::python;
     if (writesFiles && result.out.empty()) throw UsageError{verb + " needs '--out DIR'"};
+    if (result.verb == Verb::wireshark && result.out.empty()) throw UsageError{verb + " needs '--out FILE'"};
     if (result.depfile.empty() != result.target.empty()) {
         throw UsageError{result.target.empty() ? "'--depfile' needs '--target NAME'"
                                                : "'--target' needs '--depfile FILE'"};
@@ -321,6 +338,7 @@ void printHelp(Verb verb)
     case Verb::generate: std::cout << generateUsage << searching << generateOptions; break;
     case Verb::plain: std::cout << plainUsage << searching << plainOptions; break;
     case Verb::python: std::cout << pythonUsage << searching << pythonOptions; break;
+    case Verb::wireshark: std::cout << wiresharkUsage << searching << wiresharkOptions; break;
     case Verb::check: std::cout << checkUsage << searching; break;
     case Verb::lint: std::cout << lintUsage << searching; break;
     case Verb::flatten: std::cout << flattenUsage << searching; break;
@@ -452,6 +470,17 @@ int python(const Arguments& arguments, const Program& program)
     return written ? success : cannotRun;
 }
 
+int wireshark(const Arguments& arguments, const Program& program)
+{
+    const auto hasPrograms = [](const auto& module) { return !module->programs.empty(); };
+    if (std::none_of(program.modules.begin(), program.modules.end(), hasPrograms)) {
+        complain("no file has a 'program' block, so a dissector would find no call");
+        return hasDiagnostics;
+    }
+    const std::string text = emitWireshark(program);
+    return isContent(arguments.out, text) || writeFile(arguments.out, text) ? success : cannotRun;
+}
+
 int list(const Arguments& arguments, const SearchPath& folders)
 {
     for (const std::string& file : arguments.files) {
@@ -523,6 +552,7 @@ int run(const Arguments& arguments)
     switch (arguments.verb) {
     case Verb::generate: return generate(arguments, *program);
     case Verb::python: return python(arguments, *program);
+    case Verb::wireshark: return wireshark(arguments, *program);
     case Verb::plain: std::cout << emitRfc4506(*program, {arguments.prefix}); break;
     case Verb::lint: return lint(*program);
     case Verb::flatten: std::cout << flatten(*program); break;

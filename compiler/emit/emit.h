@@ -45,4 +45,7 @@ struct PythonFile {
 // All modules of a program as a package of Python, with everything that they need.
 std::vector<PythonFile> emitPython(const Program& program);
 
+// A dissector for Wireshark in Lua: it reads the calls and replies of the remote programs of all modules.
+std::string emitWireshark(const Program& program);
+
 }  // namespace quorva::compiler
