@@ -242,14 +242,16 @@ local function sequenceLength(text, at)
     return continues(fourth) and not isOverlong and not isBeyond and 4 or nil
 end
 
-local function isUtf8(text)
-    local at = text:find("[\128-\255]")
-    while at and at <= #text do
+-- The text with U+FFFD for each byte that is not UTF-8; nil if the text is UTF-8.
+local function repaired(text)
+    local pieces, isValid, at = {}, true, 1
+    while at <= #text do
         local length = sequenceLength(text, at)
-        if not length then return false end
-        at = at + length
+        pieces[#pieces + 1] = length and text:sub(at, at + length - 1) or "\239\191\189"
+        at = at + (length or 1)
+        isValid = isValid and length
     end
-    return true
+    return not isValid and table.concat(pieces) or nil
 end
 
 -- ---- Reading a message ----------------------------------------------------------------------------------------------
@@ -452,29 +454,29 @@ local function examineCount(m, item, unit, most)
     return refuse(m, item, beyond("count", count, most) .. cut)
 end
 
--- The text of a string up to its first zero byte, with the findings.
-local function examineText(m, item, from, size)
-    local text = m.tvb(from, size):raw()
+local function examineText(item, text)
     local zero = text:find("\0", 1, true)
     if zero then
         add(item, "text-holds-zero", string.format("the string has %s bytes, decoded up to the zero byte at %s",
-            grouped(size), grouped(zero - 1)))
-    elseif not isUtf8(text) then
+            grouped(#text), grouped(zero - 1)))
+    elseif repaired(text) then
         add(item, "text-not-valid", "the string is not UTF-8")
     end
 end
 
--- Reads and shows contents, for a string together with its length, a unit at `from`. `examine` adds findings of
--- the length to the item and returns false if it is refused.
+-- Reads and shows contents, for a string together with its length, a unit at `from`. `examine` adds findings of the
+-- length to the item and returns false if it is refused.
 local function visitContents(m, tree, field, use, from, size, prefix, examine)
+    local isAccepted = size <= (use.most or size)
     local present = m.captured - m.at
     local isText = use.form == "string"
     local item
-    if size <= present then
+    if isAccepted and size <= present then
         local contents = m.tvb(m.at, size)
         if isText then
             local whole = m.tvb(from, math.min(m.at + size + -size % 4, m.captured) - from)
-            item = tree:add(field.value, whole, contents:string(ENC_UTF_8))
+            local text = contents:raw():match("^[^%z]*")
+            item = tree:add(field.value, whole, text:find("[\128-\255]") and repaired(text) or text)
         else
             item = tree:add(field.value, contents)
             local text = contents:raw()
@@ -490,7 +492,7 @@ local function visitContents(m, tree, field, use, from, size, prefix, examine)
 
     local begin = m.at
     local isRead = passContents(m, item, size)
-    if isText and m.at > begin then examineText(m, item, begin, size) end
+    if isText and m.at > begin then examineText(item, m.tvb(begin, size):raw()) end
     if not isRead then return false end
     local padding = m.at - begin - size
     local filling = padding > 0 and m.tvb(begin + size, padding):raw() or ""
@@ -696,23 +698,21 @@ local function readBody(m, root, header, exchange, procedure)
 end
 
 -- Reads one message, whose bytes `tvb` has as far as the capture has them.
-local function dissectMessage(tvb, size, pinfo, tree, transport, isFirst)
-    local header = headerOf(tvb, 0)
-    local exchange = header and exchangeOf(pinfo, header, transport)
+local function dissectMessage(tvb, size, header, pinfo, tree, transport, isFirst)
+    local exchange = exchangeOf(pinfo, header, transport)
     local texts, procedure
     if exchange then texts, procedure = describe(exchange.header) end
-    local direction = header and (header.isCall and "call" or "reply") or "message"
-    local summary = (texts and texts.name .. " " or "") .. direction ..
-        (header and string.format(" xid 0x%08x", header.xid) or "")
+    local summary = string.format("%s%s xid 0x%08x", texts and texts.name .. " " or "",
+        header.isCall and "call" or "reply", header.xid)
     local root = tree:add(quorva, tvb(), "QUORVA, " .. summary)
 
     local m = newReading(tvb, size)
     m.seen = {}
-    if header then showExchange(root, pinfo, header, exchange, texts) end
+    showExchange(root, pinfo, header, exchange, texts)
     if readRoot(m, root, envelope) then
         local seen = m.seen
         m.seen = nil
-        local failure = header and not header.isCall and failureOf(seen)
+        local failure = not header.isCall and failureOf(seen)
         if failure then
             summary = summary .. " " .. failure
             procedure = {"", "void", "void"}
@@ -734,20 +734,21 @@ local function isOurs(header, pinfo, transport)
 end
 
 local function dissectDatagram(tvb, pinfo, tree)
-    if not isOurs(headerOf(tvb, 0), pinfo, "udp") then return false end
-    dissectMessage(tvb, tvb:reported_len(), pinfo, tree, "udp", true)
+    local header = headerOf(tvb, 0)
+    if not isOurs(header, pinfo, "udp") then return false end
+    dissectMessage(tvb, tvb:reported_len(), header, pinfo, tree, "udp", true)
     return true
 end
 
 -- ---- TCP: records of fragments, each after a mark with its length ---------------------------------------------------
 
--- The record at a place: its `fragments` {place, length}, its `size`, and `stop`, the place after it. If bytes are
--- missing, `missing` is their number, or true if it is not known; `problem` says why this is not a record.
+-- The record at a place: its `fragments` {place, length}, its `size`, and `stop`, the place after it. `missing` is the
+-- number of bytes up to the end of a fragment or of the mark after it; `problem` says why this is not a record.
 local function recordAt(tvb, at)
     local record, here, length = {fragments = {}, size = 0}, at, tvb:len()
     repeat
         if length - here < 4 then
-            record.missing = true
+            record.missing = 4 - (length - here)
             return record
         end
         local mark = tvb(here, 4):uint()
@@ -762,7 +763,7 @@ local function recordAt(tvb, at)
         local missing = here + 4 + size - length
         table.insert(record.fragments, {here + 4, math.min(size, length - here - 4)})
         if missing > 0 then
-            record.missing = isLast and missing or true
+            record.missing = isLast and missing or missing + 4
             return record
         end
         here = here + 4 + size
@@ -786,27 +787,47 @@ local function dissectSegment(tvb, pinfo, tree)
     local at, length = 0, tvb:len()
     while at < length do
         local record = recordAt(tvb, at)
-        if record.missing and pinfo.can_desegment > 0 then
+        local first = record.fragments[1]
+        local isBeginning = first and first[2] >= callHeader
+        local isPossible = not record.problem and (not isBeginning or headerOf(tvb, first[1]))
+        if isPossible and record.missing and pinfo.can_desegment > 0 then
             pinfo.desegment_offset = at
-            pinfo.desegment_len = record.missing == true and DESEGMENT_ONE_MORE_SEGMENT or record.missing
+            pinfo.desegment_len = record.missing
             return length
         end
-        local first = record.fragments[1]
-        local isMessage = not record.problem and first and (first[2] < callHeader or headerOf(tvb, first[1]))
-        local message = isMessage and bytesOf(tvb, record)
-        if not message then
+        local message = isPossible and bytesOf(tvb, record)
+        local header = message and headerOf(message, 0)
+        if not header then
             local item = tree:add(quorva, tvb(at), "QUORVA, " .. (record.problem or "not a record"))
             item:add(own.data, tvb(at))
             add(item, "not-a-record", record.problem or "no record of a call or a reply begins here")
             return length
         end
-        dissectMessage(message, record.size, pinfo, tree, "tcp", at == 0)
+        dissectMessage(message, record.size, header, pinfo, tree, "tcp", at == 0)
         at = record.stop or length
     end
     return length
 end
 
+-- True if the bytes, which are too few for a header, may be the beginning of a record with a call: many senders write
+-- the mark by itself.
+local function mayBeginCall(tvb)
+    local length = tvb:len()
+    local function unit(i) return length >= 4 * i + 4 and tvb(4 * i, 4):uint() or nil end
+    local mark, kind, protocol, program = unit(0), unit(2), unit(3), unit(4)
+    if not mark or length >= 4 + callHeader then return false end
+    local size = mark - 0x80000000
+    if size < callHeader or size > mostRecord or kind and kind ~= 0 or protocol and protocol ~= 2 then return false end
+    if program then return programs[program] ~= nil end
+    return size % 4 == 0  -- as of all messages that are not damaged
+end
+
 local function dissectStream(tvb, pinfo, tree)
+    if pinfo.can_desegment > 0 and mayBeginCall(tvb) then
+        pinfo.desegment_offset = 0
+        pinfo.desegment_len = 4 + callHeader - tvb:len()
+        return true
+    end
     if tvb:len() < 4 or not isOurs(headerOf(tvb, 4), pinfo, "tcp") then return false end
     pinfo.conversation = quorva
     dissectSegment(tvb, pinfo, tree)

@@ -1,0 +1,10 @@
+#!/bin/sh
+# Holds the dissector for Wireshark against the inspector, on messages of every type.
+#   run.sh SOURCE_DIR PROGRAMS_DIR [OPTION of wireshark_messages]...
+set -eu
+source=$1 programs=$2
+shift 2
+lines=$(mktemp)
+trap 'rm -f "$lines"' EXIT
+"$programs/wireshark_messages" "$@" >"$lines"
+python3 "$source/tests/wireshark/compare.py" "$programs/quorvaxdrc" "$source" <"$lines"
