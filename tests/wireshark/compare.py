@@ -39,7 +39,7 @@ def interface_of(types: list[str], modules: list[str]) -> str:
 
 def send(out: capture.Capture, ports: tuple[int, int], is_call: bool, stream: bytes, chance: random.Random) -> None:
     """The bytes in segments. By its first call a connection is known, so the first segment is not any part of it."""
-    size = chance.choice([4, 20, 28, 100]) if stream[:1] == b"\x80" and stream[3] % 4 == 0 else 28
+    size = chance.choice([1, 3, 4, 20, 28, 100]) if stream[:1] == b"\x80" and stream[3] % 4 == 0 else 28
     while stream:
         out.segment(ports, is_call, stream[:size])
         stream = stream[size:]

@@ -37,7 +37,6 @@ local own = {
     requestIn = newField("framenum", "quorva.rpc.request_in", "Call in frame", base.NONE, frametype.REQUEST),
     repeats = newField("framenum", "quorva.rpc.repeats", "Repeats the call in frame", base.NONE),
     time = newField("relative_time", "quorva.rpc.time", "Time from the call"),
-    mark = newField("uint32", "quorva.rpc.mark", "Record mark", base.HEX),
     data = newField("bytes", "quorva.rpc.data", "Bytes that are not decoded"),
 }
 
@@ -201,7 +200,7 @@ end
 quorva.fields = fields
 do
     local list = {}
-    for _, finding in pairs(findings) do list[#list + 1] = finding end
+    for _, finding in pairs(findings) do table.insert(list, finding) end
     quorva.experts = list
 end
 
@@ -286,7 +285,6 @@ end
 -- True if the capture has the next bytes; the message has them in any case.
 local function isCaptured(m, item, bytes)
     if m.captured - m.at >= bytes then return true end
-    m.isCut = true
     add(item, "capture-cut", string.format("the capture has %d of %d bytes", m.captured, m.size))
     return false
 end
@@ -318,9 +316,9 @@ local function passContents(m, item, size)
     return true
 end
 
--- The part and the one to add its parts to.
-local function openGroup(m, tree, field, prefix, ...)
-    local item = tree:add(field, m.tvb(m.at, 0), ...)
+-- Adds a part that begins at `from`. Returns its item, and the one to add its parts to.
+local function openGroup(m, tree, field, from, prefix, ...)
+    local item = tree:add(field, m.tvb(from, 0), ...)
     if prefix then item:prepend_text(prefix) end
     m.level = m.level + 1
     return item, m.level > deepestTree and tree or item
@@ -371,7 +369,7 @@ end
 
 local function visitStruct(m, tree, field, type, prefix)
     local from = m.at
-    local item, inner = openGroup(m, tree, field.value, prefix)
+    local item, inner = openGroup(m, tree, field.value, from, prefix)
     local id, named
     for i, member in ipairs(type.struct) do
         enter(m, member[1])
@@ -393,7 +391,7 @@ end
 
 local function visitUnion(m, tree, field, type, prefix)
     local from = m.at
-    local item, inner = openGroup(m, tree, field.value, prefix)
+    local item, inner = openGroup(m, tree, field.value, from, prefix)
     local function visitParts()
         local discriminant = type.union
         enter(m, discriminant[1])
@@ -468,18 +466,16 @@ end
 -- length to the item and returns false if it is refused.
 local function visitContents(m, tree, field, use, from, size, prefix, examine)
     local isAccepted = size <= (use.most or size)
-    local present = m.captured - m.at
     local isText = use.form == "string"
-    local item
-    if isAccepted and size <= present then
-        local contents = m.tvb(m.at, size)
+    local item, text
+    if isAccepted and size <= m.captured - m.at then
+        text = m.tvb(m.at, size):raw()
         if isText then
             local whole = m.tvb(from, math.min(m.at + size + -size % 4, m.captured) - from)
-            local text = contents:raw():match("^[^%z]*")
-            item = tree:add(field.value, whole, text:find("[\128-\255]") and repaired(text) or text)
+            local known = text:match("^[^\0]*")
+            item = tree:add(field.value, whole, known:find("[\128-\255]") and repaired(known) or known)
         else
-            item = tree:add(field.value, contents)
-            local text = contents:raw()
+            item = tree:add(field.value, m.tvb(m.at, size))
             if not text:find("[^\32-\126]") then item:append_text(' "' .. text .. '"') end
         end
         if size == 0 then item:set_text(field.name .. ": empty") end
@@ -492,11 +488,11 @@ local function visitContents(m, tree, field, use, from, size, prefix, examine)
 
     local begin = m.at
     local isRead = passContents(m, item, size)
-    if isText and m.at > begin then examineText(item, m.tvb(begin, size):raw()) end
+    if isText and m.at > begin then examineText(item, text) end
     if not isRead then return false end
     local padding = m.at - begin - size
     local filling = padding > 0 and m.tvb(begin + size, padding):raw() or ""
-    if filling:find("[^%z]") then
+    if filling:find("[^\0]") then
         local digits = filling:gsub(".", function(byte) return string.format("%02x", byte:byte()) end)
         add(item, "padding-not-zero", "the padding is " .. digits)
     end
@@ -511,7 +507,7 @@ end
 
 function forms.fixedArray(m, tree, field, use, prefix)
     local from = m.at
-    local item, inner = openGroup(m, tree, field.count, prefix, use.fixed)
+    local item, inner = openGroup(m, tree, field.count, from, prefix, use.fixed)
     local isRead = visitElements(m, inner, field, use, use.fixed)
     closeGroup(m, item, from)
     return isRead, nil, item
@@ -522,9 +518,7 @@ function forms.array(m, tree, field, use, prefix)
     local unit = readUnit(m, tree)
     if not unit then return false end
     local count = unit % 0x10000
-    m.at = from
-    local item, inner = openGroup(m, tree, field.count, prefix, count)
-    m.at = from + 4
+    local item, inner = openGroup(m, tree, field.count, from, prefix, count)
     local isRead = examineCount(m, item, unit, use.most) and visitElements(m, inner, field, use, count)
     closeGroup(m, item, from)
     return isRead, nil, item
@@ -535,9 +529,7 @@ function forms.optional(m, tree, field, use, prefix)
     local unit = readUnit(m, tree)
     if not unit then return false end
     local isPresent = unit % 0x100 == 1
-    m.at = from
-    local item, inner = openGroup(m, tree, field.present, prefix, isPresent)
-    m.at = from + 4
+    local item, inner = openGroup(m, tree, field.present, from, prefix, isPresent)
     if unit > 1 then
         add(item, "boolean-not-0-1", string.format("the presence is %d, decoded as %d", unit, isPresent and 1 or 0))
     end
@@ -809,14 +801,15 @@ local function dissectSegment(tvb, pinfo, tree)
     return length
 end
 
--- True if the bytes, which are too few for a header, may be the beginning of a record with a call: many senders write
+-- True if the bytes, which are too few for a header, may be the beginning of a record with a call. Many senders write
 -- the mark by itself.
 local function mayBeginCall(tvb)
     local length = tvb:len()
+    if length >= 4 + callHeader then return false end
     local function unit(i) return length >= 4 * i + 4 and tvb(4 * i, 4):uint() or nil end
-    local mark, kind, protocol, program = unit(0), unit(2), unit(3), unit(4)
-    if not mark or length >= 4 + callHeader then return false end
-    local size = mark - 0x80000000
+    local size, kind, protocol, program = unit(0), unit(2), unit(3), unit(4)
+    if not size then return tvb(0, 1):uint() == 0x80 and (length == 1 or tvb(1, 1):uint() <= 1) end
+    size = size - 0x80000000
     if size < callHeader or size > mostRecord or kind and kind ~= 0 or protocol and protocol ~= 2 then return false end
     if program then return programs[program] ~= nil end
     return size % 4 == 0  -- as of all messages that are not damaged
