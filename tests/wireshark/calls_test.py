@@ -71,7 +71,7 @@ def main() -> int:
         golden = source / "tests/golden"
         subprocess.run([compiler, "wireshark", "--out", script, "-I", golden, golden / "locker.x"], check=True)
         write(path)
-        command = ["tshark", "-2", "-X", f"lua_script:{script}", "-r", path, "-T", "fields", "-E", "separator=|"]
+        command = ["tshark", "-2", "-X", f"lua_script:{script}", "-r", str(path), "-T", "fields", "-E", "separator=|"]
         for field in fields:
             command += ["-e", field]
         run = subprocess.run(command, capture_output=True, text=True, timeout=600, check=True)
