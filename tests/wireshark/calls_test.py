@@ -59,6 +59,8 @@ def write(path: pathlib.Path) -> None:
         out.segment(TCP, True, unit(0x80000000) + capture.record(call(19), []))
         out.segment(TCP, True, unit(0x80020000) + call(20))
         out.segment(TCP, True, capture.record(call(21), []))
+        for captured in (47, 34):  # within the second mark, and within the first fragment
+            out.segment(TCP, True, capture.record(call(22, 1, 1, unit(3)), [41]), captured)
 
 
 def main() -> int:

@@ -33,12 +33,14 @@ class Capture:
         kept = None if captured is None else 8 + captured
         self._packet(17, from_client, struct.pack(">HHHH", *pair, 8 + len(payload), 0) + payload, kept)
 
-    def segment(self, ports: tuple[int, int], from_client: bool, payload: bytes) -> None:
+    def segment(
+        self, ports: tuple[int, int], from_client: bool, payload: bytes, captured: int | None = None
+    ) -> None:
         pair = ports if from_client else ports[::-1]
         sequence = self.sequence.get(pair, 1)
         acknowledged = self.sequence.get(pair[::-1], 1)
         head = struct.pack(">HHIIBBHHH", *pair, sequence, acknowledged, 5 << 4, 0x18, 65535, 0, 0)
-        self._packet(6, from_client, head + payload, None)
+        self._packet(6, from_client, head + payload, None if captured is None else 20 + captured)
         self.sequence[pair] = sequence + len(payload) & 0xFFFFFFFF
 
 

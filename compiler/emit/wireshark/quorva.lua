@@ -254,8 +254,9 @@ local function repaired(text)
 end
 
 -- ---- Reading a message ----------------------------------------------------------------------------------------------
--- A reading `m` has the bytes `tvb`, of which `captured` are there; the message has `size`. `at` is the next byte,
--- `begin` that of the part that is being read, and `path` has the open members, elements (numbers) and arms (false).
+-- A reading `m` has the bytes `tvb`, of which `captured` are there; the message has `size`, which is infinite if it is
+-- not known. `at` is the next byte, `begin` that of the part that is being read, and `path` has the open members,
+-- elements (numbers) and arms (false).
 -- The functions that read return false, or nil for a number, after they have shown why the reading stopped.
 
 local function newReading(tvb, size)
@@ -285,7 +286,8 @@ end
 -- True if the capture has the next bytes; the message has them in any case.
 local function isCaptured(m, item, bytes)
     if m.captured - m.at >= bytes then return true end
-    add(item, "capture-cut", string.format("the capture has %d of %d bytes", m.captured, m.size))
+    local all = m.size < math.huge and string.format("of %d bytes", m.size) or "bytes of the message"
+    add(item, "capture-cut", string.format("the capture has %d %s", m.captured, all))
     return false
 end
 
@@ -637,13 +639,16 @@ local function addGenerated(tree, field, value, text)
     if text then item:append_text(" (" .. text .. ")") end
 end
 
-local function showExchange(root, pinfo, header, exchange, texts)
+-- `call` is the header of the call, nil if it was not seen.
+local function showExchange(root, pinfo, header, call, exchange, texts)
     addGenerated(root, own.xid, header.xid)
+    if call then
+        addGenerated(root, own.name, texts.name)
+        addGenerated(root, own.program, call.program, texts.program)
+        addGenerated(root, own.version, call.version, texts.version)
+        addGenerated(root, own.procedure, call.procedure, texts.procedure)
+    end
     if not exchange then return end
-    addGenerated(root, own.name, texts.name)
-    addGenerated(root, own.program, exchange.header.program, texts.program)
-    addGenerated(root, own.version, exchange.header.version, texts.version)
-    addGenerated(root, own.procedure, exchange.header.procedure, texts.procedure)
     if header.isCall then
         if exchange.call ~= pinfo.number then addGenerated(root, own.repeats, exchange.call) end
         if exchange.reply then addGenerated(root, own.responseIn, exchange.reply) end
@@ -669,18 +674,18 @@ local function failureOf(seen)
 end
 
 -- Shows what follows the envelope: the argument or the result.
-local function readBody(m, root, header, exchange, procedure)
+local function readBody(m, root, header, procedure)
     local what = header.isCall and "argument" or "result"
     local body = procedure and procedure[what]
     local after = body and body[1] or "void"
     local function rest() return m.tvb(m.at, m.captured - m.at) end
-    if exchange and procedure then
+    if procedure then
         if body and not readRoot(m, root, body) then
             if m.at < m.captured then root:add(own.data, rest()) end
             return
         end
         local left = m.size - m.at
-        if left == 0 then return end
+        if left == 0 or left == math.huge then return end
         local item = m.at < m.captured and root:add(own.data, rest()) or root
         add(item, "left-over", string.format("%s %s left over after %s", grouped(left), left == 1 and "byte is" or
             "bytes are", after))
@@ -692,15 +697,16 @@ end
 -- Reads one message, whose bytes `tvb` has as far as the capture has them.
 local function dissectMessage(tvb, size, header, pinfo, tree, transport, isFirst)
     local exchange = exchangeOf(pinfo, header, transport)
+    local call = header.isCall and header or exchange and exchange.header
     local texts, procedure
-    if exchange then texts, procedure = describe(exchange.header) end
+    if call then texts, procedure = describe(call) end
     local summary = string.format("%s%s xid 0x%08x", texts and texts.name .. " " or "",
         header.isCall and "call" or "reply", header.xid)
     local root = tree:add(quorva, tvb(), "QUORVA, " .. summary)
 
     local m = newReading(tvb, size)
     m.seen = {}
-    showExchange(root, pinfo, header, exchange, texts)
+    showExchange(root, pinfo, header, call, exchange, texts)
     if readRoot(m, root, envelope) then
         local seen = m.seen
         m.seen = nil
@@ -709,7 +715,7 @@ local function dissectMessage(tvb, size, header, pinfo, tree, transport, isFirst
             summary = summary .. " " .. failure
             procedure = {"", "void", "void"}
         end
-        readBody(m, root, header, exchange, procedure)
+        readBody(m, root, header, procedure)
     end
     if m.refused then summary = summary .. " (refused)" end
     pinfo.cols.protocol = "QUORVA"
@@ -735,12 +741,13 @@ end
 -- ---- TCP: records of fragments, each after a mark with its length ---------------------------------------------------
 
 -- The record at a place: its `fragments` {place, length}, its `size`, and `stop`, the place after it. `missing` is the
--- number of bytes up to the end of a fragment or of the mark after it; `problem` says why this is not a record.
+-- number of bytes up to the end of a fragment or of the mark after it, and the size is infinite unless the last mark is
+-- there; `problem` says why this is not a record.
 local function recordAt(tvb, at)
     local record, here, length = {fragments = {}, size = 0}, at, tvb:len()
     repeat
         if length - here < 4 then
-            record.missing = 4 - (length - here)
+            record.missing, record.size = 4 - (length - here), math.huge
             return record
         end
         local mark = tvb(here, 4):uint()
@@ -756,6 +763,7 @@ local function recordAt(tvb, at)
         table.insert(record.fragments, {here + 4, math.min(size, length - here - 4)})
         if missing > 0 then
             record.missing = isLast and missing or missing + 4
+            if not isLast then record.size = math.huge end
             return record
         end
         here = here + 4 + size
