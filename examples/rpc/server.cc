@@ -20,6 +20,7 @@ namespace {
 
 constexpr std::size_t readAtOnce = 16384;
 constexpr int acceptedAtOnce = 64;
+constexpr int callsAtOnce = 16;  // of one connection, before the others have their turn
 
 bool mustWait()
 {
@@ -46,7 +47,7 @@ struct Server::Connection {
     Address peer;
     Clock::time_point progress;  // when it was made, received its last record or had sent its last reply
     RecordReader reader = {};
-    Bytes ahead = {};  // received, but not looked at before the reply is sent
+    Bytes ahead = {};  // received, but its turn has not come
     Bytes out = {};    // the reply as a record
     std::size_t sent = 0;
     std::uint32_t watched = 0;  // events
@@ -148,8 +149,7 @@ void Server::step(std::chrono::milliseconds atMost)
         if (connection.done) connection.done(connection.succeeded);
 }
 
-// ---- Connections
-// -----------------------------------------------------------------------------------------------------
+// ---- Connections ----------------------------------------------------------------------------------------------------
 
 void Server::accept()
 {
@@ -213,15 +213,15 @@ void Server::ready(Connection& connection, std::uint32_t happened)
     if (happened & EPOLLOUT) {
         send(connection);
         if (connection.socket && connection.out.empty()) take(connection, std::exchange(connection.ahead, {}));
-    } else if (connection.out.empty()) {
+    } else if (connection.out.empty() && connection.ahead.empty()) {
         receive(connection);
     } else {
         close(connection, "closed, because it does not read its reply");  // an error or the end of both directions
     }
     if (!connection.socket) return;
 
-    // While a reply waits for its reader, nothing more is received from it.
-    const std::uint32_t wanted = connection.out.empty() ? EPOLLIN : EPOLLOUT;
+    // While a reply waits for its reader, or calls wait for their turn, nothing more is received.
+    const std::uint32_t wanted = connection.out.empty() && connection.ahead.empty() ? EPOLLIN : EPOLLOUT;
     if (wanted != connection.watched) watch(connection.socket.get(), &connection, wanted, false);
     connection.watched = wanted;
 }
@@ -238,7 +238,7 @@ void Server::receive(Connection& connection)
 
 void Server::take(Connection& connection, ByteView bytes)
 {
-    while (!bytes.empty() && connection.out.empty()) {
+    for (int calls = 0; calls < callsAtOnce && !bytes.empty() && connection.out.empty(); ++calls) {
         try {
             bytes = bytes.subspan(connection.reader.take(bytes));
         } catch (const std::length_error& error) {
@@ -293,8 +293,7 @@ void Server::beginCall(const Address& to, const Called& called, const Bytes& arg
     }
 }
 
-// ---- Datagrams
-// -------------------------------------------------------------------------------------------------------
+// ---- Datagrams ------------------------------------------------------------------------------------------------------
 
 void Server::receiveDatagram()
 {
