@@ -136,7 +136,7 @@ def dissected(script: pathlib.Path, path: pathlib.Path, *options: str) -> str:
 
 def layers_of(script: pathlib.Path, path: pathlib.Path) -> Iterator[Pairs]:
     """What tshark shows of each message in the capture."""
-    for packet in json.loads(dissected(script, path, "-T", "json", "-J", "quorva"), object_pairs_hook=list):
+    for packet in json.loads(dissected(script, path, "-2", "-T", "json", "-J", "quorva"), object_pairs_hook=list):
         yield from subtrees(packet, "quorva")
 
 

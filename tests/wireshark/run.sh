@@ -1,5 +1,6 @@
 #!/bin/sh
-# Holds the dissector for Wireshark against the inspector, on messages of every type, and tests what it shows of calls.
+# Holds the dissector for Wireshark against the inspector, on messages of every type, and tests what it shows of calls
+# and of the examples' traffic.
 #   run.sh SOURCE_DIR PROGRAMS_DIR [OPTION of wireshark_messages]...
 set -eu
 source=$1 programs=$2
@@ -7,5 +8,6 @@ shift 2
 lines=$(mktemp)
 trap 'rm -f "$lines"' EXIT
 python3 "$source/tests/wireshark/calls_test.py" "$programs/quorvaxdrc" "$source"
+"$source/tests/wireshark/traffic.sh" "$source" "$programs"
 "$programs/wireshark_messages" "$@" >"$lines"
 python3 "$source/tests/wireshark/compare.py" "$programs/quorvaxdrc" "$source" <"$lines"

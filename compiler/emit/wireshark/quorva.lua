@@ -740,14 +740,14 @@ end
 
 -- ---- TCP: records of fragments, each after a mark with its length ---------------------------------------------------
 
--- The record at a place: its `fragments` {place, length}, its `size`, and `stop`, the place after it. `missing` is the
--- number of bytes up to the end of a fragment or of the mark after it, and the size is infinite unless the last mark is
--- there; `problem` says why this is not a record.
+-- The record at a place: its `fragments` {place, length}, its `size`, and `stop`, the place after it. If bytes are
+-- missing, `missing` is their number, and unless the last mark is there, that and the size are infinite. `problem` says
+-- why this is not a record.
 local function recordAt(tvb, at)
     local record, here, length = {fragments = {}, size = 0}, at, tvb:len()
     repeat
         if length - here < 4 then
-            record.missing, record.size = 4 - (length - here), math.huge
+            record.missing, record.size = math.huge, math.huge
             return record
         end
         local mark = tvb(here, 4):uint()
@@ -762,8 +762,8 @@ local function recordAt(tvb, at)
         local missing = here + 4 + size - length
         table.insert(record.fragments, {here + 4, math.min(size, length - here - 4)})
         if missing > 0 then
-            record.missing = isLast and missing or missing + 4
-            if not isLast then record.size = math.huge end
+            record.missing = missing
+            if not isLast then record.missing, record.size = math.huge, math.huge end
             return record
         end
         here = here + 4 + size
@@ -782,6 +782,13 @@ local function bytesOf(tvb, record)
     return bytes:len() > 0 and bytes:tvb("Record") or nil
 end
 
+-- Asks Wireshark for further bytes after those from `at` on. If their number is not known, any segment will do: asking
+-- for the next few bytes of a segment that has more of them loses the record when Wireshark visits the frame again.
+local function askFor(bytes, pinfo, at)
+    pinfo.desegment_offset = at
+    pinfo.desegment_len = bytes < math.huge and bytes or DESEGMENT_ONE_MORE_SEGMENT
+end
+
 -- Reads the records of a segment, or asks for the segments that follow.
 local function dissectSegment(tvb, pinfo, tree)
     local at, length = 0, tvb:len()
@@ -791,8 +798,7 @@ local function dissectSegment(tvb, pinfo, tree)
         local isBeginning = first and first[2] >= callHeader
         local isPossible = not record.problem and (not isBeginning or headerOf(tvb, first[1]))
         if isPossible and record.missing and pinfo.can_desegment > 0 then
-            pinfo.desegment_offset = at
-            pinfo.desegment_len = record.missing
+            askFor(record.missing, pinfo, at)
             return length
         end
         local message = isPossible and bytesOf(tvb, record)
@@ -825,8 +831,7 @@ end
 
 local function dissectStream(tvb, pinfo, tree)
     if pinfo.can_desegment > 0 and mayBeginCall(tvb) then
-        pinfo.desegment_offset = 0
-        pinfo.desegment_len = 4 + callHeader - tvb:len()
+        askFor(math.huge, pinfo, 0)
         return true
     end
     if tvb:len() < 4 or not isOurs(headerOf(tvb, 4), pinfo, "tcp") then return false end
