@@ -1,74 +1,162 @@
 #!/bin/sh
-# Installs the build tree into a temporary folder, first the codec, then the inspector, and builds programs against that
-# folder alone. Moves the folder before it runs the inspector.
+# Installs the build tree into a temporary folder, checks its components, moves the folder and then uses it alone: the
+# README's lines for CMake, pkg-config and Python, the examples that are projects, the inspector and its library.
 #   run.sh BUILD_DIR SOURCE_DIR COMPILER [SANITIZERS]
 set -eu
-build=$1 source=$2 compiler=$3 sanitize=${4:+-fsanitize=$4}
+build=$1 source=$2 compiler=$(command -v "$3") sanitize=${4:+-fsanitize=$4}
+here=$source/tests/install
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+unset PKG_CONFIG_PATH CMAKE_PREFIX_PATH
 
-quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log"; echo "failed: $*"; exit 1; }; }
-configure() { # FOLDER BUILD_FOLDER PREFIX
-    quietly cmake -S "$1" -B "$2" -G Ninja -DCMAKE_PREFIX_PATH="$3" -DCMAKE_CXX_COMPILER="$compiler" \
+fail() { echo "$@"; exit 1; }
+quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log"; fail "failed: $*"; }; }
+build_with() { # GENERATOR FOLDER BUILD_FOLDER: from scratch, several files at a time
+    quietly cmake -S "$2" -B "$3" -G "$1" -DCMAKE_PREFIX_PATH="$work/moved" -DCMAKE_CXX_COMPILER="$compiler" \
         -DCMAKE_CXX_FLAGS="-Wall -Wextra -Wpedantic -Wconversion -Werror $sanitize"
-    quietly cmake --build "$2"
+    quietly cmake --build "$3" -j 4
+}
+prints() { # EXPECTED_FILE COMMAND...
+    expected=$1
+    shift
+    "$@" >"$work/printed"
+    diff "$expected" "$work/printed"
 }
 
-# The codec without the inspector.
-quietly cmake --install "$build" --prefix "$work/prefix" --component Unspecified
-if find "$work/prefix" | grep -e 'bin/quorvaxdr$' -e libquorvainspect -e 'quorvapixdr/json.h'; then
-    echo "files of the inspector are installed with the codec"
-    exit 1
+# ---- Each file belongs to one component ------------------------------------------------------------------------------
+quietly cmake --install "$build" --prefix "$work/prefix"
+for component in library platform inspector development documentation; do
+    quietly cmake --install "$build" --prefix "$work/$component" --component $component
+    (cd "$work/$component" && find * ! -type d | LC_ALL=C sort | sed "s/^/$component /")
+done >"$work/components"
+(cd "$work/prefix" && find * ! -type d | LC_ALL=C sort) >"$work/whole"
+sed 's/^[a-z]* //' "$work/components" | LC_ALL=C sort | diff "$work/whole" - ||
+    fail "the components (>) differ from the whole installation (<)"
+sed -E 's/\.so\.0\..*/.so.VERSION/; s/(Targets-).*/\1*.cmake/; s|/(docs\|examples\|samples\|types)/.*|/\1/*|' \
+    "$work/components" | uniq | diff "$here/components.txt" - || fail "the components have other files now"
+
+# ---- No file names the folder of the build or the prefix -------------------------------------------------------------
+# Debug information does. Sanitizers put names of source files into the code.
+if [ -z "$sanitize" ]; then
+    for file in "$work"/prefix/bin/* "$work"/prefix/lib/*.so "$work"/prefix/lib/*.a; do
+        strip --strip-debug -o "$work/stripped" "$file"
+        ! grep -qF -e "$build" -e "$source" -e "$work" "$work/stripped" || fail "$file names a folder of the build"
+    done
 fi
-configure "$source/examples/own_module" "$work/own" "$work/prefix"
-configure "$source/examples/rpc" "$work/rpc" "$work/prefix"
+prefix=$(sed -n 's/^CMAKE_INSTALL_PREFIX:PATH=//p' "$build/CMakeCache.txt")
+! grep -rIF -e "$build" -e "$source" -e "$work" "$work/prefix" || fail "these files name a folder of the build"
+! grep -rF "$prefix" "$work/prefix/lib/cmake" "$work/prefix/lib/pkgconfig" || fail "these files name the prefix"
+
+mv "$work/prefix" "$work/moved"
+PREFIX=$work/moved
+
+# ---- The README's lines ----------------------------------------------------------------------------------------------
+readme() { # LANGUAGE N: the lines of the Nth block of that language in the section "Install"
+    awk -v fence="\`\`\`$1" -v wanted="$2" '
+        /^## / { section = $0 }
+        section != "## Install" { next }
+        on && $0 == "```" { on = 0 }
+        on && count == wanted
+        $0 == fence { on = 1; ++count }
+    ' "$source/README.md" >"$work/lines"
+    [ -s "$work/lines" ] || fail "README.md has no block $2 of $1 in its section Install"
+    cat "$work/lines"
+}
+# The program of the README, and what the README says that it prints.
+mkdir "$work/readme"
+cp "$source/examples/encode_decode.cc" "$work/readme/main.cc"
+sed '1,/^\$ encode_decode$/d; /^```$/,$d' "$source/README.md" >"$work/expected"
+{ printf 'cmake_minimum_required(VERSION 3.20)\nproject(readme CXX)\n'; readme cmake 1; } >"$work/readme/CMakeLists.txt"
+build_with Ninja "$work/readme" "$work/readme/build"
+prints "$work/expected" "$work/readme/build/main"
+
+# The compiler that the build has, under the name that the README calls.
+mkdir "$work/bin"
+printf '#!/bin/sh\nexec "%s" %s "$@"\n' "$compiler" "$sanitize" >"$work/bin/g++"
+chmod +x "$work/bin/g++"
+PATH=$work/bin:$work/moved/bin:$PATH
+export PATH PREFIX
+readme sh 1 >"$work/readme/run"
+(cd "$work/readme" && prints "$work/expected" sh -eu ./run)
+
+PKG_CONFIG_PATH=$work/moved/lib/pkgconfig
+export PKG_CONFIG_PATH
+readme sh 2 >"$work/readme/run"
+(cd "$work/readme" && quietly sh -eu ./run)
+head -n 2 "$work/expected" | tr '\n' ' ' | sed 's/ $//' >"$work/bytes"
+(cd "$work/readme" && python3 -c 'from quorvapixdr import NotifyBinding
+print(NotifyBinding("fleet.example", 0x20000321, 1, 7).encode().hex(" "), end="")') | diff "$work/bytes" -
+
+# ---- The examples that are projects ----------------------------------------------------------------------------------
 cat >"$work/expected" <<'TXT'
 68 bytes: door 4 "left, top" is SDSclosed, job 1207
 cannot encode StationReport at /doors, byte 32 of 1024: count 7 is beyond the maximum 6
 TXT
-"$work/own/own_module" >"$work/printed"
-diff "$work/expected" "$work/printed"
+cp -r "$work/moved/share/doc/quorvapixdr/examples/own_module" "$work/own"
+build_with Ninja "$work/own" "$work/own/build"
+prints "$work/expected" "$work/own/build/own_module"
+quietly make -C "$work/own" -j 4 CXX="$compiler" CXXFLAGS="-Wall -Wextra -Werror $sanitize"
+prints "$work/expected" "$work/own/own_module"
+build_with Ninja "$work/moved/share/doc/quorvapixdr/examples/rpc" "$work/rpc"
 
-# The inspector, for a module of one's own, too.
-quietly cmake --install "$build" --prefix "$work/prefix" --component inspector
-mv "$work/prefix" "$work/moved"
-quorvaxdr="$work/moved/bin/quorvaxdr" own="--interface $source/examples/own_module/types/station/locker.x"
-"$quorvaxdr" --version | grep -q '^quorvaxdr [0-9]'
-echo '{"number":4,"state":"SDSclosed","job":{"service":1,"job":1207},"label":"left"}' >"$work/door"
-"$quorvaxdr" encode StationDoor "$work/door" --to raw $own >"$work/message"
-"$quorvaxdr" decode StationDoor "$work/message" --from raw --to json $own | tr -d ' \n' >"$work/printed"
-tr -d '\n' <"$work/door" | diff - "$work/printed"
-
-# The inspector's library.
-mkdir "$work/json"
-cat >"$work/json/CMakeLists.txt" <<TXT
-cmake_minimum_required(VERSION 3.25)
-project(json LANGUAGES CXX)
-find_package(quorvapixdr REQUIRED COMPONENTS inspect)
-add_executable(json "$source/examples/json.cc")
-target_link_libraries(json PRIVATE quorvapixdr::inspect)
-add_executable(own_json "$source/tests/install/own_json.cc")
-quorvapixdr_generate(station ROOT "$source/examples/own_module/types" TARGET own_json IMPORTS "\${QUORVAPIXDR_TYPES}"
-    FILES "$source/examples/own_module/types/station/locker.x")
-target_link_libraries(own_json PRIVATE quorvapixdr::inspect)
-TXT
-configure "$work/json" "$work/json/build" "$work/moved"
-sed '1,/^\/\/ Prints:$/d; s|^// ||' "$source/examples/json.cc" >"$work/expected"
-"$work/json/build/json" >"$work/printed"
-diff "$work/expected" "$work/printed"
-tr -d '\n' >"$work/expected" <<'TXT'
+# ---- Targets of several folders; the inspector's library -------------------------------------------------------------
+sed '1,/^\/\/ Prints:$/d; s|^// ||' "$source/examples/json.cc" >"$work/json"
+tr -d '\n' >"$work/own_json" <<'TXT'
 {"service":77,
 "client":{"hostName":"desk.example","programNumber":1,"versionNumber":2,"notifyProcedureNumber":9},
 "doors":[{"number":4,"state":"SDSclosed","job":{"service":4,"job":1207},"label":"left"}]}
 TXT
-cat >>"$work/expected" <<'TXT'
+cat >>"$work/own_json" <<'TXT'
 
 1:35: /client: the field "hostName" of NotifyBinding is missing
 TXT
-"$work/json/build/own_json" >"$work/printed"
-diff "$work/expected" "$work/printed"
+for generator in Ninja "Unix Makefiles"; do
+    folders="$work/folders $generator"
+    build_with "$generator" "$here/folders" "$folders"
+    prints "$work/expected" "$folders/own_module"
+    prints "$work/json" "$folders/program/json"
+    prints "$work/own_json" "$folders/program/own_json"
+    # The interface files are compiled again when one that they import changes, and only then.
+    cmake --build "$folders" >"$work/log"
+    ! grep 'Compiling the interface' "$work/log" || fail "$generator: nothing has changed since the first build"
+    touch "$work/moved/share/quorvapixdr/types/common/event.x"
+    cmake --build "$folders" >"$work/log"
+    grep -q 'Compiling the interface files of own' "$work/log" || fail "$generator: an import has changed"
+done
 
-# It exports the functions of its headers, and no others.
+# ---- pkg-config: a program without a run path, as where the libraries are the system's ------------------------------
+pkg-config --validate quorvapixdr quorvapixdr-inspect
+g++ -o "$work/json_program" "$source/examples/json.cc" $(pkg-config --cflags --libs quorvapixdr-inspect)
+LD_LIBRARY_PATH=$(pkg-config --variable=libdir quorvapixdr) prints "$work/json" "$work/json_program"
+[ -e "$(pkg-config --variable=rpc quorvapixdr)/onc_rpc.x" ] || fail "quorvapixdr.pc: there is no rpc/onc_rpc.x"
+
+# ---- Wrong calls end with an error that says why ---------------------------------------------------------------------
+mkdir -p "$work/wrong/types"
+touch "$work/wrong/types/own.x"
+grep -v '^#' "$here/wrong_calls.txt" | while read -r call && read -r expected; do
+    cat >"$work/wrong/CMakeLists.txt" <<TXT
+cmake_minimum_required(VERSION 3.20)
+project(wrong LANGUAGES NONE)
+find_package(quorvapixdr REQUIRED)
+add_library(own OBJECT types/own.x)
+add_library(headers INTERFACE)
+$call
+TXT
+    rm -rf "$work/wrong/build"
+    ! cmake -S "$work/wrong" -B "$work/wrong/build" -DCMAKE_PREFIX_PATH="$work/moved" >"$work/log" 2>&1 ||
+        fail "no error: $call"
+    tr -s '\n ' ' ' <"$work/log" | grep -qF -e "$expected" || { cat "$work/log"; fail "not said: $expected"; }
+done
+
+# ---- The inspector, with a module of one's own, too ------------------------------------------------------------------
+own="--interface $source/examples/own_module/types/station/locker.x"
+quorvaxdr --version | grep -q '^quorvaxdr [0-9]'
+echo '{"number":4,"state":"SDSclosed","job":{"service":1,"job":1207},"label":"left"}' >"$work/door"
+quorvaxdr encode StationDoor "$work/door" --to raw $own >"$work/message"
+quorvaxdr decode StationDoor "$work/message" --from raw --to json $own | tr -d ' \n' >"$work/printed"
+tr -d '\n' <"$work/door" | diff - "$work/printed"
+
+# ---- Its library exports the functions of its headers, and no others -------------------------------------------------
 [ -n "$sanitize" ] && exit
 cat >"$work/expected" <<'TXT'
 quorva::JsonError::Entry::text
@@ -82,6 +170,5 @@ quorva::modules
 quorva::removeModules
 quorva::toJson
 TXT
-library=$(find "$work/moved" -name libquorvainspect.so.0)
-nm -DC --defined-only "$library" | sed -n 's/\[abi:cxx11\]//; s/^[0-9a-f]* T \([^(]*\).*/\1/p' | LC_ALL=C sort -u |
-    diff "$work/expected" -
+nm -DC --defined-only "$work/moved/lib/libquorvainspect.so.0" |
+    sed -n 's/\[abi:cxx11\]//; s/^[0-9a-f]* T \([^(]*\).*/\1/p' | LC_ALL=C sort -u | diff "$work/expected" -
