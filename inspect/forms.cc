@@ -17,15 +17,6 @@ using namespace std::string_view_literals;
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-bool isCapture(std::string_view contents)
-{
-    constexpr std::string_view pcapMagics[] = {"\xA1\xB2\xC3\xD4"sv, "\xD4\xC3\xB2\xA1"sv, "\xA1\xB2\x3C\x4D"sv,
-                                               "\x4D\x3C\xB2\xA1"sv};
-    if (std::ranges::find(pcapMagics, contents.substr(0, 4)) != std::end(pcapMagics)) return contents.size() >= 24;
-    const std::string_view order = contents.substr(std::min<std::size_t>(8, contents.size()), 4);
-    return contents.starts_with("\x0A\x0D\x0D\x0A") && (order == "\x1A\x2B\x3C\x4D"sv || order == "\x4D\x3C\x2B\x1A"sv);
-}
-
 // True if the contents have no control bytes but those of blanks, and are UTF-8.
 bool isText(std::string_view contents)
 {
@@ -144,6 +135,15 @@ private:
 };
 
 }  // namespace
+
+bool isCapture(std::string_view contents)
+{
+    constexpr std::string_view pcapMagics[] = {"\xA1\xB2\xC3\xD4"sv, "\xD4\xC3\xB2\xA1"sv, "\xA1\xB2\x3C\x4D"sv,
+                                               "\x4D\x3C\xB2\xA1"sv};
+    if (std::ranges::find(pcapMagics, contents.substr(0, 4)) != std::end(pcapMagics)) return contents.size() >= 24;
+    const std::string_view order = contents.substr(std::min<std::size_t>(8, contents.size()), 4);
+    return contents.starts_with("\x0A\x0D\x0D\x0A") && (order == "\x1A\x2B\x3C\x4D"sv || order == "\x4D\x3C\x2B\x1A"sv);
+}
 
 const char* formName(InputForm form)
 {

@@ -11,6 +11,9 @@ enum class InputForm { raw, hex, base64, json, pcap, trace };
 
 const char* formName(InputForm form);
 
+// True if the first bytes of an input are those of a pcap or pcapng file.
+bool isCapture(std::string_view contents);
+
 struct Recognised {
     InputForm form = InputForm::raw;
     std::string phrase;  // for a user: "read as hex: hexdump -C"

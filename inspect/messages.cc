@@ -192,13 +192,13 @@ bool FramedMessages::next(Message& message)
     for (bool isLast = false; !isLast;) {
         const std::uint64_t markAt = reader.offset();
         Bytes mark;
-        const std::size_t size = reader.append(mark, unitSize);
+        const std::size_t size = reader.append(mark, RecordMark::size);
         if (size == 0 && markAt == message.offset) return false;
         if (size == 0) throw FramingError(markAt, "the input ends before the last fragment of a record");
-        if (size < unitSize) throw FramingError(markAt, "the input ends within a record mark");
-        isLast = (mark[0] & 0x80) != 0;
-        const std::size_t length =
-            (mark[0] & 0x7Fu) << 24 | std::uint32_t{mark[1]} << 16 | std::uint32_t{mark[2]} << 8 | mark[3];
+        if (size < RecordMark::size) throw FramingError(markAt, "the input ends within a record mark");
+        const RecordMark decoded{mark};
+        isLast = decoded.isLast;
+        const std::size_t length = decoded.length;
         if (length > most - message.bytes.size())
             throw FramingError(markAt, "a record of more than " + std::to_string(most) +
                                            " bytes (or no record mark: " + hexDigits(mark) + ")");

@@ -51,8 +51,22 @@ private:
     std::uint64_t start = 0;  // offset of the block in the input
 };
 
-// Messages as RFC 5531 frames them in a byte stream: a record is one or more fragments. A unit before each fragment has
-// its length, and the highest bit in that of the last one.
+// The unit before each fragment of a record (RFC 5531).
+struct RecordMark {
+    static constexpr std::size_t size = 4;
+
+    // Takes the first four bytes.
+    explicit RecordMark(std::span<const unsigned char> unit)
+        : isLast((unit[0] & 0x80) != 0),
+          length((unit[0] & 0x7Fu) << 24 | std::uint32_t{unit[1]} << 16 | std::uint32_t{unit[2]} << 8 | unit[3])
+    {
+    }
+
+    bool isLast;           // of the record
+    std::uint32_t length;  // of the fragment, in bytes
+};
+
+// Messages as RFC 5531 frames them in a byte stream: a record is one or more fragments, each after a record mark.
 class FramedMessages {
 public:
     explicit FramedMessages(Source source, std::size_t longest = longestMessage)

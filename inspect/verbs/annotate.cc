@@ -23,8 +23,7 @@ public:
 
     void declare(CLI::App& app) override
     {
-        subject.declare(app);
-        input.declare(app, "file with the message");
+        arguments.declare(app);
         auto* const offset = takeNumber(app.add_option("--at", at, "only the part that holds the byte at this offset"),
                                         0, longestMessage, "OFFSET");
         app.add_option("--path", path, "only the part at this JSON Pointer")->type_name("POINTER")->excludes(offset);
@@ -33,8 +32,8 @@ public:
 
     int run() override
     {
-        const Type& type = subject.type();
-        const Bytes message = input.message(&type);
+        arguments.resolve();
+        const auto [type, message] = arguments.read();
         const Tree tree(type, message);
         if (at || path) return runForPart(tree);
         if (json)
@@ -45,7 +44,7 @@ public:
             const std::string cause = likelyCause(tree);
             throw Stop{
                 codingError,
-                input.shown() + ": cannot decode " + type.name + ' ' + explained(stopped->failure, message.size()),
+                arguments.shown() + ": cannot decode " + type.name + ' ' + explained(stopped->failure, message.size()),
                 cause.empty() ? "" : "likely cause: " + cause + '\n'};
         }
         return tree.length() < message.size() ? found : success;
@@ -65,7 +64,7 @@ private:
 
     std::string missingPart(const Tree& tree) const
     {
-        const std::string message = input.shown() + ": ";
+        const std::string message = arguments.shown() + ": ";
         if (path)
             return message + "the message has no part " + *path +
                    (path->empty() || path->front() == '/' ? "" : "; a path begins with /");
@@ -76,8 +75,7 @@ private:
                (tree.stopped() ? "" : tree.type().name);
     }
 
-    TypeArgument subject;
-    InputArgument input;
+    MessageArguments arguments;
     std::optional<std::size_t> at;
     std::optional<std::string> path;
     bool json = false;

@@ -5,6 +5,7 @@
 #include "inspect/forms.h"
 #include "inspect/json.h"
 #include "output.h"
+#include "reference.h"
 #include "values.h"
 
 #include <quorvapixdr/explain.h>
@@ -12,6 +13,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <limits>
 #include <memory>
 
 namespace quorva::inspect {
@@ -93,16 +95,45 @@ void InputArgument::declare(CLI::App& app, const char* what)
 {
     app.add_option("INPUT", file, std::string(what) + "; - is standard input")->capture_default_str();
     declareForm(app);
+    declareMessage(app);
+}
+
+void InputArgument::declareMessage(CLI::App& app)
+{
+    takeNumber(app.add_option("--message", number, "of a capture: the message with this number"), 1,
+               std::numeric_limits<std::uint64_t>::max(), "NUMBER");
+}
+
+std::string InputArgument::shown() const
+{
+    return shownName(file) + (number ? ": message " + std::to_string(*number) : "");
+}
+
+bool InputArgument::isCapture(const std::string& form) const
+{
+    return form == "pcap" || (form.empty() && isCaptureFile(file));
+}
+
+CapturedBody InputArgument::captured() const
+{
+    if (!number)
+        throw Stop{usageError, shown() + ": a capture of packets; choose a message with --message NUMBER, as " +
+                                   "`quorvaxdr decode --from pcap` lists them"};
+    CapturedBody body = capturedBody(file, *number);
+    printError(shown() + ": " + body.place);
+    return body;
 }
 
 void InputArgument::declareForm(CLI::App& app)
 {
     takeOneOf(app.add_option("--from", from, "form of the input; recognised if it is not given"),
-              {"raw", "hex", "base64", "json"});
+              {"raw", "hex", "base64", "json", "pcap"});
 }
 
 Bytes InputArgument::message(const Type* type, const std::string& form) const
 {
+    if (isCapture(form)) return captured().bytes;
+    if (number) throw Stop{usageError, "--message is for captures, and " + shownName(file) + " is none"};
     const std::string contents = contentsOf(file);
     try {
         if (form == "hex") return readHex(contents).bytes;
@@ -119,9 +150,7 @@ Bytes InputArgument::message(const Type* type, const std::string& form) const
                              {InputForm::raw, InputForm::hex, InputForm::base64, InputForm::json, InputForm::pcap})
                  : recognise(contents, {InputForm::raw, InputForm::hex, InputForm::base64, InputForm::pcap});
         if (recognised.form == InputForm::pcap)
-            throw Stop{inputError, shown() +
-                                       ": a capture of packets; print the packet with tcpdump -x, and cut the "
-                                       "headers before the message"};
+            throw Stop{inputError, shown() + ": a capture of packets; --from pcap reads it from a pipe"};
         printError(shown() + ": " + recognised.phrase);
         if (recognised.form == InputForm::json) return encoded(*type, contents, shown(), longestMessage);
         return std::move(recognised.bytes);
@@ -131,6 +160,40 @@ Bytes InputArgument::message(const Type* type, const std::string& form) const
                        shown() + ": JSON, which needs a type; `quorvaxdr encode TYPE` makes the message of it"};
         stopAt(shown(), error);
     }
+}
+
+void MessageArguments::declare(CLI::App& app)
+{
+    parser = &app;
+    app.add_option("TYPE", words[0], "name of the type; a capture whose program is known needs none");
+    app.add_option("INPUT", words[1], "file with the message; - is standard input")->default_str("-");
+    file.declareForm(app);
+    file.declareMessage(app);
+}
+
+void MessageArguments::resolve()
+{
+    const bool isOne = !words[0].empty() && words[1].empty();
+    const bool isFile = isOne && !subject.catalogue().find(words[0]) &&
+                        (file.form() == "pcap" || (file.form().empty() && isCaptureFile(words[0])));
+    if (isFile) {
+        file.choose(words[0]);
+    } else {
+        subject.choose(words[0]);
+        if (!words[1].empty()) file.choose(words[1]);
+    }
+    if (!subject.isGiven() && !file.isCapture()) throw Stop{usageError, "TYPE is missing; usage: " + usageOf(*parser)};
+    if (subject.isGiven()) subject.type();
+}
+
+MessageArguments::Read MessageArguments::read() const
+{
+    if (!file.isCapture()) return {subject.type(), file.message(&subject.type())};
+    CapturedBody body = file.captured();
+    const Type* const type = subject.isGiven() ? &subject.type() : body.type;
+    if (type) return {*type, std::move(body.bytes)};
+    if (body.unknown.empty()) throw Stop{found, shown() + ": its type is void"};
+    throw Stop{usageError, shown() + ": " + body.unknown + "; name a TYPE, or the --interface of the program"};
 }
 
 void OutputOption::declare(CLI::App& app, std::vector<std::string> forms)

@@ -1,6 +1,7 @@
 // The arguments that most verbs share: a type, an input, and the interface files that define further types.
 #pragma once
 
+#include "captures.h"
 #include "inspect/catalogue.h"
 #include "inspect/input.h"
 #include "verb.h"
@@ -31,6 +32,9 @@ public:
     // For a verb that declares its arguments itself.
     void choose(const std::string& word) { name = word; }
 
+    // True if a word was chosen or given.
+    bool isGiven() const { return !name.empty(); }
+
     // The type with this name, of the API or of an interface file. Throws Stop if there is none.
     const Type& type() const;
 
@@ -48,15 +52,19 @@ Bytes encoded(const Type& type, std::string_view json, const std::string& file, 
 // An argument that names the file of a message, and the form of the file.
 class InputArgument {
 public:
-    // Declares the argument INPUT and the option --from. `what` describes the file: "file with the message".
+    // Declares the argument INPUT and the options --from and --message. `what` describes the file: "file with the
+    // message".
     void declare(CLI::App& app, const char* what);
 
-    // For a verb that declares its arguments itself: declares only --from, and takes the file.
+    // For a verb that declares its arguments itself: declares only --from, or --message, and takes the file, or the
+    // number of the message in a capture.
     void declareForm(CLI::App& app);
+    void declareMessage(CLI::App& app);
     void choose(const std::string& path) { file = path; }
+    void chooseMessage(std::uint64_t chosen) { number = chosen; }
 
-    // The file's name, for messages.
-    std::string shown() const { return shownName(file); }
+    // The file's name, for messages, with the number of the message if it is chosen.
+    std::string shown() const;
 
     // As given: "-" is standard input.
     const std::string& name() const { return file; }
@@ -69,9 +77,50 @@ public:
     Bytes message(const Type* type) const { return message(type, from); }
     Bytes message(const Type* type, const std::string& form) const;
 
+    // True if the input is a capture: the user says so, or the file begins as one.
+    bool isCapture() const { return isCapture(from); }
+
+    // The number of the message in a capture.
+    const std::optional<std::uint64_t>& messageNumber() const { return number; }
+
+    // The argument or result of the chosen message of a capture. Tells on standard error where it is. Throws Stop.
+    CapturedBody captured() const;
+
 private:
+    bool isCapture(const std::string& form) const;
+
     std::string file = "-";
     std::string from;
+    std::optional<std::uint64_t> number;
+};
+
+// The arguments TYPE and INPUT of a verb for one message. The message of a capture needs no TYPE if its program is
+// known.
+class MessageArguments {
+public:
+    void declare(CLI::App& app);
+
+    // Finds out which arguments are given. Throws Stop. The functions below need it.
+    void resolve();
+
+    const InputArgument& input() const { return file; }
+    std::string shown() const { return file.shown(); }
+
+    // The type that the user names, or null.
+    const Type* namedType() const { return subject.isGiven() ? &subject.type() : nullptr; }
+
+    struct Read {
+        const Type& type;
+        Bytes message;
+    };
+    // The message and its type. Throws Stop.
+    Read read() const;
+
+private:
+    CLI::App* parser = nullptr;
+    std::string words[2];
+    TypeArgument subject;
+    InputArgument file;
 };
 
 // The form of an output: one of "trace", "json", "hex", "raw", "base64", "c".

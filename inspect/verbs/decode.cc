@@ -71,18 +71,19 @@ public:
 class Decode : public Verb {
 public:
     Decode()
-        : Verb("decode", "Decode a message, or each message of a stream or a log",
+        : Verb("decode", "Decode a message, or each message of a stream, a log or a capture",
                "quorvaxdr decode JobId message.hex\n"
                "quorvaxdr decode JobId message.bin --from raw --to json\n"
                "quorvaxdr decode JobAVPSeq stream.bin --framed --to json\n"
-               "tail -f service.log | quorvaxdr decode JobId --lines\n")
+               "tail -f service.log | quorvaxdr decode JobId --lines\n"
+               "quorvaxdr decode --from pcap capture.pcap --interface own.x\n"
+               "tcpdump -i any -U -w - port 6000 | quorvaxdr decode --from pcap --interface own.x --only CREATE_JOB\n")
     {
     }
 
     void declare(CLI::App& app) override
     {
-        subject.declare(app);
-        input.declare(app, "file with the message");
+        arguments.declare(app);
         output.declare(app, {"trace", "json", "hex", "raw", "base64", "c"});
         auto* const marks = app.add_flag("--framed", framed, "the input is raw messages with record marks (RFC 5531)");
         auto* const fixed = takeNumber(app.add_option("--each", each, "the input is raw messages of this length"), 1,
@@ -92,15 +93,22 @@ public:
                                        "replaced by JSON");
         marks->excludes(fixed)->excludes(log);
         fixed->excludes(log);
+        list.declare(app);
     }
 
     int run() override
     {
-        const Type& type = subject.type();
-        if (!framed && !each && !lines) {
-            Bytes message = input.message(&type);
+        arguments.resolve();
+        const InputArgument& input = arguments.input();
+        const bool isStream = framed || each || lines;
+        if (input.isCapture() && !input.messageNumber() && !isStream) return runCapture();
+        if (list.isAsked()) throw Stop{usageError, "--only, --full and --json are for the messages of a capture"};
+        if (!isStream) {
+            auto [type, message] = arguments.read();
             return show(type, message, input.shown(), 2);
         }
+        if (!arguments.namedType()) throw Stop{usageError, "a capture has no --framed, --each and --lines"};
+        const Type& type = *arguments.namedType();
         if (!input.form().empty() && input.form() != "raw")
             throw Stop{usageError,
                        "several messages are read from raw bytes or the lines of a log, not from " + input.form()};
@@ -118,6 +126,18 @@ public:
     }
 
 private:
+    // Lists the messages of a capture.
+    int runCapture()
+    {
+        if (output.isGiven() && output.form() != "json" && output.form() != "trace")
+            throw Stop{usageError, "--to " + output.form() + " prints one message of a capture: choose it with " +
+                                       "--message NUMBER"};
+        if (output.isGiven()) output.form() == "json" ? list.printJsonLines() : list.printTraces();
+        return list.run(
+            arguments.input().name(), arguments.namedType(),
+            [&](const Type& type, Bytes& message, const std::string& name) { show(type, message, name, -1); });
+    }
+
     // Prints a message and returns its status. `indent` is that of JSON, -1 for one line.
     int show(const Type& type, Bytes& message, const std::string& name, int indent) const
     {
@@ -161,8 +181,8 @@ private:
         Progress progress("messages");
         for (std::size_t number = 1; messages.next(message); ++number) {
             progress.advance();
-            const std::string name =
-                input.shown() + ": message " + std::to_string(number) + " at byte " + std::to_string(message.offset);
+            const std::string name = arguments.shown() + ": message " + std::to_string(number) + " at byte " +
+                                     std::to_string(message.offset);
             if (output.form() == "trace")
                 print("<!-- message " + std::to_string(number) + " at byte " + std::to_string(message.offset) + ", " +
                       std::to_string(message.bytes.size()) + " bytes -->\n");
@@ -201,8 +221,8 @@ private:
         return isAny ? success : found;
     }
 
-    TypeArgument subject;
-    InputArgument input;
+    MessageArguments arguments;
+    CaptureList list;
     OutputOption output{"trace"};
     bool framed = false;
     bool lines = false;

@@ -19,15 +19,14 @@ public:
 
     void declare(CLI::App& app) override
     {
-        subject.declare(app);
-        input.declare(app, "file with the message");
+        arguments.declare(app);
         app.add_flag("--json", json, "print JSON");
     }
 
     int run() override
     {
-        const Type& type = subject.type();
-        const Bytes message = input.message(&type);
+        arguments.resolve();
+        const auto [type, message] = arguments.read();
         const Tree tree(type, message);
         const std::vector<Finding> findings = findingsOf(tree);
         if (json) {
@@ -36,7 +35,7 @@ public:
             printJson(list);
         } else {
             std::string text;
-            for (const Finding& finding : findings) text += findingText(finding, input.shown()) + '\n';
+            for (const Finding& finding : findings) text += findingText(finding, arguments.shown()) + '\n';
             print(text);
         }
         if (tree.stopped()) return codingError;
@@ -44,8 +43,7 @@ public:
     }
 
 private:
-    TypeArgument subject;
-    InputArgument input;
+    MessageArguments arguments;
     bool json = false;
 };
 
