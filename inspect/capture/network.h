@@ -23,7 +23,7 @@ struct Time {
     // "0.001250", in seconds, cut to microseconds; "-0.001250" before zero.
     std::string text() const;
 
-    double inSeconds() const { return static_cast<double>(seconds) + 1e-9 * nanoseconds; }
+    double inSeconds() const { return (1e9 * static_cast<double>(seconds) + nanoseconds) / 1e9; }
 
     // "2026-01-31T09:30:00.001250000Z"
     std::string dateText() const;

@@ -25,6 +25,7 @@ bool differ(std::uint64_t at, const Bytes& bytes, std::uint64_t otherAt, const B
 
 void Streams::add(const Payload& segment, Events& events)
 {
+    if (segment.acknowledges) acknowledge(segment, events);
     Stream& stream = find(segment.flow, events);
     stream.time = segment.time;
     stream.packet = segment.packet;
@@ -42,13 +43,13 @@ void Streams::add(const Payload& segment, Events& events)
     if (segment.size > 0) addBytes(stream, segment, position, events);
     if (segment.finishes) {
         stream.finish = position + segment.size;
-        if (*stream.finish > stream.position && stream.waiting.try_emplace(*stream.finish).second)
-            stream.waitingSize += pieceCost;  // shows that the bytes before it are missing
+        const Piece end{{}, 0, segment.time, segment.packet};  // shows that the bytes before it are missing
+        if (*stream.finish > stream.position && stream.waiting.try_emplace(*stream.finish, end).second)
+            stream.waitingSize += pieceCost;
     }
     if (segment.resets) flush(stream, "the connection is reset", events);
     if (stream.finish == stream.position) flush(stream, "the stream ends", events);
     count(stream);
-    if (segment.acknowledges) acknowledge(segment, events);
     while (held > mostHeld) forgetOldest(events);
 }
 
@@ -78,7 +79,7 @@ void Streams::addBytes(Stream& stream, const Payload& segment, std::uint64_t pos
     if (position + segment.size <= stream.position) return;
     if (position <= stream.position && stream.waiting.empty())
         return deliver(stream, position, segment.bytes, segment.size, segment.packet, events);
-    Piece piece{Bytes(segment.bytes.begin(), segment.bytes.end()), segment.size, segment.packet};
+    Piece piece{Bytes(segment.bytes.begin(), segment.bytes.end()), segment.size, segment.time, segment.packet};
     const auto [waiting, isNew] = stream.waiting.try_emplace(position);
     if (!isNew && differ(position, piece.bytes, position, waiting->second.bytes))
         stream.records.warn("segments with different bytes for the same place", stream.at(segment.packet), events);
@@ -117,6 +118,10 @@ void Streams::drain(Stream& stream, Events& events)
         Piece piece = std::move(first->second);
         stream.waiting.erase(first);
         stream.waitingSize -= piece.bytes.size() + pieceCost;
+        if (piece.packet > stream.packet) {
+            stream.time = piece.time;
+            stream.packet = piece.packet;
+        }
         if (differ(lastPosition, last, position, piece.bytes))
             stream.records.warn("segments with different bytes for the same place", stream.at(piece.packet), events);
         deliver(stream, position, piece.bytes, piece.size, piece.packet, events);
@@ -129,6 +134,8 @@ void Streams::skipGap(Stream& stream, Events& events)
 {
     const std::uint64_t first = stream.waiting.begin()->first;
     const std::uint64_t size = first - stream.position;
+    stream.time = stream.waiting.begin()->second.time;
+    stream.packet = stream.waiting.begin()->second.packet;
     stream.position = first;
     stream.next += static_cast<std::uint32_t>(size);
     stream.records.skip(size, stream.at(stream.packet), events);
@@ -149,10 +156,6 @@ void Streams::acknowledge(const Payload& segment, Events& events)
     Stream& stream = found->second;
     const std::int64_t ahead = static_cast<std::int32_t>(segment.acknowledgement - stream.next);
     const std::int64_t received = static_cast<std::int64_t>(stream.position) + ahead;
-    if (ahead > 0) {
-        stream.time = segment.time;
-        stream.packet = segment.packet;
-    }
     while (!stream.waiting.empty() && static_cast<std::int64_t>(stream.waiting.begin()->first) <= received)
         skipGap(stream, events);
     count(stream);

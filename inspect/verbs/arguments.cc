@@ -109,9 +109,9 @@ std::string InputArgument::shown() const
     return shownName(file) + (number ? ": message " + std::to_string(*number) : "");
 }
 
-bool InputArgument::isCapture(const std::string& form) const
+bool InputArgument::isCapture() const
 {
-    return form == "pcap" || (form.empty() && isCaptureFile(file));
+    return from == "pcap" || (from.empty() && isCaptureFile(file));
 }
 
 CapturedBody InputArgument::captured() const
@@ -130,21 +130,21 @@ void InputArgument::declareForm(CLI::App& app)
               {"raw", "hex", "base64", "json", "pcap"});
 }
 
-Bytes InputArgument::message(const Type* type, const std::string& form) const
+Bytes InputArgument::message(const Type* type) const
 {
-    if (isCapture(form)) return captured().bytes;
+    if (isCapture()) return captured().bytes;
     if (number) throw Stop{usageError, "--message is for captures, and " + shownName(file) + " is none"};
     const std::string contents = contentsOf(file);
     try {
-        if (form == "hex") return readHex(contents).bytes;
-        if (form == "base64") return parseBase64(contents);
-        if (form == "json" && type) return encoded(*type, contents, shown(), longestMessage);
-        if (form == "raw") {
+        if (from == "hex") return readHex(contents).bytes;
+        if (from == "base64") return parseBase64(contents);
+        if (from == "json" && type) return encoded(*type, contents, shown(), longestMessage);
+        if (from == "raw") {
             if (contents.size() <= longestMessage) return Bytes(contents.begin(), contents.end());
             throw Stop{inputError, shown() + ": " + std::to_string(contents.size()) +
                                        " bytes, but a message has at most " + std::to_string(longestMessage)};
         }
-        if (!form.empty()) throw Stop{usageError, "this verb reads no " + form};
+        if (!from.empty()) throw Stop{usageError, "this verb reads no " + from};
         Recognised recognised =
             type ? recognise(contents,
                              {InputForm::raw, InputForm::hex, InputForm::base64, InputForm::json, InputForm::pcap})
@@ -155,7 +155,7 @@ Bytes InputArgument::message(const Type* type, const std::string& form) const
         if (recognised.form == InputForm::json) return encoded(*type, contents, shown(), longestMessage);
         return std::move(recognised.bytes);
     } catch (const InputError& error) {
-        if (!type && form.empty() && Json::accept(contents))
+        if (!type && from.empty() && Json::accept(contents))
             throw Stop{inputError,
                        shown() + ": JSON, which needs a type; `quorvaxdr encode TYPE` makes the message of it"};
         stopAt(shown(), error);

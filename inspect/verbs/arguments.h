@@ -61,6 +61,7 @@ public:
     void declareForm(CLI::App& app);
     void declareMessage(CLI::App& app);
     void choose(const std::string& path) { file = path; }
+    void chooseForm(const std::string& form) { from = form; }
     void chooseMessage(std::uint64_t chosen) { number = chosen; }
 
     // The file's name, for messages, with the number of the message if it is chosen.
@@ -74,11 +75,10 @@ public:
 
     // The bytes of one message of the type; a null type excludes JSON. Tells on standard error which form was
     // recognised. Throws Stop.
-    Bytes message(const Type* type) const { return message(type, from); }
-    Bytes message(const Type* type, const std::string& form) const;
+    Bytes message(const Type* type) const;
 
     // True if the input is a capture: the user says so, or the file begins as one.
-    bool isCapture() const { return isCapture(from); }
+    bool isCapture() const;
 
     // The number of the message in a capture.
     const std::optional<std::uint64_t>& messageNumber() const { return number; }
@@ -87,8 +87,6 @@ public:
     CapturedBody captured() const;
 
 private:
-    bool isCapture(const std::string& form) const;
-
     std::string file = "-";
     std::string from;
     std::optional<std::uint64_t> number;

@@ -118,7 +118,9 @@ CapturedBody capturedBody(const std::string& file, std::uint64_t number)
             const Body body = bodyOf(*message, procedures, nullptr);
             const Record& record = message->record;
             std::string place = std::string(message->isReply ? "reply " : "call ") + hexText(message->xid) + " of " +
-                                procedureText(*message, procedures) + ", packet " + std::to_string(record.firstPacket);
+                                procedureText(*message, procedures) +
+                                (record.firstPacket == record.lastPacket ? ", packet " : ", packets ") +
+                                std::to_string(record.firstPacket);
             if (record.lastPacket != record.firstPacket) place += " to " + std::to_string(record.lastPacket);
             place += ", " + (record.time - reader.start()).text() + " s";
             if (!record.cut.empty()) place += "; cut: " + record.cut;
@@ -300,7 +302,7 @@ private:
         if (!message.record.cut.empty())
             text += "  ! cut, " + grouped(message.record.bytes.size()) + " of " + bytesText(message.record.size) +
                     ": " + message.record.cut;
-        if (!made.unknown.empty())
+        if (!made.unknown.empty() && (message.record.cut.empty() || message.refusal.empty()))
             text += "  ! " + made.unknown + (message.refusal.empty() ? ": " + bytesText(message.bodySize()) : "");
         if (!made.refused.is_null() && message.record.cut.empty())
             text += "  ! refused " + explained({made.refused["path"], made.refused["offset"], made.refused["reason"]},

@@ -44,18 +44,21 @@ constexpr const char* programDescription =
 
 constexpr const char* programFooter =
     "Forms of the input:\n"
-    "A message can be raw bytes, JSON, hex (digits, dumps of many tools, arrays of many languages) or base64. --from "
-    "names the form. Without it, the first that fits is taken, and standard error tells it:\n"
-    "  1. raw, if there are bytes that no text has; a capture of packets (pcap) is refused by its name\n"
-    "  2. JSON, if the text is an object, array or string\n"
-    "  3. hex\n"
-    "  4. base64\n"
+    "A message can be raw bytes, JSON, hex (digits, dumps of many tools, arrays of many languages), base64 or the "
+    "argument or result of a call in a capture of packets. --from names the form. Without it, the first that fits is "
+    "taken, and standard error tells it:\n"
+    "  1. pcap or pcapng, if the file begins as such a capture\n"
+    "  2. raw, if there are bytes that no text has\n"
+    "  3. JSON, if the text is an object, array or string\n"
+    "  4. hex\n"
+    "  5. base64\n"
     "A text that can be two of them is refused.\n"
     "\n"
     "Examples:\n"
     "  quorvaxdr guess message.hex             print the types that a message can have\n"
     "  quorvaxdr annotate JobId message.hex    print what each of its bytes means\n"
     "  quorvaxdr sample JobId --to hex         print an invented message to begin with\n"
+    "  quorvaxdr decode capture.pcap           print the calls and replies of a capture, one on a line\n"
     "\n"
     "Environment:\n"
     "  NO_COLOR   nothing is coloured if this is not empty; files and pipes never are\n"
@@ -144,7 +147,8 @@ CommandLine::CommandLine() : program(programDescription, "quorvaxdr")
 
     add(makeGuess(), messageVerbs, statusText({"1  no type fits the whole message", reads}));
     add(makeDecode(), messageVerbs,
-        statusText({"1  bytes are left over after a message, or --lines finds no message", decodes, reads}));
+        statusText({"1  bytes are left over after a message, or --lines or a capture has no message",
+                    "3  a message cannot be decoded, or the capture lacks a part of it", reads}));
     add(makeAnnotate(), messageVerbs,
         statusText({"1  bytes are left over, or the message has no such part", decodes, reads}));
     add(makeValidate(), messageVerbs, statusText({"1  there are findings", decodes, reads}));

@@ -17,7 +17,7 @@ failures=0
 for page in "$@"; do
     folder=$work/$(basename "$page")
     mkdir "$folder"
-    ln -s "$source/samples" "$source/examples" "$source/types" "$folder"
+    ln -s "$source/samples" "$source/examples" "$source/types" "$source/tests" "$folder"
     awk -v folder="$folder" -v command="$work/command" -v printed="$work/printed" '
         function run(status, line) {
             if (!pending) return

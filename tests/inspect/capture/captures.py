@@ -109,13 +109,13 @@ STEP = 250_000
 
 def pcap(packets, order="<", nanoseconds=False, link=1, kept=65535):
     """`packets` are bytes, or pairs of bytes and nanoseconds since START."""
-    file = struct.pack(order + "I2H4I", 0xA1B23C4D if nanoseconds else 0xA1B2C3D4, 2, 4, 0, 0, kept, link)
+    file = bytearray(struct.pack(order + "I2H4I", 0xA1B23C4D if nanoseconds else 0xA1B2C3D4, 2, 4, 0, 0, kept, link))
     for i, packet in enumerate(packets):
         packet, time = packet if isinstance(packet, tuple) else (packet, i * STEP)
         seconds, fraction = divmod(START + time, 10**9)
         file += struct.pack(order + "4I", seconds, fraction if nanoseconds else fraction // 1000,
                             len(packet[:kept]), len(packet)) + packet[:kept]
-    return file
+    return bytes(file)
 
 
 def pcapng(packets, order="<", link=1, kept=65535):
