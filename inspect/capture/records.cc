@@ -212,7 +212,7 @@ void Records::emit(const Place& place, Events& events)
     if (state != State::trusted) return giveUp("a record of " + grouped(record.size) + " bytes", place, events);
     record.flow = flow;
     record.time = place.time;
-    record.lastPacket = place.packet;
+    record.lastPacket = std::max(record.firstPacket, place.packet);
     events.emplace_back(std::move(record));
     restart(State::untrusted);
 }

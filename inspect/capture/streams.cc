@@ -132,13 +132,13 @@ void Streams::drain(Stream& stream, Events& events)
 
 void Streams::skipGap(Stream& stream, Events& events)
 {
-    const std::uint64_t first = stream.waiting.begin()->first;
+    const auto& [first, piece] = *stream.waiting.begin();
     const std::uint64_t size = first - stream.position;
-    stream.time = stream.waiting.begin()->second.time;
-    stream.packet = stream.waiting.begin()->second.packet;
+    stream.records.skip(size, stream.at(stream.packet), events);
     stream.position = first;
     stream.next += static_cast<std::uint32_t>(size);
-    stream.records.skip(size, stream.at(stream.packet), events);
+    stream.time = piece.time;
+    stream.packet = piece.packet;
     drain(stream, events);
 }
 

@@ -51,7 +51,7 @@ private:
         std::optional<std::uint64_t> finish;     // position of the end
         std::map<std::uint64_t, Piece> waiting;  // by position
         std::size_t waitingSize = 0;
-        Time time;                               // of the packet that makes the next bytes known
+        Time time;  // of the packet that makes the next bytes known
         std::uint64_t packet = 0;
         std::size_t held = 0;  // as counted in the sum of all
         std::list<Table::iterator>::iterator place;
