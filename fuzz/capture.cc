@@ -91,7 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         checkCapture(bytes);
         const std::size_t gapAt = size == 0 ? 0 : data[size - 1] * std::size_t{2};  // beyond a short input: none
         const std::string whole = eventsOf(bytes, size, gapAt);
-        for (const std::size_t segment : {1, 3, 16})
+        for (const std::size_t segment : {1u, 3u, 16u})
             require(eventsOf(bytes, segment, gapAt) == whole, "records do not depend on segments");
     });
 }

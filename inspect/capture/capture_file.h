@@ -45,8 +45,8 @@ private:
         void operator()(pcap* opened) const;
     };
     std::unique_ptr<pcap, Close> file;
-    LinkType link = LinkType::rawIp;
-    std::uint64_t count = 0;
+    [[maybe_unused]] LinkType link = LinkType::rawIp;  // a build without libpcap uses neither
+    [[maybe_unused]] std::uint64_t count = 0;
 };
 
 }  // namespace quorva::inspect::capture

@@ -67,7 +67,7 @@ quorvaxdr --completion |bash zsh fish
 quorvaxdr decode JobI|JobId JobIdList
 quorvaxdr decode JobId mess|message.hex
 quorvaxdr decode JobId -I f|folder
-quorvaxdr decode --from |raw hex base64 json
+quorvaxdr decode --from |raw hex base64 json pcap
 quorvaxdr decode JobId --fr|--from --framed
 quorvaxdr types --module jobs/cov|jobs/covers
 quorvaxdr annotate JobMngParameters message.hex --path /jobI|/jobId /jobId/service /jobId/job
