@@ -38,4 +38,4 @@ for page in *.md docs/*.md; do
 done >"$work/missing"
 [ ! -s "$work/missing" ] || { cat "$work/missing"; exit 1; }
 
-"$source/tests/readme/transcripts.sh" . "$bin" "${3:-check}" README.md docs/inspector.md
+"$source/tests/readme/transcripts.sh" . "$bin" "${3:-check}" README.md docs/inspector.md docs/rpc.md
