@@ -14,8 +14,8 @@ namespace rpc {
 
 struct ClientOptions {
     std::chrono::milliseconds timeout{10'000};  // of a call, with the connection that it may have to make
-    std::chrono::milliseconds retransmit{
-        500};  // over UDP, the first wait for a reply; each one after it is twice as long
+    // Over UDP, the first wait for a reply; each one after it is twice as long.
+    std::chrono::milliseconds retransmit{500};
 };
 
 class Client {

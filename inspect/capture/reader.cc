@@ -70,8 +70,13 @@ std::string Reader::notes() const
         counted(packets.fragments().conflicts(), "packet whose fragments contradict each other",
                 "packets whose fragments contradict each other") +
         counted(streams.forgotten(), "stream for which memory was short", "streams for which memory was short");
-    if (others.empty()) return {};
-    return grouped(packetCount) + (packetCount == 1 ? " packet" : " packets") + "; not read: " + others.substr(2);
+    std::string text;
+    if (!others.empty())
+        text = grouped(packetCount) + (packetCount == 1 ? " packet" : " packets") + "; not read: " + others.substr(2);
+    if (const std::uint64_t waiting = calls.unanswered())
+        text +=
+            (text.empty() ? "" : "; ") + grouped(waiting) + (waiting == 1 ? " call has" : " calls have") + " no reply";
+    return text;
 }
 
 }  // namespace quorva::inspect::capture

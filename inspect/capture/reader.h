@@ -23,7 +23,7 @@ public:
     // The time of the first packet, which there is once `next` has returned true.
     const Time& start() const { return *begun; }
 
-    // A sentence about everything that was read and not shown; empty if there is nothing to say.
+    // A sentence about what was not shown, and about calls without a reply; empty if there is nothing to say.
     std::string notes() const;
 
 private:

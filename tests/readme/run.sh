@@ -30,7 +30,7 @@ done
 # Every relative link, and every `path` that begins with a folder of this tree.
 folders=$(ls -d */ | grep -v '^build' | tr -d '\n' | sed 's|/|/\||g; s/|$//')
 for page in *.md docs/*.md; do
-    grep -oE '\]\([^):#]+' "$page" | sed "s|^](|$(dirname "$page")/|" >"$work/paths"
+    grep -oE '[^[]\]\([^):#]+' "$page" | sed "s|^.](|$(dirname "$page")/|" >"$work/paths"
     grep -oE '`[^` ]+`' "$page" | tr -d '`' | grep -E "^($folders)" >>"$work/paths" || true
     while IFS= read -r path; do
         for file in $path; do [ -e "$file" ] || echo "$page: there is no $path"; done
