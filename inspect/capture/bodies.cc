@@ -6,7 +6,7 @@ namespace quorva::inspect::capture {
 
 namespace {
 
-const char* whyUnknown(const RpcMessage& message, const KnownProcedure& known)
+const char* whyUnknown(const RpcMessage& message, const CalledProcedure& known)
 {
     if (!message.numbers) return "the call is not in the capture";
     return !known.program ? "unknown program" : !known.version ? "unknown version" : "unknown procedure";
@@ -19,7 +19,7 @@ Body bodyOf(const RpcMessage& message, const Procedures& procedures, const Type*
     if (!message.refusal.empty()) return {nullptr, false, message.refusal};
     if (!message.hasBody) return {nullptr, true, {}};
     if (message.isProtected) return {nullptr, false, "RPCSEC_GSS may encrypt it"};
-    const KnownProcedure known = message.numbers ? procedures.find(*message.numbers) : KnownProcedure{};
+    const CalledProcedure known = message.numbers ? procedures.find(*message.numbers) : CalledProcedure{};
     if (known.procedure) {
         const Type* const type = message.isReply ? known.procedure->result : known.procedure->argument;
         return {type, type == nullptr, {}};

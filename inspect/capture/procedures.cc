@@ -53,9 +53,9 @@ Procedures::Procedures()
         for (const RemoteProgram& program : module->programs) programs[program.number] = &program;
 }
 
-KnownProcedure Procedures::find(const ProcedureNumbers& numbers) const
+CalledProcedure Procedures::find(const ProcedureNumbers& numbers) const
 {
-    KnownProcedure known;
+    CalledProcedure known;
     const auto found = programs.find(numbers.program);
     if (found == programs.end()) return known;
     known.program = found->second;
@@ -66,7 +66,7 @@ KnownProcedure Procedures::find(const ProcedureNumbers& numbers) const
 
 std::string Procedures::text(const ProcedureNumbers& numbers) const
 {
-    const KnownProcedure known = find(numbers);
+    const CalledProcedure known = find(numbers);
     return (known.program ? known.program->name : programText(numbers.program)) + '.' +
            (known.version ? known.version->name : std::to_string(numbers.version)) + '.' +
            (known.procedure ? known.procedure->name : std::to_string(numbers.procedure));
@@ -102,7 +102,7 @@ bool ProcedurePattern::isKnown(const Procedures& procedures) const
            });
 }
 
-bool ProcedurePattern::matches(const ProcedureNumbers& numbers, const KnownProcedure& known) const
+bool ProcedurePattern::matches(const ProcedureNumbers& numbers, const CalledProcedure& known) const
 {
     return fits(parts.back(), numbers.procedure, known.procedure) &&
            (parts.size() < 2 || fits(parts.front(), numbers.program, known.program)) &&

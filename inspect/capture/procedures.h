@@ -19,7 +19,7 @@ struct ProcedureNumbers {
 };
 
 // What is known of a call: a null pointer, and those after it, for a number without a name.
-struct KnownProcedure {
+struct CalledProcedure {
     const RemoteProgram* program = nullptr;
     const RemoteVersion* version = nullptr;
     const RemoteProcedure* procedure = nullptr;
@@ -30,7 +30,7 @@ public:
     // Those of the known modules. Where several modules have a program of the same number, a later one hides it.
     Procedures();
 
-    KnownProcedure find(const ProcedureNumbers& numbers) const;
+    CalledProcedure find(const ProcedureNumbers& numbers) const;
 
     // "SPOOLER.FIRST.CREATE_JOB", with a number where there is no name: "0x20000001.1.3". Programs of the range for
     // users are hexadecimal, the registered ones decimal.
@@ -51,7 +51,7 @@ public:
     // True if the pattern has one to three parts, each a number or a name that is known.
     bool isKnown(const Procedures& procedures) const;
 
-    bool matches(const ProcedureNumbers& numbers, const KnownProcedure& known) const;
+    bool matches(const ProcedureNumbers& numbers, const CalledProcedure& known) const;
 
     const std::string& text() const { return given; }
 
