@@ -25,25 +25,17 @@ notification is recorded that way: the client prints where it listens, and tells
 """
 import argparse
 import itertools
+import pathlib
 import re
 import signal
 import socket
-import struct
 import subprocess
 import sys
 import threading
 import time
 
-FIN, SYN, PUSH, ACK = 1, 2, 8, 16
-TCP, UDP = socket.IPPROTO_TCP, socket.IPPROTO_UDP
-
-
-def checksum(data):
-    """The checksum of IP, TCP and UDP (RFC 1071)."""
-    total = sum(struct.unpack(f"!{(len(data) + 1) // 2}H", data + bytes(len(data) % 2)))
-    while total >> 16:
-        total = (total & 0xFFFF) + (total >> 16)
-    return ~total & 0xFFFF
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "captures"))
+from packets import ACK, FIN, Connection, ethernet, ip, pcap_head, pcap_packet, udp
 
 
 class Capture:
@@ -53,77 +45,44 @@ class Capture:
         self.file = open(path, "wb")
         self.lock = threading.Lock()
         self.numbers = itertools.count(1)
-        self.file.write(struct.pack("<IHHiIII", 0xA1B2C3D4, 2, 4, 0, 0, 262144, 1))  # linktype 1: Ethernet
+        self.file.write(pcap_head())
 
-    def packet(self, protocol, source, target, header, payload, checksum_at):
-        """Adds one packet. `header` is that of TCP or UDP, with zeros for the checksum at `checksum_at`."""
-        addresses = socket.inet_aton(source[0]) + socket.inet_aton(target[0])
-        segment = header + payload
-        pseudo = addresses + struct.pack("!BBH", 0, protocol, len(segment))
-        value = checksum(pseudo + segment)
-        if protocol == UDP:
-            value = value or 0xFFFF  # 0 says that there is no checksum
-        segment = segment[:checksum_at] + struct.pack("!H", value) + segment[checksum_at + 2:]
+    def add(self, segment):
         with self.lock:
-            number = next(self.numbers) & 0xFFFF
-            ip = struct.pack("!BBHHHBBH", 0x45, 0, 20 + len(segment), number, 0x4000, 64, protocol, 0) + addresses
-            ip = ip[:10] + struct.pack("!H", checksum(ip)) + ip[12:]
-            frame = b"\x02\0\0\0\0\2\x02\0\0\0\0\1\x08\0" + ip + segment  # made-up local Ethernet addresses
-            seconds, nanoseconds = divmod(time.time_ns(), 10**9)
-            self.file.write(struct.pack("<IIII", seconds, nanoseconds // 1000, len(frame), len(frame)) + frame)
+            for packet in ip(segment, next(self.numbers) & 0xFFFF):
+                self.file.write(pcap_packet(time.time_ns(), ethernet(packet)))
             self.file.flush()
-
-    def datagram(self, source, target, payload):
-        self.packet(UDP, source, target,
-                    struct.pack("!HHHH", source[1], target[1], 8 + len(payload), 0), payload, 6)
 
 
 class Stream:
-    """One TCP connection in the capture. Direction 0 is from the client to the target, 1 is back."""
+    """One TCP connection in the capture. Its methods may be called from several threads."""
 
     def __init__(self, capture, client, target, disorder):
-        self.capture, self.ends, self.disorder = capture, (client, target), disorder
-        self.next = [1000, 5000]  # sequence numbers
-        self.held = [None, None]  # a segment that is written after the next one
+        self.capture, self.disorder = capture, disorder
+        self.connection = Connection(client, target, (1000, 5000))
+        self.held = {True: None, False: None}  # a segment that is written after the next one
         self.count = 0
         self.lock = threading.Lock()
-        self.segment(0, SYN)
-        self.segment(1, SYN | ACK)
-        self.segment(0, ACK)
+        for segment in self.connection.handshake():
+            capture.add(segment)
 
-    def segment(self, way, flags, payload=b""):
-        # The last acknowledgement that the other side can have sent; the first SYN acknowledges nothing.
-        acknowledged = self.next[1 - way] if flags & ACK else 0
-        header = struct.pack("!HHIIBBHHH", self.ends[way][1], self.ends[1 - way][1], self.next[way], acknowledged,
-                             5 << 4, flags, 65535, 0, 0)
-        self.next[way] = (self.next[way] + len(payload) + (1 if flags & (SYN | FIN) else 0)) & 0xFFFFFFFF
-        return self.write(way, header, payload)
-
-    def write(self, way, header, payload):
-        def put(packet):
-            self.capture.packet(TCP, self.ends[way], self.ends[1 - way], *packet, 16)
-
-        packet = (header, payload)
-        if self.held[1 - way]:  # a reply stays after its call
-            self.capture.packet(TCP, self.ends[1 - way], self.ends[way], *self.held[1 - way], 16)
-            self.held[1 - way] = None
-        self.count += 1
-        if self.disorder and payload and self.held[way] is None and self.count % 2:
-            self.held[way] = packet
-            return
-        put(packet)
-        if self.held[way]:
-            put(self.held[way])
-            self.held[way] = None
-            put(packet)  # as a retransmission
-
-    def data(self, way, payload):
+    def send(self, from_client, payload=b"", flags=ACK):
         with self.lock:
-            self.segment(way, PUSH | ACK, payload)
+            segment = self.connection.segment(from_client, payload, flags)
+            self.release(not from_client)  # a reply stays after its call
+            self.count += 1
+            if self.disorder and payload and not self.held[from_client] and self.count % 2 == 0:
+                self.held[from_client] = segment
+                return
+            self.capture.add(segment)
+            if self.release(from_client):
+                self.capture.add(segment)  # as a retransmission
 
-    def end(self, way):
-        with self.lock:
-            self.segment(way, FIN | ACK)
+    def release(self, from_client):
+        held, self.held[from_client] = self.held[from_client], None
+        if held:
+            self.capture.add(held)
+        return held
 
 
 def address(text):
@@ -142,15 +101,15 @@ def pieces(data, sizes):
         data = data[size:]
 
 
-def pass_on(stream, way, source, target, sizes):
+def pass_on(stream, from_client, source, target, sizes):
     try:
         while data := source.recv(65536):
             for piece in pieces(data, sizes):
-                stream.data(way, piece)
+                stream.send(from_client, piece)
                 target.sendall(piece)
     except OSError:
         pass  # a peer reset its connection; the other side sees an end
-    stream.end(way)
+    stream.send(from_client, flags=FIN | ACK)
     try:
         target.shutdown(socket.SHUT_WR)
     except OSError:
@@ -168,10 +127,10 @@ def serve_tcp(listener, options, capture, target, threads):
             client.close()
             continue
         stream = Stream(capture, peer, to, options.disorder)
-        for way, (source, sink) in enumerate(((client, server), (server, client))):
-            sink.setsockopt(TCP, socket.TCP_NODELAY, 1)
+        for from_client, source, sink in ((True, client, server), (False, server, client)):
+            sink.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
             thread = threading.Thread(target=pass_on, daemon=True,
-                                      args=(stream, way, source, sink, itertools.cycle(options.split)))
+                                      args=(stream, from_client, source, sink, itertools.cycle(options.split)))
             threads.append(thread)
             thread.start()
 
@@ -185,7 +144,7 @@ def serve_udp(listener, capture, target):
                 data = server.recv(65536)
             except ConnectionRefusedError:
                 continue  # the target is not there yet, or not any more
-            capture.datagram(to, client, data)
+            capture.add(udp(to, client, data))
             listener.sendto(data, client)
 
     while True:
@@ -195,7 +154,7 @@ def serve_udp(listener, capture, target):
             sockets[client] = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
             sockets[client].connect(to)
             threading.Thread(target=back, args=(sockets[client], client, to), daemon=True).start()
-        capture.datagram(client, to, data)
+        capture.add(udp(client, to, data))
         try:
             sockets[client].send(data)
         except ConnectionRefusedError:

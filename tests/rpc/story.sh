@@ -36,7 +36,7 @@ for spooler in "$bin/spooler_server" "$peer/peer_server"; do
 done
 
 start "$bin/spooler_server"
-"$python" "$here/record.py" "$work/story.pcap" --tcp "127.0.0.1:$port" --tcp "@$work/told" --split 3,50 -- \
+"$python" -B "$here/record.py" "$work/story.pcap" --tcp "127.0.0.1:$port" --tcp "@$work/told" --split 3,50 -- \
     sh -c "'$bin/spooler_client' tcp 127.0.0.1 {1} {2} >'$work/told'"
 compare "the recorded client"
 finish

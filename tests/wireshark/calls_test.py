@@ -3,64 +3,60 @@
 from __future__ import annotations
 
 import difflib
+import functools
 import pathlib
 import struct
 import subprocess
 import sys
 import tempfile
 
-import capture
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "captures"))
+import packets
+from packets import CLIENT, SERVER, Connection, datagram, denied, frames, pcap, record, reply
 
 STATION = 0x20000C01  # of tests/golden/locker.x
-UDP, TCP = (40000, 50000), (40001, 50001)
+UDP, TCP = [((CLIENT[0], port), (SERVER[0], port + 10000)) for port in (40000, 40001)]
+call = functools.partial(packets.call, program=STATION)
 
 
-def rejected(xid: int, *units: int) -> bytes:
-    return struct.pack(f">{3 + len(units)}I", xid, 1, 1, *units)
-
-
-def accepted(xid: int, *units: int) -> bytes:
-    return struct.pack(f">{5 + len(units)}I", xid, 1, 0, 0, 0, *units)
-
-
-def write(path: pathlib.Path) -> None:
+def calls() -> bytes:
+    """The capture."""
     unit = struct.Struct(">I").pack
-    with open(path, "wb") as file:
-        out = capture.Capture(file)
-
-        def exchange(*messages: bytes) -> None:
-            for message in messages:
-                out.datagram(UDP, message[4:8] == bytes(4), message)  # calls are the client's
-
-        def call(xid: int, version: int = 1, procedure: int = 0, argument: bytes = b"") -> bytes:
-            return capture.call(xid, STATION, version, procedure, argument)
-
-        exchange(call(1), capture.reply(1, b""))
-        exchange(call(2, 1, 0, unit(7)), capture.reply(2, unit(7)))
-        exchange(call(3, 1, 1, unit(12)), call(3, 1, 1, unit(12)), capture.reply(3, b""), capture.reply(3, b""))
-        exchange(call(4, 2, 0x7FFFFFFF), capture.reply(4, struct.pack(">iI3sx", -1, 3, b"jam")))
-        exchange(call(5, 9, 1), accepted(5, 2, 1, 2))
-        exchange(call(6, 1, 9, unit(12)), accepted(6, 3))
-        exchange(call(7), accepted(7, 1))
-        exchange(call(8, 1, 1), accepted(8, 4))
-        exchange(call(9), accepted(9, 77))
-        exchange(call(10), rejected(10, 0, 2, 2))
-        exchange(call(11), rejected(11, 1, 5))
-        exchange(call(12), rejected(12, 7))
-        exchange(call(13)[:-4] + unit(401), capture.reply(14, b""))  # the verifier is too long; no such call
-        exchange(capture.call(15, STATION + 1, 1, 1, b""), capture.reply(15, b""))  # of another program
-
-        calls = capture.record(call(16), []) + capture.record(call(17, 1, 1, unit(3)), [8, 30])
-        out.segment(TCP, True, calls[:50])
-        out.segment(TCP, True, calls[50:])
-        out.segment(TCP, False, capture.record(capture.reply(17, unit(3)), [24]) + capture.record(accepted(16, 5), []))
-        out.segment(TCP, True, capture.record(capture.call(18, STATION + 1, 1, 1, unit(9)), []))
-        out.segment(TCP, True, b"no record of a call")
-        out.segment(TCP, True, unit(0x80000000) + capture.record(call(19), []))
-        out.segment(TCP, True, unit(0x80020000) + call(20))
-        out.segment(TCP, True, capture.record(call(21), []))
-        for captured in (47, 34):  # within the second mark, and within the first fragment
-            out.segment(TCP, True, capture.record(call(22, 1, 1, unit(3)), [41]), captured)
+    datagrams = [
+        call(1), reply(1),
+        call(2, 0, unit(7)), reply(2, unit(7)),
+        call(3, 1, unit(12)), call(3, 1, unit(12)), reply(3), reply(3),
+        call(4, 0x7FFFFFFF, version=2), reply(4, struct.pack(">iI3sx", -1, 3, b"jam")),
+        call(5, 1, version=9), reply(5, struct.pack(">2I", 1, 2), status=2),
+        call(6, 9, unit(12)), reply(6, status=3),
+        call(7), reply(7, status=1),
+        call(8, 1), reply(8, status=4),
+        call(9), reply(9, status=77),
+        call(10), denied(10, 0, 2, 2),
+        call(11), denied(11, 1, 5),
+        call(12), denied(12, 7),
+        call(13)[:-4] + unit(401), reply(14),  # the verifier is too long; no such call
+        call(15, 1, program=STATION + 1), reply(15),  # of another program
+    ]
+    pair = record(call(16)) + record(call(17, 1, unit(3)), [8, 30])
+    cut = record(call(22, 1, unit(3)), [41])
+    connection = Connection(*TCP)
+    segments = [connection.segment(from_client, stream) for from_client, stream in [
+        (True, pair[:50]),
+        (True, pair[50:]),
+        (False, record(reply(17, unit(3)), [24]) + record(reply(16, status=5))),
+        (True, record(call(18, 1, unit(9), program=STATION + 1))),
+        (True, b"no record of a call"),
+        (True, unit(0x80000000) + record(call(19))),
+        (True, unit(0x80020000) + call(20)),
+        (True, record(call(21))),
+        (True, cut),
+        (True, cut),
+    ]]
+    made = frames([datagram(message, *UDP) for message in datagrams] + segments)
+    for i, captured in ((-2, 47), (-1, 34)):  # within the second mark, and within the first fragment
+        made[i] = made[i][:captured - len(cut)], len(made[i])
+    return pcap(made, step=1_000_000)
 
 
 def main() -> int:
@@ -72,7 +68,7 @@ def main() -> int:
         script, path = pathlib.Path(folder, "quorva.lua"), pathlib.Path(folder, "calls.pcap")
         golden = source / "tests/golden"
         subprocess.run([compiler, "wireshark", "--out", script, "-I", golden, golden / "locker.x"], check=True)
-        write(path)
+        path.write_bytes(calls())
         command = ["tshark", "-2", "-X", f"lua_script:{script}", "-r", str(path), "-T", "fields", "-E", "separator=|"]
         for field in fields:
             command += ["-e", field]

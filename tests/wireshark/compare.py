@@ -18,7 +18,8 @@ import tempfile
 from collections.abc import Iterator
 from typing import Any
 
-import capture
+sys.path.insert(0, str(pathlib.Path(__file__).parents[1] / "captures"))
+from packets import CLIENT, SERVER, Connection, call, datagram, frames, pcap, record, reply
 
 PROGRAM, VERSION = 0x20000101, 1
 MOST_DIFFERENCES = 20
@@ -28,6 +29,7 @@ BATCH = 2000        # messages of one run of tshark
 
 Pairs = list[tuple[str, Any]]
 Message = dict[Any, Any]
+Packet = tuple[bytes, int]  # what is captured, and the size of the whole
 
 
 def interface_of(types: list[str], modules: list[str]) -> str:
@@ -37,35 +39,53 @@ def interface_of(types: list[str], modules: list[str]) -> str:
     return "\n".join([*lines, f"    }} = {VERSION};", f"}} = {PROGRAM};", ""])
 
 
-def send(out: capture.Capture, ports: tuple[int, int], is_call: bool, stream: bytes, chance: random.Random) -> None:
+def segments(peers: Connection, is_call: bool, stream: bytes, chance: random.Random) -> Iterator[Any]:
     """The bytes in segments. By its first call a connection is known, so the first segment is not any part of it."""
     size = chance.choice([1, 3, 4, 20, 28, 100]) if stream[:1] == b"\x80" and stream[3] % 4 == 0 else 28
     while stream:
-        out.segment(ports, is_call, stream[:size])
+        yield peers.segment(is_call, stream[:size])
         stream = stream[size:]
         size = chance.randrange(1, 1400)
 
 
-def write_capture(path: pathlib.Path, messages: list[Message], numbers: dict[str, int], chance: random.Random) -> None:
-    with open(path, "wb") as file:
-        out = capture.Capture(file)
-        for begin in range(0, len(messages), 8):
-            streams = {True: b"", False: b""}  # calls, then replies
-            for xid, message in enumerate(messages[begin : begin + 8], begin):
-                body = bytes.fromhex(message["message"])
-                call = capture.call(xid, PROGRAM, VERSION, numbers[message["type"]], body)
-                for is_call, payload in ((True, call), (False, capture.reply(xid, body))):
-                    envelope = len(payload) - len(body)
-                    if xid % 2 == 0 and len(payload) < 65000:
-                        captured = chance.randrange(len(body) + 1) if xid % 8 == 0 else len(body)
-                        message["is_cut", is_call] = captured < len(body)
-                        out.datagram((40000 + begin % 64, 50000), is_call, payload, envelope + captured)
-                    else:
-                        places = range(envelope, len(payload))
-                        cuts = sorted(chance.sample(places, min(chance.randrange(4), len(places))))
-                        streams[is_call] += capture.record(payload, cuts)
-            for is_call, stream in streams.items():
-                send(out, (40000 + begin % 64, 50001), is_call, stream, chance)
+def packets_of(messages: list[Message], numbers: dict[str, int], chance: random.Random) -> Iterator[Packet]:
+    connections: dict[tuple[str, int], Connection] = {}
+    for begin in range(0, len(messages), 8):
+        client = (CLIENT[0], 40000 + begin % 64)
+        streams = {True: b"", False: b""}  # calls, then replies
+        for xid, message in enumerate(messages[begin : begin + 8], begin):
+            body = bytes.fromhex(message["message"])
+            for is_call, payload in (
+                (True, call(xid, numbers[message["type"]], body, PROGRAM, VERSION)), (False, reply(xid, body))
+            ):
+                envelope = len(payload) - len(body)
+                if xid % 2 == 0 and len(payload) < 65000:
+                    lost = len(body) - chance.randrange(len(body) + 1) if xid % 8 == 0 else 0
+                    message["is_cut", is_call] = lost > 0
+                    [frame] = frames([datagram(payload, client, (SERVER[0], 50000))])
+                    yield frame[: len(frame) - lost], len(frame)
+                else:
+                    places = range(envelope, len(payload))
+                    cuts = sorted(chance.sample(places, min(chance.randrange(4), len(places))))
+                    streams[is_call] += record(payload, cuts)
+        peers = connections.setdefault(client, Connection(client, (SERVER[0], 50001)))
+        for is_call, stream in streams.items():
+            for frame in frames(segments(peers, is_call, stream, chance)):
+                yield frame, len(frame)
+
+
+def damaged(packets: list[Packet], chance: random.Random) -> Iterator[Packet]:
+    """Changes bytes after the headers of UDP and TCP in many packets, and cuts some packets."""
+    for captured, size in packets:
+        packet = bytearray(captured)
+        head, kept = 54 if packet[23] == 6 else 42, len(packet)
+        if kept > head:
+            for _ in range(chance.choice([0, 0, 1, 3, 20])):
+                end = min(kept, head + 44) if chance.random() < 0.5 else kept  # often in the envelope
+                packet[chance.randrange(head, end)] = chance.choice([0, 1, 128, 255, chance.randrange(256)])
+            if chance.random() < 0.1:
+                del packet[chance.randrange(head, kept) :]
+        yield bytes(packet), size
 
 
 def subtrees(pairs: Pairs, key: str) -> Iterator[Pairs]:
@@ -157,7 +177,8 @@ def main() -> int:
         for begin in range(0, len(messages), BATCH):
             batch = messages[begin : begin + BATCH]
             path = pathlib.Path(folder, "messages.pcap")
-            write_capture(path, batch, numbers, chance)
+            packets = list(packets_of(batch, numbers, chance))
+            path.write_bytes(pcap(packets))
             seen = set()
             for layer in layers_of(script, path):
                 heads = dict(layer)
@@ -171,7 +192,7 @@ def main() -> int:
                         kind = "call" if is_call else "reply"
                         print(f"{batch[xid]['type']} {kind} {batch[xid]['message'][:200]}: {difference[:600]}")
             shown += len(seen)
-            capture.damage(path, chance)
+            path.write_bytes(pcap(damaged(packets, chance)))
             dissected(script, path, "-2", "-V", "-O", "quorva")
             if len(seen) != 2 * len(batch):
                 different += 1

@@ -8,7 +8,7 @@ shift 2
 lines=$(mktemp)
 trap 'rm -f "$lines"' EXIT
 python3 -B "$source/tests/inspect/capture/tshark_test.py" "$programs/quorvaxdr" tshark
-python3 "$source/tests/wireshark/calls_test.py" "$programs/quorvaxdrc" "$source"
+python3 -B "$source/tests/wireshark/calls_test.py" "$programs/quorvaxdrc" "$source"
 "$source/tests/wireshark/traffic.sh" "$source" "$programs"
 "$programs/wireshark_messages" "$@" >"$lines"
-python3 "$source/tests/wireshark/compare.py" "$programs/quorvaxdrc" "$source" <"$lines"
+python3 -B "$source/tests/wireshark/compare.py" "$programs/quorvaxdrc" "$source" <"$lines"

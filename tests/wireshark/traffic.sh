@@ -19,7 +19,7 @@ record() { # CAPTURE, options of record.py and a command
     done
     capture=$work/$1 protocol=$2
     shift 2
-    python3 "$source/tests/rpc/record.py" "$capture" "--$protocol" "127.0.0.1:$port" "$@" >"$work/ports"
+    python3 -B "$source/tests/rpc/record.py" "$capture" "--$protocol" "127.0.0.1:$port" "$@" >"$work/ports"
     kill "$server"
     wait "$server" || true
     server=

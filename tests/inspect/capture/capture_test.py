@@ -6,18 +6,19 @@ soon, and in little memory.
 """
 
 import json
-import os
+import pathlib
 import random
 import resource
 import struct
 import subprocess
 import sys
-import tempfile
 
-from captures import *
+here = pathlib.Path(__file__).parent
+sys.path.insert(0, str(here.parents[1] / "captures"))
+from packets import *
 
 inspector = sys.argv[1]
-interface = os.path.join(os.path.dirname(os.path.abspath(__file__)), "spooler.x")
+interface = here / "spooler.x"
 sanitized = "asan" in inspector or "fuzz" in inspector
 failures = 0
 
@@ -56,9 +57,8 @@ def conversation(cut=None, fragment=None):
     connection = Connection()
     segments = connection.handshake()
     for from_client, message in EXCHANGE:
-        stream = record(message, fragment)
-        size = cut or len(stream)
-        segments += [connection.segment(from_client, stream[i:i + size]) for i in range(0, len(stream), size)]
+        stream = record(message, range(fragment, len(message), fragment) if fragment else ())
+        segments += connection.segments(from_client, stream, cut or len(stream))
     return segments + connection.close()
 
 
@@ -93,13 +93,12 @@ def property_cuts():
 
 def property_one_segment():
     """All calls in one segment, then all replies in one."""
-    connection = Connection()
     sides = [b"".join(record(message) for client, message in EXCHANGE if client is side) for side in (True, False)]
     for size in (1, 9, 1000):
         connection = Connection()
         segments = connection.handshake()
         for from_client, stream in zip((True, False), sides):
-            segments += [connection.segment(from_client, stream[i:i + size]) for i in range(0, len(stream), size)]
+            segments += connection.segments(from_client, stream, size)
         objects, status, _ = run(pcap(frames(segments + connection.close())))
         check(status == 0 and sorted(each["xid"] for each in objects) == [1, 1, 2, 2, 3, 3] and
               [each.get("value") for each in objects if each["kind"] == "reply"] ==
@@ -111,11 +110,10 @@ def property_order():
     """Segments of one record come in any order, and twice."""
     chance = random.Random(1)
     for _ in range(20):
-        connection = Connection(first=2**32 - 100)
+        connection = Connection(first=(2**32 - 100, 2**32 - 20))
         segments = connection.handshake()
         for from_client, message in EXCHANGE:
-            stream = record(message)
-            pieces = [connection.segment(from_client, stream[i:i + 9]) for i in range(0, len(stream), 9)]
+            pieces = connection.segments(from_client, record(message), 9)
             # They acknowledge nothing.
             pieces = [piece[:3] + (piece[3][:8] + bytes(4) + piece[3][12:],) for piece in pieces]
             shuffled = pieces + chance.choices(pieces, k=4)
@@ -159,15 +157,13 @@ def without(objects, *keys):
 def property_transports():
     """UDP over IPv4 and IPv6 has the same messages."""
     for client, server in ((CLIENT, SERVER), (("fe80::1", 700), ("fe80::2", 2049))):
-        datagrams = [udp(client, server, message) if from_client else udp(server, client, message)
-                     for from_client, message in EXCHANGE]
+        datagrams = [datagram(message, client, server) for _, message in EXCHANGE]
         ways = {"whole": {}}
         ways["fragments"] = {"fragment": 16}
         if ":" in client[0]:
             ways["options"] = {"extension": 60, "extensions": bytes(16)[:1] + b"\x01" + bytes(14)}
         for way, options in ways.items():
-            packets = [ethernet(packet) for i, datagram in enumerate(datagrams)
-                       for packet in ip(datagram, i, **options)]
+            packets = [ethernet(packet) for i, each in enumerate(datagrams) for packet in ip(each, i, **options)]
             objects, status, errors = run(pcap(packets))
             check(without(meaning(objects), "from", "to", "transport") ==
                   without(EXPECTED, "from", "to", "transport") and status == 0 and not errors,
@@ -199,16 +195,14 @@ def property_cut_packets():
         whole = [each for each in meaning(objects) if "xid" in each and "cut" not in each and each["size"] > 0]
         check(all(any(each["size"] == other["size"] and each["xid"] == other["xid"] for other in EXPECTED)
                   for each in whole), f"{kept} bytes of each packet: nothing is read wrongly: {whole}")
-    datagram = ethernet(ip(udp(CLIENT, SERVER, call(1, 2, TICKET)))[0])
-    objects, status, _ = run(pcap([datagram], kept=len(datagram) - 3))
+    frame = frames([datagram(call(1, 2, TICKET))])[0]
+    objects, status, _ = run(pcap([frame], kept=len(frame) - 3))
     check(status == 3 and objects[0]["cut"] and objects[0]["value"] == {"number": 7}, f"a cut datagram: {objects}")
 
 
 def stream(*contents, cut=1000):
     """One direction with these bytes, without a handshake."""
-    connection = Connection()
-    joined = b"".join(contents)
-    return frames([connection.segment(True, joined[i:i + cut]) for i in range(0, len(joined), cut)])
+    return frames(Connection().segments(True, b"".join(contents), cut))
 
 
 def property_resynchronises():
@@ -230,8 +224,7 @@ def property_resynchronises():
 def property_statuses():
     """Exit statuses, and what a line tells."""
     def one(*messages, reading=()):
-        packets = [ip(udp(CLIENT, SERVER, each) if each[7] == 0 else udp(SERVER, CLIENT, each))[0] for each in messages]
-        return run(pcap(list(map(ethernet, packets))), *reading)
+        return run(pcap(frames(map(datagram, messages))), *reading)
     cases = [
         (0, [call(1, 0), reply(1)], {"status": "SUCCESS"}),
         (0, [call(1, 2, TICKET), reply(1, status=1)], {"status": "PROG_UNAVAIL"}),
@@ -311,9 +304,8 @@ def property_hostile():
     claim = b"\x80\xff\xff\xff" + call(1, 2)  # 16 MiB, of which the capture has 4
     objects, status, _ = run(pcap(stream(claim, bytes(4 << 20), cut=60_000)))
     check(status == 3 and len(objects) == 1 and objects[0]["cut"], f"a long record: {str(objects)[:200]}")
-    calls = [ethernet(ip(udp(CLIENT, SERVER, call(i, 2, TICKET)))[0]) for i in range(70_000)]
-    replies = [ethernet(ip(udp(SERVER, CLIENT, reply(i, TICKET)))[0]) for i in (0, 69_999)]
-    objects, status, _ = run(pcap(calls + replies))
+    messages = [call(i, 2, TICKET) for i in range(70_000)] + [reply(i, TICKET) for i in (0, 69_999)]
+    objects, status, _ = run(pcap(frames(map(datagram, messages))))
     check("call" not in objects[-2] and objects[-1]["call"] == 70_000, "the oldest of many calls is forgotten")
     whole = pcap(frames(conversation(30)) + [ethernet(each) for each in overlapping])
     for seed in range(150):

@@ -5,12 +5,14 @@ Another reader of ONC RPC: xid, direction, program, version, procedure and statu
 """
 
 import json
+import pathlib
 import random
 import subprocess
 import sys
 import tempfile
 
-from captures import *
+sys.path.insert(0, str(pathlib.Path(__file__).parents[2] / "captures"))
+from packets import *
 
 inspector, tshark = sys.argv[1:3]
 FIELDS = ["rpc.xid", "rpc.msgtyp", "rpc.program", "rpc.programversion", "rpc.procedure", "rpc.state_accept"]
@@ -29,20 +31,20 @@ def captures():
     for seed in range(12):
         chance = random.Random(seed)
         messages = list(exchange(chance, 20))
-        yield pcap([ethernet(packet) for i, (from_client, message) in enumerate(messages)
-                    for packet in ip(udp(*((CLIENT, SERVER) if from_client else (SERVER, CLIENT)), message), i + 1,
-                                     chance.choice((None, 32)))])
-        peers = Connection(first=2**32 - 300)
+        yield pcap([ethernet(packet) for i, (_, message) in enumerate(messages)
+                    for packet in ip(datagram(message), i + 1, chance.choice((None, 32)))])
+        peers = Connection(first=(2**32 - 300, 2**32 - 20))
         segments = peers.handshake()
         for from_client, message in messages:
-            stream, size = record(message), chance.choice((30, 100, 1000))
-            segments += [peers.segment(from_client, stream[i:i + size]) for i in range(0, len(stream), size)]
+            segments += peers.segments(from_client, record(message), chance.choice((30, 100, 1000)))
         yield pcapng(frames(segments + peers.close(), (0x8100,)))
 
 
 def by_tshark(file):
     command = [tshark, "-r", file, "-d", "tcp.port==2049,rpc", "-d", "udp.port==2049,rpc", "-o",
-               "rpc.dissect_unknown_programs:TRUE", "-Y", "rpc", "-T", "fields"]
+               "rpc.dissect_unknown_programs:TRUE", "-Y", "rpc && !(_ws.expert.group == Checksum)", "-T", "fields"]
+    for protocol in ("ip", "tcp", "udp"):
+        command += ["-o", f"{protocol}.check_checksum:TRUE"]
     for field in FIELDS:
         command += ["-e", field]
     lines = subprocess.run(command, capture_output=True, text=True, check=True).stdout.splitlines()

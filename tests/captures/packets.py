@@ -1,4 +1,4 @@
-"""Writes captures: messages of ONC RPC in packets, packets in pcap and pcapng files."""
+"""Messages of ONC RPC in packets with right checksums, and packets in pcap and pcapng files, for all tests."""
 
 import struct
 
@@ -12,7 +12,7 @@ def opaque(contents):
     return struct.pack(">I", len(contents)) + contents + bytes(-len(contents) % 4)
 
 
-def call(xid, procedure, argument=b"", program=PROGRAM, version=1, flavor=0, credential=b"", rpc_version=2):
+def call(xid, procedure=0, argument=b"", program=PROGRAM, version=1, flavor=0, credential=b"", rpc_version=2):
     head = struct.pack(">7I", xid, 0, rpc_version, program, version, procedure, flavor)
     return head + opaque(credential) + struct.pack(">2I", 0, 0) + argument
 
@@ -25,11 +25,11 @@ def denied(xid, *units):
     return struct.pack(f">{3 + len(units)}I", xid, 1, 1, *units)
 
 
-def record(message, fragment=None):
-    """A message with record marks, in fragments of this size."""
-    pieces = [message[i:i + fragment] for i in range(0, len(message), fragment)] if fragment else [message]
-    return b"".join(struct.pack(">I", len(piece) | (0x80000000 if i + 1 == len(pieces) else 0)) + piece
-                    for i, piece in enumerate(pieces))
+def record(message, cuts=()):
+    """A message with record marks; its fragments end at the cuts."""
+    places = [0, *cuts, len(message)]
+    return b"".join(struct.pack(">I", end - begin | (end == len(message)) << 31) + message[begin:end]
+                    for begin, end in zip(places, places[1:]))
 
 
 # ---- Packets ---------------------------------------------------------------------------------------------------------
@@ -47,26 +47,46 @@ def udp(source, target, payload):
     return 17, source, target, struct.pack(">4H", source[1], target[1], 8 + len(payload), 0) + payload
 
 
-SYN, FIN, RST, ACK = 2, 1, 4, 16
+def datagram(message, client=CLIENT, server=SERVER):
+    """A call travels to the server, a reply to the client."""
+    return udp(client, server, message) if message[4:8] == bytes(4) else udp(server, client, message)
+
+
+FIN, SYN, PUSH, ACK = 1, 2, 8, 16
 
 
 def tcp(source, target, sequence, payload=b"", flags=ACK, acknowledgement=0):
-    head = struct.pack(">2H2I2B3H", source[1], target[1], sequence % 2**32, acknowledgement % 2**32, 0x50, flags, 8192,
+    head = struct.pack(">2H2I2B3H", source[1], target[1], sequence % 2**32, acknowledgement % 2**32, 0x50, flags, 65535,
                        0, 0)
     return 6, source, target, head + payload
+
+
+def checksum(data):
+    """The checksum of RFC 1071: the sum of 16-bit units, with its carries added to it, is the remainder by 0xFFFF."""
+    return -int.from_bytes(data + bytes(len(data) % 2), "big") % 0xFFFF
+
+
+def with_checksum(protocol, addresses, segment):
+    value = checksum(addresses + struct.pack(">2H", protocol, len(segment)) + segment)
+    if protocol == 17:
+        value = value or 0xFFFF  # 0 says that there is no checksum
+    at = 6 if protocol == 17 else 16
+    return segment[:at] + struct.pack(">H", value) + segment[at + 2:]
 
 
 def ip(segment, identification=1, fragment=None, extensions=b"", extension=None):
     """The IP packets of a segment: one, or fragments of this many bytes."""
     protocol, (source, _), (target, _), payload = segment
-    source, target = address(source), address(target)
+    addresses = address(source) + address(target)
+    payload = with_checksum(protocol, addresses, payload)
     pieces = [(i, payload[i:i + fragment]) for i in range(0, len(payload), fragment)] if fragment else [(0, payload)]
     packets = []
     for offset, piece in pieces:
         more = offset + len(piece) < len(payload)
-        if len(source) == 4:
-            packets.append(struct.pack(">2B3H2BH", 0x45, 0, 20 + len(piece), identification, offset // 8 | more << 13,
-                                       64, protocol, 0) + source + target + piece)
+        if len(addresses) == 8:
+            head = struct.pack(">2B3H2B", 0x45, 0, 20 + len(piece), identification, offset // 8 | more << 13, 64,
+                               protocol)
+            packets.append(head + struct.pack(">H", checksum(head + addresses)) + addresses + piece)
             continue
         first, headers = protocol, extensions
         if extension is not None:
@@ -74,14 +94,15 @@ def ip(segment, identification=1, fragment=None, extensions=b"", extension=None)
         if fragment:
             headers = struct.pack(">2BHI", first, 0, offset | more, identification)
             first = 44
-        packets.append(struct.pack(">IH2B", 6 << 28, len(headers) + len(piece), first, 64) + source + target + headers +
-                       piece)
+        head = struct.pack(">IH2B", 6 << 28, len(headers) + len(piece), first, 64)
+        packets.append(head + addresses + headers + piece)
     return packets
 
 
 def ethernet(packet, tags=()):
     kind = 0x0800 if packet[0] >> 4 == 4 else 0x86DD
-    return bytes(12) + b"".join(struct.pack(">2H", tag, 5) for tag in tags) + struct.pack(">H", kind) + packet
+    stations = b"\2\0\0\0\0\2\2\0\0\0\0\1"  # made-up local addresses
+    return stations + b"".join(struct.pack(">2H", tag, 5) for tag in tags) + struct.pack(">H", kind) + packet
 
 
 def cooked(packet):
@@ -105,20 +126,30 @@ LINKS = {"ethernet": (1, ethernet), "raw": (101, lambda packet: packet), "cooked
 
 START = 1_700_000_000_000_000_000  # nanoseconds
 STEP = 250_000
+LONGEST = 262_144  # more than a packet has
 
 
-def pcap(packets, order="<", nanoseconds=False, link=1, kept=65535):
-    """`packets` are bytes, or pairs of bytes and nanoseconds since START."""
-    file = bytearray(struct.pack(order + "I2H4I", 0xA1B23C4D if nanoseconds else 0xA1B2C3D4, 2, 4, 0, 0, kept, link))
+def pcap_head(order="<", nanoseconds=False, link=1, kept=LONGEST):
+    return struct.pack(order + "I2H4I", 0xA1B23C4D if nanoseconds else 0xA1B2C3D4, 2, 4, 0, 0, kept, link)
+
+
+def pcap_packet(time, packet, size=None, order="<", nanoseconds=False):
+    """`size` is that of the whole packet if the capture has less of it."""
+    seconds, fraction = divmod(time, 10**9)
+    return struct.pack(order + "4I", seconds, fraction if nanoseconds else fraction // 1000, len(packet),
+                       size or len(packet)) + packet
+
+
+def pcap(packets, order="<", nanoseconds=False, link=1, kept=LONGEST, step=STEP):
+    """`packets` are bytes, or pairs of what is captured and the size of the whole packet."""
+    file = bytearray(pcap_head(order, nanoseconds, link, kept))
     for i, packet in enumerate(packets):
-        packet, time = packet if isinstance(packet, tuple) else (packet, i * STEP)
-        seconds, fraction = divmod(START + time, 10**9)
-        file += struct.pack(order + "4I", seconds, fraction if nanoseconds else fraction // 1000,
-                            len(packet[:kept]), len(packet)) + packet[:kept]
+        packet, size = packet if isinstance(packet, tuple) else (packet[:kept], len(packet))
+        file += pcap_packet(START + i * step, packet, size, order, nanoseconds)
     return bytes(file)
 
 
-def pcapng(packets, order="<", link=1, kept=65535):
+def pcapng(packets, order="<", link=1, kept=LONGEST):
     def block(kind, body):
         body += bytes(-len(body) % 4)
         return struct.pack(order + "2I", kind, 12 + len(body)) + body + struct.pack(order + "I", 12 + len(body))
@@ -137,14 +168,20 @@ def pcapng(packets, order="<", link=1, kept=65535):
 class Connection:
     """Two streams with their sequence numbers; the methods return segments."""
 
-    def __init__(self, client=CLIENT, server=SERVER, first=1000):
+    def __init__(self, client=CLIENT, server=SERVER, first=(1000, 2**32 - 20)):
+        """`first` are the client's number and the server's, which wraps around soon."""
         self.ends = {True: (client, server), False: (server, client)}
-        self.next = {True: first, False: 2**32 - 20}  # the server's numbers wrap around
+        self.next = dict(zip((True, False), first))
 
     def segment(self, from_client, payload=b"", flags=ACK):
-        made = tcp(*self.ends[from_client], self.next[from_client], payload, flags, self.next[not from_client])
+        acknowledged = self.next[not from_client] if flags & ACK else 0
+        flags |= PUSH if payload else 0
+        made = tcp(*self.ends[from_client], self.next[from_client], payload, flags, acknowledged)
         self.next[from_client] += len(payload) + bool(flags & SYN) + bool(flags & FIN)
         return made
+
+    def segments(self, from_client, stream, size):
+        return [self.segment(from_client, stream[i:i + size]) for i in range(0, len(stream), size)]
 
     def handshake(self):
         return [self.segment(True, flags=SYN), self.segment(False, flags=SYN | ACK), self.segment(True)]
