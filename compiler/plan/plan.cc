@@ -61,14 +61,17 @@ TypePlan Plans::of(const Definition& definition)
 }
 
 // Types are planned after the types that they refer to. A pointee without a plan therefore refers back to the type that
-// is being planned, so its size varies and it owns memory.
+// is being planned, also through typedefs of arrays and optionals, so its size varies and it owns memory.
 ValuePlan Plans::pointee(const TypeRef& type)
 {
-    const TypeRef& named = canonicalType(type);
-    if (named.definition && hasFunctions(*named.definition) && !isForeign(*named.definition) &&
-        !typePlans.contains(named.definition))
-        return {.coding = Coding::function, .type = named.definition, .owns = true};
-    return valuePlan(type);
+    const Definition* named = type.definition;
+    while (named && named->kind == DefinitionKind::typeDefinition && !hasFunctions(*named))
+        named = named->target.type.definition;
+    if (!named || !hasFunctions(*named)) return valuePlan(type);
+    const bool isBack = typePlans.try_emplace(named, TypePlan{.hasFunctions = true, .owns = true}).second;
+    ValuePlan plan = valuePlan(type);
+    if (isBack) typePlans.erase(named);
+    return plan;
 }
 
 ValuePlan Plans::valuePlan(const TypeRef& type)
