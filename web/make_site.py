@@ -7,6 +7,7 @@ interface files. The folder may be moved; nothing in it is loaded from elsewhere
 from __future__ import annotations
 
 import argparse
+import base64
 import collections
 import json
 import os
@@ -21,7 +22,7 @@ from typing import Any
 import jinja2
 
 HERE = pathlib.Path(__file__).resolve().parent
-ASSETS = ["style.css", "search.js"]
+ASSETS = ["style.css", "search.js", "reader.js", "inputs.js", "guess.js", "viewer.js"]
 BUILT_IN = "built-in"  # the module of the page with the built-in types
 LONGEST_COUNT = 65535  # a maximum that says nothing
 UNNEEDED = ["usedBy", "usedIndirectlyBy", "size", "alignment", "offset", "wireOffset", "file", "line"]
@@ -109,6 +110,11 @@ def content(use: Entry) -> str:
     return f"{word}, at most {grouped(use['maximum'])} bytes" if use["maximum"] < LONGEST_COUNT else word
 
 
+def base64_of(digits: str) -> str:
+    """Bytes as the links to the viewer hold them."""
+    return base64.urlsafe_b64encode(bytes.fromhex(digits)).decode().rstrip("=")
+
+
 def without(entry: Any, keys: list[str]) -> Any:
     if isinstance(entry, list):
         return [without(each, keys) for each in entry]
@@ -161,7 +167,7 @@ def make(schema: Entry, samples: dict[str, tuple[str, str] | None], folders: lis
         trim_blocks=True,
         lstrip_blocks=True,
     )
-    environment.globals.update(pages=pages, samples=samples, extent=extent, content=content)
+    environment.globals.update(pages=pages, samples=samples, extent=extent, content=content, base64=base64_of)
     environment.filters.update(grouped=grouped)
     environment.tests.update(procedure=is_procedure)
 
@@ -176,6 +182,7 @@ def make(schema: Entry, samples: dict[str, tuple[str, str] | None], folders: lis
         types_of[each.get("module", BUILT_IN)].append(each)
     modules = [*schema["modules"], {"name": BUILT_IN, "doc": "The types that every module knows."}]
     write("index.html", "index.html", schema=schema, modules=modules, types_of=types_of)
+    write("viewer.html", "viewer.html")
     for module in modules:
         write(pages.of_module(module["name"]), "module.html", module=module, types=types_of[module["name"]])
     for file, path in pages.sources.items():

@@ -56,5 +56,10 @@ class Search(unittest.TestCase):
         self.assertEqual([], self.search("index.html", "NoSuchName"))
         self.assertEqual("Nothing found", self.browser.find_element(By.ID, "found").text)
 
+    def test_texts_have_contrast_and_controls_have_names(self) -> None:
+        for page in ("index.html", "modules/jobs.covers.html", "sources/jobs.covers.x.html"):
+            self.search(page, "cover")
+            self.assertEqual([], browser.looks_of(self.browser))
+
 
 unittest.main()

@@ -1,16 +1,21 @@
 // Prints messages of every type and what a dissector shows of them, as the inspector reads them: JSON on each line.
 //
-//   messages [--each N] [--seed S]
+//   messages [--each N] [--seed S] [--annotated]
 //
-// N whole messages of each type (default 1), damaged ones for each of them, and two that no sender makes.
+// N whole messages of each type (default 1), damaged ones and a cut one for each of them, and two that no sender makes.
+// With --annotated, the first line is the schema document; the others have what `annotate --json` and `validate --json`
+// print of the message.
 
 #include "explain/layout.h"
 #include "fuzz/damage.h"
+#include "inspect/annotate.h"
 #include "inspect/documentation.h"
 #include "inspect/findings.h"
 #include "inspect/input.h"
+#include "inspect/schema.h"
 #include "support/tested_modules.h"
 
+#include <bit>
 #include <cstdlib>
 #include <iostream>
 
@@ -90,10 +95,19 @@ Json shown(const Tree& tree, std::uint32_t at)
     }
 }
 
-void print(const Type& type, const Bytes& message)
+// What the inspector's verbs print.
+void addVerbs(Json& line, const Tree& tree)
 {
-    const Tree tree(type, message);
-    Json line = {{"type", type.name}, {"message", inspect::hexDigits(message)}};
+    std::string annotation;
+    inspect::printAnnotationJson(tree, [&](std::string_view text) { annotation += text; });
+    line["annotation"] = Json::parse(annotation);
+    Json& findings = line["findings"] = Json::array();
+    for (const inspect::Finding& finding : inspect::findingsOf(tree)) findings.push_back(inspect::findingJson(finding));
+}
+
+// What a dissector shows.
+void addFields(Json& line, const Tree& tree)
+{
     Json &fields = line["fields"] = Json::array(), &findings = line["findings"] = Json::array();
     std::vector<std::size_t> depths(tree.nodes().size());
     for (std::uint32_t at = 0; at < tree.nodes().size(); ++at) {
@@ -107,20 +121,38 @@ void print(const Type& type, const Bytes& message)
         const bool isRefusal = finding.code == inspect::FindingCode::refused;
         findings.push_back({inspect::codeName(finding.code), (isRefusal ? place : "") + finding.sentence});
     }
+}
+
+using Addition = void (*)(Json&, const Tree&);
+
+void print(const Type& type, const Bytes& message, Addition add)
+{
+    Json line = {{"type", type.name}, {"message", inspect::hexDigits(message)}};
+    add(line, Tree(type, message));
     std::cout << line.dump() << '\n';
 }
 
-void printAll(const Type& type, std::size_t each, inspect::Sampler& sampler, fuzz::Chance& chance)
+Bytes unitOf(std::size_t number)
+{
+    Bytes bytes;
+    for (unsigned shift = 32; shift > 0; shift -= 8) bytes.push_back(static_cast<unsigned char>(number >> (shift - 8)));
+    return bytes;
+}
+
+void printAll(const Type& type, std::size_t each, Addition add, inspect::Sampler& sampler, fuzz::Chance& chance)
 {
     Bytes other;
     for (std::size_t i = 0; i < each; ++i) {
         const fuzz::Generated whole = fuzz::generate(sampler, type, chance);
-        print(type, whole.message);
+        print(type, whole.message, add);
         for (int k = 0; k < damagedOfEach; ++k) {
             Bytes damaged = whole.message;
             fuzz::damage(damaged, whole.control, other, chance);
-            print(type, damaged);
+            print(type, damaged, add);
         }
+        Bytes cut = whole.message;
+        cut.resize(chance.below(cut.size()));
+        print(type, cut, add);
         other = whole.message;
     }
     Bytes ones, random;
@@ -128,15 +160,25 @@ void printAll(const Type& type, std::size_t each, inspect::Sampler& sampler, fuz
         ones.insert(ones.end(), {0, 0, 0, 1});
         for (int k = 0; k < 4; ++k) random.push_back(static_cast<unsigned char>(chance.below(256)));
     }
-    print(type, ones);
-    print(type, random);
+    print(type, ones, add);
+    print(type, random, add);
     if (type.kind != TypeKind::typeDefinition || inspect::targetOf(type).form != Form::string) return;
     for (const std::string_view text : endsOfUtf8) {
         Bytes message = {0, 0, 0, static_cast<unsigned char>(text.size())};
         message.insert(message.end(), text.begin(), text.end());
         message.resize(inspect::padded(message.size()));
-        print(type, message);
+        print(type, message, add);
     }
+}
+
+// The numbers at the ends of each exponent, the powers of ten, and others.
+void printFloats(Addition add, fuzz::Chance& chance)
+{
+    for (std::size_t exponent = 0; exponent < 256; ++exponent)
+        for (const std::size_t fraction : {std::size_t{0}, std::size_t{1}, chance.below(1U << 23U)})
+            print(description::Float(), unitOf(exponent << 23U | fraction), add);
+    for (float power = 1e38F; power > 0; power /= 10)
+        print(description::Float(), unitOf(std::bit_cast<std::uint32_t>(power)), add);
 }
 
 }  // namespace
@@ -145,19 +187,24 @@ int main(int count, char** arguments)
 {
     std::size_t each = 1;
     std::uint64_t seed = 1;
+    Addition add = addFields;
     for (int i = 1; i < count; ++i) {
         const std::string_view word = arguments[i];
         if (word == "--each" && i + 1 < count)
             each = std::strtoul(arguments[++i], nullptr, 10);
         else if (word == "--seed" && i + 1 < count)
             seed = std::strtoul(arguments[++i], nullptr, 10);
+        else if (word == "--annotated")
+            add = addVerbs;
         else
-            return std::cerr << "usage: messages [--each N] [--seed S]\n", 2;
+            return std::cerr << "usage: messages [--each N] [--seed S] [--annotated]\n", 2;
     }
     addModules(exampleModules());  // for the names of their enumerators
+    if (add == addVerbs) std::cout << inspect::schemaJson(inspect::Catalogue()).dump() << '\n';
     inspect::Sampler sampler;
     fuzz::Chance chance(seed);
+    if (add == addVerbs) printFloats(add, chance);
     for (const auto& modules : {modules(), exampleModules()})
-        for (const Type* type : inspect::typesOf(modules)) printAll(*type, each, sampler, chance);
+        for (const Type* type : inspect::typesOf(modules)) printAll(*type, each, add, sampler, chance);
     return std::cout.flush() ? 0 : 1;
 }

@@ -1,0 +1,177 @@
+"""Tests the message viewer in Chromium: viewer_test.py DIR QUORVAXDR"""
+
+from __future__ import annotations
+
+import json
+import pathlib
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+from typing import Any
+
+import browser
+from selenium.webdriver.common.action_chains import ActionChains
+from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
+
+QUORVAXDR = sys.argv.pop(2)
+FOLDER = pathlib.Path(sys.argv.pop(1)).resolve()
+TYPE = "JobMngParameters"
+MESSAGE = bytes.fromhex("00000005 00000005 000000e7 00000004 34373131") + bytes(32)  # to cancel a job
+CUT = MESSAGE[:14]
+PADDED = MESSAGE[:15] + b"\x03471\0" + MESSAGE[20:]
+DAMAGED = MESSAGE[:15] + b"\3" + MESSAGE[16:]  # a length of 3, and padding that is not zero
+
+
+def inspected(verb: str, type_name: str, message: bytes) -> Any:
+    command = [QUORVAXDR, verb, type_name, "--from", "raw", "--json"]
+    return json.loads(subprocess.run(command, input=message, capture_output=True).stdout)
+
+
+def dump(message: bytes) -> str:
+    return subprocess.run(["od", "-A", "x", "-t", "x1"], input=message, capture_output=True, check=True).stdout.decode()
+
+
+class Viewer(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls) -> None:
+        cls.browser = browser.start()
+        cls.addClassCleanup(cls.browser.quit)
+
+    def setUp(self) -> None:
+        self.browser.get("about:blank")
+        browser.faults_of(self.browser, FOLDER)
+        self.browser.get((FOLDER / "viewer.html").as_uri())
+
+    def tearDown(self) -> None:
+        self.assertEqual([], browser.faults_of(self.browser, FOLDER))
+
+    def find(self, selector: str) -> Any:
+        return self.browser.find_element(By.CSS_SELECTOR, selector)
+
+    def show(self, type_name: str, text: str) -> str:
+        """What the page says of the message."""
+        self.find("#type").clear()
+        self.find("#type").send_keys(type_name)
+        self.browser.execute_script("document.getElementById('message').value = arguments[0]", text)
+        self.find("#form button").click()
+        status: str = self.find("#status").text
+        return status
+
+    def parts(self) -> list[Any]:
+        """Of each row of the tree: depth, name, type, and the text in front of the contents."""
+        rows: list[Any] = self.browser.execute_script("""
+            document.getElementById("unfold").click();
+            return [...document.querySelectorAll("[role=treeitem]")].map((row) => [Number(row.ariaLevel) - 1,
+                ...["name", "kind", "value"].map((each) => row.querySelector(`.${each}`).textContent)])""")
+        return [[*row[:3], row[3].split("  ")[0]] for row in rows]
+
+    def lit(self) -> tuple[str, list[str]]:
+        """The bytes and the names of the parts that are lit."""
+        spans = self.browser.find_elements(By.CSS_SELECTOR, "#bytes .lit")
+        rows = self.browser.find_elements(By.CSS_SELECTOR, "#tree .lit .name")
+        return " ".join(span.text for span in spans), [row.text for row in rows]
+
+    def test_a_dump_shows_the_inspectors_parts(self) -> None:
+        self.assertRegex(self.show(TYPE, dump(MESSAGE)), "^read as a dump: 52 bytes, decodes, 0 findings")
+        nodes = inspected("annotate", TYPE, MESSAGE)["nodes"]
+        expected = [[each["depth"], each["name"], each.get("type", each["kind"]), each.get("text", "")]
+                    for each in nodes]
+        expected[0][2] = nodes[0]["kind"]  # its type is its name
+        self.assertEqual(expected, self.parts())
+
+    def test_damage_is_told_at_its_place(self) -> None:
+        for message in (CUT, MESSAGE[:12], DAMAGED):
+            self.show(TYPE, message.hex())
+            listed = [item.text for item in self.browser.find_elements(By.CSS_SELECTOR, "#findings li")]
+            expected = inspected("validate", TYPE, message)
+            self.assertTrue(expected)
+            self.assertEqual([f"byte {each['offset']} {each['path']}: {each['code']}: {each['sentence']}"
+                              for each in expected], listed)
+            marked = self.find("#bytes .wrong, #bytes .refusal")
+            before: str = self.browser.execute_script("""
+                return [...document.querySelectorAll("#bytes [data-segment]")]
+                    .filter((each) => each.compareDocumentPosition(arguments[0]) & Node.DOCUMENT_POSITION_FOLLOWING)
+                    .map((each) => each.textContent).join(" ")""", marked)
+            self.assertEqual(expected[0]["offset"], len(before.split()))
+            self.assertIn(expected[0]["sentence"], self.find("#tree .wrong, #tree .refusal").text)
+
+    def test_the_pointer_lights_both_sides(self) -> None:
+        self.show(TYPE, MESSAGE.hex())
+        ActionChains(self.browser).move_to_element(self.find("#bytes [data-segment='2']")).perform()
+        self.assertEqual(("00 00 00 e7", ["job"]), self.lit())
+        names = self.browser.find_elements(By.CSS_SELECTOR, "#tree .name")
+        ActionChains(self.browser).move_to_element(next(each for each in names if each.text == "jobId")).perform()
+        self.assertEqual(("00 00 00 05 00 00 00 e7", ["jobId"]), self.lit())
+
+    def test_the_keyboard_is_enough(self) -> None:
+        keys = ActionChains(self.browser)
+        self.find("#type").send_keys(TYPE, Keys.TAB, Keys.TAB)  # over the file
+        keys.send_keys(MESSAGE.hex(), Keys.TAB, Keys.ENTER).perform()
+        while self.browser.switch_to.active_element.get_attribute("id") != "bytes":
+            ActionChains(self.browser).send_keys(Keys.TAB).perform()
+        ActionChains(self.browser).send_keys(Keys.ARROW_RIGHT * 8).perform()
+        self.assertEqual(("00 00 00 e7", ["job"]), self.lit())
+        ActionChains(self.browser).send_keys(Keys.ENTER, Keys.ARROW_DOWN).perform()
+        self.assertEqual("pinNumber", self.browser.switch_to.active_element.find_element(By.CLASS_NAME, "name").text)
+        self.assertEqual(["pinNumber"], self.lit()[1])
+        ActionChains(self.browser).send_keys(Keys.HOME, Keys.ARROW_LEFT).perform()
+        shown = [each for each in self.browser.find_elements(By.CSS_SELECTOR, "#tree .name") if each.is_displayed()]
+        self.assertEqual([TYPE], [each.text for each in shown])
+
+    def test_a_link_holds_type_and_message(self) -> None:
+        self.show(TYPE, MESSAGE.hex())
+        parts, link = self.parts(), self.browser.current_url
+        self.assertIn("#type=" + TYPE, link)
+        self.browser.get("about:blank")
+        self.browser.get(link)
+        self.assertEqual(parts, self.parts())
+
+    def test_a_type_is_guessed(self) -> None:
+        self.assertRegex(self.show("", MESSAGE.hex()), "the likeliest of [0-9]+ types")
+        self.assertEqual(TYPE, self.find("#type").get_attribute("value"))
+
+    def test_a_file_is_read(self) -> None:
+        with tempfile.NamedTemporaryFile(suffix=".bin") as file:
+            file.write(MESSAGE)
+            file.flush()
+            self.find("#type").send_keys(TYPE)
+            self.find("#file").send_keys(file.name)
+            time.sleep(0.5)
+        self.assertRegex(self.find("#status").text, "^read as bytes: 52 bytes, decodes")
+
+    def test_errors_are_told(self) -> None:
+        for type_name, text, sentence in (
+            (TYPE, "", "the message is empty"),
+            (TYPE, "000", "the number of hexadecimal digits is odd"),
+            (TYPE, "<message>", "this is neither hexadecimal digits nor a dump, an array or base64"),
+            ("NoSuchType", "00", "there is no type NoSuchType"),
+        ):
+            self.assertEqual(sentence, self.show(type_name, text))
+
+    def test_the_filter_finds_parts(self) -> None:
+        self.show(TYPE, MESSAGE.hex())
+        self.find("#filter").send_keys("4711")
+        self.assertEqual(["/pinNumber"], [row[1] for row in self.parts()])
+
+    def test_texts_have_contrast_and_controls_have_names(self) -> None:
+        for message in (CUT, PADDED, DAMAGED, MESSAGE + b"\0\0\0"):
+            self.show(TYPE, message.hex())
+            self.assertEqual([], browser.looks_of(self.browser))
+
+    def test_a_long_message_is_shown(self) -> None:
+        message = b"\0\0\x1f\xff" + b"\0\0\0\5\0\0\0\xe7" * 8191
+        self.find("#type").send_keys("JobIdList")
+        taken = self.browser.execute_script("""
+            document.getElementById("message").value = arguments[0];
+            const begin = performance.now();
+            document.querySelector("#form button").click();
+            document.body.getBoundingClientRect();
+            return performance.now() - begin""", message.hex())
+        self.assertRegex(self.find("#status").text, "^read as hexadecimal digits: 65,532 bytes, decodes, 0 findings")
+        print(f"65,532 bytes are shown after {taken:.0f} ms")
+
+
+unittest.main()
