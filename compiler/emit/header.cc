@@ -268,7 +268,7 @@ std::string remoteType(const std::optional<TypeRef>& type)
 
 std::string remoteCoder(const std::optional<TypeRef>& type)
 {
-    return "::quorva::coder::" + (type ? type->name : "Void");
+    return type ? "::quorva::coder::" + type->name : "::quorva::voidCoder";
 }
 
 // A constant for each procedure, in namespaces that are named like its program and version.

@@ -15,12 +15,11 @@ namespace quorva {
 // The argument or the result of a procedure that has none. It takes no bytes.
 struct Void {};
 
-namespace coder {
-inline constexpr Coder<::quorva::Void> Void = {[](Xdr*, void*) { return 1; }, "void"};
-}
+// Outside of the namespace of the coders, where that of a type named Coder hides the template.
+inline constexpr Coder<Void> voidCoder = {[](Xdr*, void*) { return 1; }, "void"};
 
 template <>
-inline constexpr Coder<Void> coderOf<Void> = coder::Void;
+inline constexpr Coder<Void> coderOf<Void> = voidCoder;
 
 template <class Argument, class Result>
 struct Procedure {

@@ -38,8 +38,8 @@ using Status = RpcError::Status;
 using Text = EncodedLongString;
 constexpr quorva::Procedure<Text, Text> echo = {
     "ECHO", 0x20000f10, 2, 1, quorva::coder::EncodedLongString, quorva::coder::EncodedLongString};
-constexpr quorva::Procedure<quorva::Void, Text> failing = {
-    "FAIL", 0x20000f10, 3, 2, quorva::coder::Void, quorva::coder::EncodedLongString};
+constexpr quorva::Procedure<quorva::Void, Text> failing = {"FAIL", 0x20000f10,        3,
+                                                           2,      quorva::voidCoder, quorva::coder::EncodedLongString};
 constexpr quorva::Procedure<LongNatural, AttributeSeq> repeat = {
     "REPEAT", 0x20000f10, 3, 3, quorva::coder::LongNatural, quorva::coder::AttributeSeq};
 constexpr std::uint16_t manyNumbers = 15'000;
@@ -221,7 +221,7 @@ TEST(RpcStatus, clientSaysWhyThereIsNoResult)
             }
         }
         client.call(numbered(
-            quorva::Procedure<quorva::Void, quorva::Void>{"NULL", 0, 0, 0, quorva::coder::Void, quorva::coder::Void},
+            quorva::Procedure<quorva::Void, quorva::Void>{"NULL", 0, 0, 0, quorva::voidCoder, quorva::voidCoder},
             0x20000f10, 3, 0));
         expectEcho(client, "the connection is still good");
     }
