@@ -113,7 +113,7 @@ private:
         return ReturnStatus::ok;
     }
 
-    // A client names itself and no other host, so that nobody makes the spooler connect to a third party.
+    // The binding must name the client's own host: no client can make the spooler connect to another one.
     ReturnStatus subscribe(const SubscribeParameters& asked, const Address& peer)
     {
         const NotifyBinding& binding = asked.clientNotify;

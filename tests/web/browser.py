@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import json
 import pathlib
+import unittest
 from typing import Any
 
 from selenium import webdriver
@@ -30,6 +31,25 @@ def faults_of(browser: webdriver.Chrome, folder: pathlib.Path) -> list[str]:
             if not url.startswith((folder.as_uri() + "/", "data:")):
                 faults.append(f"request for {url}")
     return faults
+
+
+class Pages(unittest.TestCase):
+    """Tests of the pages in a folder, which fail if the console says anything or a request leaves the folder."""
+
+    browser: webdriver.Chrome
+    folder: pathlib.Path
+
+    @classmethod
+    def setUpClass(cls) -> None:
+        cls.browser = start()
+        cls.addClassCleanup(cls.browser.quit)
+
+    def setUp(self) -> None:
+        self.browser.get("about:blank")
+        faults_of(self.browser, self.folder)
+
+    def tearDown(self) -> None:
+        self.assertEqual([], faults_of(self.browser, self.folder))
 
 
 LOOKS = """

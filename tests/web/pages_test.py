@@ -14,18 +14,8 @@ from selenium.webdriver.support.wait import WebDriverWait
 FOLDER = pathlib.Path(sys.argv.pop(1)).resolve()
 
 
-class Search(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls) -> None:
-        cls.browser = browser.start()
-        cls.addClassCleanup(cls.browser.quit)
-
-    def setUp(self) -> None:
-        self.browser.get("about:blank")
-        browser.faults_of(self.browser, FOLDER)
-
-    def tearDown(self) -> None:
-        self.assertEqual([], browser.faults_of(self.browser, FOLDER))
+class Search(browser.Pages):
+    folder = FOLDER
 
     def search(self, page: str, text: str) -> list[str]:
         """The results, each with its link."""

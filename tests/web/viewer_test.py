@@ -34,19 +34,12 @@ def dump(message: bytes) -> str:
     return subprocess.run(["od", "-A", "x", "-t", "x1"], input=message, capture_output=True, check=True).stdout.decode()
 
 
-class Viewer(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls) -> None:
-        cls.browser = browser.start()
-        cls.addClassCleanup(cls.browser.quit)
+class Viewer(browser.Pages):
+    folder = FOLDER
 
     def setUp(self) -> None:
-        self.browser.get("about:blank")
-        browser.faults_of(self.browser, FOLDER)
+        super().setUp()
         self.browser.get((FOLDER / "viewer.html").as_uri())
-
-    def tearDown(self) -> None:
-        self.assertEqual([], browser.faults_of(self.browser, FOLDER))
 
     def find(self, selector: str) -> Any:
         return self.browser.find_element(By.CSS_SELECTOR, selector)
