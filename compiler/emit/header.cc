@@ -1,5 +1,6 @@
 // Emits the public header of a module.
 #include "emit.h"
+#include "front/layout.h"
 #include "front/structure.h"
 #include "names.h"
 #include "text.h"
@@ -260,6 +261,55 @@ std::string coderChoices(const Module& module)
     return out;
 }
 
+// The types of the module and of those that it imports.
+std::vector<const Definition*> visibleTypes(const Module& module)
+{
+    std::vector<const Definition*> types;
+    for (const Module* each : importClosure(module))
+        for (const Definition* type : typesOf(*each)) types.push_back(type);
+    return types;
+}
+
+std::string numberOfBytes(std::uint64_t with32, std::uint64_t with64)
+{
+    if (with32 == with64) return std::to_string(with64);
+    return "quorva::on32Or64Bits(" + std::to_string(with32) + ", " + std::to_string(with64) + ")";
+}
+
+// The index in `declarationsOf` of the last member; the arms of a union have one place.
+std::size_t lastMember(const std::vector<const Declaration*>& declarations)
+{
+    std::size_t last = declarations.size() - 1;
+    while (declarations[last]->form == Form::none) --last;
+    return last;
+}
+
+// The library would code a layout wrongly that an option such as -fpack-struct, or a pragma before the header, changes.
+// Size and place of the last member show it: each depends on all members before.
+std::string layouts(const Module& module)
+{
+    const std::vector<const Definition*> visible = visibleTypes(module);
+    const Layouts on32 = layoutsOf(visible, 4);
+    const Layouts on64 = layoutsOf(visible, 8);
+    std::string out;
+    for (const Definition* definition : typesOf(module)) {
+        if (!canBeForwardDeclared(*definition)) continue;
+        const std::string size = numberOfBytes(on32.of(*definition).size, on64.of(*definition).size);
+        std::string member = "elements";
+        std::string offset = numberOfBytes(4, 8);
+        if (!isCountedStruct(*definition)) {
+            const std::vector<const Declaration*> declarations = declarationsOf(*definition);
+            const std::size_t last = lastMember(declarations);
+            member = declarations[last]->name;
+            offset = numberOfBytes(on32.offsetsIn(*definition)[last], on64.offsetsIn(*definition)[last]);
+        }
+        const std::string head = "static_assert(sizeof(::" + definition->name + ") == " + size + " &&";
+        const std::string rest = "offsetof(::" + definition->name + ", " + member + ") == " + offset + ");\n";
+        out += head + (head.size() + rest.size() <= lineWidth ? " " : "\n              ") + rest;
+    }
+    return out.empty() ? "" : "// The library codes these layouts in memory: sizes, and places of the last members.\n" + out;
+}
+
 // The C++ type of an argument or a result, and its coder.
 std::string remoteType(const std::optional<TypeRef>& type)
 {
@@ -322,6 +372,7 @@ std::string emitHeader(const Module& module)
         coders(module),
         coderChoices(module),
         procedures(module),
+        layouts(module),
     });
 }
 

@@ -1,6 +1,8 @@
 // The rules of the C++ ABI for structs of numbers, pointers, arrays and unions.
 #include "layout.h"
 
+#include "structure.h"
+
 #include <algorithm>
 
 namespace quorva::compiler {
@@ -117,6 +119,13 @@ std::vector<std::uint64_t> Layouts::offsetsIn(const Definition& type) const
         for (const Arm& arm : type.arms) offsets.push_back(arm.declaration.form == Form::none ? 0 : armsAt);
     }
     return offsets;
+}
+
+Layouts layoutsOf(const std::vector<const Definition*>& types, std::uint64_t bytes)
+{
+    Layouts layouts(bytes);
+    for (const Definition* type : declarationOrder(types)) layouts.add(*type);
+    return layouts;
 }
 
 }  // namespace quorva::compiler

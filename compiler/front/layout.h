@@ -37,6 +37,9 @@ public:
     // The layout of one member; zero bytes for void.
     Layout of(const Declaration& declaration) const;
 
+    // The layout of a type. The types that it holds by value must be added.
+    Layout of(const Definition& definition) const;
+
     // The offset of each of `declarationsOf(type)` in an object of the type; 0 for a void arm. The types that the type
     // holds by value must be added.
     std::vector<std::uint64_t> offsetsIn(const Definition& type) const;
@@ -44,10 +47,13 @@ public:
 private:
     Layout ofArms(const Definition& discriminatedUnion) const;
     Layout of(const TypeRef& type) const;
-    Layout of(const Definition& definition) const;
 
     std::uint64_t address;
     std::unordered_map<const Definition*, Layout> known;
 };
+
+// The layouts of the types, in any order, on a machine whose addresses have `bytes` bytes. The types that they hold by
+// value must be among them.
+Layouts layoutsOf(const std::vector<const Definition*>& types, std::uint64_t bytes = 8);
 
 }  // namespace quorva::compiler

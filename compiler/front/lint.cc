@@ -46,15 +46,13 @@ std::string initialsOf(std::string_view name)
     return initials;
 }
 
-// The layouts of all types of the program.
-Layouts layoutsOf(const Program& program)
+// All types of the program.
+std::vector<const Definition*> typesOf(const Program& program)
 {
     std::vector<const Definition*> types;
     for (const auto& module : program.modules)
         for (const Definition* type : typesOf(*module)) types.push_back(type);
-    Layouts layouts;
-    for (const Definition* type : declarationOrder(types)) layouts.add(*type);
-    return layouts;
+    return types;
 }
 
 class Linter {
@@ -85,7 +83,7 @@ private:
     Diagnostics& warnings;
 };
 
-Linter::Linter(const Program& program, Diagnostics& diagnostics) : layouts(layoutsOf(program)), warnings(diagnostics)
+Linter::Linter(const Program& program, Diagnostics& diagnostics) : layouts(layoutsOf(typesOf(program))), warnings(diagnostics)
 {
     for (const auto& module : program.modules) {
         for (const auto& definition : module->definitions) {
