@@ -51,8 +51,9 @@ Layout Layouts::of(const TypeRef& type) const
     case Builtin::Float: return {4, 4};
     case Builtin::none: break;
     }
-    const auto found = known.find(type.definition);
-    return found == known.end() ? Layout{} : found->second;
+    if (const auto found = known.find(type.definition); found != known.end()) return found->second;
+    const bool isTypedef = type.definition && type.definition->kind == DefinitionKind::typeDefinition;
+    return isTypedef ? of(type.definition->target) : Layout{};
 }
 
 Layout Layouts::of(const Declaration& declaration) const
@@ -124,7 +125,8 @@ std::vector<std::uint64_t> Layouts::offsetsIn(const Definition& type) const
 Layouts layoutsOf(const std::vector<const Definition*>& types, std::uint64_t bytes)
 {
     Layouts layouts(bytes);
-    for (const Definition* type : declarationOrder(types)) layouts.add(*type);
+    for (const Definition* type : declarationOrder(types))  // where a typedef may precede its target
+        if (type->kind != DefinitionKind::typeDefinition) layouts.add(*type);
     return layouts;
 }
 

@@ -19,8 +19,8 @@ struct Layout {
     std::uint64_t members = 0;
 };
 
-// The layouts of a program's types. Types are added one by one, each after the types that it holds by value; a type
-// that was not added counts as empty.
+// The layouts of a program's types. Types are added one by one, each after the types that it holds by value. A typedef
+// that was not added has the layout of its target; any other type that was not added counts as empty.
 class Layouts {
 public:
     // The most bytes and members that a type may have; g++ becomes slow beyond, as it visits all members of all nested
