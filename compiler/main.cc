@@ -6,6 +6,7 @@
 #include "front/check.h"
 #include "front/diagnostics.h"
 #include "front/lint.h"
+#include "front/other_modules.h"
 #include "front/resolve.h"
 #include "front/source.h"
 
@@ -58,7 +59,7 @@ Compiles interface files: XDR (RFC 4506) with imports and the API's own integer 
              print a line for each settled type, which changes when the type does
   compare    report what a change of an interface breaks
 
-  --help     this text; after a command, the options of that command
+  --help     this text; after a verb, the options of that verb
   --version  the version
 
 The status is 0; 1 if errors, warnings or breaks are reported; 2 if the command line is wrong or a file cannot be read
@@ -68,6 +69,15 @@ or written.
 constexpr std::string_view searching =
     R"(
   -I DIR         search DIR for modules; may be given several times, and the first match is used (default: .)
+  --diagnostics FORM
+                 how errors and warnings are written to standard error: text, or json, which is an object a line
+)";
+
+// For the verbs that compare names with those of modules that are not imported.
+constexpr std::string_view comparing =
+    R"(
+All modules below the folders given with -I are taken to be in one program, so a FILE that is not one of them may not
+define their names again, imported or not.
 )";
 
 constexpr std::string_view generateUsage =
@@ -176,10 +186,11 @@ struct Arguments {
     std::string prefix;
     std::string package;
     std::string index;
+    std::string diagnostics;
     bool list = false;
 };
 
-// An option of one command, or of all. One of the two members is set: `text` takes a value, `flag` does not.
+// An option of one verb, or of all. One of the two members is set: `text` takes a value, `flag` does not.
 struct Option {
     std::string_view name;
     std::optional<Verb> verb;
@@ -187,7 +198,7 @@ struct Option {
     bool Arguments::*flag = nullptr;
 };
 
-constexpr std::array<Option, 10> options = {{
+constexpr std::array<Option, 11> options = {{
     {"--out", Verb::generate, &Arguments::out},
     {"--out", Verb::python, &Arguments::out},
     {"--out", Verb::wireshark, &Arguments::out},
@@ -197,6 +208,7 @@ constexpr std::array<Option, 10> options = {{
     {"--prefix", Verb::plain, &Arguments::prefix},
     {"--list", Verb::generate, nullptr, &Arguments::list},
     {"--index", Verb::generate, &Arguments::index},
+    {"--diagnostics", std::nullopt, &Arguments::diagnostics},
     {"--help", std::nullopt, nullptr, &Arguments::help},
 }};
 
@@ -257,7 +269,12 @@ void ArgumentReader::option(const std::string& word)
     const auto known = std::find_if(options.begin(), options.end(), [&](const Option& o) {
         return o.name == name && (!o.verb || *o.verb == result.verb);
     });
-    if (known == options.end()) throw UsageError{"'" + nameOf(result.verb) + "' has no option " + inQuotes(name)};
+    if (known == options.end()) {
+        std::vector<std::string_view> names;
+        for (const Option& each : options)
+            if (!each.verb || *each.verb == result.verb) names.push_back(each.name);
+        throw UsageError{"'" + nameOf(result.verb) + "' has no option " + inQuotes(name) + suggestion(name, names)};
+    }
     if (known->flag) {
         if (equals != std::string::npos) throw UsageError{inQuotes(name) + " takes no value"};
         result.*known->flag = true;
@@ -301,6 +318,9 @@ void ArgumentReader::complete() const
             throw UsageError{"'-I " + folder + "': " + (failed ? failed.message() : "it is not a folder")};
         }
     }
+    if (!result.diagnostics.empty() && result.diagnostics != "text" && result.diagnostics != "json")
+        throw UsageError{"'--diagnostics' takes 'text' or 'json', not " + inQuotes(result.diagnostics) +
+                         suggestion(result.diagnostics, {"text", "json"})};
     const std::string letters = " is made of a letter, then letters, digits and '_'";
     if (!result.prefix.empty() && !isName(result.prefix))
         throw UsageError{"the prefix " + inQuotes(result.prefix) + " cannot begin a name, which" + letters};
@@ -312,9 +332,10 @@ Arguments ArgumentReader::read()
 {
     const auto verb = verbOf(words[0]);
     if (!verb) {
-        std::string known;
-        for (const auto& [name, ignored] : verbs) known += (known.empty() ? "" : ", ") + inQuotes(name);
-        throw UsageError{inQuotes(words[0]) + " is not a command; the commands are " + known};
+        std::vector<std::string_view> names = {"--help", "--version"};
+        for (const auto& [name, ignored] : verbs) names.push_back(name);
+        const std::string_view kind = words[0].starts_with('-') ? "option " : "verb ";
+        throw UsageError{"there is no " + std::string(kind) + inQuotes(words[0]) + suggestion(words[0], names)};
     }
     result.verb = *verb;
     bool onlyFiles = false;
@@ -335,12 +356,12 @@ Arguments ArgumentReader::read()
 void printHelp(Verb verb)
 {
     switch (verb) {
-    case Verb::generate: std::cout << generateUsage << searching << generateOptions; break;
+    case Verb::generate: std::cout << generateUsage << comparing << searching << generateOptions; break;
     case Verb::plain: std::cout << plainUsage << searching << plainOptions; break;
     case Verb::python: std::cout << pythonUsage << searching << pythonOptions; break;
     case Verb::wireshark: std::cout << wiresharkUsage << searching << wiresharkOptions; break;
-    case Verb::check: std::cout << checkUsage << searching; break;
-    case Verb::lint: std::cout << lintUsage << searching; break;
+    case Verb::check: std::cout << checkUsage << comparing << searching; break;
+    case Verb::lint: std::cout << lintUsage << comparing << searching; break;
     case Verb::flatten: std::cout << flattenUsage << searching; break;
     case Verb::fingerprint: std::cout << fingerprintUsage << searching; break;
     case Verb::compare: std::cout << compareUsage << searching; break;
@@ -491,31 +512,59 @@ int list(const Arguments& arguments, const SearchPath& folders)
     return success;
 }
 
+void print(const Diagnostics& list, const Arguments& arguments)
+{
+    if (arguments.diagnostics == "json")
+        list.printJson(std::cerr);
+    else
+        list.print(std::cerr);
+}
+
+void print(std::string_view severity, const std::string& sentence, const Arguments& arguments)
+{
+    if (arguments.diagnostics == "json")
+        std::cerr << jsonMessage(severity, sentence);
+    else
+        complain(sentence);
+}
+
+// True for the verbs whose output, or the output that they prepare, is linked with that of other modules.
+bool comparesOtherModules(const Arguments& arguments)
+{
+    const Verb verb = arguments.verb;
+    return !arguments.folders.empty() && (verb == Verb::generate || verb == Verb::check || verb == Verb::lint);
+}
+
 // Returns nullopt if the input has errors, which are printed. Sets the exit status.
-std::optional<Program> readInterface(const std::vector<std::string>& files, const SearchPath& folders, int& status)
+std::optional<Program> readInterface(const Arguments& arguments, const std::vector<std::string>& files,
+                                     const SearchPath& folders, int& status)
 {
     Diagnostics errors;
     std::vector<std::string> unreadable;
     Program program = readProgram(files, folders, errors, unreadable);
+    const bool complete = !comparesOtherModules(arguments) || readOtherModules(program, folders);
     resolve(program, errors);
     check(program, errors);
-    errors.print(std::cerr);
-    for (const std::string& sentence : unreadable) complain(sentence);
+    print(errors, arguments);
+    for (const std::string& sentence : unreadable) print("error", sentence, arguments);
+    if (!complete)
+        print("note", "too many files below the -I folders: names are compared with some of them", arguments);
     status = !unreadable.empty() ? cannotRun : errors.count() > 0 ? hasDiagnostics : success;
     return status == success ? std::optional(std::move(program)) : std::nullopt;
 }
 
-int lint(const Program& program)
+int lint(const Arguments& arguments, const Program& program)
 {
     Diagnostics warnings("warning", mostWarnings);
     lint(program, warnings);
-    warnings.print(std::cerr);
+    print(warnings, arguments);
     return warnings.count() > 0 ? hasDiagnostics : success;
 }
 
 // Reads one side of a comparison. A folder means all interface files below it, and is searched before `folders`.
-std::optional<Program> readVersion(const std::string& path, std::vector<std::string> folders)
+std::optional<Program> readVersion(const Arguments& arguments, const std::string& path)
 {
+    std::vector<std::string> folders = arguments.folders;
     std::vector<std::string> files = {path};
     if (fs::is_directory(path)) {
         files.clear();
@@ -527,13 +576,13 @@ std::optional<Program> readVersion(const std::string& path, std::vector<std::str
         folders.insert(folders.begin(), path);
     }
     int ignored = success;
-    return readInterface(files, SearchPath(folders), ignored);
+    return readInterface(arguments, files, SearchPath(folders), ignored);
 }
 
 int compare(const Arguments& arguments)
 {
-    const std::optional<Program> before = readVersion(arguments.files[0], arguments.folders);
-    const std::optional<Program> after = readVersion(arguments.files[1], arguments.folders);
+    const std::optional<Program> before = readVersion(arguments, arguments.files[0]);
+    const std::optional<Program> after = readVersion(arguments, arguments.files[1]);
     if (!before || !after) return cannotRun;
     const InterfaceVersion was{*before, fs::is_directory(arguments.files[0])};
     const InterfaceVersion is{*after, fs::is_directory(arguments.files[1])};
@@ -547,14 +596,14 @@ int run(const Arguments& arguments)
     if (arguments.list) return list(arguments, folders);
 
     int status = success;
-    const std::optional<Program> program = readInterface(arguments.files, folders, status);
+    const std::optional<Program> program = readInterface(arguments, arguments.files, folders, status);
     if (!program) return status;
     switch (arguments.verb) {
     case Verb::generate: return generate(arguments, *program);
     case Verb::python: return python(arguments, *program);
     case Verb::wireshark: return wireshark(arguments, *program);
     case Verb::plain: std::cout << emitRfc4506(*program, {arguments.prefix}); break;
-    case Verb::lint: return lint(*program);
+    case Verb::lint: return lint(arguments, *program);
     case Verb::flatten: std::cout << flatten(*program); break;
     case Verb::fingerprint: std::cout << fingerprint(*program); break;
     case Verb::check:
@@ -565,7 +614,7 @@ int run(const Arguments& arguments)
 
 int run(const std::vector<std::string>& words)
 {
-    if (words.empty()) throw UsageError{"a command is missing"};
+    if (words.empty()) throw UsageError{"a verb is missing"};
     if (words[0] == "--help" || words[0] == "-h") {
         std::cout << usage;
         return success;
@@ -592,7 +641,7 @@ int main(int count, char** values)
         if (std::cout.flush()) return status;
         complain("cannot write to standard output");
     } catch (const UsageError& error) {
-        complain(error.sentence + "; try 'quorvaxdrc --help'");
+        complain(error.sentence + (error.sentence.ends_with('?') ? "" : "; try 'quorvaxdrc --help'"));
     } catch (const std::exception& error) {
         complain(error.what());  // out of memory, or a path that the system refuses
     }

@@ -73,7 +73,10 @@ void Checker::enumeration(const Definition& definition)
         const Value& value = enumerator.value;
         if (!value.known) continue;
         if (value.number < 0) {
-            errors.error(value.at, "enumerator " + inQuotes(enumerator.name) + " is negative; values begin at 0");
+            errors.error(value.at,
+                         "enumerator " + inQuotes(enumerator.name) +
+                             " is negative; values begin at 0, so for the same bytes write 'int' instead of " +
+                             inQuotes(definition.name) + ", and 'const' for its values");
         } else if (value.number > std::numeric_limits<std::int32_t>::max()) {
             errors.error(value.at, "enumerator " + inQuotes(enumerator.name) +
                                        " is out of range: the largest value is 2147483647");
@@ -101,12 +104,9 @@ void Checker::structure(const Definition& definition)
 void Checker::discriminatedUnion(const Definition& definition)
 {
     discriminant(definition);
-    if (definition.arms.empty() && !definition.hasErrors) {
+    const bool hasReportedDefault = definition.defaultArm && definition.defaultArm->declaration.form != Form::none;
+    if (definition.arms.empty() && !definition.hasErrors && !hasReportedDefault) {
         errors.error(definition.at, describe(definition) + " has no 'case'; it needs at least one");
-    }
-    if (definition.defaultArm && definition.defaultArm->declaration.form != Form::none) {
-        errors.error(definition.defaultArm->declaration.at,
-                     "a default arm has no data: only 'default: void;' is possible; give every value its own case");
     }
     for (const Arm& arm : definition.arms) declaration(arm.declaration);
     cases(definition);
@@ -211,9 +211,8 @@ void Checker::declaration(const Declaration& declaration)
     if (written.number < 0) {
         errors.error(written.at, number + " is negative and cannot be a length");
     } else if (fixed && written.number == 0) {
-        errors.error(written.at, declaration.form == Form::fixedOpaque
-                                     ? "fixed-length opaque needs 1 or more bytes"
-                                     : "a fixed-length array needs 1 or more elements");
+        const std::string form = declaration.form == Form::fixedOpaque ? "fixed-length opaque" : "a fixed-length array";
+        errors.error(written.at, form + " of length 0 has no bytes: remove the field, or write 'void' in an arm");
     } else if (written.number > mostElements) {
         errors.error(written.at, number + " is too large: counts in memory have 16 bits, so the maximum is 65535");
     }

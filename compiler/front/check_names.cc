@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace quorva::compiler {
 
@@ -15,6 +16,12 @@ bool isSameType(const Declaration& a, const Declaration& b)
 {
     return a.form == b.form && a.bound == b.bound && a.type.builtin == b.type.builtin &&
            a.type.definition == b.type.definition;
+}
+
+std::string alsoDefined(const std::string& name, const Source& module)
+{
+    return inQuotes(name) + " is also defined in module " + inQuotes(module.module) +
+           ", and in one program one of the two replaces the other; rename the one here";
 }
 
 class NameChecker {
@@ -43,6 +50,10 @@ private:
     void fields(const Definition& definition);
     void arms(const Definition& definition);
 
+    // Compares the names of requested modules with those of other modules that the same program may link.
+    void others(const Program& program);
+    void compare(const std::string& name, const Owner& theirs);
+
     // True if C++ does not reserve the name; otherwise that is reported.
     bool isFree(const std::string& name, const Span& at, NameScope scope);
     static std::string describeOwner(const Owner& owner);
@@ -51,6 +62,8 @@ private:
     std::unordered_map<std::string, Owner> globals;              // names in the global scope of the generated code
     std::unordered_map<std::string_view, Owner> allEnumerators;  // of all enumerations
     std::vector<const Definition*> unique;                       // without those that repeat a name
+    std::unordered_set<const Source*> requested;
+    std::unordered_set<const Definition*> compared;  // reported by compare()
 };
 
 void NameChecker::moduleName(const Module& module)
@@ -114,6 +127,10 @@ void NameChecker::definition(const Definition& definition)
     }
     unique.push_back(&definition);
     claim(definition.name, {&definition, Role::itself, definition.at});
+    if (definition.kind == DefinitionKind::constant && (definition.name == "TRUE" || definition.name == "FALSE")) {
+        errors.error(definition.at, inQuotes(definition.name) + " is a value of 'bool' already; remove this line");
+        return;
+    }
     if (!isFree(definition.name, definition.at, NameScope::global) || definition.kind == DefinitionKind::constant)
         return;
     claimDerived("Xdr" + definition.name, {&definition, Role::routine, definition.at});
@@ -125,6 +142,12 @@ void NameChecker::definition(const Definition& definition)
 void NameChecker::enumerators(const Definition& enumeration)
 {
     for (const Enumerator& enumerator : enumeration.enumerators) {
+        if (enumerator.name == "TRUE" || enumerator.name == "FALSE") {
+            errors.error(enumerator.at, inQuotes(enumerator.name) + " is a value of 'bool'; write 'bool' instead of " +
+                                            inQuotes(enumeration.name) +
+                                            ", if it has no other values, for the same bytes, or choose another name");
+            continue;
+        }
         isFree(enumerator.name, enumerator.at, NameScope::inner);
         const std::string name = "enumerator " + inQuotes(enumerator.name);
         const auto [first, isNew] =
@@ -190,9 +213,53 @@ void NameChecker::arms(const Definition& definition)
     }
 }
 
+// Enumerators are missing here: generated code scopes them.
+void NameChecker::others(const Program& program)
+{
+    std::unordered_map<std::string_view, const RemoteProgram*> programs;
+    for (const auto& module : program.modules) {
+        if (!module->requested) continue;
+        for (const RemoteProgram& each : module->programs) programs.emplace(each.name, &each);
+    }
+    for (const auto& module : program.others) {
+        for (const auto& made : module->definitions) {
+            const Definition& each = *made;
+            compare(each.name, {&each, Role::itself, each.at});
+            if (each.kind == DefinitionKind::constant) continue;
+            compare("Xdr" + each.name, {&each, Role::routine, each.at});
+            if (each.kind == DefinitionKind::enumeration)
+                compare(each.name + "String", {&each, Role::nameFunction, each.at});
+        }
+        for (const RemoteProgram& each : module->programs) {
+            const auto own = programs.find(each.name);
+            if (own == programs.end()) continue;
+            errors.error(own->second->at, alsoDefined(each.name, module->source), Note{each.at, "defined here"});
+            programs.erase(own);
+        }
+    }
+}
+
+void NameChecker::compare(const std::string& name, const Owner& theirs)
+{
+    const auto found = globals.find(name);
+    if (found == globals.end() || !requested.contains(found->second.at.source)) return;
+    const Owner& own = found->second;
+    if (!compared.insert(own.definition).second) return;
+    const Source& module = *theirs.at.source;
+    if (own.role == Role::itself && theirs.role == Role::itself) {
+        errors.error(own.at, alsoDefined(name, module), Note{theirs.at, "defined here"});
+    } else {
+        errors.error(own.at,
+                     inQuotes(name) + " would name both " + describeOwner(own) + " and " + describeOwner(theirs) +
+                         " in module " + inQuotes(module.module) + "; rename the one here",
+                     Note{theirs.at, describeOwner(theirs) + " comes from here"});
+    }
+}
+
 std::vector<const Definition*> NameChecker::run(const Program& program)
 {
     for (const auto& module : program.modules) {
+        if (module->requested) requested.insert(&module->source);
         moduleName(*module);
         for (const auto& each : module->definitions) definition(*each);
     }
@@ -201,6 +268,7 @@ std::vector<const Definition*> NameChecker::run(const Program& program)
         fields(*definition);
         if (definition->kind == DefinitionKind::discriminatedUnion) arms(*definition);
     }
+    others(program);
     return std::move(unique);
 }
 

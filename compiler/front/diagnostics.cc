@@ -1,4 +1,5 @@
-// Prints diagnostics, each with an excerpt of the source and a caret below it, and the text that messages share.
+// Prints diagnostics, each with an excerpt of the source and a caret below it or as JSON, and the text that messages
+// share.
 #include "diagnostics.h"
 
 #include "support/text.h"
@@ -69,6 +70,36 @@ void printOne(std::ostream& out, const Span& at, std::string_view severity, std:
     printExcerpt(out, at);
 }
 
+// A JSON string. A byte that is not part of UTF-8, as in the name of a file, becomes U+FFFD.
+std::string jsonString(std::string_view text)
+{
+    constexpr std::string_view hex = "0123456789abcdef";
+    std::string out = "\"";
+    while (!text.empty()) {
+        const std::size_t length = std::max<std::size_t>(1, support::utf8SequenceLength(text));
+        const auto byte = static_cast<unsigned char>(text[0]);
+        if (byte < 0x20) {
+            out.append("\\u00").append(1, hex[byte >> 4U]).append(1, hex[byte & 15U]);
+        } else if (byte >= 0x80 && length == 1) {
+            out += "\\ufffd";
+        } else {
+            if (byte == '"' || byte == '\\') out += '\\';
+            out += text.substr(0, length);
+        }
+        text.remove_prefix(length);
+    }
+    return out + '"';
+}
+
+// The members of an object, without its braces.
+std::string jsonMembers(const Span& at, std::string_view sentence)
+{
+    const std::size_t end = at.column + std::max(1U, at.length);
+    return "\"file\":" + jsonString(at.source->path) + ",\"line\":" + std::to_string(at.line) +
+           ",\"column\":" + std::to_string(at.column) + ",\"endColumn\":" + std::to_string(end) +
+           ",\"message\":" + jsonString(sentence);
+}
+
 }  // namespace
 
 void Diagnostics::error(const Span& at, std::string sentence, std::optional<Note> note)
@@ -76,20 +107,46 @@ void Diagnostics::error(const Span& at, std::string sentence, std::optional<Note
     if (!full()) entries.push_back({at, std::move(sentence), std::move(note)});
 }
 
-void Diagnostics::print(std::ostream& out) const
+std::vector<const Diagnostics::Entry*> Diagnostics::ordered() const
 {
-    std::vector<const Entry*> ordered;
-    ordered.reserve(entries.size());
-    for (const Entry& entry : entries) ordered.push_back(&entry);
-    std::stable_sort(ordered.begin(), ordered.end(), [](const Entry* a, const Entry* b) {
+    std::vector<const Entry*> list;
+    list.reserve(entries.size());
+    for (const Entry& entry : entries) list.push_back(&entry);
+    std::stable_sort(list.begin(), list.end(), [](const Entry* a, const Entry* b) {
         return std::tie(a->at.source->path, a->at.line, a->at.column) <
                std::tie(b->at.source->path, b->at.line, b->at.column);
     });
-    for (const Entry* entry : ordered) {
+    return list;
+}
+
+std::string Diagnostics::excess() const
+{
+    return full() ? "too many " + severity + "s; only " + std::to_string(limit) + " are shown" : "";
+}
+
+void Diagnostics::print(std::ostream& out) const
+{
+    for (const Entry* entry : ordered()) {
         printOne(out, entry->at, severity, entry->sentence);
         if (entry->note) printOne(out, entry->note->at, "note", entry->note->sentence);
     }
-    if (full()) out << "quorvaxdrc: too many " << severity << "s; only " << limit << " are shown\n";
+    if (full()) out << "quorvaxdrc: " << excess() << '\n';
+}
+
+void Diagnostics::printJson(std::ostream& out) const
+{
+    for (const Entry* entry : ordered()) {
+        out << "{\"severity\":" << jsonString(severity) << ',' << jsonMembers(entry->at, entry->sentence)
+            << ",\"notes\":[";
+        if (entry->note) out << '{' << jsonMembers(entry->note->at, entry->note->sentence) << '}';
+        out << "]}\n";
+    }
+    if (full()) out << jsonMessage("note", excess());
+}
+
+std::string jsonMessage(std::string_view severity, std::string_view sentence)
+{
+    return "{\"severity\":" + jsonString(severity) + ",\"message\":" + jsonString(sentence) + "}\n";
 }
 
 std::string inQuotes(std::string_view name)

@@ -41,6 +41,9 @@ public:
     // Prints the list ordered by file, line and column.
     void print(std::ostream& out) const;
 
+    // Prints the list in the same order, each diagnostic as one line of JSON: severity, message, its place, notes.
+    void printJson(std::ostream& out) const;
+
 private:
     struct Entry {
         Span at;
@@ -48,10 +51,16 @@ private:
         std::optional<Note> note;
     };
 
+    std::vector<const Entry*> ordered() const;
+    std::string excess() const;
+
     std::string severity = "error";
     std::size_t limit = defaultLimit;
     std::vector<Entry> entries;
 };
+
+// A line of JSON for a message without a place.
+std::string jsonMessage(std::string_view severity, std::string_view sentence);
 
 // The functions below return text for messages.
 

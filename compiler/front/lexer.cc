@@ -235,6 +235,8 @@ void Lexer::illegal()
     std::string what;
     if (byte == '"') {
         what = "this language has no quoted strings";
+    } else if (byte == '\'') {
+        what = "this language has no quoted characters; write the character's number";
     } else if (byte > 0x20 && byte < 0x7F) {
         what = inQuotes(text.substr(from, 1)) + " is not a character of this language";
     } else {

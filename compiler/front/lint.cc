@@ -260,6 +260,7 @@ void Linter::orderOfArms(const Definition& definition)
 {
     const Value* before = nullptr;
     for (const Arm& arm : definition.arms) {
+        if (arm.wasDefault) continue;
         for (const Value& value : arm.cases) {
             if (before && value.number < before->number) {
                 warn(value.at,

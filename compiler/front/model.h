@@ -100,6 +100,7 @@ struct Enumerator {
 struct Arm {
     std::vector<Value> cases;  // empty for the default arm
     Declaration declaration;
+    bool wasDefault = false;  // resolve() found the values of a default arm with data
 };
 
 struct Definition {
@@ -113,7 +114,7 @@ struct Definition {
     std::vector<Declaration> fields;         // struct
     Declaration discriminant;                // union
     std::vector<Arm> arms;                   // union, without the default arm
-    std::optional<Arm> defaultArm;           // union
+    std::optional<Arm> defaultArm;           // union; after resolution without data, unless an error was reported
     Declaration target;                      // typedef; its name is the definition's
     bool hasErrors = false;                  // the parser reported an error in it: members may be missing
 };
@@ -171,6 +172,8 @@ struct Module {
 // Everything that one run of the compiler has read.
 struct Program {
     std::vector<std::unique_ptr<Module>> modules;  // each after the modules that it imports
+    // What readOtherModules() found, parsed and not resolved: modules that the same program may link.
+    std::vector<std::unique_ptr<Module>> others;
 };
 
 }  // namespace quorva::compiler

@@ -17,6 +17,8 @@ namespace {
 
 constexpr std::string_view provisionalMark = "@provisional";
 
+constexpr std::string_view twoUnits = "a struct of two 'unsigned int', the upper half first, has the same bytes";
+
 // One function for each rule of the grammar. A function that returns bool returns false if the rest of its construct
 // has to be skipped; the error is reported then.
 class Parser : TokenReader {
@@ -548,9 +550,10 @@ bool Parser::typeSpecifier(TypeRef& type)
     if (at("struct") || at("union") || at("enum")) return taggedSpecifier(type);
     if (at("hyper") || at("double") || at("quadruple")) {
         const std::string word(token().text);
-        report(type.at, "'" + word + "' takes " + (word == "quadruple" ? "16" : "8") +
-                            " bytes, and the numbers of this API take 4; " +
-                            (word == "hyper" ? "use two 'unsigned int'" : "use 'float'"));
+        const std::string bytes = word == "quadruple" ? "16" : "8";
+        report(type.at,
+               "'" + word + "' takes " + bytes + " bytes, and the numbers of this API take 4; " +
+                   (word == "hyper" ? std::string(twoUnits) : "'opaque name[" + bytes + "]' has the same bytes"));
         return builtin("LongInteger", Builtin::LongInteger);
     }
     if (at("string") || at("opaque")) {
@@ -579,7 +582,7 @@ bool Parser::unsignedSpecifier(TypeRef& type)
         extend();
     } else if (at("hyper")) {
         extend();
-        report(type.at, "'unsigned hyper' takes 8 bytes, and the numbers of this API take 4; use two 'unsigned int'");
+        report(type.at, "'unsigned hyper' takes 8 bytes, and the numbers of this API take 4; " + std::string(twoUnits));
     } else if (at("long") || at("short") || at("char")) {
         const std::string instead = at("long") ? "unsigned int" : at("short") ? "Natural" : "ShortNatural";
         const std::string word(token().text);

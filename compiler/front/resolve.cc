@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace quorva::compiler {
 
@@ -23,16 +24,17 @@ constexpr std::array<std::pair<std::string_view, Builtin>, 9> builtins = {{
     {"Float", Builtin::Float},
 }};
 
-// Type names of other XDR compilers, and the same types here.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 20> foreignTypes = {{
-    {"char", "ShortInteger"},
+// Type names of other XDR compilers, and types here with the same bytes.
+constexpr std::string_view twoUnits = "struct name { unsigned int upper; unsigned int lower; };";
+constexpr std::array<std::pair<std::string_view, std::string_view>, 25> foreignTypes = {{
+    {"char", "Integer"},
     {"short", "Integer"},
     {"long", "int"},
     {"u_char", "ShortNatural"},
     {"u_short", "Natural"},
     {"u_int", "unsigned int"},
     {"u_long", "unsigned int"},
-    {"int8_t", "ShortInteger"},
+    {"int8_t", "Integer"},
     {"uint8_t", "ShortNatural"},
     {"int16_t", "Integer"},
     {"uint16_t", "Natural"},
@@ -41,6 +43,11 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 20> foreignT
     {"u_int8_t", "ShortNatural"},
     {"u_int16_t", "Natural"},
     {"u_int32_t", "unsigned int"},
+    {"int64_t", twoUnits},
+    {"uint64_t", twoUnits},
+    {"u_int64_t", twoUnits},
+    {"quad_t", twoUnits},
+    {"u_quad_t", twoUnits},
     {"signed", "int"},
     {"bool_t", "bool"},
     {"boolean", "bool"},
@@ -101,6 +108,8 @@ private:
     void type(TypeRef& type);
     void unknownType(const TypeRef& type);
     void bound(Declaration& declaration);
+    void spreadDefault(Definition& definition);
+    std::vector<Value> valuesWithoutCase(const Definition& definition) const;
     void value(Value& value);
     void label(Value& value, const TypeRef& discriminant);
     bool predeclared(Value& value) const;
@@ -121,6 +130,7 @@ private:
     std::vector<NamedNumber> namedNumbers;
     std::vector<std::vector<bool>> visible;  // visible[a][b]: module a imports b, directly or through others
     std::size_t currentModule = 0;
+    std::size_t spreadValues = 0;  // cases that default arms with data became
 };
 
 void Resolver::collect()
@@ -397,6 +407,61 @@ void Resolver::definition(Definition& definition)
     }
 }
 
+// Values of an enumeration or of `bool` that no case of the union has, in ascending order.
+std::vector<Value> Resolver::valuesWithoutCase(const Definition& definition) const
+{
+    std::unordered_set<std::int64_t> taken;
+    for (const Arm& arm : definition.arms)
+        for (const Value& each : arm.cases) taken.insert(each.number);
+
+    std::vector<Value> values;
+    const auto add = [&](std::string_view name, std::int64_t number, const Definition* owner) {
+        if (taken.contains(number)) return;
+        values.push_back({std::string(name), definition.defaultArm->declaration.at, true, true, number, owner});
+    };
+    const TypeRef& type = canonicalType(definition.discriminant.type);
+    if (type.builtin == Builtin::Boolean) {
+        add("FALSE", 0, nullptr);
+        add("TRUE", 1, nullptr);
+    } else {
+        for (const Enumerator* each : enumeratorsByValue(*type.definition))
+            add(each->name, each->value.number, type.definition);
+    }
+    return values;
+}
+
+// Replaces a default arm with data by an arm for the values that have no case. A number as the discriminant has too
+// many of them.
+void Resolver::spreadDefault(Definition& definition)
+{
+    if (!definition.defaultArm || definition.defaultArm->declaration.form == Form::none || definition.hasErrors) return;
+    const Span& at = definition.defaultArm->declaration.at;
+    const TypeRef& type = canonicalType(definition.discriminant.type);
+    if (type.builtin == Builtin::LongInteger || type.builtin == Builtin::LongNatural || type.builtin == Builtin::UINT) {
+        errors.error(at, "a default arm has data only if the discriminant is an enumeration or 'bool', and " +
+                             inQuotes(definition.discriminant.name) +
+                             " is a number; write a 'case' for each number that has this data");
+        return;
+    }
+    const bool hasEnumeration = isEnumeration(type) && !type.definition->hasErrors;
+    if (type.builtin != Builtin::Boolean && !hasEnumeration) return;  // reported elsewhere
+    std::vector<Value> values = valuesWithoutCase(definition);
+    if (values.empty()) {
+        errors.error(at, "every value of " + inQuotes(definition.discriminant.name) +
+                             " has a case, so this default arm never applies; remove it");
+        return;
+    }
+    constexpr std::size_t mostSpreadValues = 65536;
+    spreadValues += values.size();
+    if (spreadValues > mostSpreadValues) {
+        errors.error(at, "the default arms with data apply to more than " + std::to_string(mostSpreadValues) +
+                             " values in all files together; write 'default: void;', or cases");
+        return;
+    }
+    definition.arms.push_back({std::move(values), std::move(definition.defaultArm->declaration), true});
+    definition.defaultArm.reset();
+}
+
 void Resolver::remoteProgram(RemoteProgram& remote)
 {
     value(remote.number);
@@ -425,6 +490,7 @@ void Resolver::run()
             for (Arm& arm : made->arms) {
                 for (Value& value : arm.cases) label(value, made->discriminant.type);
             }
+            if (!errors.full()) spreadDefault(*made);
         }
     }
 }

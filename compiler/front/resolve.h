@@ -9,7 +9,8 @@
 namespace quorva::compiler {
 
 // Sets `builtin` and `definition` of types, `number` and `owner` of values, and `bound` of declarations. A name that
-// cannot be bound is reported and stays empty. A bound out of range is left for check() to report.
+// cannot be bound is reported and stays empty. A bound out of range is left for check() to report. A default arm with
+// data becomes an arm for the values without a case.
 void resolve(Program& program, Diagnostics& errors);
 
 // The most types that may nest, each held by value in the next or the target of a typedef. C++ compilers stop at about

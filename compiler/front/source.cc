@@ -18,6 +18,8 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t largestFile = std::size_t{4} << 20U;  // bytes; also stops the reading of an endless device
 
+}  // namespace
+
 fs::path resolvedPath(const std::string& path)
 {
     std::error_code ignored;
@@ -29,8 +31,6 @@ bool isInside(const fs::path& relative)
 {
     return !relative.empty() && *relative.begin() != ".." && *relative.begin() != "." && !relative.is_absolute();
 }
-
-}  // namespace
 
 SearchPath::SearchPath(std::vector<std::string> searched) : folders(std::move(searched))
 {
@@ -94,6 +94,7 @@ std::optional<std::string> readFile(const std::string& path, std::string& text)
     } while (file && text.size() <= largestFile);
     if (file.bad()) return std::string(errno != 0 ? std::strerror(errno) : "reading failed");
     if (text.size() > largestFile) return "it is larger than " + std::to_string(largestFile >> 20U) + " MiB";
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
     return std::nullopt;
 }
 
@@ -140,7 +141,6 @@ std::size_t Reader::load(const std::string& path, const std::string& name)
         byFile.emplace(file, none);
         return none;
     }
-    if (module->source.text.starts_with("\xEF\xBB\xBF")) module->source.text.erase(0, 3);  // a byte order mark
 
     const std::size_t at = modules.size();
     byFile.emplace(file, at);

@@ -34,12 +34,23 @@ public:
     // The folders as messages list them.
     std::string describe() const;
 
+    // The folders as given, and the same absolute and without links.
+    const std::vector<std::string>& given() const { return folders; }
+    const std::vector<std::filesystem::path>& absolute() const { return resolved; }
+
 private:
     std::vector<std::string> folders;
     std::vector<std::filesystem::path> resolved;  // absolute, without links, in the same order
 };
 
-// Reads a whole file into `text`. Returns nullopt, or the reason of the failure; `text` is undefined then.
+// The path, absolute and without links as far as it exists.
+std::filesystem::path resolvedPath(const std::string& path);
+
+// True if `relative`, a path from a folder to a file, leads into the folder.
+bool isInside(const std::filesystem::path& relative);
+
+// Reads a whole file into `text`, without a byte order mark at its start. Returns nullopt, or the reason of the
+// failure; `text` is undefined then.
 std::optional<std::string> readFile(const std::string& path, std::string& text);
 
 // Reads and parses the files and everything that they import. Errors in the input go to `errors`; for each file that

@@ -51,6 +51,9 @@ for file in diagnostics/*.cases; do
         fi
         "$compiler" $verb -I parts "$name.x" >all 2>&1
         status=$?
+        cp all text
+        "$compiler" $verb --diagnostics=json -I parts "$name.x" 2>json
+        [ $? -eq $status ] || fail "$file: $name: another status with JSON"
         sed -i "s/^$name\.x://" all
         touch expected
         [ -s all ] || echo nothing >all
@@ -77,13 +80,34 @@ $(diff expected said)"
         END { said() }' "$file" >"$folder/new" && cp "$folder/new" "$file"
 done
 [ $# -eq 2 ] && exit
+
+# In JSON the diagnostics are the same, for a reader that is not ours.
+python3 - "$folder" <<'EOT' || fail 'diagnostics differ in JSON'
+import json, pathlib, re, sys
+
+def lines(entry, severity):
+    yield f"{entry['file']}:{entry['line']}:{entry['column']}: {severity}: {entry['message']}"
+    if entry["endColumn"] <= entry["column"]: yield f"the end column is {entry['endColumn']}"
+    for note in entry.get("notes", []): yield from lines(note, "note")
+
+different = 0
+for text in pathlib.Path(sys.argv[1]).glob("*/text"):
+    entries = map(json.loads, text.with_name("json").read_text(encoding="utf-8").splitlines())
+    found = [line for entry in entries for line in lines(entry, entry["severity"])]
+    wanted = [line for line in text.read_text(encoding="utf-8", errors="replace").split("\n")
+              if re.match(r"[^ :]+:\d+:\d+: (error|warning|note): ", line)]
+    if found != wanted:
+        different += 1
+        print(text.parent.name, *found, "instead of", *wanted, sep="\n")
+sys.exit(different > 0)
+EOT
 mkdir "$folder/long"
 
 # An input that is too long to be kept, printed by an awk program: the compiler finds so many errors in it within 20
 # seconds and 1 MiB of stack, and says WORDS.
 expect_of() {  # ERRORS WORDS PROGRAM
     awk "BEGIN { $3 }" >"$folder/long.x"
-    said=$(ulimit -s 1024 && timeout 20 "$compiler" check -I "$folder" "$folder/long.x" 2>&1)
+    said=$(ulimit -s 1024 && timeout 20 "$compiler" check -I "$folder/long" "$folder/long.x" 2>&1)
     status=$?
     printf '%s\n' "$said" >>"$folder/long/all"
     errors=$(printf '%s\n' "$said" | grep -c ': error: ')
@@ -117,6 +141,9 @@ expect_of 0 '' "print \"enum E { a = 100000\"; $enumerators \", E%d = %d\", i, i
 expect_of 100 'only 100 are shown' "print \"enum E { a = 0 }; enum F { b = 0\";
     $enumerators \", a = %d\", i; print \"};\";
     $cases \"case a: void;\\n\"; print \"};\""
+expect_of 8 'apply to more than 65536 values' "print \"enum E { a = 0\";
+    for (i = 1; i < 1001; ++i) printf \", E%d = %d\", i, i; print \"};\";
+    for (i = 0; i < 73; ++i) printf \"union U%d switch (E e) { case a: void; default: int i; };\\n\", i"
 expect_of 100 'only 100 are shown' 'for (i = 0; i < 101; ++i) print "@"'
 expect_of 100 'only 100 are shown' 'for (i = 0; i < 101; ++i) printf "struct T%d { Panel panel; };\n", i'
 
