@@ -2,7 +2,8 @@
 # quorvapixdr_generate(<name> ROOT <folder> FILES <file.x>... [IMPORTS <folder>...] [INDEX <function>])
 #
 # Generates C++ from interface files. The module of a file is its path below ROOT without ".x". Imports are searched for
-# below ROOT, then below each of IMPORTS. An unknown or missing argument is an error.
+# below ROOT, then below each of IMPORTS. An unknown or missing argument is an error, and so is a name that another
+# module below these folders defines, too.
 #
 # TARGET is a library or program of the caller, of any folder: it compiles the generated sources, has the folder of the
 # headers, <quorvapixdr/types/MODULE.h>, in its interface, and links the runtime. A target that links it needs nothing

@@ -96,7 +96,7 @@ constexpr std::string_view generateOptions =
     R"(  --out DIR      where to write
   --index NAME   the function that returns the list of modules (default: modules)
   --list         print the paths that would be written, and neither read nor write anything
-  --depfile FILE write a make rule to FILE that lists every interface file that was read
+  --depfile FILE write a make rule to FILE that lists every FILE.x and import
   --target NAME  the target of that rule
 )";
 

@@ -64,7 +64,7 @@ class Definition(Named):
         self.members = []   # enumerators or fields
         self.arms = []      # (cases, declaration); a case is a number and how it is written
         self.discriminant = self.target = self.value = self.written = None
-        self.hasDefault = self.typedefForm = False
+        self.hasDefault = self.lastIsDefault = self.typedefForm = False
         self.units = 1
 
     def held(self):
@@ -265,7 +265,16 @@ class Library:
                 held.append(arm)
             made.arms.append((some, arm))
         made.units = 1 + max(arm.units() for _, arm in made.arms)
+        covered = {number for some, _ in made.arms for number, _ in some}
+        made.lastIsDefault = arm.form != "void" and not made.hasDefault and covered == self.values(base(type))
         made.typedefForm = rng.random() < 0.1
+
+    @staticmethod
+    def values(type):
+        """All values of an enumeration or of `bool`; None for a number."""
+        if isinstance(type, Definition):
+            return {each.value for each in type.members}
+        return {0, 1} if type == "Boolean" else None
 
     def cases(self, type):
         """Numbers for cases, and how each is written."""
@@ -429,6 +438,9 @@ class Printer:
     def union(self, made):
         def body():
             for cases, arm in made.arms:
+                if made.lastIsDefault and cases is made.arms[-1][0]:
+                    self.put("    default:")
+                    cases = []
                 for _, written in cases:
                     self.put(f"    case {spelled(written)}:")
                 self.put(f"        {declared(arm, arm.name)};", arm)
