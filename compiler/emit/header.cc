@@ -307,7 +307,8 @@ std::string layouts(const Module& module)
         const std::string rest = "offsetof(::" + definition->name + ", " + member + ") == " + offset + ");\n";
         out += head + (head.size() + rest.size() <= lineWidth ? " " : "\n              ") + rest;
     }
-    return out.empty() ? "" : "// The library codes these layouts in memory: sizes, and places of the last members.\n" + out;
+    return out.empty() ? ""
+                       : "// The library codes these layouts in memory: sizes, and places of the last members.\n" + out;
 }
 
 // The C++ type of an argument or a result, and its coder.

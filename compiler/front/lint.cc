@@ -83,7 +83,8 @@ private:
     Diagnostics& warnings;
 };
 
-Linter::Linter(const Program& program, Diagnostics& diagnostics) : layouts(layoutsOf(typesOf(program))), warnings(diagnostics)
+Linter::Linter(const Program& program, Diagnostics& diagnostics)
+    : layouts(layoutsOf(typesOf(program))), warnings(diagnostics)
 {
     for (const auto& module : program.modules) {
         for (const auto& definition : module->definitions) {

@@ -100,8 +100,8 @@ struct Counted {
     T* elements;
 };
 
-// The first number on a machine with addresses of 32 bits, the second on one with 64. Generated headers give with it the
-// layouts that hold addresses.
+// The first number on a machine with addresses of 32 bits, the second on one with 64. Generated headers give with it
+// the layouts that hold addresses.
 constexpr std::size_t on32Or64Bits(std::size_t with32, std::size_t with64)
 {
     return sizeof(void*) == 4 ? with32 : with64;
