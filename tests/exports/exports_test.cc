@@ -3,11 +3,14 @@
 
 #include <inspect/describe.h>
 #include <inspect/documentation.h>
+#include <quorvapixdr/types/jobs/identity.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
+#include <cstring>
 #include <map>
 #include <memory>
 #include <set>
@@ -166,6 +169,21 @@ TEST(Library, doesNothingWhenItIsLoaded)
     EXPECT_LE(lookups, 40u);
     for (const auto& line : outputOf("readelf -dW"))
         for (const std::string& word : line) EXPECT_EQ(word.find("TEXTREL"), std::string::npos) << "code is relocated";
+}
+
+TEST(Library, isHardened)
+{
+    Names words;
+    for (const char* const tool : {"readelf -dW", "readelf -lW", "nm -D --undefined-only"})
+        for (const auto& line : outputOf(tool)) words.insert(line.begin(), line.end());
+    EXPECT_TRUE(words.contains("BIND_NOW"));
+    EXPECT_TRUE(words.contains("GNU_RELRO"));
+    EXPECT_TRUE(words.contains("__stack_chk_fail@GLIBC_2.4")) << "stack protector";
+#ifdef __CET__
+    const std::array<unsigned char, 4> endbr64 = {0xf3, 0x0f, 0x1e, 0xfa};
+    for (const XdrRoutine routine : {XdrJobId, XdrLongNatural})  // generated, of the runtime
+        EXPECT_EQ(std::memcmp(reinterpret_cast<const void*>(routine), endbr64.data(), endbr64.size()), 0);
+#endif
 }
 
 TEST(Library, hasABoundedSize)
