@@ -171,11 +171,12 @@ TEST(Library, doesNothingWhenItIsLoaded)
         for (const std::string& word : line) EXPECT_EQ(word.find("TEXTREL"), std::string::npos) << "code is relocated";
 }
 
-TEST(Library, isHardened)
+TEST(Library, keepsItsNameAndIsHardened)
 {
     Names words;
     for (const char* const tool : {"readelf -dW", "readelf -lW", "nm -D --undefined-only"})
         for (const auto& line : outputOf(tool)) words.insert(line.begin(), line.end());
+    EXPECT_TRUE(words.contains("[libQUORVAPIXDR.so.0]")) << "SONAME";
     EXPECT_TRUE(words.contains("BIND_NOW"));
     EXPECT_TRUE(words.contains("GNU_RELRO"));
     EXPECT_TRUE(words.contains("__stack_chk_fail@GLIBC_2.4")) << "stack protector";

@@ -1,6 +1,7 @@
 #!/bin/sh
-# encode and decode of a C++ type without a coder of its own do not compile, and the only error tells how to name one:
-#   coderless_types.sh CXX INCLUDE_DIR...
+# What does not compile, and the error that says why: encode and decode of a C++ type without a coder of its own, and
+# headers whose layouts in memory are changed from outside.
+#   refused_uses.sh CXX INCLUDE_DIR...
 set -eu
 cxx=$1
 shift
@@ -44,3 +45,8 @@ quorva::encode(number, quorva::coder::LongInteger)
 quorva::decode(bytes, quorva::coder::HostName)
 quorva::decode<unsigned char>(bytes, quorva::coder::Boolean)
 STATEMENTS
+
+# A pragma that an earlier header left on. Only the assertions of the layouts fail.
+printf '%s\n' '#pragma pack(1)' '#include <quorvapixdr/types/common/event.h>' >"$work/packed.cc"
+! "$cxx" -std=c++20 -fsyntax-only "$@" "$work/packed.cc" 2>"$work/log" || { echo "compiles with other layouts"; exit 1; }
+! grep 'error:' "$work/log" | grep -qv 'static.assert' || { cat "$work/log"; exit 1; }
