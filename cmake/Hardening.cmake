@@ -7,7 +7,8 @@ include(CheckLinkerFlag)
 
 option(QUORVA_HARDEN "Harden the code (see cmake/Hardening.cmake)" ON)
 if(QUORVA_HARDEN AND NOT QUORVA_SANITIZE)
-    foreach(flag IN ITEMS -fstack-protector-strong -fstack-clash-protection -fcf-protection -mbranch-protection=standard)
+    foreach(flag IN ITEMS
+            -fstack-protector-strong -fstack-clash-protection -fcf-protection -mbranch-protection=standard)
         string(MAKE_C_IDENTIFIER "QUORVA_HAS${flag}" known)
         check_cxx_compiler_flag("${flag}" ${known})
         if(${known})
