@@ -152,6 +152,7 @@ CommandLine::CommandLine() : program(programDescription, "quorvaxdr")
     add(makeAnnotate(), messageVerbs,
         statusText({"1  bytes are left over, or the message has no such part", decodes, reads}));
     add(makeValidate(), messageVerbs, statusText({"1  there are findings", decodes, reads}));
+    add(makeOpen(), messageVerbs, statusText({reads}));
     add(makeDiff(), messageVerbs, statusText({"1  the messages differ", decodes, reads}));
     add(makeEncode(), messageVerbs, statusText({encodes, reads}));
     add(makeSample(), messageVerbs, statusText({encodes, readsInterfaces}));

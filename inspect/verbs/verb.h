@@ -53,6 +53,7 @@ std::unique_ptr<Verb> makeDiff();
 std::unique_ptr<Verb> makeEncode();
 std::unique_ptr<Verb> makeFind();
 std::unique_ptr<Verb> makeGuess();
+std::unique_ptr<Verb> makeOpen();
 std::unique_ptr<Verb> makeSample();
 std::unique_ptr<Verb> makeSchema();
 std::unique_ptr<Verb> makeTypes();

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import json
+import os
 import pathlib
 import subprocess
 import sys
@@ -15,6 +16,7 @@ import browser
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
+from selenium.webdriver.support.wait import WebDriverWait
 
 QUORVAXDR = sys.argv.pop(2)
 FOLDER = pathlib.Path(sys.argv.pop(1)).resolve()
@@ -121,6 +123,21 @@ class Viewer(browser.Pages):
         self.browser.get("about:blank")
         self.browser.get(link)
         self.assertEqual(parts, self.parts())
+
+    def test_the_inspector_makes_links(self) -> None:
+        message = MESSAGE + bytes(2) + b"\xfb\xff"  # letters that links spell in their own way
+        command = [QUORVAXDR, "open", TYPE, "--from", "raw", "--site", str(FOLDER)]
+        link = subprocess.run([*command, "--print"], input=message, capture_output=True, check=True).stdout.decode()
+        self.show(TYPE, message.hex())
+        self.assertEqual(self.browser.current_url + "\n", link)
+        with tempfile.TemporaryDirectory() as folder:
+            program, opened = pathlib.Path(folder, "program"), pathlib.Path(folder, "opened")
+            program.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$1\" >{opened}.new\nmv {opened}.new {opened}\n")
+            program.chmod(0o755)
+            run = subprocess.run(command, input=message, capture_output=True, check=True,
+                                 env={**os.environ, "BROWSER": str(program)})
+            WebDriverWait(self.browser, 20).until(lambda _: opened.exists())
+            self.assertEqual((b"", link), (run.stdout, opened.read_text()))
 
     def test_a_type_is_guessed(self) -> None:
         self.assertRegex(self.show("", MESSAGE.hex()), "the likeliest of [0-9]+ types")
