@@ -22,7 +22,10 @@ from typing import Any
 import jinja2
 
 HERE = pathlib.Path(__file__).resolve().parent
-ASSETS = ["style.css", "search.js", "reader.js", "inputs.js", "guess.js", "viewer.js"]
+SCRIPTS = ["reader.js", "inputs.js", "guess.js", "capture_file.js", "packets.js", "records.js", "streams.js",
+           "calls.js", "capture_list.js", "viewer.js"]  # of the viewer, in their order
+ASSETS = ["style.css", "search.js", *SCRIPTS]
+ENVELOPES = HERE.parent / "rpc" / "onc_rpc.x"  # of the calls and replies in captures
 BUILT_IN = "built-in"  # the module of the page with the built-in types
 LONGEST_COUNT = 65535  # a maximum that says nothing
 UNNEEDED = ["usedBy", "usedIndirectlyBy", "size", "alignment", "offset", "wireOffset", "file", "line"]
@@ -148,6 +151,15 @@ class Inspector:
         return "".join(made.stdout.decode().split()), shown.stdout.decode("utf-8", "replace").rstrip("\n")
 
 
+def envelope_schema(program: str) -> Entry:
+    """The schema document of the envelopes alone, and of the built-in types."""
+    schema = Inspector(program, [f"--interface={ENVELOPES}"]).schema()
+    schema["types"] = [each for each in schema["types"] if each.get("file", "").endswith(ENVELOPES.name)
+                       or "module" not in each]
+    schema["modules"] = []
+    return schema
+
+
 def sources_of(schema: Entry, folders: list[str]) -> dict[str, pathlib.Path]:
     """The interface files of the modules, as far as the folders have them; by the name of the file."""
     found = {}
@@ -158,7 +170,8 @@ def sources_of(schema: Entry, folders: list[str]) -> dict[str, pathlib.Path]:
     return found
 
 
-def make(schema: Entry, samples: dict[str, tuple[str, str] | None], folders: list[str], out: pathlib.Path) -> None:
+def make(schema: Entry, envelopes: Entry, samples: dict[str, tuple[str, str] | None], folders: list[str],
+         out: pathlib.Path) -> None:
     pages = Pages(schema, sources_of(schema, folders))
     environment = jinja2.Environment(
         loader=jinja2.FileSystemLoader(HERE / "templates"),
@@ -182,14 +195,17 @@ def make(schema: Entry, samples: dict[str, tuple[str, str] | None], folders: lis
         types_of[each.get("module", BUILT_IN)].append(each)
     modules = [*schema["modules"], {"name": BUILT_IN, "doc": "The types that every module knows."}]
     write("index.html", "index.html", schema=schema, modules=modules, types_of=types_of)
-    write("viewer.html", "viewer.html")
+    write("viewer.html", "viewer.html", scripts=["types.js", *SCRIPTS])
     for module in modules:
         write(pages.of_module(module["name"]), "module.html", module=module, types=types_of[module["name"]])
     for file, path in pages.sources.items():
         write(str(pages.of_source(file)), "source.html", file=file, lines=path.read_text("utf-8").splitlines())
 
-    text = json.dumps(without(schema, UNNEEDED), separators=(",", ":"), ensure_ascii=False)
-    (out / "types.js").write_text(f'"use strict";\nconst quorvaSchema = {text};\n', encoding="utf-8")
+    lines = ['"use strict";']
+    for name, value in {"quorvaSchema": schema, "quorvaEnvelopes": envelopes}.items():
+        text = json.dumps(without(value, UNNEEDED), separators=(",", ":"), ensure_ascii=False)
+        lines.append(f"const {name} = {text};")
+    (out / "types.js").write_text("\n".join(lines) + "\n", encoding="utf-8")
     for asset in ASSETS:
         shutil.copyfile(HERE / asset, out / asset)
 
@@ -208,10 +224,11 @@ def main() -> int:
         options += ["-I", folder]
     inspector = Inspector(arguments.program, options)
     schema = inspector.schema()
+    envelopes = envelope_schema(arguments.program)
     names = [each["name"] for each in schema["types"]]
     with ThreadPoolExecutor(os.cpu_count()) as threads:
         samples = dict(zip(names, threads.map(inspector.sample, names)))
-    make(schema, samples, [*arguments.folders, str(HERE.parent / "types")], arguments.out)
+    make(schema, envelopes, samples, [*arguments.folders, str(HERE.parent / "types")], arguments.out)
     return 0
 
 

@@ -2,13 +2,14 @@
 "use strict";
 
 (() => {
-    const rowSize = 16;
+    const rowSize = matchMedia("(max-width: 30rem)").matches ? 8 : 16;
     const mostUnfolded = 2000; // rows of the tree that a new message unfolds
     const mostChildren = 100;  // a longer array is folded at first
     const mostMatches = 500;
     const mostFindings = 200;
     const mostGuesses = 12;
     const mostLitBytes = 4096; // of a part that the pointer is over; a larger one is lit in the tree alone
+    const mostCaptured = 64;   // MiB of a capture
 
     const types = new quorvaReader.Types(quorvaSchema);
     const at = (id) => document.getElementById(id);
@@ -327,38 +328,73 @@
         for (const id of ["copyLink", "copyJson"]) at(id).disabled = true;
     }
 
-    // Reads what `input` gives, {bytes, what}; an empty type is guessed.
-    function take(type, input) {
+    // Lists a capture. The type is that of arguments and results of unknown procedures; it may be empty.
+    function showCapture(type, bytes) {
+        if (type !== "" && !types.byName.has(type)) return complain(`there is no type ${type}`);
+        return complain(captureList.show(bytes, type));
+    }
+
+    // Shows the argument or result of a message.
+    function openMessage(message, {type, unknown}) {
+        const {number, body, bodySize, refusal, cut} = message;
+        const how = `message ${number} of the capture${cut && `, cut: ${cut}`}`;
+        if (refusal !== "") return complain(`${how}: ${refusal}`);
+        if (body.length === 0) return complain(`${how} has no ${message.isReply ? "result" : "argument"}`);
+        if (bodySize > types.longestMessage)
+            return complain(`${how}: ${quorvaReader.grouped(bodySize)} bytes are more than a message can have`);
+        offer(body);
+        return showOrGuess(type, body, unknown === "" ? how : `${how}, ${unknown}`);
+    }
+
+    // An empty type is guessed.
+    function showOrGuess(type, bytes, how) {
+        showGuesses([]);
+        if (type !== "") return types.byName.has(type) ? show(type, bytes, how) : complain(`there is no type ${type}`);
+        const {guesses, isCut} = quorvaGuess.guess(types, bytes);
+        if (guesses.length === 0) return complain(`${how}: no type decodes all ${bytes.length} bytes`);
+        show(guesses[0].type, bytes,
+            `${how}, the likeliest of ${guesses.length} types that decode it${isCut ? " in time" : ""}`);
+        return showGuesses(guesses);
+    }
+
+    // Puts a message into the field, where it can be shown as another type.
+    function offer(bytes) {
+        at("message").value = bytes.length > types.longestMessage ? "" : quorvaReader.hexDigits(bytes);
+    }
+
+    // Reads what `input` gives, {bytes, what}.
+    function take(type, input, isTyped) {
         try {
             const {bytes, what} = input();
+            if (!isTyped) offer(bytes);
+            if (quorvaCaptureFile.isCapture(bytes)) return showCapture(type, bytes);
             const how = `read as ${what}`;
             if (bytes.length > types.longestMessage)
                 return complain(`${bytes.length} bytes are more than a message can have`);
-            showGuesses([]);
-            if (type !== "")
-                return types.byName.has(type) ? show(type, bytes, how) : complain(`there is no type ${type}`);
-            const {guesses, isCut} = quorvaGuess.guess(types, bytes);
-            if (guesses.length === 0) return complain(`${how}: no type decodes all ${bytes.length} bytes`);
-            show(guesses[0].type, bytes,
-                `${how}, the likeliest of ${guesses.length} types that decode it${isCut ? " in time" : ""}`);
-            return showGuesses(guesses);
+            return showOrGuess(type, bytes, how);
         } catch (error) {
             if (!(error instanceof quorvaInputs.InputError)) throw error;
             return complain(error.message);
         }
     }
 
+    const takeText = (text) => take(at("type").value.trim(), () => quorvaInputs.readText(text), true);
+
     async function takeFile(file) {
-        if (file.size > 1 << 20) return complain(`${file.name} is longer than any message`);
+        captureList.hide();
+        if (file.size > mostCaptured << 20)
+            return complain(`${file.name} is longer than ${mostCaptured} MiB, the most that is read of a capture`);
         const bytes = new Uint8Array(await file.arrayBuffer());
-        return take(at("type").value.trim(), () => quorvaInputs.readFile(bytes));
+        if (bytes.length > 1 << 20 && !quorvaCaptureFile.isCapture(bytes))
+            return complain(`${file.name} is longer than any message`);
+        return take(at("type").value.trim(), () => quorvaInputs.readFile(bytes), false);
     }
 
     function takeFragment() {
         const fields = new URLSearchParams(location.hash.slice(1));
         if (!fields.has("message")) return;
         take(fields.get("type") || "", () => quorvaInputs.readBase64(fields.get("message")) ||
-            quorvaInputs.readText(""));
+            quorvaInputs.readText(""), false);
     }
 
     async function copy(text, what) {
@@ -372,6 +408,8 @@
         }
     }
 
+    const captureList = new quorvaCaptureList.CaptureList(quorvaSchema, types, openMessage);
+
     // ---- Events -----------------------------------------------------------------------------------------------------
 
     at("names").append(...[...types.byName.keys()].map((name) => {
@@ -381,7 +419,7 @@
     }));
     at("form").addEventListener("submit", (event) => {
         event.preventDefault();
-        take(at("type").value.trim(), () => quorvaInputs.readText(at("message").value));
+        takeText(at("message").value);
     });
     at("file").addEventListener("change", () => at("file").files[0] && takeFile(at("file").files[0]));
     document.addEventListener("dragover", (event) => event.preventDefault());
@@ -389,7 +427,7 @@
         const text = event.dataTransfer.getData("text");
         event.preventDefault();
         if (event.dataTransfer.files[0]) takeFile(event.dataTransfer.files[0]);
-        else if (text) take(at("type").value.trim(), () => quorvaInputs.readText(text));
+        else if (text) takeText(at("message").value = text);
     });
     at("tree").addEventListener("keydown", moveInTree);
     at("tree").addEventListener("focusin", (event) => choose(event.target.closest("[role=treeitem]"), true));

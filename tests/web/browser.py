@@ -37,12 +37,14 @@ class Pages(unittest.TestCase):
     """Tests of the pages in a folder, which fail if the console says anything or a request leaves the folder."""
 
     browser: webdriver.Chrome
+    axe: str
     folder: pathlib.Path
 
     @classmethod
     def setUpClass(cls) -> None:
         cls.browser = start()
         cls.addClassCleanup(cls.browser.quit)
+        cls.axe = axe_of(cls.browser)
 
     def setUp(self) -> None:
         self.browser.get("about:blank")
@@ -52,42 +54,38 @@ class Pages(unittest.TestCase):
         self.assertEqual([], faults_of(self.browser, self.folder))
 
 
-LOOKS = """
-const numbers = (colour) => colour.match(/[\\d.]+/g).map(Number);
-const light = (colour) => numbers(colour).slice(0, 3).map((part) => part / 255)
-    .map((part) => part <= 0.04045 ? part / 12.92 : ((part + 0.055) / 1.055) ** 2.4)
-    .reduce((sum, part, i) => sum + part * [0.2126, 0.7152, 0.0722][i], 0);
-const ground = (element) => {
-    for (; element; element = element.parentElement) {
-        const colour = getComputedStyle(element).backgroundColor;
-        if (numbers(colour)[3] !== 0) return colour;
-    }
-    return getComputedStyle(document.documentElement).backgroundColor;
-};
-const faults = new Set();
-for (const element of document.body.querySelectorAll("*")) {
-    const hasText = [...element.childNodes].some((node) => node.nodeType === 3 && node.data.trim() !== "");
-    if (!hasText || !element.checkVisibility()) continue;
-    const style = getComputedStyle(element), levels = [light(style.color), light(ground(element))];
-    const ratio = (Math.max(...levels) + 0.05) / (Math.min(...levels) + 0.05);
-    if (ratio < 4.5) faults.add(`${element.tagName} ${element.className}: contrast ${ratio.toFixed(1)}`);
-}
-return [...faults]"""
-
-UNNAMED = """
-return [...document.querySelectorAll("a, button, input, textarea, summary, [tabindex]")]
-    .filter((each) => each.checkVisibility())
-    .filter((each) => !/^(A|BUTTON|SUMMARY)$/.test(each.tagName) || each.textContent.trim() === "")"""
+AXE_HOLDER = "devtools://devtools/bundled/third_party/lighthouse/lighthouse-dt-bundle.js"
 
 
-def looks_of(browser: webdriver.Chrome) -> list[str]:
-    """Texts with a contrast below 4.5, by day and in the dark, and controls without a name."""
-    faults = []
-    for scheme in ("dark", "light"):
+def axe_of(browser: webdriver.Chrome) -> str:
+    """The source of axe-core, which a script of Chromium's developer tools has as a template literal."""
+    browser.get(AXE_HOLDER)
+    source: str = browser.execute_script("""
+        const text = document.body.textContent, begin = text.indexOf("`/*! axe v");
+        if (begin < 0) throw Error("no axe-core is here");
+        let end = begin + 1;
+        while (text[end] !== "`") end += text[end] === "\\\\" ? 2 : 1;
+        return (0, eval)(text.slice(begin, end + 1));""")
+    return source
+
+
+def barriers_of(browser: webdriver.Chrome, axe: str) -> list[str]:
+    """What axe-core finds in the page, by day, in the dark and as narrow as a phone: contrast, names, roles."""
+    faults: list[str] = []
+    browser.execute_script(axe)
+    for scheme, width in (("light", 1300), ("dark", 1300), ("dark", 390)):
         media = {"features": [{"name": "prefers-color-scheme", "value": scheme}]}
         browser.execute_cdp_cmd("Emulation.setEmulatedMedia", media)
-        faults += [f"{scheme}: {fault}" for fault in browser.execute_script(LOOKS)]
-    for control in browser.execute_script(UNNAMED):
-        if not control.accessible_name:
-            faults.append(f"without a name: {control.get_attribute('outerHTML')[:200]}")
+        size = {"width": width, "height": 2000, "deviceScaleFactor": 1, "mobile": False}
+        browser.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", size)
+        found = browser.execute_async_script("""
+            const done = arguments[0];
+            axe.run(document, {preload: false}).then(({passes, violations}) => done({passes: passes.length, faults:
+                violations.flatMap(({id, nodes}) => nodes.map(({html, failureSummary}) =>
+                    `${id}: ${html.slice(0, 200)} ${failureSummary}`))}));""")
+        assert found["passes"] > 0, "axe-core has looked at nothing"
+        faults += [f"{scheme}, {width} wide: {fault}" for fault in found["faults"]]
+        if browser.execute_script("return document.documentElement.scrollWidth > innerWidth"):
+            faults.append(f"{width} wide: the page is wider")
+    browser.execute_cdp_cmd("Emulation.clearDeviceMetricsOverride", {})
     return faults

@@ -46,10 +46,18 @@ class Search(browser.Pages):
         self.assertEqual([], self.search("index.html", "NoSuchName"))
         self.assertEqual("Nothing found", self.browser.find_element(By.ID, "found").text)
 
-    def test_texts_have_contrast_and_controls_have_names(self) -> None:
-        for page in ("index.html", "modules/jobs.covers.html", "sources/jobs.covers.x.html"):
+    def test_axe_finds_no_barrier(self) -> None:
+        for page in ("index.html", "modules/jobs.covers.html", "modules/jobs.job.html", "sources/jobs.covers.x.html"):
             self.search(page, "cover")
-            self.assertEqual([], browser.looks_of(self.browser))
+            self.assertEqual([], browser.barriers_of(self.browser, self.axe))
+
+    def test_the_pages_are_read_without_scripts(self) -> None:
+        self.browser.execute_cdp_cmd("Emulation.setScriptExecutionDisabled", {"value": True})
+        self.addCleanup(self.browser.execute_cdp_cmd, "Emulation.setScriptExecutionDisabled", {"value": False})
+        self.browser.get((FOLDER / "modules/jobs.covers.html").as_uri() + "#ImageSideEnum")
+        section = self.browser.find_element(By.XPATH, "//section[@aria-labelledby='ImageSideEnum']")
+        self.assertIn("2 ISESide2only", section.text)
+        self.assertFalse(self.browser.find_element(By.ID, "sought").is_displayed())
 
 
 unittest.main()

@@ -13,6 +13,7 @@ import unittest
 from typing import Any
 
 import browser
+import packets
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
@@ -20,6 +21,7 @@ from selenium.webdriver.support.wait import WebDriverWait
 
 QUORVAXDR = sys.argv.pop(2)
 FOLDER = pathlib.Path(sys.argv.pop(1)).resolve()
+PROGRAM = 0x20000F01  # of the print spooler
 TYPE = "JobMngParameters"
 MESSAGE = bytes.fromhex("00000005 00000005 000000e7 00000004 34373131") + bytes(32)  # to cancel a job
 CUT = MESSAGE[:14]
@@ -28,7 +30,7 @@ DAMAGED = MESSAGE[:15] + b"\3" + MESSAGE[16:]  # a length of 3, and padding that
 
 
 def inspected(verb: str, type_name: str, message: bytes) -> Any:
-    command = [QUORVAXDR, verb, type_name, "--from", "raw", "--json"]
+    command = [QUORVAXDR, verb, type_name, "--from", "raw", *(["--to", "json"] if verb == "decode" else ["--json"])]
     return json.loads(subprocess.run(command, input=message, capture_output=True).stdout)
 
 
@@ -166,22 +168,71 @@ class Viewer(browser.Pages):
         self.find("#filter").send_keys("4711")
         self.assertEqual(["/pinNumber"], [row[1] for row in self.parts()])
 
-    def test_texts_have_contrast_and_controls_have_names(self) -> None:
+    def test_axe_finds_no_barrier(self) -> None:
+        self.assertEqual([], browser.barriers_of(self.browser, self.axe))
         for message in (CUT, PADDED, DAMAGED, MESSAGE + b"\0\0\0"):
             self.show(TYPE, message.hex())
-            self.assertEqual([], browser.looks_of(self.browser))
+            self.assertEqual([], browser.barriers_of(self.browser, self.axe))
+        self.show("", self.capture().hex())
+        self.find("#messages li:nth-child(3) button").click()
+        self.assertEqual([], browser.barriers_of(self.browser, self.axe))
+
+    def capture(self) -> bytes:
+        """A call of a known program and its reply, a call of an unknown program, and one that is cut."""
+        job = MESSAGE[4:12]
+        messages = (packets.call(1, 4, job, PROGRAM), packets.reply(1, bytes(4)), packets.call(2, 4, MESSAGE, 100003),
+                    packets.call(3, 4, job[:6], PROGRAM))
+        return packets.pcap(packets.frames(map(packets.datagram, messages)))
+
+    def test_a_message_of_a_capture_is_opened(self) -> None:
+        with tempfile.NamedTemporaryFile(suffix=".pcap") as file:
+            file.write(self.capture())
+            file.flush()
+            self.find("#file").send_keys(file.name)
+            WebDriverWait(self.browser, 20).until(lambda _: self.find("#capture").is_displayed())
+        self.assertEqual("a capture with 4 calls and replies; 2 calls have no reply", self.find("#status").text)
+        self.find("#messages button").click()
+        self.assertRegex(self.find("#status").text, "^message 1 of the capture: 8 bytes, decodes, 0 findings")
+        self.assertEqual("JobId", self.find("#type").get_attribute("value"))
+        keys = ActionChains(self.browser)
+        keys.send_keys(Keys.ARROW_DOWN * 2, Keys.ENTER).perform()
+        self.assertRegex(self.find("#status").text, "^message 3 of the capture, unknown program, the likeliest of ")
+        self.assertEqual(MESSAGE.hex(), self.find("#message").get_attribute("value"))
+        keys.send_keys(Keys.ARROW_DOWN, Keys.ENTER).perform()
+        self.assertRegex(self.find("#status").text, "^message 4 of the capture: 6 bytes, refused at byte 4")
+        self.find("#wanted").send_keys("unknown program")
+        self.assertEqual(1, len(self.browser.find_elements(By.CSS_SELECTOR, "#messages button")))
+
+    def test_paths_and_json_are_copied(self) -> None:
+        self.show(TYPE, MESSAGE.hex())
+        self.browser.execute_script("navigator.clipboard.writeText = async (text) => { window.copied = text; }")
+
+        def copied(button: str) -> str:
+            self.find(button).click()
+            text: str = self.browser.execute_script("return window.copied")
+            return text
+
+        value = json.loads(copied("#copyJson"))
+        self.assertEqual(inspected("decode", TYPE, MESSAGE), value)
+        self.find("#bytes [data-segment='2']").click()
+        self.assertEqual("/jobId/job", copied("#copyPath"))
+        self.assertEqual(value["jobId"]["job"], json.loads(copied("#copyPart")))
+        self.assertEqual(self.browser.current_url, copied("#copyLink"))
 
     def test_a_long_message_is_shown(self) -> None:
         command = [QUORVAXDR, "sample", "JobAVPSeq", "--extent", "most", "--limit", "65535", "--to", "raw"]
         message = subprocess.run(command, capture_output=True, check=True).stdout
         self.assertGreater(len(message), 65000)
         self.find("#type").send_keys("JobAVPSeq")
-        taken = self.browser.execute_script("""
+        taken = min(self.browser.execute_script("""
             document.getElementById("message").value = arguments[0];
-            const begin = performance.now();
-            document.querySelector("#form button").click();
-            document.body.getBoundingClientRect();
-            return performance.now() - begin""", message.hex())
+            return [1, 2, 3].map(() => {
+                const begin = performance.now();
+                document.querySelector("#form button").click();
+                document.body.getBoundingClientRect();
+                return performance.now() - begin;
+            });""", message.hex()))
+        self.assertLess(taken, 1000)
         self.assertRegex(self.find("#status").text,
                          f"^read as hexadecimal digits: {len(message):,} bytes, decodes, 0 findings")
         print(f"{len(message):,} bytes are shown after {taken:.0f} ms")
