@@ -400,7 +400,8 @@ std::string indexPath(const std::string& out)
     return (fs::path(out) / "modules.cc").string();
 }
 
-// Replaces the whole file, or nothing of it. Returns false after printing why the file cannot be written.
+// Replaces the whole file, or nothing of it; a device or a pipe, such as /dev/stdout, is written to instead. Returns
+// false after printing why the file cannot be written.
 bool writeFile(const std::string& path, const std::string& text)
 {
     const auto failed = [&](const std::string& reason) {
@@ -412,20 +413,24 @@ bool writeFile(const std::string& path, const std::string& text)
         fs::create_directories(folder, error);
         if (error) return failed(error.message());
     }
-    const std::string fresh = path + ".new";
+    const bool isReplaced = fs::is_regular_file(path, error) || !fs::exists(path, error);
+    const std::string fresh = isReplaced ? path + ".new" : path;
+    const auto removeFresh = [&] {
+        if (isReplaced) fs::remove(fresh, error);
+    };
     errno = 0;
     std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
     file.write(text.data(), static_cast<std::streamsize>(text.size()));
     file.close();
     if (!file) {
         const std::string reason = errno != 0 ? std::strerror(errno) : "writing failed";
-        fs::remove(fresh, error);
+        removeFresh();
         return failed(reason);
     }
-    fs::rename(fresh, path, error);
+    if (isReplaced) fs::rename(fresh, path, error);
     if (error) {
         const std::string reason = error.message();
-        fs::remove(fresh, error);
+        removeFresh();
         return failed(reason);
     }
     return true;
@@ -433,6 +438,8 @@ bool writeFile(const std::string& path, const std::string& text)
 
 bool isContent(const std::string& path, const std::string& text)
 {
+    std::error_code ignored;
+    if (!fs::is_regular_file(path, ignored)) return false;  // reading from a pipe would wait
     std::error_code error;
     if (fs::file_size(path, error) != text.size() || error) return false;
     std::ifstream file(path, std::ios::binary);

@@ -47,6 +47,12 @@ printf '// B.\n\nimport a;\n\n// Two.\nstruct B { A b; };\n' >'my $#/b.x'
     fail "rewritten: $(find made -type f -newermt @2)"
 [ "$(cat made/d)" = "$(printf 'made/\\#t:%s\n  a.x%s\n  my\\ $$\\#/b.x' ' \' ' \')" ] ||
     fail "the make rule: $(cat made/d)"
+# Replaced, a pipe or a device such as /dev/null would be gone for all programs.
+mkfifo pipe
+timeout 20 cat pipe >written &
+"$compiler" generate --out made --target t --depfile pipe a.x || fail "a make rule into a pipe"
+wait
+[ -p pipe ] && grep -q 'a\.x' written || fail "a pipe was replaced"
 "$compiler" plain a.x >/dev/full 2>said && fail "a full disk goes unnoticed"
 grep -q 'cannot write to standard output' said || fail "said: $(cat said)"
 echo "$failures of the command line differ"
