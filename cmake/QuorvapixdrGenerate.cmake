@@ -1,5 +1,5 @@
-# quorvapixdr_generate([<name>] TARGET <target> ROOT <folder> FILES <file.x>... [IMPORTS <folder>...])
-# quorvapixdr_generate(<name> ROOT <folder> FILES <file.x>... [IMPORTS <folder>...] [INDEX <function>])
+# quorvapixdr_generate([<name>] TARGET <target> ROOT <folder> FILES <file.x>... [IMPORTS <folder>...] [LANGUAGES C])
+# quorvapixdr_generate(<name> ROOT <folder> FILES <file.x>... [IMPORTS <folder>...] [INDEX <function>] [LANGUAGES C])
 #
 # Generates C++ from interface files. The module of a file is its path below ROOT without ".x". Imports are searched for
 # below ROOT, then below each of IMPORTS. An unknown or missing argument is an error, and so is a name that another
@@ -8,6 +8,9 @@
 # TARGET is a library or program of the caller, of any folder: it compiles the generated sources, has the folder of the
 # headers, <quorvapixdr/types/MODULE.h>, in its interface, and links the runtime. A target that links it needs nothing
 # else: the headers are there before it compiles. <name> is needed for a second call with the same TARGET.
+#
+# LANGUAGES C adds headers for C11, <quorvapixdr/c/MODULE.h>, to the folder of the headers. C++ is always generated: the
+# sources are C++, so the project needs both languages.
 #
 # For other uses the function sets these variables in the caller's scope:
 #   <name>_SOURCES                the sources and descriptions, to be compiled into the caller's library
@@ -31,7 +34,7 @@ cmake_policy(VERSION 3.20...3.25)  # whatever version the caller's project asks 
 
 function(quorvapixdr_generate)
     set(single TARGET ROOT INDEX)
-    set(several FILES IMPORTS)
+    set(several FILES IMPORTS LANGUAGES)
     list(JOIN single ", " known)
     list(JOIN several ", " known_lists)
     set(known "known are ${known} with one value, ${known_lists} with one or more")
@@ -59,6 +62,12 @@ function(quorvapixdr_generate)
     foreach(keyword IN ITEMS ROOT FILES)
         if(NOT DEFINED arg_${keyword})
             message(FATAL_ERROR "${called}: ${keyword} is missing; ${known}")
+        endif()
+    endforeach()
+    foreach(language IN LISTS arg_LANGUAGES)
+        if(NOT language MATCHES "^(C|CXX)$")
+            message(FATAL_ERROR "${called}: LANGUAGES ${language} is unknown; known are C, and CXX, which is always "
+                "generated")
         endif()
     endforeach()
     if(DEFINED arg_TARGET)
@@ -108,10 +117,16 @@ function(quorvapixdr_generate)
         list(APPEND documentation "${out}/documentation/${module}.cc")
         list(APPEND headers "${out}/include/quorvapixdr/types/${module}.h"
             "${out}/private/quorvapixdr/private/${module}.h")
+        if("C" IN_LIST arg_LANGUAGES)
+            list(APPEND headers "${out}/include/quorvapixdr/c/${module}.h")
+        endif()
     endforeach()
     set(flags "")
     if(arg_INDEX)
         set(flags --index "${arg_INDEX}")
+    endif()
+    if("C" IN_LIST arg_LANGUAGES)
+        list(APPEND flags --c)
     endif()
 
     set(compiler quorvapixdr::quorvaxdrc)

@@ -4,6 +4,7 @@
 #include "evolve/fingerprint.h"
 #include "evolve/flatten.h"
 #include "front/check.h"
+#include "front/check_for_c.h"
 #include "front/diagnostics.h"
 #include "front/lint.h"
 #include "front/other_modules.h"
@@ -18,6 +19,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -89,11 +91,14 @@ Writes for each FILE, which is a module named after its path below an -I folder,
   DIR/src/MODULE.cc                         coding routines and name functions
   DIR/descriptions/MODULE.cc                descriptions of the types, which the library and tools link
   DIR/documentation/MODULE.cc               documentation of the types, which tools link
+and with --c
+  DIR/include/quorvapixdr/c/MODULE.h        a header for C11 that declares the same types and functions
 and DIR/modules.cc, the list of all these modules. A file whose content would stay the same is not touched.
 )";
 
 constexpr std::string_view generateOptions =
     R"(  --out DIR      where to write
+  --c            write headers for C, too; refuse what C cannot declare
   --index NAME   the function that returns the list of modules (default: modules)
   --list         print the paths that would be written, and neither read nor write anything
   --depfile FILE write a make rule to FILE that lists every FILE.x and import
@@ -188,6 +193,7 @@ struct Arguments {
     std::string index;
     std::string diagnostics;
     bool list = false;
+    bool c = false;
 };
 
 // An option of one verb, or of all. One of the two members is set: `text` takes a value, `flag` does not.
@@ -198,7 +204,7 @@ struct Option {
     bool Arguments::*flag = nullptr;
 };
 
-constexpr std::array<Option, 11> options = {{
+constexpr std::array<Option, 12> options = {{
     {"--out", Verb::generate, &Arguments::out},
     {"--out", Verb::python, &Arguments::out},
     {"--out", Verb::wireshark, &Arguments::out},
@@ -207,6 +213,7 @@ constexpr std::array<Option, 11> options = {{
     {"--target", Verb::generate, &Arguments::target},
     {"--prefix", Verb::plain, &Arguments::prefix},
     {"--list", Verb::generate, nullptr, &Arguments::list},
+    {"--c", Verb::generate, nullptr, &Arguments::c},
     {"--index", Verb::generate, &Arguments::index},
     {"--diagnostics", std::nullopt, &Arguments::diagnostics},
     {"--help", std::nullopt, nullptr, &Arguments::help},
@@ -390,6 +397,15 @@ constexpr Product products[] = {
     {"documentation", ".cc", emitDocumentation},
 };
 
+constexpr Product cHeaders = {"include/quorvapixdr/c", ".h", emitCHeader};
+
+std::vector<Product> productsOf(const Arguments& arguments)
+{
+    std::vector<Product> all(std::begin(products), std::end(products));
+    if (arguments.c) all.push_back(cHeaders);
+    return all;
+}
+
 std::string pathOf(const std::string& out, const Product& product, const std::string& module)
 {
     return (fs::path(out) / product.folder / (module + product.suffix)).string();
@@ -480,7 +496,7 @@ int generate(const Arguments& arguments, const Program& program)
         if (!isContent(path, text)) written = writeFile(path, text) && written;
     };
     for (const Module* module : modules)
-        for (const Product& product : products)
+        for (const Product& product : productsOf(arguments))
             put(pathOf(arguments.out, product, module->source.module), product.emit(*module));
     put(indexPath(arguments.out), emitModuleList(modules, arguments.index.empty() ? "modules" : arguments.index));
     if (!arguments.depfile.empty()) put(arguments.depfile, dependencies(program, arguments.target));
@@ -512,7 +528,7 @@ int wireshark(const Arguments& arguments, const Program& program)
 int list(const Arguments& arguments, const SearchPath& folders)
 {
     for (const std::string& file : arguments.files) {
-        for (const Product& product : products)
+        for (const Product& product : productsOf(arguments))
             std::cout << pathOf(arguments.out, product, folders.moduleOf(file)) << '\n';
     }
     std::cout << indexPath(arguments.out) << '\n';
@@ -552,6 +568,7 @@ std::optional<Program> readInterface(const Arguments& arguments, const std::vect
     const bool complete = !comparesOtherModules(arguments) || readOtherModules(program, folders);
     resolve(program, errors);
     check(program, errors);
+    if (arguments.c && errors.count() == 0) checkForC(program, errors);
     print(errors, arguments);
     for (const std::string& sentence : unreadable) print("error", sentence, arguments);
     if (!complete)

@@ -7,6 +7,7 @@
 #include "compiler/evolve/compare.h"
 #include "compiler/evolve/flatten.h"
 #include "compiler/front/check.h"
+#include "compiler/front/check_for_c.h"
 #include "compiler/front/lint.h"
 #include "compiler/front/parser.h"
 #include "compiler/front/resolve.h"
@@ -62,6 +63,11 @@ void generateAll(const Program& program)
             if (emit(*module).empty()) throw Finding{"an emitter writes nothing"};
     }
     emitModuleList(modules, "modules");
+    Diagnostics errorsOfC;
+    checkForC(program, errorsOfC);
+    if (errorsOfC.count() == 0)
+        for (const Module* module : modules)
+            if (emitCHeader(*module).empty()) throw Finding{"an emitter writes nothing"};
     emitRfc4506(program, {"plain_"});
     Diagnostics warnings("warning", mostWarnings);
     lint(program, warnings);

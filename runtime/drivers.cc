@@ -3,6 +3,7 @@
 #include "contract.h"
 
 #include <quorvapixdr/drivers.h>
+#include <quorvapixdr/primitives.h>
 
 #include <memory>
 #include <new>

@@ -15,6 +15,10 @@ namespace quorva::compiler {
 // coders and procedures.
 std::string emitHeader(const Module& module);
 
+// The header of a module for C11, <quorvapixdr/c/MODULE.h>: constants, types, name functions, routines, and functions
+// that return descriptions. Expects a tree in which checkForC() finds no error.
+std::string emitCHeader(const Module& module);
+
 // The source file of a module: the routines and name functions that the header declares, and the plain functions.
 std::string emitSource(const Module& module);
 

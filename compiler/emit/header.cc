@@ -1,7 +1,7 @@
 // Emits the public header of a module.
 #include "emit.h"
-#include "front/layout.h"
 #include "front/structure.h"
+#include "header_parts.h"
 #include "names.h"
 #include "text.h"
 
@@ -13,38 +13,6 @@
 namespace quorva::compiler {
 
 namespace {
-
-std::string bound(const Declaration& declaration)
-{
-    return std::to_string(declaration.bound);
-}
-
-// ---- Comments -------------------------------------------------------------------------------------------------------
-
-// What the C++ declaration does not tell: bounds, and what null means.
-std::string limitOf(const Declaration& declaration)
-{
-    switch (declaration.form) {
-    case Form::string: return "at most " + bound(declaration) + " characters";
-    case Form::variableOpaque: return declaration.written ? "at most " + bound(declaration) + " bytes" : "";
-    case Form::variableArray: return declaration.written ? "at most " + bound(declaration) + " elements" : "";
-    case Form::optional: return "null when absent";
-    default: return "";
-    }
-}
-
-std::string casesOf(const std::vector<const Value*>& values)
-{
-    std::vector<std::string> cases;
-    for (const Value* value : values) cases.push_back(value->text);
-    return (cases.size() == 1 ? "case " : "cases ") + joined(cases);
-}
-
-// A comment on a line of its own within a body.
-void addRemark(std::vector<BodyLine>& lines, const std::string& remark, std::size_t indent)
-{
-    for (const std::string& line : wrapped(remark, lineWidth - indent - 3)) lines.push_back({"// " + line, "", ""});
-}
 
 std::string typeName(const TypeRef& type)
 {
@@ -106,15 +74,6 @@ std::string structure(const Definition& definition)
     std::vector<BodyLine> lines;
     for (const Declaration& field : definition.fields) lines.push_back({memberOf(field), limitOf(field), docOf(field)});
     return "struct " + definition.name + " {\n" + body(lines, indentWidth) + "};\n";
-}
-
-void addVoidArms(std::vector<BodyLine>& lines, const Definition& definition, std::size_t indent)
-{
-    const auto add = [&](const std::string& cases, const std::string& doc) {
-        addRemark(lines, cases + ": void" + (doc.empty() ? "" : "; " + doc), indent);
-    };
-    for (const ArmMember& arm : voidArmsOf(definition)) add(casesOf(arm.cases), arm.doc);
-    if (definition.defaultArm) add("any other value", docOf(definition.defaultArm->declaration));
 }
 
 std::string arms(const Definition& definition)
@@ -261,56 +220,6 @@ std::string coderChoices(const Module& module)
     return out;
 }
 
-// The types of the module and of those that it imports.
-std::vector<const Definition*> visibleTypes(const Module& module)
-{
-    std::vector<const Definition*> types;
-    for (const Module* each : importClosure(module))
-        for (const Definition* type : typesOf(*each)) types.push_back(type);
-    return types;
-}
-
-std::string numberOfBytes(std::uint64_t with32, std::uint64_t with64)
-{
-    if (with32 == with64) return std::to_string(with64);
-    return "quorva::on32Or64Bits(" + std::to_string(with32) + ", " + std::to_string(with64) + ")";
-}
-
-// The index in `declarationsOf` of the last member; the arms of a union have one place.
-std::size_t lastMember(const std::vector<const Declaration*>& declarations)
-{
-    std::size_t last = declarations.size() - 1;
-    while (declarations[last]->form == Form::none) --last;
-    return last;
-}
-
-// The library would code a layout wrongly that an option such as -fpack-struct, or a pragma before the header, changes.
-// Size and place of the last member show it: each depends on all members before.
-std::string layouts(const Module& module)
-{
-    const std::vector<const Definition*> visible = visibleTypes(module);
-    const Layouts on32 = layoutsOf(visible, 4);
-    const Layouts on64 = layoutsOf(visible, 8);
-    std::string out;
-    for (const Definition* definition : typesOf(module)) {
-        if (!canBeForwardDeclared(*definition)) continue;
-        const std::string size = numberOfBytes(on32.of(*definition).size, on64.of(*definition).size);
-        std::string member = "elements";
-        std::string offset = numberOfBytes(4, 8);
-        if (!isCountedStruct(*definition)) {
-            const std::vector<const Declaration*> declarations = declarationsOf(*definition);
-            const std::size_t last = lastMember(declarations);
-            member = declarations[last]->name;
-            offset = numberOfBytes(on32.offsetsIn(*definition)[last], on64.offsetsIn(*definition)[last]);
-        }
-        const std::string head = "static_assert(sizeof(::" + definition->name + ") == " + size + " &&";
-        const std::string rest = "offsetof(::" + definition->name + ", " + member + ") == " + offset + ");\n";
-        out += head + (head.size() + rest.size() <= lineWidth ? " " : "\n              ") + rest;
-    }
-    return out.empty() ? ""
-                       : "// The library codes these layouts in memory: sizes, and places of the last members.\n" + out;
-}
-
 // The C++ type of an argument or a result, and its coder.
 std::string remoteType(const std::optional<TypeRef>& type)
 {
@@ -344,11 +253,6 @@ std::string procedures(const Module& module)
     return out;
 }
 
-std::string banner(const Module& module)
-{
-    return generatedBanner(module) + (module.doc.empty() ? "" : "//\n" + lineComment(module.doc));
-}
-
 std::string includes(const Module& module)
 {
     std::set<std::string> imported;
@@ -365,7 +269,7 @@ std::string includes(const Module& module)
 std::string emitHeader(const Module& module)
 {
     return sections({
-        banner(module) + "#pragma once\n",
+        headerBanner(module) + "#pragma once\n",
         includes(module),
         constants(module),
         types(module),
@@ -373,7 +277,7 @@ std::string emitHeader(const Module& module)
         coders(module),
         coderChoices(module),
         procedures(module),
-        layouts(module),
+        layoutAssertions(module, {"static_assert", "::", "quorva::on32Or64Bits", ""}),
     });
 }
 

@@ -15,6 +15,11 @@ inline std::string publicHeader(const std::string& module)
     return "quorvapixdr/types/" + module + ".h";
 }
 
+inline std::string cHeader(const std::string& module)
+{
+    return "quorvapixdr/c/" + module + ".h";
+}
+
 inline std::string privateHeader(const std::string& module)
 {
     return "quorvapixdr/private/" + module + ".h";

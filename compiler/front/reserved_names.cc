@@ -3,6 +3,7 @@
 
 #include "system_names.h"
 
+#include <algorithm>
 #include <unordered_set>
 #include <vector>
 
@@ -46,7 +47,7 @@ XdrBoolean XdrFloat XdrInteger XdrLongInteger XdrLongNatural XdrNatural XdrShort
 XdrArray XdrBytes XdrEnum XdrLongFloat XdrLongNatural2 XdrOpaque XdrOpaque2 XdrPointer XdrString XdrVector XdrVoid
 XdrWrapString
 ClientsXdrDeserialize ClientsXdrSupport DeallocateString TestDeserialize XdrDeallocate
-DiagnosticHook ScopedTrace TraceText Xdr XdrRoutine quorva setDiagnosticHook
+DiagnosticHook QuorvaFailure QuorvaType ScopedTrace TraceText Xdr XdrRoutine quorva setDiagnosticHook
 )";
 
 struct Group {
@@ -72,14 +73,46 @@ const std::vector<Group>& groups()
     return all;
 }
 
+// What C has and C++ has not, from headers of C11: complex, stdatomic, stdnoreturn, threads. Most of their names are
+// reserved by their beginnings.
+constexpr std::string_view macrosOfC = R"(
+ONCE_FLAG_INIT TSS_DTOR_ITERATIONS complex noreturn
+)";
+
+constexpr std::string_view globalsOfC = R"(
+call_once once_flag
+)";
+
+constexpr std::string_view beginningsInC[] = {"atomic_", "cnd_", "memory_order", "mtx_", "thrd_", "tss_"};
+
+const std::vector<Group>& groupsOfC()
+{
+    static const std::vector<Group> all = {
+        {NameScope::inner, "is a keyword of C", split("restrict typeof_unqual")},
+        {NameScope::inner, "is a macro of common C headers", split(macrosOfC)},
+        {NameScope::global, "is a global name of the C library", split(globalsOfC)},
+    };
+    return all;
+}
+
 std::string_view reservedBySpelling(std::string_view name, NameScope scope)
 {
     if (name.starts_with("QUORVA_")) return "begins like the macros of the library";
     if (name.find("__") != std::string_view::npos) return "has a double underscore, which C++ reserves";
     if (name.size() > 1 && name[0] == '_' && name[1] >= 'A' && name[1] <= 'Z')
         return "begins with an underscore and a capital, which C++ reserves";
+    if (scope == NameScope::global && name.starts_with("quorva")) return "begins like the functions of the library";
     if (scope == NameScope::global && name.starts_with('_'))
         return "begins with an underscore, which C++ reserves for global names";
+    return {};
+}
+
+std::string_view reasonIn(const std::vector<Group>& list, std::string_view name, NameScope scope)
+{
+    for (const Group& group : list) {
+        if ((group.scope == NameScope::inner || group.scope == scope) && group.names.contains(name))
+            return group.reason;
+    }
     return {};
 }
 
@@ -87,11 +120,16 @@ std::string_view reservedBySpelling(std::string_view name, NameScope scope)
 
 std::string_view reservedBecause(std::string_view name, NameScope scope)
 {
-    for (const Group& group : groups()) {
-        if ((group.scope == NameScope::inner || group.scope == scope) && group.names.contains(name))
-            return group.reason;
-    }
-    return reservedBySpelling(name, scope);
+    const std::string_view reason = reasonIn(groups(), name, scope);
+    return reason.empty() ? reservedBySpelling(name, scope) : reason;
+}
+
+std::string_view reservedInC(std::string_view name, NameScope scope)
+{
+    if (const std::string_view reason = reasonIn(groupsOfC(), name, scope); !reason.empty()) return reason;
+    if (scope == NameScope::inner) return {};
+    const auto begins = [&](std::string_view beginning) { return name.starts_with(beginning); };
+    return std::ranges::any_of(beginningsInC, begins) ? "begins like names of the C library" : std::string_view();
 }
 
 }  // namespace quorva::compiler

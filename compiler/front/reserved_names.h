@@ -15,4 +15,7 @@ enum class NameScope {
 // Returns why the name cannot be declared in that scope, as a predicate ("is a keyword of C++"); empty if it can.
 std::string_view reservedBecause(std::string_view name, NameScope scope);
 
+// The same for C11 and C23, and for a name that C++ can declare.
+std::string_view reservedInC(std::string_view name, NameScope scope);
+
 }  // namespace quorva::compiler

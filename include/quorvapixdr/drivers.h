@@ -1,12 +1,14 @@
 // The five drivers: entry points for callers with a buffer of 1024 bytes.
 //
 // Each call makes its own stream, so passes over distinct objects share nothing. <quorvapixdr/codec.h> has real buffer
-// lengths, errors that say where a pass failed, and automatic release.
+// lengths, errors that say where a pass failed, and automatic release; C has <quorvapixdr/c_codec.h>.
 #pragma once
 
-#include <quorvapixdr/primitives.h>
+#include <quorvapixdr/routines.h>
 
+#ifdef __cplusplus
 extern "C" {
+#endif
 
 // Encodes `object` into `buffer` (1024 bytes, owned by the caller). Returns the number of bytes written, also when the
 // pass failed; the result does not tell a failure from a success. Returns 0 without memory for a stream.
@@ -27,4 +29,6 @@ QUORVA_EXPORT void XdrDeallocate(XdrRoutine routine, void* object, unsigned char
 // Releases one decoded string, `*string`, and leaves the pointer.
 QUORVA_EXPORT void DeallocateString(char** string);
 
+#ifdef __cplusplus
 }  // extern "C"
+#endif

@@ -5,7 +5,8 @@
 #   run_diagnostics.sh QUORVAXDRC          status 1 when anything differs
 #   run_diagnostics.sh QUORVAXDRC update   writes what the compiler says now under the snippets
 #
-# The snippets in lint.cases are for `quorvaxdrc lint`, all others for `quorvaxdrc check`. A file of cases consists of
+# The snippets in lint.cases are for `quorvaxdrc lint`, those in c.cases for `quorvaxdrc generate --c`, all others for
+# `quorvaxdrc check`. A file of cases consists of
 #
 #   ---- NAME              begins a case, with the file NAME.x
 #   ---- NAME escapes      the same, with the escapes of printf's %b: \0NNN for a byte, \c where the file ends
@@ -42,7 +43,11 @@ unpack() {  # FILE
 
 places='^([^ :]+:)?[0-9]+:[0-9]+: (error|warning|note): '
 for file in diagnostics/*.cases; do
-    [ "$file" = diagnostics/lint.cases ] && verb=lint || verb=check
+    case $file in
+    */lint.cases) verb=lint ;;
+    */c.cases) verb='generate --c --out made' ;;
+    *) verb=check ;;
+    esac
     names=$(unpack "$file") || fail "$file: two cases have one name"
     for name in $names; do
         cd "$folder/$name" || exit 2

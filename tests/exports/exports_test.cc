@@ -34,6 +34,7 @@ std::string descriptionFunction(const std::string& type)
 Names implied()
 {
     Names names = {"ClientsXdrSupport", "ClientsXdrDeserialize", "TestDeserialize", "XdrDeallocate", "DeallocateString",
+                   "quorvaEncode", "quorvaDecode", "quorvaExplainEncode", "quorvaExplainDecode",
                    // quorva::explain(const Type&, const void*, size_t), (const Type&, span<const unsigned char>)
                    "_ZN6quorva7explainERKNS_4TypeEPKvm",
                    "_ZN6quorva7explainERKNS_4TypeESt4spanIKhLm18446744073709551615EE"};

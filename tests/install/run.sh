@@ -1,6 +1,6 @@
 #!/bin/sh
 # Installs the build tree into a temporary folder, checks its components, moves the folder and then uses it alone: the
-# README's lines for CMake, pkg-config and Python, the examples that are projects, the inspector and its library.
+# README's lines for CMake, pkg-config, C and Python, the examples that are projects, the inspector and its library.
 #   run.sh BUILD_DIR SOURCE_DIR COMPILER [SANITIZERS]
 set -eu
 build=$1 source=$2 compiler=$(command -v "$3") sanitize=${4:+-fsanitize=$4}
@@ -13,7 +13,8 @@ fail() { echo "$@"; exit 1; }
 quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log"; fail "failed: $*"; }; }
 build_with() { # GENERATOR FOLDER BUILD_FOLDER: from scratch, several files at a time
     quietly cmake -S "$2" -B "$3" -G "$1" -DCMAKE_PREFIX_PATH="$work/moved" -DCMAKE_CXX_COMPILER="$compiler" \
-        -DCMAKE_CXX_FLAGS="-Wall -Wextra -Wpedantic -Wconversion -Werror $sanitize"
+        -DCMAKE_CXX_FLAGS="-Wall -Wextra -Wpedantic -Wconversion -Werror $sanitize" \
+        -DCMAKE_C_FLAGS="-Wall -Wextra -Wpedantic -Wconversion -Werror"
     quietly cmake --build "$3" -j 4
 }
 prints() { # EXPECTED_FILE COMMAND...
@@ -32,7 +33,7 @@ done >"$work/components"
 (cd "$work/prefix" && find * ! -type d | LC_ALL=C sort) >"$work/whole"
 sed 's/^[a-z]* //' "$work/components" | LC_ALL=C sort | diff "$work/whole" - ||
     fail "the components (>) differ from the whole installation (<)"
-sed -E 's/\.so\.0\..*/.so.VERSION/; s/(Targets-).*/\1*.cmake/; s|/(docs\|examples\|samples\|types)/.*|/\1/*|' \
+sed -E 's/\.so\.0\..*/.so.VERSION/; s/(Targets-).*/\1*.cmake/; s|/(c\|docs\|examples\|samples\|types)/.*|/\1/*|' \
     "$work/components" | uniq | diff "$here/components.txt" - || fail "the components have other files now"
 
 # ---- No file names the folder of the build or the prefix -------------------------------------------------------------
@@ -74,14 +75,24 @@ prints "$work/expected" "$work/readme/build/main"
 mkdir "$work/bin"
 printf '#!/bin/sh\nexec "%s" %s "$@"\n' "$compiler" "$sanitize" >"$work/bin/g++"
 chmod +x "$work/bin/g++"
+# The sanitizers of a library that is C++ come with the C++ compiler, which then compiles the C, too.
+if [ -n "$sanitize" ]; then
+    printf '#!/bin/sh\nexec g++ -x c -std=c11 "$@"\n' >"$work/bin/cc"
+    chmod +x "$work/bin/cc"
+fi
 PATH=$work/bin:$work/moved/bin:$PATH
 export PATH PREFIX
 readme sh 1 >"$work/readme/run"
 (cd "$work/readme" && prints "$work/expected" sh -eu ./run)
 
+cp "$source/examples/from_c.c" "$work/readme/main.c"
+sed '1,/^\/\/ Prints:$/d; s|^// ||' "$source/examples/from_c.c" >"$work/from_c"
+{ echo 'PKG_CONFIG_PATH=$PREFIX/lib/pkgconfig; export PKG_CONFIG_PATH'; readme sh 2; } >"$work/readme/run"
+(cd "$work/readme" && prints "$work/from_c" sh -eu ./run)
+
 PKG_CONFIG_PATH=$work/moved/lib/pkgconfig
 export PKG_CONFIG_PATH
-readme sh 2 >"$work/readme/run"
+readme sh 3 >"$work/readme/run"
 (cd "$work/readme" && quietly sh -eu ./run)
 head -n 2 "$work/expected" | tr '\n' ' ' | sed 's/ $//' >"$work/bytes"
 (cd "$work/readme" && python3 -c 'from quorvapixdr import NotifyBinding
@@ -110,12 +121,17 @@ cat >>"$work/own_json" <<'TXT'
 
 1:35: /client: the field "hostName" of NotifyBinding is missing
 TXT
+cat >"$work/own_c" <<'TXT'
+32 bytes: SDSclosed
+byte 0: count 7 is beyond the maximum 6
+TXT
 for generator in Ninja "Unix Makefiles"; do
     folders="$work/folders $generator"
     build_with "$generator" "$here/folders" "$folders"
     prints "$work/expected" "$folders/own_module"
     prints "$work/json" "$folders/program/json"
     prints "$work/own_json" "$folders/program/own_json"
+    prints "$work/own_c" "$folders/program/own_c"
     # The interface files are compiled again when one that they import changes, and only then.
     cmake --build "$folders" >"$work/log"
     ! grep 'Compiling the interface' "$work/log" || fail "$generator: nothing has changed since the first build"
@@ -125,7 +141,7 @@ for generator in Ninja "Unix Makefiles"; do
 done
 
 # ---- pkg-config: a program without a run path, as where the libraries are the system's ------------------------------
-pkg-config --validate quorvapixdr quorvapixdr-inspect
+pkg-config --validate quorvapixdr quorvapixdr-c quorvapixdr-inspect
 g++ -o "$work/json_program" "$source/examples/json.cc" $(pkg-config --cflags --libs quorvapixdr-inspect)
 LD_LIBRARY_PATH=$(pkg-config --variable=libdir quorvapixdr) prints "$work/json" "$work/json_program"
 [ -e "$(pkg-config --variable=rpc quorvapixdr)/onc_rpc.x" ] || fail "quorvapixdr.pc: there is no rpc/onc_rpc.x"
