@@ -112,6 +112,7 @@ class Trial:
                     self.compileTogether(compiler)
             with self.collecting():
                 self.compileBeforePrelude(compilers[-1])
+                self.compileForC(compilers[0])
             if not self.findings:
                 self.tryOut(self.build(compilers[0]))
 
@@ -224,6 +225,18 @@ class Trial:
         before = self.write("before.cc", [*self.generated.headers[::-1], *OWN, f'#include "{self.prelude}"',
                                           *self.assertions()])
         self.compile(compiler, "a header before the prelude", ["-fsyntax-only"], [before])
+
+    def compileForC(self, compiler):
+        """The headers for C, of those libraries whose types and names C can declare."""
+        folder = self.made / "for_c"
+        words = [self.given.compiler, "generate", "--c", "--out", folder, *self.inputs]
+        if command(words).returncode == 1:
+            return
+        command(words, check="generate --c fails")
+        every = self.write("for_c.c", [f'#include "{each}"' for each in (folder / "include/quorvapixdr/c").rglob("*.h")])
+        flags = "-x c -std=c11 -Wall -Wextra -Wpedantic -Wconversion -Werror -fsyntax-only".split()
+        includes = [f"-I{each}" for each in [folder / "include", *self.given.include]]
+        command([compiler, *flags, *includes, every], check="the headers for C do not compile")
 
     def write(self, name, lines):
         path = self.made / name
