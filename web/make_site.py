@@ -73,6 +73,11 @@ class Pages:
                 return f"at most {grouped(use['maximum'])}" if use["maximum"] < LONGEST_COUNT else "any number"
         return ""
 
+    @staticmethod
+    def have_notes(entries: list[Entry]) -> bool:
+        """True if one of them has a documentation or is provisional. A table without notes has no column for them."""
+        return any("doc" in each or "provisional" in each for each in entries)
+
     def enumeration_of(self, name: str | None) -> dict[int, str]:
         """The enumerators of the enumeration at the end of a chain of typedefs, by value."""
         while name and (target := self.types[name].get("target")) and target["form"] == "single":

@@ -362,13 +362,13 @@
         at("message").value = bytes.length > types.longestMessage ? "" : quorvaReader.hexDigits(bytes);
     }
 
-    // Reads what `input` gives, {bytes, what}.
+    // Reads what `input` gives, {bytes, what}; `what` is empty for a link.
     function take(type, input, isTyped) {
         try {
             const {bytes, what} = input();
             if (!isTyped) offer(bytes);
             if (quorvaCaptureFile.isCapture(bytes)) return showCapture(type, bytes);
-            const how = `read as ${what}`;
+            const how = what === "" ? "from the link" : `read as ${what}`;
             if (bytes.length > types.longestMessage)
                 return complain(`${bytes.length} bytes are more than a message can have`);
             return showOrGuess(type, bytes, how);
@@ -393,8 +393,8 @@
     function takeFragment() {
         const fields = new URLSearchParams(location.hash.slice(1));
         if (!fields.has("message")) return;
-        take(fields.get("type") || "", () => quorvaInputs.readBase64(fields.get("message")) ||
-            quorvaInputs.readText(""), false);
+        const input = () => quorvaInputs.readBase64(fields.get("message")) || quorvaInputs.readText("");
+        take(fields.get("type") || "", () => ({...input(), what: ""}), false);
     }
 
     async function copy(text, what) {

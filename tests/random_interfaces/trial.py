@@ -233,7 +233,8 @@ class Trial:
         if command(words).returncode == 1:
             return
         command(words, check="generate --c fails")
-        every = self.write("for_c.c", [f'#include "{each}"' for each in (folder / "include/quorvapixdr/c").rglob("*.h")])
+        headers = (folder / "include/quorvapixdr/c").rglob("*.h")
+        every = self.write("for_c.c", [f'#include "{each}"' for each in headers])
         flags = "-x c -std=c11 -Wall -Wextra -Wpedantic -Wconversion -Werror -fsyntax-only".split()
         includes = [f"-I{each}" for each in [folder / "include", *self.given.include]]
         command([compiler, *flags, *includes, every], check="the headers for C do not compile")

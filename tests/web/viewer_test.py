@@ -125,6 +125,7 @@ class Viewer(browser.Pages):
         self.browser.get("about:blank")
         self.browser.get(link)
         self.assertEqual(parts, self.parts())
+        self.assertRegex(self.find("#status").text, "^from the link: 52 bytes, decodes")
 
     def test_the_inspector_makes_links(self) -> None:
         message = MESSAGE + bytes(2) + b"\xfb\xff"  # letters that links spell in their own way
