@@ -38,6 +38,11 @@ std::string declarationOf(const Declaration& declaration, const std::string& nam
     return "unsigned char " + name + "[" + bound(declaration) + "];";
 }
 
+std::string memberOf(const Declaration& declaration)
+{
+    return declarationOf(declaration, declaration.name);
+}
+
 // ---- Definitions, one function for each kind ------------------------------------------------------------------------
 
 // An enumerator, unlike a macro, leaves members of the same name alone, and unlike an object it can be a case or the
@@ -60,36 +65,6 @@ std::string enumeration(const Definition& definition)
     return "typedef int32_t " + definition.name + ";\nenum {\n" + body(lines, indentWidth) + "};\n";
 }
 
-std::string structure(const Definition& definition)
-{
-    std::vector<BodyLine> lines;
-    for (const Declaration& field : definition.fields)
-        lines.push_back({declarationOf(field, field.name), limitOf(field), docOf(field)});
-    return "struct " + definition.name + " {\n" + body(lines, indentWidth) + "};\n";
-}
-
-std::string arms(const Definition& definition)
-{
-    const std::size_t indent = 2 * indentWidth;
-    std::vector<BodyLine> lines;
-    for (const ArmMember& arm : armMembersOf(definition)) {
-        const std::string limit = limitOf(*arm.declaration);
-        lines.push_back({declarationOf(*arm.declaration, arm.declaration->name),
-                         casesOf(arm.cases) + (limit.empty() ? "" : ": " + limit), arm.doc});
-    }
-    addVoidArms(lines, definition, indent);
-    return "    union {\n" + body(lines, indent) + "    };\n";
-}
-
-std::string discriminatedUnion(const Definition& definition)
-{
-    const Declaration& discriminant = definition.discriminant;
-    const bool hasArms = !armMembersOf(definition).empty();
-    std::vector<BodyLine> lines = {{declarationOf(discriminant, discriminant.name), "", docOf(discriminant)}};
-    if (!hasArms) addVoidArms(lines, definition, indentWidth);
-    return "struct " + definition.name + " {\n" + body(lines, indentWidth) + (hasArms ? arms(definition) : "") + "};\n";
-}
-
 std::string countedStruct(const Definition& definition)
 {
     const Declaration& target = definition.target;
@@ -105,8 +80,8 @@ void add(Paragraphs& out, const Definition& definition)
     switch (definition.kind) {
     case DefinitionKind::constant: return out.add(constant(definition));
     case DefinitionKind::enumeration: return out.add(doc + enumeration(definition));
-    case DefinitionKind::structure: return out.add(doc + structure(definition));
-    case DefinitionKind::discriminatedUnion: return out.add(doc + discriminatedUnion(definition));
+    case DefinitionKind::structure: return out.add(doc + structText(definition, memberOf));
+    case DefinitionKind::discriminatedUnion: return out.add(doc + unionText(definition, memberOf));
     case DefinitionKind::typeDefinition:
         if (isCountedStruct(definition)) return out.add(doc + countedStruct(definition));
         return out.add(BodyLine{"typedef " + declarationOf(definition.target, definition.name),

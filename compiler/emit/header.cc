@@ -69,34 +69,6 @@ std::string enumeration(const Definition& definition)
     return "enum class " + definition.name + " : std::int32_t {\n" + body(lines, indentWidth) + "};\n";
 }
 
-std::string structure(const Definition& definition)
-{
-    std::vector<BodyLine> lines;
-    for (const Declaration& field : definition.fields) lines.push_back({memberOf(field), limitOf(field), docOf(field)});
-    return "struct " + definition.name + " {\n" + body(lines, indentWidth) + "};\n";
-}
-
-std::string arms(const Definition& definition)
-{
-    const std::size_t indent = 2 * indentWidth;
-    std::vector<BodyLine> lines;
-    for (const ArmMember& arm : armMembersOf(definition)) {
-        const std::string limit = limitOf(*arm.declaration);
-        lines.push_back(
-            {memberOf(*arm.declaration), casesOf(arm.cases) + (limit.empty() ? "" : ": " + limit), arm.doc});
-    }
-    addVoidArms(lines, definition, indent);
-    return "    union {\n" + body(lines, indent) + "    };\n";
-}
-
-std::string discriminatedUnion(const Definition& definition)
-{
-    const bool hasArms = !armMembersOf(definition).empty();
-    std::vector<BodyLine> lines = {{memberOf(definition.discriminant), "", docOf(definition.discriminant)}};
-    if (!hasArms) addVoidArms(lines, definition, indentWidth);
-    return "struct " + definition.name + " {\n" + body(lines, indentWidth) + (hasArms ? arms(definition) : "") + "};\n";
-}
-
 std::string countedStruct(const Definition& definition)
 {
     const std::string element =
@@ -118,8 +90,8 @@ void add(Paragraphs& out, const Definition& definition)
     switch (definition.kind) {
     case DefinitionKind::constant: return out.add(constant(definition));
     case DefinitionKind::enumeration: return out.add(doc + enumeration(definition));
-    case DefinitionKind::structure: return out.add(doc + structure(definition));
-    case DefinitionKind::discriminatedUnion: return out.add(doc + discriminatedUnion(definition));
+    case DefinitionKind::structure: return out.add(doc + structText(definition, memberOf));
+    case DefinitionKind::discriminatedUnion: return out.add(doc + unionText(definition, memberOf));
     case DefinitionKind::typeDefinition:
         return isCountedStruct(definition) ? out.add(doc + countedStruct(definition)) : out.add(alias(definition));
     }

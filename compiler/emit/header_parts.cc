@@ -4,6 +4,7 @@
 #include "front/layout.h"
 #include "front/structure.h"
 #include "names.h"
+#include "text.h"
 
 #include <cstdint>
 
@@ -15,6 +16,36 @@ namespace {
 void addRemark(std::vector<BodyLine>& lines, const std::string& remark, std::size_t indent)
 {
     for (const std::string& line : wrapped(remark, lineWidth - indent - 3)) lines.push_back({"// " + line, "", ""});
+}
+
+// "case A", or "cases A, B".
+std::string casesOf(const std::vector<const Value*>& values)
+{
+    std::vector<std::string> cases;
+    for (const Value* value : values) cases.push_back(value->text);
+    return (cases.size() == 1 ? "case " : "cases ") + joined(cases);
+}
+
+// Adds comments that say which cases of the union have no data.
+void addVoidArms(std::vector<BodyLine>& lines, const Definition& definition, std::size_t indent)
+{
+    const auto add = [&](const std::string& cases, const std::string& doc) {
+        addRemark(lines, cases + ": void" + (doc.empty() ? "" : "; " + doc), indent);
+    };
+    for (const ArmMember& arm : voidArmsOf(definition)) add(casesOf(arm.cases), arm.doc);
+    if (definition.defaultArm) add("any other value", docOf(definition.defaultArm->declaration));
+}
+
+std::string arms(const Definition& definition, MemberText member)
+{
+    const std::size_t indent = 2 * indentWidth;
+    std::vector<BodyLine> lines;
+    for (const ArmMember& arm : armMembersOf(definition)) {
+        const std::string limit = limitOf(*arm.declaration);
+        lines.push_back({member(*arm.declaration), casesOf(arm.cases) + (limit.empty() ? "" : ": " + limit), arm.doc});
+    }
+    addVoidArms(lines, definition, indent);
+    return "    union {\n" + body(lines, indent) + "    };\n";
 }
 
 // The types of the module and of those that it imports.
@@ -57,20 +88,20 @@ std::string limitOf(const Declaration& declaration)
     }
 }
 
-std::string casesOf(const std::vector<const Value*>& values)
+std::string structText(const Definition& definition, MemberText member)
 {
-    std::vector<std::string> cases;
-    for (const Value* value : values) cases.push_back(value->text);
-    return (cases.size() == 1 ? "case " : "cases ") + joined(cases);
+    std::vector<BodyLine> lines;
+    for (const Declaration& field : definition.fields) lines.push_back({member(field), limitOf(field), docOf(field)});
+    return "struct " + definition.name + " {\n" + body(lines, indentWidth) + "};\n";
 }
 
-void addVoidArms(std::vector<BodyLine>& lines, const Definition& definition, std::size_t indent)
+std::string unionText(const Definition& definition, MemberText member)
 {
-    const auto add = [&](const std::string& cases, const std::string& doc) {
-        addRemark(lines, cases + ": void" + (doc.empty() ? "" : "; " + doc), indent);
-    };
-    for (const ArmMember& arm : voidArmsOf(definition)) add(casesOf(arm.cases), arm.doc);
-    if (definition.defaultArm) add("any other value", docOf(definition.defaultArm->declaration));
+    const bool hasArms = !armMembersOf(definition).empty();
+    std::vector<BodyLine> lines = {{member(definition.discriminant), "", docOf(definition.discriminant)}};
+    if (!hasArms) addVoidArms(lines, definition, indentWidth);
+    return "struct " + definition.name + " {\n" + body(lines, indentWidth) + (hasArms ? arms(definition, member) : "") +
+           "};\n";
 }
 
 // The library would code a layout wrongly that an option such as -fpack-struct, or a pragma before the header, changes.

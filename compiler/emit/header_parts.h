@@ -1,12 +1,9 @@
-// What the public headers of C++ and of C have in common: comments, and the assertions of the layouts.
+// What the public headers of C++ and of C have in common: structs, comments, and the assertions of the layouts.
 #pragma once
 
 #include "front/model.h"
-#include "text.h"
 
-#include <cstddef>
 #include <string>
-#include <vector>
 
 namespace quorva::compiler {
 
@@ -19,11 +16,13 @@ std::string bound(const Declaration& declaration);
 // What the declaration in a header does not tell: bounds, and what null means.
 std::string limitOf(const Declaration& declaration);
 
-// "case A", or "cases A, B".
-std::string casesOf(const std::vector<const Value*>& values);
+// The declaration of a field, a discriminant or an arm, in one of the languages.
+using MemberText = std::string (*)(const Declaration& member);
 
-// Adds comments that say which cases of the union have no data.
-void addVoidArms(std::vector<BodyLine>& lines, const Definition& discriminatedUnion, std::size_t indent);
+// The struct that a struct of the interface is, or a union: the discriminant and a union of the arms, with comments
+// that say which cases have no data.
+std::string structText(const Definition& structure, MemberText member);
+std::string unionText(const Definition& discriminatedUnion, MemberText member);
 
 // How a language spells an assertion.
 struct AssertionSpelling {
