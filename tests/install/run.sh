@@ -75,10 +75,11 @@ prints "$work/expected" "$work/readme/build/main"
 mkdir "$work/bin"
 printf '#!/bin/sh\nexec "%s" %s "$@"\n' "$compiler" "$sanitize" >"$work/bin/g++"
 chmod +x "$work/bin/g++"
-# The sanitizers of a library that is C++ come with the C++ compiler, which then compiles the C, too.
+# The sanitizers of a library that is C++ come with the C++ compiler, which then compiles the README's C, too.
+mkdir "$work/c"
 if [ -n "$sanitize" ]; then
-    printf '#!/bin/sh\nexec g++ -x c -std=c11 "$@"\n' >"$work/bin/cc"
-    chmod +x "$work/bin/cc"
+    printf '#!/bin/sh\nexec g++ -x c -std=c11 "$@"\n' >"$work/c/cc"
+    chmod +x "$work/c/cc"
 fi
 PATH=$work/bin:$work/moved/bin:$PATH
 export PATH PREFIX
@@ -88,7 +89,7 @@ readme sh 1 >"$work/readme/run"
 cp "$source/examples/from_c.c" "$work/readme/main.c"
 sed '1,/^\/\/ Prints:$/d; s|^// ||' "$source/examples/from_c.c" >"$work/from_c"
 { echo 'PKG_CONFIG_PATH=$PREFIX/lib/pkgconfig; export PKG_CONFIG_PATH'; readme sh 2; } >"$work/readme/run"
-(cd "$work/readme" && prints "$work/from_c" sh -eu ./run)
+(cd "$work/readme" && PATH=$work/c:$PATH && prints "$work/from_c" sh -eu ./run)
 
 PKG_CONFIG_PATH=$work/moved/lib/pkgconfig
 export PKG_CONFIG_PATH
